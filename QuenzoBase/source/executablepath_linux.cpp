@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: MIT
+#include "executablepath.h"
+
+#include <QFile>
+
+QString executablePath()
+{
+    return QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
+}

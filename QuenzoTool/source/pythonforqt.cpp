@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+#include "pythonapi.h"
+
+#include "pythonforqt.h"
+
+#include "pythonplatform.h"
+#include "pythonstatement.h"
+#include "quenzotool.h"
+
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QMutex>
+#include <QVector>
+
+#include <atomic>
+
+namespace {
+
+// Messages gathered while the interpreter lock is held and written after it was given back: a message handler may
+// itself wait for the interpreter.
+class DeferredMessages {
+public:
+    explicit DeferredMessages(const char* function)
+        : m_function(function)
+    {
+    }
+    ~DeferredMessages()
+    {
+        for (const Message& message : qAsConst(m_messages)) {
+            const QMessageLogger logger("QuenzoTool/source/pythonforqt", message.line, m_function);
+            logger.debug().noquote() << message.text;
+        }
+    }
+    DeferredMessages(const DeferredMessages&) = delete;
+    DeferredMessages& operator=(const DeferredMessages&) = delete;
+
+    void add(int line, const QString& text) { m_messages.append({line, text}); }
+
+private:
+    struct Message {
+        int line;
+        QString text;
+    };
+    const char* m_function;
+    QVector<Message> m_messages;
+};
+
+// A statement of the start-up with its place filled in; the texts are in the translation context as they were.
+std::string statement(const QString& source, const QString& place)
+{
+    return source.arg(place, 0, QLatin1Char(' ')).toStdString();
+}
+
+QString importError()
+{
+    const bool byLocale = PyErr_ExceptionMatches(PyExc_UnicodeEncodeError) != 0;
+    const QString error = takePythonError();
+    return byLocale ? error + QStringLiteral(" (a folder in sys.path needs a UTF-8 locale)") : error;
+}
+
+QString textOf(PyObject* object)
+{
+    const char* text = nullptr;
+    PyArg_Parse(object, "s", &text);
+    PyErr_Clear();
+    return QString::fromUtf8(text);
+}
+
+// Only the caller's own module object: another task may be importing the module anew at this moment.
+void unloadModule(const std::string& name, PyObject* module)
+{
+    PyObject* const modules = PyImport_GetModuleDict();
+    if (PyDict_GetItemString(modules, name.c_str()) == module)
+        PyDict_DelItemString(modules, name.c_str());
+    PyErr_Clear();
+}
+
+} // namespace
+
+PyThreadStateLock::PyThreadStateLock()
+    : m_state(PyGILState_Ensure())
+{
+}
+
+PyThreadStateLock::~PyThreadStateLock()
+{
+    PyGILState_Release(static_cast<PyGILState_STATE>(m_state));
+}
+
+PythonForQt::PythonForQt(QObject* parent)
+    : QObject(parent)
+    , bEnvReady(initPythonEnv())
+    , pResult(nullptr)
+{
+}
+
+PythonForQt::~PythonForQt() = default;
+
+bool PythonForQt::initPythonEnv()
+{
+    // The interpreter counts as initialised long before another thread may enter it.
+    static std::atomic<bool> starting {false};
+    static QBasicMutex startMutex;
+    if (Py_IsInitialized() != 0 && !starting)
+        return true;
+    const QMutexLocker locker(&startMutex);
+    if (Py_IsInitialized() != 0)
+        return true;
+
+    starting = true;
+    makePythonSymbolsGlobal();
+    {
+        const SignalKeeper keeper;
+        Py_Initialize();
+    }
+    const bool started = Py_IsInitialized() != 0;
+    if (started) {
+        PyEval_InitThreads();
+        PyEval_ReleaseThread(PyThreadState_Get());
+        const PyThreadStateLock lock;
+        runPythonStatement("import sys");
+        const QString folder = QuenzoTool::getToolPath() + QStringLiteral("/Python");
+        runPythonStatement("import os");
+        runPythonStatement(statement(tr("os.environ['PYTHON_QUENZO_ENV'] = '%1'"), folder));
+        runPythonStatement(statement(tr("sys.path.append(str('%1').decode('utf8'))"), folder));
+        runPythonStatement(tr("import init_python_env").toStdString());
+    }
+    starting = false;
+    return started;
+}
+
+void PythonForQt::callScript(QString scriptPath, QString function, const QList<QVariant>& arguments, bool unload)
+{
+    DeferredMessages messages("void __cdecl PythonForQt::callScript(class QString,class QString,"
+                              "const class QList<class QVariant> &,bool)");
+    const PyThreadStateLock lock;
+    // An error left by the caller, or by an earlier call under the caller's lock, would fail the first statement.
+    PyErr_Clear();
+    runPythonStatement("import sys");
+    runPythonStatement("import os");
+    const QFileInfo script(scriptPath);
+    const std::string moduleName = script.completeBaseName().toStdString();
+    const std::string folder = "str('" + script.absolutePath().toStdString() + "').decode('utf8')";
+    runPythonStatement("reload(sys);sys.setdefaultencoding('utf8');");
+    runPythonStatement("sys.path.append(" + folder + ")");
+
+    PyReference module(PyImport_ImportModule(moduleName.c_str()));
+    if (module == nullptr) {
+        messages.add(__LINE__, QStringLiteral("scriptName: ") + script.completeBaseName());
+        messages.add(__LINE__, QStringLiteral("Error:Not Found The File of srcipt"));
+        messages.add(__LINE__, importError());
+        return;
+    }
+    const QByteArray functionName = function.toUtf8();
+    if (PyReference callee {PyObject_GetAttrString(module.get(), functionName.constData())}) {
+        const PyReference tuple(argumentTuple(arguments));
+        pResult = PyEval_CallObjectWithKeywords(callee.get(), tuple.get(), nullptr);
+        if (pResult == nullptr)
+            messages.add(__LINE__, takePythonError());
+    } else {
+        messages.add(__LINE__, QStringLiteral("Error:Function was not found!"));
+        messages.add(__LINE__, takePythonError());
+    }
+    if (unload)
+        unloadModule(moduleName, module.get());
+    // Not before the function has returned: without its module its globals turn to None.
+    module.reset();
+    runPythonStatement("if " + folder + " in sys.path:sys.path.remove(" + folder + ")");
+}
+
+int PythonForQt::getResultAsInt()
+{
+    if (pResult == nullptr)
+        return -1;
+    const PyThreadStateLock lock;
+    PyErr_Clear();
+    const int number = _PyInt_AsInt(pResult);
+    PyErr_Clear();
+    releaseObj(&pResult);
+    return number;
+}
+
+QString PythonForQt::getResultAsString()
+{
+    if (pResult == nullptr)
+        return {};
+    const PyThreadStateLock lock;
+    PyErr_Clear();
+    const QString text = textOf(pResult);
+    releaseObj(&pResult);
+    return text;
+}
+
+QStringList PythonForQt::getResultAsStrList()
+{
+    QStringList texts;
+    if (pResult == nullptr)
+        return texts;
+    const PyThreadStateLock lock;
+    PyErr_Clear();
+    const Py_ssize_t count = PyList_Size(pResult);
+    PyErr_Clear();
+    for (Py_ssize_t i = 0; i < count; ++i)
+        texts.append(textOf(PyList_GetItem(pResult, i)));
+    releaseObj(&pResult);
+    return texts;
+}
+
+QMap<QString, QString> PythonForQt::getResultAsStrDict()
+{
+    QMap<QString, QString> texts;
+    if (pResult == nullptr)
+        return texts;
+    const PyThreadStateLock lock;
+    PyErr_Clear();
+    PyObject* key = nullptr;
+    PyObject* value = nullptr;
+    Py_ssize_t position = 0;
+    while (PyDict_Next(pResult, &position, &key, &value) != 0)
+        texts.insert(textOf(key), textOf(value));
+    PyErr_Clear();
+    releaseObj(&pResult);
+    return texts;
+}
+
+PyObject* PythonForQt::BuildValue(QVariant value)
+{
+    switch (value.type()) {
+    case QVariant::Int:
+        return Py_BuildValue("i", value.toInt());
+    case QVariant::String:
+        return Py_BuildValue("s", value.toString().toStdString().c_str());
+    default:
+        return nullptr;
+    }
+}
+
+PyObject* PythonForQt::argumentTuple(const QList<QVariant>& arguments)
+{
+    if (arguments.isEmpty())
+        return nullptr;
+    PyObject* const tuple = PyTuple_New(arguments.size());
+    Py_ssize_t slot = 0;
+    for (const QVariant& argument : arguments) {
+        if (PyObject* const value = BuildValue(argument))
+            PyTuple_SET_ITEM(tuple, slot++, value);
+        PyErr_Clear();
+    }
+    // A slot left null would crash the interpreter as soon as the function looks at it.
+    for (; slot < arguments.size(); ++slot) {
+        Py_INCREF(Py_None);
+        PyTuple_SET_ITEM(tuple, slot, Py_None);
+    }
+    return tuple;
+}
+
+void PythonForQt::releaseObj(PyObject** slot)
+{
+    if (*slot == nullptr)
+        return;
+    const PyThreadStateLock lock;
+    Py_CLEAR(*slot);
+}

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#ifndef PYTHONPLATFORM_H
+#define PYTHONPLATFORM_H
+
+#include <memory>
+
+/**
+ * Makes the symbols of the loaded Python runtime visible to the extension modules it loads later. They are not when
+ * the host has loaded this library at run time with local symbols, as QLibrary does.
+ */
+void makePythonSymbolsGlobal();
+
+/** Puts the process's handling of those signals that the interpreter's start takes over back when it goes. */
+class SignalKeeper {
+public:
+    SignalKeeper();
+    ~SignalKeeper();
+    SignalKeeper(const SignalKeeper&) = delete;
+    SignalKeeper& operator=(const SignalKeeper&) = delete;
+
+private:
+    struct Actions;
+    std::unique_ptr<Actions> m_actions;
+};
+
+#endif

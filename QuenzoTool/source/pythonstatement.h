@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#ifndef PYTHONSTATEMENT_H
+#define PYTHONSTATEMENT_H
+
+#include <QString>
+
+#include <string>
+
+/**
+ * Runs a statement in the module `__main__`, as PyRun_SimpleString does: an error is printed to the standard error.
+ * A text that was run before is not compiled again. The interpreter lock must be held, with no exception pending.
+ */
+void runPythonStatement(const std::string& text);
+
+/**
+ * Takes the pending exception off, as "type: text" without a traceback.
+ *
+ * @return empty when none was pending. The interpreter lock must be held.
+ */
+QString takePythonError();
+
+#endif

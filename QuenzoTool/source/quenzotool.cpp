@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: MIT
+#include "quenzotool.h"
+
+#include "pythonforqt.h"
+
+#include <quenzobase.h>
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QProcess>
+
+#include <limits>
+
+namespace {
+
+int truncated(double number)
+{
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(qBound<double>(Limits::min(), number, Limits::max()));
+}
+
+// The length of the text's first `count` characters in bytes, `known` being that of the first `from` of them: so a
+// bisection encodes each character about once.
+struct Prefix {
+    int count = 0;
+    int bytes = 0;
+};
+
+Prefix lengthened(const QString& text, Prefix from, int count)
+{
+    // A surrogate pair is encoded as a whole; the half of one counts as the codec's replacement.
+    if (from.count > 0 && text.at(from.count - 1).isHighSurrogate()) {
+        --from.count;
+        from.bytes -= text.midRef(from.count, 1).toLocal8Bit().size();
+    }
+    return {count, from.bytes + text.midRef(from.count, count - from.count).toLocal8Bit().size()};
+}
+
+} // namespace
+
+QString QuenzoTool::getToolPath()
+{
+#ifdef Q_OS_WIN
+    return QuenzoBase::getRunPath() + QStringLiteral("/../tool/win");
+#else
+    return QuenzoBase::getRunPath() + QStringLiteral("/../tool/mac");
+#endif
+}
+
+bool QuenzoTool::runCmdWaitFinish(const QString& command, QString& output, QString& error)
+{
+    constexpr int timeLimitMs = 30000;
+    QStringList words = QProcess::splitCommand(command);
+    const QString program = words.isEmpty() ? QString() : words.takeFirst();
+
+    QProcess process;
+    process.start(program, words, QIODevice::ReadWrite);
+    const bool finished = process.waitForFinished(timeLimitMs);
+    output = QString::fromUtf8(process.readAllStandardOutput());
+    error = QString::fromUtf8(process.readAllStandardError());
+    if (process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished();
+    }
+    return finished;
+}
+
+QString QuenzoTool::getCurrentTime(QString format)
+{
+    return QDateTime::currentDateTime().toString(format);
+}
+
+QString QuenzoTool::getDownloadFileName(QString url)
+{
+    const QString name = QFileInfo(url).fileName();
+    return name.left(name.indexOf(QLatin1Char('?')));
+}
+
+int QuenzoTool::showLength(QString text)
+{
+    return text.toLocal8Bit().size();
+}
+
+QString QuenzoTool::getStrInMaxCount(QString text, int count, QString suffix)
+{
+    if (showLength(text) <= count)
+        return text;
+    const int room = count - showLength(suffix);
+    if (room <= 0)
+        return text;
+
+    // Prefix lengths grow with the prefix, so the first one of at least room - 1 bytes decides.
+    Prefix below;
+    int above = qMin(count, text.size());
+    while (above - below.count > 1) {
+        const Prefix middle = lengthened(text, below, below.count + (above - below.count) / 2);
+        if (middle.bytes < room - 1)
+            below = middle;
+        else
+            above = middle.count;
+    }
+    const int first = room == 1 ? 0 : above;
+    const int bytes = showLength(text.left(first));
+    const bool fits = first < count && (bytes == room - 1 || bytes == room);
+    return fits ? text.left(first) + suffix : QString();
+}
+
+QString QuenzoTool::blankReplace(QString text)
+{
+    constexpr int untouched = 9;
+    constexpr QLatin1Char backslash('\\');
+    QString escaped = text.left(untouched);
+    escaped.reserve(text.size());
+    for (int i = untouched; i < text.size(); ++i) {
+        if (text.at(i).isSpace() && text.at(i - 1) != backslash)
+            escaped += backslash;
+        escaped += text.at(i);
+    }
+    return escaped;
+}
+
+int QuenzoTool::ConvertToInt(QJsonValueRef value)
+{
+    return value.isString() ? value.toString().toInt() : truncated(value.toDouble(0.0));
+}
+
+QString QuenzoTool::ConvertToStr(QJsonValueRef value)
+{
+    return value.isDouble() ? QString::number(value.toDouble(), 'g', 6) : value.toString();
+}
+
+void QuenzoTool::getUrlParam(QString url, QMap<QString, QString>& params)
+{
+    params.clear();
+    const int query = url.indexOf(QLatin1Char('?'));
+    if (query < 0)
+        return;
+
+    // Values are cut out at the end: those of glued pieces overlap, and a later occurrence may replace them.
+    QMap<QString, QStringRef> values;
+    int rest = query + 1;
+    int equals = url.indexOf(QLatin1Char('='), rest);
+    while (equals >= 0) {
+        const int ampersand = url.indexOf(QLatin1Char('&'), rest);
+        const QString key = url.mid(rest, equals - rest);
+        const bool toTheEnd = ampersand < equals;
+        values[key] = url.midRef(equals + 1, toTheEnd ? -1 : ampersand - equals - 1);
+        if (ampersand < 0)
+            break;
+        rest = ampersand + 1;
+        if (equals < rest)
+            equals = url.indexOf(QLatin1Char('='), rest);
+    }
+    for (auto value = values.cbegin(); value != values.cend(); ++value)
+        params.insert(params.cend(), value.key(), value->toString());
+}
+
+bool QuenzoTool::initPythonEnv()
+{
+    return PythonForQt::initPythonEnv();
+}

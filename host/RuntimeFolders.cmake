@@ -1,0 +1,46 @@
+# SPDX-License-Identifier: MIT
+# The folders a host finds beside bin/: the build tree gets them at each build, an installed prefix likewise.
+if(WIN32)
+    set(tool_dir tool/win)
+else()
+    set(tool_dir tool/mac)
+endif()
+
+# quenzo_stage(SOURCE DESTINATION): keeps a file of the source tree up to date in the build tree's root, installs it.
+function(quenzo_stage source destination)
+    cmake_path(GET source FILENAME name)
+    set(staged "${PROJECT_BINARY_DIR}/${destination}/${name}")
+    add_custom_command(OUTPUT "${staged}" DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${source}"
+        COMMAND ${CMAKE_COMMAND} -E make_directory "${PROJECT_BINARY_DIR}/${destination}"
+        COMMAND ${CMAKE_COMMAND} -E copy "${CMAKE_CURRENT_SOURCE_DIR}/${source}" "${staged}" VERBATIM)
+    set_property(DIRECTORY APPEND PROPERTY staged_files "${staged}")
+    install(PROGRAMS "${source}" DESTINATION "${destination}" PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+endfunction()
+
+# quenzo_link_program(NAME): a link to the system's program in the tool folder.
+function(quenzo_link_program name)
+    find_program(QUENZO_${name} NAMES ${name})
+    if(NOT QUENZO_${name})
+        message(WARNING "The program ${name} was not found: the commands that need it will say so.")
+        return()
+    endif()
+    file(CREATE_LINK "${QUENZO_${name}}" "${PROJECT_BINARY_DIR}/${tool_dir}/${name}" SYMBOLIC)
+    install(FILES "${PROJECT_BINARY_DIR}/${tool_dir}/${name}" DESTINATION "${tool_dir}")
+endfunction()
+
+file(GLOB scripts CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" Script/*)
+foreach(script IN LISTS scripts)
+    quenzo_stage(${script} Script)
+endforeach()
+file(GLOB modules CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" tool/Python/*.py)
+foreach(module IN LISTS modules)
+    quenzo_stage(${module} ${tool_dir}/Python)
+endforeach()
+
+file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/${tool_dir}" "${PROJECT_BINARY_DIR}/log")
+quenzo_link_program(adb)
+quenzo_link_program(aapt)
+install(DIRECTORY DESTINATION log)
+
+get_property(staged DIRECTORY PROPERTY staged_files)
+add_custom_target(runtime_folders ALL DEPENDS ${staged})

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#ifndef COMMAND_H
+#define COMMAND_H
+
+#include <QCommandLineOption>
+#include <QList>
+#include <QString>
+#include <QVector>
+
+#include <functional>
+
+class Console;
+class QCommandLineParser;
+
+enum ExitCode : int {
+    ExitDone = 0,
+    ExitFailed = 1,
+    ExitUsage = 2,
+};
+
+/** One positional argument of a command, as its help shows it. */
+struct Argument {
+    enum Count { Once, Optional, AnyNumber };
+    QString name;
+    QString description;
+    Count count = Once;
+};
+
+/** One command of the program; each group of commands has a file of its own that lists them. */
+struct Command {
+    QString name;
+    QString summary;
+    QVector<Argument> arguments;
+    QList<QCommandLineOption> options;
+    /** Called under a running application with arguments that are complete in number. */
+    std::function<ExitCode(const QCommandLineParser&, Console&)> run;
+};
+
+QVector<Command> scriptCommands();
+
+#endif

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include "command.h"
+
+QVector<Command> scriptCommands()
+{
+    return {};
+}

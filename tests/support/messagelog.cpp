@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#include "messagelog.h"
+
+#include <QMutex>
+
+#include <utility>
+
+namespace {
+
+QBasicMutex mutex;
+QVector<LoggedMessage>* messages = nullptr;
+QtMessageHandler handlerBefore = nullptr;
+
+void record(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    {
+        const QMutexLocker locker(&mutex);
+        if (messages != nullptr)
+            messages->append({type, text, QString::fromUtf8(context.file), QString::fromUtf8(context.function),
+                              context.line});
+    }
+    if (type != QtDebugMsg && type != QtInfoMsg && handlerBefore != nullptr)
+        handlerBefore(type, context, text);
+}
+
+} // namespace
+
+MessageLog::MessageLog()
+{
+    const QMutexLocker locker(&mutex);
+    messages = new QVector<LoggedMessage>;
+    handlerBefore = qInstallMessageHandler(record);
+}
+
+MessageLog::~MessageLog()
+{
+    qInstallMessageHandler(handlerBefore);
+    const QMutexLocker locker(&mutex);
+    delete std::exchange(messages, nullptr);
+}
+
+QVector<LoggedMessage> MessageLog::take()
+{
+    const QMutexLocker locker(&mutex);
+    return std::exchange(*messages, {});
+}
+
+QStringList MessageLog::takeDebugTexts()
+{
+    QStringList texts;
+    const QVector<LoggedMessage> taken = take();
+    for (const LoggedMessage& message : taken) {
+        if (message.type == QtDebugMsg)
+            texts.append(message.text);
+    }
+    return texts;
+}
+
+QStringList MessageLog::takeWarnings()
+{
+    QStringList texts;
+    const QVector<LoggedMessage> taken = take();
+    for (const LoggedMessage& message : taken) {
+        if (message.type != QtDebugMsg && message.type != QtInfoMsg)
+            texts.append(message.text);
+    }
+    return texts;
+}
