@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "command.h"
 #include "console.h"
+#include "diagnostics.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -9,6 +10,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <langinfo.h>
 
 namespace {
 
@@ -16,11 +18,19 @@ struct Program {
     Q_DECLARE_TR_FUNCTIONS(Program)
 };
 
-// Under any other encoding the interpreter cannot import from folders with names beyond ASCII, nor can Qt open them.
+// Under another encoding the interpreter cannot import from folders with names beyond ASCII, nor can Qt open them.
 void ensureUtf8Locale()
 {
-    setenv("LC_ALL", "C.UTF-8", 1);
-    std::setlocale(LC_ALL, "C.UTF-8");
+    std::setlocale(LC_ALL, "");
+    if (qstrcmp(nl_langinfo(CODESET), "UTF-8") != 0)
+        setenv("LC_ALL", "C.UTF-8", 1);
+}
+
+// What is meant for another interpreter would keep the embedded one from its own library.
+void isolateInterpreter()
+{
+    unsetenv("PYTHONHOME");
+    unsetenv("PYTHONPATH");
 }
 
 QVector<Command> allCommands()
@@ -79,6 +89,16 @@ bool isComplete(const Command& command, int given)
     return given >= least && (open || given <= command.arguments.size());
 }
 
+// The parser knows of no commands: its usage line is replaced.
+QString helpText(const Command& command, const QCommandLineParser& parser)
+{
+    QString usage = Program::tr("Usage: quenzo %1 [options]").arg(command.name);
+    for (const Argument& argument : command.arguments)
+        usage += QLatin1Char(' ') + syntaxOf(argument);
+    const QString text = parser.helpText().trimmed();
+    return usage + text.mid(text.indexOf(QLatin1Char('\n')));
+}
+
 ExitCode runCommand(const Command& command, QStringList words)
 {
     QCommandLineParser parser;
@@ -87,7 +107,6 @@ ExitCode runCommand(const Command& command, QStringList words)
     const QCommandLineOption json(QStringLiteral("json"), Program::tr("Prints one JSON object as the result."));
     parser.addOptions({help, json});
     parser.addOptions(command.options);
-    parser.addPositionalArgument(command.name, command.summary, command.name);
     for (const Argument& argument : command.arguments)
         parser.addPositionalArgument(argument.name, argument.description, syntaxOf(argument));
 
@@ -95,7 +114,7 @@ ExitCode runCommand(const Command& command, QStringList words)
     if (!parser.parse(words))
         return usageError(parser.errorText(), command.name);
     if (parser.isSet(help)) {
-        writeLine(stdout, parser.helpText().trimmed());
+        writeLine(stdout, helpText(command, parser));
         return ExitDone;
     }
     // The command's own name is the first positional argument.
@@ -114,6 +133,8 @@ ExitCode runCommand(const Command& command, QStringList words)
 int main(int argc, char* argv[])
 {
     ensureUtf8Locale();
+    isolateInterpreter();
+    Diagnostics::install();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
     const QVector<Command> commands = allCommands();
