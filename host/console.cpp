@@ -80,5 +80,6 @@ void Console::finish(const QString& command, bool ok)
         return;
     m_values.insert(QStringLiteral("command"), command);
     m_values.insert(QStringLiteral("ok"), ok);
-    write(stdout, QString::fromUtf8(QJsonDocument(m_values).toJson(QJsonDocument::Compact)) + QLatin1Char('\n'));
+    write(stdout,
+          QString::fromUtf8(QJsonDocument(m_values).toJson(QJsonDocument::Compact)) + QLatin1Char('\n'));
 }

@@ -5,7 +5,8 @@
 #include <QJsonObject>
 #include <QString>
 
-/** Where a command reports: results on the standard output, diagnostics and progress on the standard error. */
+/** Where a command reports: results on the standard output, diagnostics and progress on the standard error.
+ */
 class Console {
 public:
     explicit Console(bool json)

@@ -15,7 +15,8 @@ QtMessageHandler handlerBefore = nullptr;
 
 void keep(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    if (type != QtDebugMsg || !QString::fromUtf8(context.file).startsWith(QLatin1String("QuenzoTool/source/"))) {
+    if (type != QtDebugMsg
+        || !QString::fromUtf8(context.file).startsWith(QLatin1String("QuenzoTool/source/"))) {
         handlerBefore(type, context, text);
         return;
     }

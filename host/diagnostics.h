@@ -13,6 +13,6 @@ void install();
 /** Takes what the library has said since the last call, in one line; empty when it said nothing. */
 QString take();
 
-}
+} // namespace Diagnostics
 
 #endif

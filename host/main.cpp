@@ -18,7 +18,8 @@ struct Program {
     Q_DECLARE_TR_FUNCTIONS(Program)
 };
 
-// Under another encoding the interpreter cannot import from folders with names beyond ASCII, nor can Qt open them.
+// Under another encoding the interpreter cannot import from folders with names beyond ASCII, nor can Qt open
+// them.
 void ensureUtf8Locale()
 {
     std::setlocale(LC_ALL, "");
@@ -103,8 +104,10 @@ ExitCode runCommand(const Command& command, QStringList words)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(command.summary);
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, Program::tr("Shows this help."));
-    const QCommandLineOption json(QStringLiteral("json"), Program::tr("Prints one JSON object as the result."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  Program::tr("Shows this help."));
+    const QCommandLineOption json(QStringLiteral("json"),
+                                  Program::tr("Prints one JSON object as the result."));
     parser.addOptions({help, json});
     parser.addOptions(command.options);
     for (const Argument& argument : command.arguments)

@@ -27,7 +27,8 @@ struct Outcome {
 };
 
 /** Runs one task on the worker thread, under a running event loop. */
-Outcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap& parameters, const QString& doing)
+Outcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap& parameters,
+                const QString& doing)
 {
     Outcome outcome;
     if (!QuenzoTool::initPythonEnv()) {
@@ -51,7 +52,8 @@ Outcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap
 
 ExitCode fail(Console& console, const QString& what, const Outcome& outcome)
 {
-    console.error(outcome.diagnostics.isEmpty() ? what : what + QStringLiteral(" (%1)").arg(outcome.diagnostics));
+    console.error(outcome.diagnostics.isEmpty() ? what
+                                                : what + QStringLiteral(" (%1)").arg(outcome.diagnostics));
     return ExitFailed;
 }
 
@@ -67,7 +69,7 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
 {
     const QString package = parser.positionalArguments().at(1);
     const QString dest = parser.positionalArguments().at(2);
-    QVariantMap parameters {{QStringLiteral("src"), package}, {QStringLiteral("dest"), dest}};
+    QVariantMap parameters{{QStringLiteral("src"), package}, {QStringLiteral("dest"), dest}};
     const QString sdkOption = QStringLiteral("sdk-id");
     if (parser.isSet(sdkOption)) {
         bool isNumber = false;
@@ -79,7 +81,8 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
     }
     if (!exists(console, package))
         return ExitFailed;
-    const Outcome outcome = runTask(console, PYTHON_TOOL_IMPORT_SDK, parameters, ScriptCommands::tr("importing"));
+    const Outcome outcome =
+        runTask(console, PYTHON_TOOL_IMPORT_SDK, parameters, ScriptCommands::tr("importing"));
     if (outcome.succeeded) {
         console.print(ScriptCommands::tr("imported %1 into %2").arg(package, dest));
         console.set(QStringLiteral("dest"), dest);
@@ -88,10 +91,11 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
     const int code = outcome.values.value(QStringLiteral("error_code"), -1).toInt();
     const QString text = outcome.values.value(QStringLiteral("error_str")).toString();
     console.set(QStringLiteral("error_code"), code);
-    return fail(console,
-                ScriptCommands::tr("import failed with answer %1: %2")
-                    .arg(QString::number(code), text.isEmpty() ? ScriptCommands::tr("no further word") : text),
-                outcome);
+    return fail(
+        console,
+        ScriptCommands::tr("import failed with answer %1: %2")
+            .arg(QString::number(code), text.isEmpty() ? ScriptCommands::tr("no further word") : text),
+        outcome);
 }
 
 ExitCode encryptApk(const QCommandLineParser& parser, Console& console)
@@ -116,9 +120,8 @@ ExitCode packFolder(const QCommandLineParser& parser, Console& console)
     const QString apk = parser.value(QStringLiteral("apk"));
     if (!exists(console, folder) || (!apk.isEmpty() && !exists(console, apk)))
         return ExitFailed;
-    const QVariantMap parameters {{QStringLiteral("src"), folder},
-                                  {QStringLiteral("dest"), archive},
-                                  {QStringLiteral("apkfile"), apk}};
+    const QVariantMap parameters{
+        {QStringLiteral("src"), folder}, {QStringLiteral("dest"), archive}, {QStringLiteral("apkfile"), apk}};
     const Outcome outcome = runTask(console, PYTHON_TOOL_ZIP, parameters, ScriptCommands::tr("packing"));
     // The task reports nothing; a script that failed has left a message.
     const QFileInfo result(archive);
@@ -136,7 +139,7 @@ ExitCode unpackArchive(const QCommandLineParser& parser, Console& console)
     const QString folder = parser.positionalArguments().at(2);
     if (!exists(console, archive))
         return ExitFailed;
-    const QVariantMap parameters {{QStringLiteral("src"), archive}, {QStringLiteral("dest"), folder}};
+    const QVariantMap parameters{{QStringLiteral("src"), archive}, {QStringLiteral("dest"), folder}};
     const Outcome outcome = runTask(console, PYTHON_TOOL_UNZIP, parameters, ScriptCommands::tr("unpacking"));
     if (!outcome.diagnostics.isEmpty() || !QFileInfo(folder).isDir())
         return fail(console, ScriptCommands::tr("unpacking failed"), outcome);
@@ -163,10 +166,11 @@ ExitCode runScript(const QCommandLineParser& parser, Console& console)
     QVariantList arguments;
     for (const QString& word : words.mid(3))
         arguments.append(scriptArgument(word, asText));
-    const QVariantMap parameters {{QStringLiteral("toolPath"), words.at(1)},
-                                  {QStringLiteral("main"), words.at(2)},
-                                  {QStringLiteral("list"), arguments}};
-    const Outcome outcome = runTask(console, PYTHON_TOOL_RUN_SCRIPT, parameters, ScriptCommands::tr("running"));
+    const QVariantMap parameters{{QStringLiteral("toolPath"), words.at(1)},
+                                 {QStringLiteral("main"), words.at(2)},
+                                 {QStringLiteral("list"), arguments}};
+    const Outcome outcome =
+        runTask(console, PYTHON_TOOL_RUN_SCRIPT, parameters, ScriptCommands::tr("running"));
     if (!outcome.succeeded)
         return fail(console, ScriptCommands::tr("%1 did not answer \"param\"").arg(words.at(2)), outcome);
     console.print(ScriptCommands::tr("%1 succeeded").arg(words.at(2)));
@@ -182,9 +186,9 @@ ExitCode exportChannel(const QCommandLineParser& parser, Console& console)
         console.error(ScriptCommands::tr("CHANNEL-ID is a whole number"));
         return ExitUsage;
     }
-    const QVariantMap parameters {{QStringLiteral("idChannel"), channel}, {QStringLiteral("dest"), dest}};
-    const Outcome outcome
-        = runTask(console, PYTHON_TOOL_EXPORT_DEVELOP_INFO, parameters, ScriptCommands::tr("exporting"));
+    const QVariantMap parameters{{QStringLiteral("idChannel"), channel}, {QStringLiteral("dest"), dest}};
+    const Outcome outcome =
+        runTask(console, PYTHON_TOOL_EXPORT_DEVELOP_INFO, parameters, ScriptCommands::tr("exporting"));
     if (!outcome.succeeded) {
         const int answer = outcome.values.value(QStringLiteral("result"), -1).toInt();
         console.set(QStringLiteral("result"), answer);
@@ -203,27 +207,39 @@ QVector<Command> scriptCommands()
     const auto option = [](const char* name, const QString& description, const QString& value = {}) {
         return QCommandLineOption(QLatin1String(name), description, value);
     };
-    const Argument apk {QStringLiteral("APK"), C::tr("the APK file")};
-    const Argument folder {QStringLiteral("FOLDER"), C::tr("the folder")};
-    const Argument archive {QStringLiteral("ARCHIVE"), C::tr("the archive file")};
-    const Argument dest {QStringLiteral("DEST"), C::tr("the folder to fill")};
+    const Argument apk{QStringLiteral("APK"), C::tr("the APK file")};
+    const Argument folder{QStringLiteral("FOLDER"), C::tr("the folder")};
+    const Argument archive{QStringLiteral("ARCHIVE"), C::tr("the archive file")};
+    const Argument dest{QStringLiteral("DEST"), C::tr("the folder to fill")};
     return {
-        {QStringLiteral("import"), C::tr("imports a channel SDK package"),
+        {QStringLiteral("import"),
+         C::tr("imports a channel SDK package"),
          {{QStringLiteral("PACKAGE"), C::tr("the package file")}, dest},
          {option("sdk-id", C::tr("Refuses a package of another SDK number."), QStringLiteral("N"))},
          importPackage},
         {QStringLiteral("encrypt"), C::tr("encrypts the assets of an APK in place"), {apk}, {}, encryptApk},
-        {QStringLiteral("pack"), C::tr("packs a folder into an archive"), {folder, archive},
-         {option("apk", C::tr("Adds this file beside the folder's contents."), QStringLiteral("APK"))}, packFolder},
-        {QStringLiteral("unpack"), C::tr("unpacks an archive into a folder"), {archive, folder}, {}, unpackArchive},
-        {QStringLiteral("run"), C::tr("calls a function of a script, which answers \"param\" when all went well"),
+        {QStringLiteral("pack"),
+         C::tr("packs a folder into an archive"),
+         {folder, archive},
+         {option("apk", C::tr("Adds this file beside the folder's contents."), QStringLiteral("APK"))},
+         packFolder},
+        {QStringLiteral("unpack"),
+         C::tr("unpacks an archive into a folder"),
+         {archive, folder},
+         {},
+         unpackArchive},
+        {QStringLiteral("run"),
+         C::tr("calls a function of a script, which answers \"param\" when all went well"),
          {{QStringLiteral("SCRIPT"), C::tr("the script file")},
           {QStringLiteral("FUNCTION"), C::tr("the function's name")},
           {QStringLiteral("ARG"), C::tr("its arguments; whole numbers go as int; negative ones behind a --"),
            Argument::AnyNumber}},
          {option("text", C::tr("Passes whole numbers as text, too."))},
          runScript},
-        {QStringLiteral("export"), C::tr("exports a channel's developer information"),
-         {{QStringLiteral("CHANNEL-ID"), C::tr("the channel's number")}, dest}, {}, exportChannel},
+        {QStringLiteral("export"),
+         C::tr("exports a channel's developer information"),
+         {{QStringLiteral("CHANNEL-ID"), C::tr("the channel's number")}, dest},
+         {},
+         exportChannel},
     };
 }

@@ -12,7 +12,8 @@ private Q_SLOTS:
 
 void tst_QuenzoTool::downloadFileNameDropsQuery()
 {
-    QCOMPARE(QuenzoTool::getDownloadFileName(QStringLiteral("dir/app.apk?sign=1&t=2")), QStringLiteral("app.apk"));
+    QCOMPARE(QuenzoTool::getDownloadFileName(QStringLiteral("dir/app.apk?sign=1&t=2")),
+             QStringLiteral("app.apk"));
 }
 
 QTEST_GUILESS_MAIN(tst_QuenzoTool)

@@ -9,8 +9,8 @@
 /**
  * The companion library: where the host runs, and the tool's own log.
  *
- * A host may put a library of its own in the place of this one (same header, same library name); `QuenzoTool` is
- * not rebuilt for it.
+ * A host may put a library of its own in the place of this one (same header, same library name); `QuenzoTool`
+ * is not rebuilt for it.
  *
  * Both functions may be called from every thread.
  *
@@ -26,11 +26,11 @@ public:
     static QString getRunPath();
 
     /**
-     * Appends one entry to `<run path>/../log/quenzotool.log`, whose folder is made when it is missing: the local
-     * time in ISO 8601 with milliseconds, a blank, @p text as it stands, a line feed.
+     * Appends one entry to `<run path>/../log/quenzotool.log`, whose folder is made when it is missing: the
+     * local time in ISO 8601 with milliseconds, a blank, @p text as it stands, a line feed.
      *
-     * Entries of several threads, and of several processes, never mix. The entry is handed to the system before the
-     * function returns. A log that cannot be written is dropped in silence.
+     * Entries of several threads, and of several processes, never mix. The entry is handed to the system
+     * before the function returns. A log that cannot be written is dropped in silence.
      *
      * @param text the entry, written as UTF-8
      */

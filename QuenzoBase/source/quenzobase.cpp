@@ -56,7 +56,7 @@ private:
     }
 
     std::mutex m_mutex;
-    QFile m_file {runPath() + QStringLiteral("/../log/quenzotool.log")};
+    QFile m_file{runPath() + QStringLiteral("/../log/quenzotool.log")};
     qint64 m_second = -1;
     QByteArray m_secondText;
 };

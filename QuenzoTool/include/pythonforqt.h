@@ -12,8 +12,8 @@
 #include <QVariant>
 
 // A host needs the interpreter's headers only to touch Python objects itself.
-struct _object;
-typedef struct _object PyObject;
+struct _object; // NOLINT(bugprone-reserved-identifier): the interpreter's own name
+using PyObject = _object;
 
 /**
  * Holds the interpreter lock for the scope it lives in.
@@ -26,8 +26,9 @@ typedef struct _object PyObject;
  * @endcode
  *
  * May be nested, and used on threads that the interpreter has never seen. The interpreter must be running
- * (PythonForQt::initPythonEnv). To be destroyed on the thread that made it, in the reverse order of nesting; a copy
- * must not be destroyed as well as its source, since each taking of the lock is given back exactly once.
+ * (PythonForQt::initPythonEnv). To be destroyed on the thread that made it, in the reverse order of nesting;
+ * a copy must not be destroyed as well as its source, since each taking of the lock is given back exactly
+ * once.
  *
  * @since 1.0
  */
@@ -55,17 +56,18 @@ private:
  * const int channels = python.getResultAsInt();
  * @endcode
  *
- * The interpreter starts with the first object, or with initPythonEnv(), and runs until the process ends. Start it on
- * one thread before others call scripts.
+ * The interpreter starts with the first object, or with initPythonEnv(), and runs until the process ends.
+ * Start it on one thread before others call scripts.
  *
- * Threads: one object is used by one thread at a time; several objects may be used on several threads, whose calls
- * then take turns on the interpreter lock. Every function takes that lock itself, and may be called with it held.
+ * Threads: one object is used by one thread at a time; several objects may be used on several threads, whose
+ * calls then take turns on the interpreter lock. Every function takes that lock itself, and may be called
+ * with it held.
  *
- * Ownership: an object owns the result of its last call until a reader or releaseObj() takes it. Read (or release)
- * each result before the next call and before the object goes: a result not read is never released.
+ * Ownership: an object owns the result of its last call until a reader or releaseObj() takes it. Read (or
+ * release) each result before the next call and before the object goes: a result not read is never released.
  *
- * A script's failure is never thrown or printed. It shows as the reader's empty value; messages at debug level in
- * Qt's log name its cause.
+ * A script's failure is never thrown or printed. It shows as the reader's empty value; messages at debug
+ * level in Qt's log name its cause.
  *
  * @since 1.0
  */
@@ -78,12 +80,13 @@ public:
     ~PythonForQt() override;
 
     /**
-     * Starts the interpreter, once in a process: sets the environment variable `PYTHON_QUENZO_ENV` to the folder
-     * `Python` of the tool folder, appends that folder to `sys.path` and imports `init_python_env` from it. Whether
-     * these succeed is not checked: the interpreter prints their errors to the standard error.
+     * Starts the interpreter, once in a process: sets the environment variable `PYTHON_QUENZO_ENV` to the
+     * folder `Python` of the tool folder, appends that folder to `sys.path` and imports `init_python_env`
+     * from it. Whether these succeed is not checked: the interpreter prints their errors to the standard
+     * error.
      *
-     * The calling thread does not hold the interpreter lock afterwards. The process's handling of SIGINT and SIGPIPE
-     * stays as it was. A tool folder with a single quotation mark in its path is not supported.
+     * The calling thread does not hold the interpreter lock afterwards. The process's handling of SIGINT and
+     * SIGPIPE stays as it was. A tool folder with a single quotation mark in its path is not supported.
      *
      * The process should run under a UTF-8 locale: under the POSIX locale one folder with a non-ASCII name in
      * `sys.path` makes every later import fail.
@@ -95,32 +98,34 @@ public:
     /**
      * Calls a function of a script and keeps its result for one of the readers below.
      *
-     * The module of the script's base name is imported with the script's folder appended to `sys.path`: a module that
-     * is already loaded, or another one of that name earlier on the path, is taken as it is. When the import fails
-     * the folder stays in `sys.path`; otherwise it is taken off again.
+     * The module of the script's base name is imported with the script's folder appended to `sys.path`: a
+     * module that is already loaded, or another one of that name earlier on the path, is taken as it is. When
+     * the import fails the folder stays in `sys.path`; otherwise it is taken off again.
      *
      * @param scriptPath the script file; a folder with a single quotation mark in its path is not found
      * @param function the function's name
-     * @param arguments positional arguments: QVariant::Int goes as `int`, QVariant::String as `str` in UTF-8 up to its
-     *        first null character. Others are left out, those after them move up, and `None` fills the end. Without
-     *        arguments the function is called without any.
+     * @param arguments positional arguments: QVariant::Int goes as `int`, QVariant::String as `str` in UTF-8
+     * up to its first null character. Others are left out, those after them move up, and `None` fills the
+     * end. Without arguments the function is called without any.
      * @param unload whether the module is unloaded after the call, so that the next call reads the file again
      *
-     * When the module or the function is missing the result of an earlier call, if it was not read, stays; when the
-     * function raises there is none.
+     * When the module or the function is missing the result of an earlier call, if it was not read, stays;
+     * when the function raises there is none.
      */
     void callScript(QString scriptPath, QString function, const QList<QVariant>& arguments, bool unload);
 
     /** Takes the result as a number: −1 when there is none, or when it is no number that fits in an int. */
     int getResultAsInt();
 
-    /** Takes the result as text, of a `str` in UTF-8 or a `unicode`: empty when there is none, or it is no text. */
+    /** Takes the result as text, of a `str` in UTF-8 or a `unicode`: empty when there is none, or it is no
+     * text. */
     QString getResultAsString();
 
     /** Takes the result as a list of texts: items that are no texts are empty; empty when it is no list. */
     QStringList getResultAsStrList();
 
-    /** Takes the result as a dictionary of texts: keys and values that are no texts are empty; empty when it is none. */
+    /** Takes the result as a dictionary of texts: keys and values that are no texts are empty; empty when it
+     * is none. */
     QMap<QString, QString> getResultAsStrDict();
 
 protected:
@@ -135,7 +140,7 @@ protected:
     void releaseObj(PyObject** slot);
 
     bool bEnvReady;
-    PyObject* pResult;
+    PyObject* pResult = nullptr;
 
 private:
     PyObject* argumentTuple(const QList<QVariant>& arguments);

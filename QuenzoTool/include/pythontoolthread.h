@@ -12,11 +12,14 @@
 
 /** The tasks of PythonToolThread; hosts pass the values as numbers. */
 enum PYTHON_TOOL_OPERATE : int {
-    PYTHON_TOOL_ZIP = 0, ///< pack "src", a folder, and the file "apkfile", if not empty, into the archive "dest"
+    PYTHON_TOOL_ZIP =
+        0, ///< pack "src", a folder, and the file "apkfile", if not empty, into the archive "dest"
     PYTHON_TOOL_UNZIP = 1, ///< unpack the archive "src" into the folder "dest"
     PYTHON_TOOL_ENCRYPT = 2, ///< encrypt the APK "apkfile"
-    PYTHON_TOOL_IMPORT_SDK = 3, ///< import the SDK package "src" into "dest", checking its number "idSDK" if given
-    PYTHON_TOOL_RUN_SCRIPT = 4, ///< call the function "main" of the script "toolPath" with the values of "list"
+    PYTHON_TOOL_IMPORT_SDK =
+        3, ///< import the SDK package "src" into "dest", checking its number "idSDK" if given
+    PYTHON_TOOL_RUN_SCRIPT =
+        4, ///< call the function "main" of the script "toolPath" with the values of "list"
     PYTHON_TOOL_EXPORT_DEVELOP_INFO = 5 ///< export the developer record of the channel "idChannel" to "dest"
 };
 
@@ -31,12 +34,13 @@ enum PYTHON_TOOL_OPERATE : int {
  *     thread->start();
  * @endcode
  *
- * Threads: the object is driven from the thread that made it; run() and the scripts are on the worker. Several objects
- * may run at once; their scripts take turns on the interpreter lock. Start the interpreter on one thread first.
+ * Threads: the object is driven from the thread that made it; run() and the scripts are on the worker.
+ * Several objects may run at once; their scripts take turns on the interpreter lock. Start the interpreter on
+ * one thread first.
  *
- * Lifetime: destroy the object only after QThread::finished; the destructor neither stops nor waits for a task.
- * A task recorded while the thread winds down is kept, but QThread ignores start() until it has finished: wait for
- * QThread::finished before the next start().
+ * Lifetime: destroy the object only after QThread::finished; the destructor neither stops nor waits for a
+ * task. A task recorded while the thread winds down is kept, but QThread ignores start() until it has
+ * finished: wait for QThread::finished before the next start().
  *
  * @since 1.0
  */
@@ -48,7 +52,8 @@ public:
     ~PythonToolThread() override;
 
     /**
-     * Records a task; the host then calls start(). A task recorded and never started keeps the object busy for good.
+     * Records a task; the host then calls start(). A task recorded and never started keeps the object busy
+     * for good.
      *
      * @param op the task; a value outside the enumeration does nothing when it is run
      * @param params the task's parameters. What the task writes goes to a copy of the object's own.
@@ -60,8 +65,8 @@ public:
     bool bExecTask();
 
     /**
-     * Encrypts an APK on the calling thread, through the function `encryptApk` of the script `encrypt.py`, and stores
-     * the script's answer as "result". Not to be called while a task of this object runs.
+     * Encrypts an APK on the calling thread, through the function `encryptApk` of the script `encrypt.py`,
+     * and stores the script's answer as "result". Not to be called while a task of this object runs.
      *
      * @param apkFile path of the APK, encrypted in place
      * @return true when the script answered 0
@@ -70,15 +75,15 @@ public:
 
 Q_SIGNALS:
     /**
-     * The outcome of a task, emitted on the worker thread. Packing and unpacking report none, nor does a task that
-     * lacks a required parameter, but for the import; wait for QThread::finished there.
+     * The outcome of a task, emitted on the worker thread. Packing and unpacking report none, nor does a task
+     * that lacks a required parameter, but for the import; wait for QThread::finished there.
      *
-     * The spelling is kept: hosts connect by it. Connections across threads need `QVariantMap*` registered with
-     * Qt's meta-types, which is left to the host.
+     * The spelling is kept: hosts connect by it. Connections across threads need `QVariantMap*` registered
+     * with Qt's meta-types, which is left to the host.
      *
      * @param type the task's number; an encryption reports 3, as the import does
-     * @param dictParam the parameters with the task's results ("result"; "error_code" and "error_str" of a failed
-     *        import), owned by the emitting object and unchanged until its next StartOperate(); or null: for
+     * @param dictParam the parameters with the task's results ("result"; "error_code" and "error_str" of a
+     * failed import), owned by the emitting object and unchanged until its next StartOperate(); or null: for
      *        run-script tasks, successful exports and imports without "src" or "dest"
      * @param bSuccess whether the task succeeded
      */
@@ -113,7 +118,7 @@ private:
 
     PYTHON_TOOL_OPERATE m_operate;
     // Read on the host's thread: its release publishes the map that the task wrote.
-    std::atomic<bool> m_bExecTask {false};
+    std::atomic<bool> m_bExecTask{false};
     QVariantMap m_params;
 };
 

@@ -13,8 +13,8 @@ class QDir;
 QT_END_NAMESPACE
 
 /**
- * Small, self-contained jobs: the tool folder, running a command and waiting for it, text helpers, directory trees
- * and the text scrambling codec.
+ * Small, self-contained jobs: the tool folder, running a command and waiting for it, text helpers, directory
+ * trees and the text scrambling codec.
  *
  * @code
  * QString output, error;
@@ -22,8 +22,8 @@ QT_END_NAMESPACE
  *     showDevices(output);
  * @endcode
  *
- * Every function is static, keeps no state between calls and may be called from every thread. Failures come back as
- * results; nothing throws.
+ * Every function is static, keeps no state between calls and may be called from every thread. Failures come
+ * back as results; nothing throws.
  *
  * @since 1.0
  */
@@ -38,13 +38,14 @@ public:
     static QString getToolPath();
 
     /**
-     * Runs a command line and waits for its end, at most 30 seconds; then it is killed. Blocks the calling thread.
+     * Runs a command line and waits for its end, at most 30 seconds; then it is killed. Blocks the calling
+     * thread.
      *
      * @param command program and arguments in one string; double quotation marks keep blanks together
      * @param[out] output what the program had written to its standard output, as UTF-8
      * @param[out] error what it had written to its standard error, as UTF-8
-     * @return true when it ended in time, whatever its exit code; false when it did not or could not be started.
-     *         Both texts are assigned in every case.
+     * @return true when it ended in time, whatever its exit code; false when it did not or could not be
+     * started. Both texts are assigned in every case.
      */
     static bool runCmdWaitFinish(const QString& command, QString& output, QString& error);
 
@@ -63,37 +64,39 @@ public:
     /**
      * Shortens a text to a budget of bytes of the local 8-bit encoding.
      *
-     * For single-byte text the result is one byte under the budget: a prefix of one byte less than the room that
-     * the suffix leaves is taken before the exact one. Kept: hosts lay out their lists by it.
+     * For single-byte text the result is one byte under the budget: a prefix of one byte less than the room
+     * that the suffix leaves is taken before the exact one. Kept: hosts lay out their lists by it.
      *
      * @param text the text
      * @param count the budget in bytes
      * @param suffix what marks a shortened text, counted within the budget
-     * @return the text as it is when it is within budget, or when the suffix alone fills the budget; otherwise its
-     *         beginning followed by the suffix; an empty text when wide characters step over both acceptable lengths
+     * @return the text as it is when it is within budget, or when the suffix alone fills the budget;
+     * otherwise its beginning followed by the suffix; an empty text when wide characters step over both
+     * acceptable lengths
      */
     static QString getStrInMaxCount(QString text, int count, QString suffix);
 
     /**
-     * Escapes white space by a backslash, from the tenth character on: blanks among the first nine characters stay
-     * as they are, and one that follows a backslash gets none.
+     * Escapes white space by a backslash, from the tenth character on: blanks among the first nine characters
+     * stay as they are, and one that follows a backslash gets none.
      */
     static QString blankReplace(QString text);
 
     /**
-     * Reads a JSON value leniently as a whole number: a number is truncated toward zero (and kept within the range of
-     * int), a text is read in base 10, everything else, a text that is no number included, is 0.
+     * Reads a JSON value leniently as a whole number: a number is truncated toward zero (and kept within the
+     * range of int), a text is read in base 10, everything else, a text that is no number included, is 0.
      */
     static int ConvertToInt(QJsonValueRef value);
 
-    /** Reads a JSON value as text: a number in six significant digits, a text as it is, everything else empty. */
+    /** Reads a JSON value as text: a number in six significant digits, a text as it is, everything else
+     * empty. */
     static QString ConvertToStr(QJsonValueRef value);
 
     /**
      * Splits the query of a URL. Keys and values are taken as they stand: nothing is decoded or trimmed.
      *
-     * A piece without "=" before a later pair is glued to that pair's key, whose value then runs to the end, and the
-     * later pair is read once more by itself; at the end of the query such a piece is dropped.
+     * A piece without "=" before a later pair is glued to that pair's key, whose value then runs to the end,
+     * and the later pair is read once more by itself; at the end of the query such a piece is dropped.
      *
      * @param url the URL
      * @param[out] params replaced by the pairs behind the first "?"; the last occurrence of a key wins

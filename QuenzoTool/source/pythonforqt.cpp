@@ -16,8 +16,8 @@
 
 namespace {
 
-// Messages gathered while the interpreter lock is held and written after it was given back: a message handler may
-// itself wait for the interpreter.
+// Messages gathered while the interpreter lock is held and written after it was given back: a message handler
+// may itself wait for the interpreter.
 class DeferredMessages {
 public:
     explicit DeferredMessages(const char* function)
@@ -45,7 +45,8 @@ private:
     QVector<Message> m_messages;
 };
 
-// A statement of the start-up with its place filled in; the texts are in the translation context as they were.
+// A statement of the start-up with its place filled in; the texts are in the translation context as they
+// were.
 std::string statement(const QString& source, const QString& place)
 {
     return source.arg(place, 0, QLatin1Char(' ')).toStdString();
@@ -90,7 +91,6 @@ PyThreadStateLock::~PyThreadStateLock()
 PythonForQt::PythonForQt(QObject* parent)
     : QObject(parent)
     , bEnvReady(initPythonEnv())
-    , pResult(nullptr)
 {
 }
 
@@ -99,7 +99,7 @@ PythonForQt::~PythonForQt() = default;
 bool PythonForQt::initPythonEnv()
 {
     // The interpreter counts as initialised long before another thread may enter it.
-    static std::atomic<bool> starting {false};
+    static std::atomic<bool> starting{false};
     static QBasicMutex startMutex;
     if (Py_IsInitialized() != 0 && !starting)
         return true;
@@ -129,12 +129,14 @@ bool PythonForQt::initPythonEnv()
     return started;
 }
 
-void PythonForQt::callScript(QString scriptPath, QString function, const QList<QVariant>& arguments, bool unload)
+void PythonForQt::callScript(QString scriptPath, QString function, const QList<QVariant>& arguments,
+                             bool unload)
 {
     DeferredMessages messages("void __cdecl PythonForQt::callScript(class QString,class QString,"
                               "const class QList<class QVariant> &,bool)");
     const PyThreadStateLock lock;
-    // An error left by the caller, or by an earlier call under the caller's lock, would fail the first statement.
+    // An error left by the caller, or by an earlier call under the caller's lock, would fail the first
+    // statement.
     PyErr_Clear();
     runPythonStatement("import sys");
     runPythonStatement("import os");
@@ -152,7 +154,7 @@ void PythonForQt::callScript(QString scriptPath, QString function, const QList<Q
         return;
     }
     const QByteArray functionName = function.toUtf8();
-    if (PyReference callee {PyObject_GetAttrString(module.get(), functionName.constData())}) {
+    if (PyReference callee{PyObject_GetAttrString(module.get(), functionName.constData())}) {
         const PyReference tuple(argumentTuple(arguments));
         pResult = PyEval_CallObjectWithKeywords(callee.get(), tuple.get(), nullptr);
         if (pResult == nullptr)
@@ -186,7 +188,7 @@ QString PythonForQt::getResultAsString()
         return {};
     const PyThreadStateLock lock;
     PyErr_Clear();
-    const QString text = textOf(pResult);
+    QString text = textOf(pResult);
     releaseObj(&pResult);
     return text;
 }

@@ -5,8 +5,8 @@
 #include <memory>
 
 /**
- * Makes the symbols of the loaded Python runtime visible to the extension modules it loads later. They are not when
- * the host has loaded this library at run time with local symbols, as QLibrary does.
+ * Makes the symbols of the loaded Python runtime visible to the extension modules it loads later. They are
+ * not when the host has loaded this library at run time with local symbols, as QLibrary does.
  */
 void makePythonSymbolsGlobal();
 

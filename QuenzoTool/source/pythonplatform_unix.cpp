@@ -9,12 +9,12 @@
 
 namespace {
 
-constexpr std::array<int, 3> takenOver {SIGINT, SIGPIPE, SIGXFSZ};
+constexpr std::array<int, 3> takenOver{SIGINT, SIGPIPE, SIGXFSZ};
 
 }
 
 struct SignalKeeper::Actions {
-    std::array<struct sigaction, takenOver.size()> saved {};
+    std::array<struct sigaction, takenOver.size()> saved{};
 };
 
 SignalKeeper::SignalKeeper()
@@ -32,7 +32,7 @@ SignalKeeper::~SignalKeeper()
 
 void makePythonSymbolsGlobal()
 {
-    Dl_info runtime {};
+    Dl_info runtime{};
     if (dladdr(reinterpret_cast<const void*>(&Py_Initialize), &runtime) != 0)
         dlopen(runtime.dli_fname, RTLD_NOLOAD | RTLD_GLOBAL | RTLD_LAZY);
 }

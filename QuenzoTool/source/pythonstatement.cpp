@@ -63,9 +63,10 @@ QString takePythonError()
     if (type == nullptr)
         return {};
     PyErr_NormalizeException(&type, &value, &traceback);
-    const PyReference owned[] {PyReference(type), PyReference(value), PyReference(traceback)};
+    const PyReference owned[]{PyReference(type), PyReference(value), PyReference(traceback)};
 
-    QString name = QString::fromUtf8(PyExceptionClass_Check(type) ? PyExceptionClass_Name(type) : "exception");
+    QString name =
+        QString::fromUtf8(PyExceptionClass_Check(type) ? PyExceptionClass_Name(type) : "exception");
     name = name.mid(name.lastIndexOf(QLatin1Char('.')) + 1);
     const QString text = textOf(value);
     return text.isEmpty() ? name : name + QStringLiteral(": ") + text;

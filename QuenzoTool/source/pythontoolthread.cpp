@@ -15,7 +15,8 @@ QString archiveScript()
     return QuenzoBase::getRunPath() + QStringLiteral("/../Script/pytoolForQt.py");
 }
 
-// The bridges of run-script tasks stay alive until the process ends: what a script returned may still be in use.
+// The bridges of run-script tasks stay alive until the process ends: what a script returned may still be in
+// use.
 PythonForQt* keptBridge()
 {
     static QBasicMutex mutex;
@@ -145,7 +146,7 @@ void PythonToolThread::performExport()
 void PythonToolThread::importSDK(QString src, QString dest, int idSDK)
 {
     PythonForQt bridge;
-    QList<QVariant> arguments {src, dest};
+    QList<QVariant> arguments{src, dest};
     if (idSDK != -1)
         arguments.append(idSDK);
     bridge.callScript(archiveScript(), QStringLiteral("importSDK"), arguments, true);

@@ -19,8 +19,8 @@ int truncated(double number)
     return static_cast<int>(qBound<double>(Limits::min(), number, Limits::max()));
 }
 
-// The length of the text's first `count` characters in bytes, `known` being that of the first `from` of them: so a
-// bisection encodes each character about once.
+// The length of the text's first `count` characters in bytes, `known` being that of the first `from` of them:
+// so a bisection encodes each character about once.
 struct Prefix {
     int count = 0;
     int bytes = 0;

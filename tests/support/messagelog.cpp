@@ -16,8 +16,8 @@ void record(QtMsgType type, const QMessageLogContext& context, const QString& te
     {
         const QMutexLocker locker(&mutex);
         if (messages != nullptr)
-            messages->append({type, text, QString::fromUtf8(context.file), QString::fromUtf8(context.function),
-                              context.line});
+            messages->append({type, text, QString::fromUtf8(context.file),
+                              QString::fromUtf8(context.function), context.line});
     }
     if (type != QtDebugMsg && type != QtInfoMsg && handlerBefore != nullptr)
         handlerBefore(type, context, text);

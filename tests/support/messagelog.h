@@ -15,8 +15,8 @@ struct LoggedMessage {
 };
 
 /**
- * Records what goes to Qt's message log, from every thread, while it lives; one at a time. Warnings go on to the
- * handler before, so that a failing test shows them.
+ * Records what goes to Qt's message log, from every thread, while it lives; one at a time. Warnings go on to
+ * the handler before, so that a failing test shows them.
  *
  * A test class keeps one from initTestCase() on and lets cleanup() compare takeWarnings() with an empty list.
  */
