@@ -13,7 +13,7 @@
 
 // A host needs the interpreter's headers only to touch Python objects itself.
 struct _object; // NOLINT(bugprone-reserved-identifier): the interpreter's own name
-using PyObject = _object;
+typedef struct _object PyObject; // NOLINT(modernize-use-using)
 
 /**
  * Holds the interpreter lock for the scope it lives in.

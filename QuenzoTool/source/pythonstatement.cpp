@@ -63,7 +63,9 @@ QString takePythonError()
     if (type == nullptr)
         return {};
     PyErr_NormalizeException(&type, &value, &traceback);
-    const PyReference owned[]{PyReference(type), PyReference(value), PyReference(traceback)};
+    const PyReference ownedType(type);
+    const PyReference ownedValue(value);
+    const PyReference ownedTraceback(traceback);
 
     QString name =
         QString::fromUtf8(PyExceptionClass_Check(type) ? PyExceptionClass_Name(type) : "exception");
