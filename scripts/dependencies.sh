@@ -33,8 +33,8 @@ for group in "$@"; do
 done
 
 command -v dpkg-query >/dev/null || die "this is not Debian 12; see README.md for what to install by hand"
-mapfile -t wanted < <(missing "${packages[@]}")
-mapfile -t wanted_python < <(missing "${python[@]}")
+wanted=($(missing "${packages[@]}"))
+wanted_python=($(missing "${python[@]}"))
 [ $((${#wanted[@]} + ${#wanted_python[@]})) -gt 0 ] || exit 0
 
 release=$(. /etc/os-release && printf '%s %s' "${ID:-}" "${VERSION_ID:-}")
