@@ -14,7 +14,7 @@ if [ "${1:-}" = --repetitions ]; then
 fi
 scripts/dependencies.sh bench
 cmake --preset bench >/dev/null
-cmake --build --preset bench -j"$(nproc)" >/dev/null
+cmake --build --preset bench -j"$(nproc)" >&2
 
 names=("$@")
 [ ${#names[@]} -gt 0 ] || mapfile -t names < <(cd build/bench/benchmarks && for d in */bin; do echo "${d%/bin}"; done)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "quenzobase.h"
 
-#include "executablepath.h"
+#include "platform.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -21,22 +21,22 @@ const QString& runPath()
 
 class LogFile {
 public:
-    void append(const QByteArray& text)
+    void append(const QString& text)
     {
+        const QByteArray bytes = text.toUtf8();
         const std::lock_guard<std::mutex> guard(m_mutex);
-        if (!isOpen() && !open())
+        // A log that somebody has removed is begun anew.
+        if (!(m_file.isOpen() && isLinked(m_file)) && !open())
             return;
         QByteArray entry;
-        entry.reserve(text.size() + 32);
-        entry.append(timeStamp()).append(' ').append(text).append('\n');
+        entry.reserve(bytes.size() + 32);
+        appendTime(entry);
+        entry.append(' ').append(bytes).append('\n');
         // One write to a file in append mode: entries of several processes do not mix either.
         m_file.write(entry);
     }
 
 private:
-    // A log that somebody removed or moved away is begun anew.
-    bool isOpen() const { return m_file.isOpen() && m_file.exists(); }
-
     bool open()
     {
         m_file.close();
@@ -45,14 +45,17 @@ private:
     }
 
     // Formatting a time costs more than writing it, and only its milliseconds change from entry to entry.
-    QByteArray timeStamp()
+    void appendTime(QByteArray& entry)
     {
         const qint64 now = QDateTime::currentMSecsSinceEpoch();
         if (now / 1000 != m_second) {
             m_second = now / 1000;
-            m_secondText = QDateTime::fromSecsSinceEpoch(m_second).toString(Qt::ISODate).toLatin1() + '.';
+            m_secondText = QDateTime::fromSecsSinceEpoch(m_second).toString(Qt::ISODate).toLatin1();
         }
-        return m_secondText + QByteArray::number(now % 1000 + 1000).mid(1);
+        const int milliseconds = static_cast<int>(now % 1000);
+        entry.append(m_secondText).append('.');
+        for (const int digit : {milliseconds / 100, milliseconds / 10 % 10, milliseconds % 10})
+            entry.append(static_cast<char>('0' + digit));
     }
 
     std::mutex m_mutex;
@@ -71,5 +74,5 @@ QString QuenzoBase::getRunPath()
 void QuenzoBase::Log(QString text)
 {
     static LogFile& log = *new LogFile;
-    log.append(text.toUtf8());
+    log.append(text);
 }

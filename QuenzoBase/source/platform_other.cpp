@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "executablepath.h"
+#include "platform.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 QString executablePath()
 {
     return QCoreApplication::applicationFilePath();
+}
+
+bool isLinked(const QFile& file)
+{
+    return file.exists();
 }
