@@ -70,7 +70,7 @@ void logLineWriting(benchmark::State& state)
     QFile file(QuenzoBase::getRunPath() + QStringLiteral("/peer.log"));
     if (!file.open(QIODevice::Append | QIODevice::Unbuffered))
         state.SkipWithError("cannot open the peer's log");
-    const QByteArray line(88, 'x');
+    const QByteArray line(112, 'x');
     for (auto _ : state)
         file.write(line);
 }

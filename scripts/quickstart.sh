@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+#
+# Installs what is missing (Debian 12), builds the host, and does the main job on the sample game: imports an SDK
+# package, unpacks the game's APK, encrypts it, packs it again, exports developer information and makes the channels'
+# icons. Everything it makes is in build/quickstart, afresh at each run.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+export LC_ALL=C.UTF-8
+
+scripts/dependencies.sh
+cmake --preset release >/dev/null
+cmake --build --preset release -j"$(nproc)" --target quenzo runtime_folders
+
+out=build/quickstart
+sample=host/sample
+rm -rf "$out"
+mkdir -p "$out"
+PATH="$PWD/build/release/bin:$PATH"
+
+run() {
+    printf '\n$ %s\n' "$*"
+    "$@"
+}
+
+run quenzo --version
+run quenzo import "$sample/packages/harbourpay.zip" "$out/sdk" --sdk-id 7
+run quenzo unpack "$sample/skyharbour.apk" "$out/game"
+run cp "$sample/skyharbour.apk" "$out/skyharbour.apk"
+run quenzo encrypt "$out/skyharbour.apk"
+run quenzo unpack "$out/skyharbour.apk" "$out/encrypted"
+run quenzo pack "$out/encrypted" "$out/skyharbour-packed.apk"
+run quenzo export 1 "$out/develop"
+for platform in android ios; do
+    run quenzo icons --icon "$sample/icons/master.png" --marks "$sample/icons/marks" --out "$PWD/$out/icons-$platform/" \
+        --platform "$platform" --sheet "$out/sheet-$platform.png" "$sample/icons/channels.json"
+done
+run quenzo package-name "$out/skyharbour-packed.apk"
+
+printf '\nThe results are in %s:\n' "$out"
+find "$out" -maxdepth 1 -mindepth 1 | LC_ALL=C sort
