@@ -1,0 +1,62 @@
+# SPDX-License-Identifier: MIT
+"""Archives and SDK packages: the functions that the library calls by name.
+
+docs/scripts.md says what each takes and answers.
+"""
+from quenzo_files import argument_path
+from quenzo_pack import pack
+from quenzo_report import Answer, DamagedArchive, report
+from quenzo_sdk import CONFIG_NAME, MAX_CONFIG_BYTES, ConfigError, SdkConfig
+from quenzo_unpack import unpack
+from quenzo_zipread import Archive
+
+IMPORTED, WRONG_SDK, DAMAGED, NO_CONFIG, BAD_CONFIG, NOT_UNPACKED = 1, 100, 101, 102, 103, 104
+
+
+def zip(src, dest, apkfile):
+    """Packs folder src into archive dest, with file apkfile beside its content unless that is empty."""
+    pack(src, dest, apkfile)
+    return 0
+
+
+def unZip(src, dest, unused="NULL"):
+    """Unpacks archive src into folder dest."""
+    with Archive(argument_path(src, "the archive")) as archive:
+        unpack(archive, argument_path(dest, "the folder to unpack into"))
+    return 0
+
+
+def importSDK(src, dest, idSDK=None):
+    """Unpacks SDK package src into folder dest; answers 1, or 100 to 104 and leaves dest as it was."""
+    try:
+        with Archive(argument_path(src, "the package")) as package:
+            _check_package(package, idSDK)
+            unpack(package, argument_path(dest, "the folder to import into"))
+        return IMPORTED
+    except Answer as error:
+        answer, cause = error.number, error
+    except DamagedArchive as error:
+        answer, cause = DAMAGED, error
+    except Exception as error:  # The host reads a number, whatever happened.
+        answer, cause = NOT_UNPACKED, error
+    report("importSDK", cause)
+    return answer
+
+
+def _check_package(package, wanted):
+    """The package is whole and is the SDK that was asked for."""
+    entry = package.find(CONFIG_NAME)
+    if entry is None:
+        raise Answer(NO_CONFIG, "the package has no config.xml")
+    if entry.size > MAX_CONFIG_BYTES:
+        raise Answer(BAD_CONFIG, "config.xml has more than %d bytes" % MAX_CONFIG_BYTES)
+    try:
+        config = SdkConfig("".join(package.blocks(entry)))
+    except ConfigError as error:
+        raise Answer(BAD_CONFIG, str(error))
+    if wanted is not None and str(wanted) != str(config.id):
+        raise Answer(WRONG_SDK, "the package is SDK %d, not %s" % (config.id, wanted))
+    names = frozenset(one.name for one in package.entries)
+    for name in config.files:
+        if name not in names:
+            raise DamagedArchive("the package lacks %r, which its config.xml names" % name)

@@ -1,0 +1,72 @@
+# SPDX-License-Identifier: MIT
+"""Writes an APK anew with its assets in another form; every other entry is carried over as it was packed."""
+import re
+
+from quenzo_assets import EncryptedAssets, content_digests, decrypted_assets, is_asset
+from quenzo_cipher import NotAuthentic
+from quenzo_files import replaced, work_folder
+from quenzo_report import DamagedArchive
+from quenzo_zipread import STORED, Archive
+from quenzo_zipwrite import Record, ZipWriter
+
+_SIGNATURE = re.compile(r"^META-INF/(MANIFEST\.MF|[^/]+\.(SF|RSA|DSA|EC))\Z", re.IGNORECASE)
+
+
+def encrypt_file(path, archive, secret):
+    """Replaces the APK by its encrypted form, once that form has given the same assets back."""
+    with work_folder(path) as work, replaced(path, alike=True) as (out, name):
+        encrypted = EncryptedAssets(archive, secret, work)
+
+        def add(writer, entry):
+            writer.add(_record(entry, STORED, encrypted.size(entry.name)), encrypted.blocks(entry.name))
+
+        _rewrite(archive, add, out)
+        with Archive(name) as made:
+            _check_others(archive, made)
+            if decrypted_assets(made, secret, work).digests() != content_digests(archive):
+                raise NotAuthentic("the encrypted APK does not give the same assets back")
+
+
+def decrypt_file(path, archive, secret):
+    """Replaces the encrypted APK by one with the assets as they were."""
+    with work_folder(path) as work, replaced(path, alike=True) as (out, name):
+        plain = decrypted_assets(archive, secret, work)
+
+        def add(writer, entry):
+            header = plain.headers[entry.name]
+            writer.add(_record(entry, header.method, header.length), plain.blocks(entry.name))
+
+        _rewrite(archive, add, out)
+        with Archive(name) as made:
+            _check_others(archive, made)
+            if content_digests(made) != plain.digests():
+                raise NotAuthentic("the new APK does not hold the decrypted assets")
+
+
+def _rewrite(archive, add_asset, out):
+    """Every entry in its old order, assets through add_asset, without the signature, which no longer holds."""
+    writer = ZipWriter(out)
+    for entry in archive.entries:
+        if is_asset(entry):
+            add_asset(writer, entry)
+        elif not _SIGNATURE.match(entry.name):
+            writer.add_packed(_record(entry, entry.method, entry.size), archive.packed_blocks(entry), entry.packed,
+                              entry.crc)
+    writer.finish()
+
+
+def _record(entry, method, size):
+    return Record(entry.name, method, size, (entry.time, entry.date), entry.system, entry.attributes)
+
+
+def _check_others(before, after):
+    """Every entry that is neither asset nor signature is the same in both, and whole."""
+    expected = [_likeness(entry) for entry in before.entries if not _SIGNATURE.match(entry.name)]
+    if expected != [_likeness(entry) for entry in after.entries]:
+        raise DamagedArchive("the new APK does not hold what the old one did")
+    for entry in after.entries:
+        after.verify(entry)
+
+
+def _likeness(entry):
+    return entry.name if is_asset(entry) else (entry.name, entry.crc, entry.size)

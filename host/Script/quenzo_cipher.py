@@ -1,0 +1,124 @@
+# SPDX-License-Identifier: MIT
+"""One APK's assets as one AES-256-CTR stream through the system's openssl, and the header of each asset in it.
+
+The secret never shows in the process list or the environment: openssl gets a phrase derived from it through a
+pipe that was filled before openssl started. The pipe's reading end stays open here meanwhile, so no write can
+meet a closed pipe, which would end a host whose SIGPIPE has its default action.
+"""
+import hashlib
+import hmac
+import os
+import struct
+import subprocess
+import tempfile
+
+from quenzo_report import ToolError
+
+PROGRAM = "openssl"
+MAGIC = "QZASSET1"
+SALT_BYTES = 16
+TAG_BYTES = 32
+BLOCK_BYTES = 16                # assets begin at a multiple of it, so that each can be decrypted alone
+STREAM_MAGIC = "Salted__"       # openssl's own head of a stream, followed by its salt
+STREAM_HEAD_BYTES = 16
+_ITERATIONS = "1000"            # the phrase is random already; this many satisfies every policy
+_HEADER = struct.Struct("<8s16s8sQQQB7x")
+_MAX_FILES_TO_CLOSE = 1 << 20
+
+
+class CipherFailure(ToolError):
+    """openssl is missing, or did not do its work."""
+
+
+class NotAuthentic(ToolError):
+    """The encrypted form was altered, moved, or made with another key."""
+
+
+class Header(object):
+    """What stands before an asset's encrypted bytes."""
+
+    SIZE = _HEADER.size
+
+    def __init__(self, salt, stream_salt, offset, length, total, method):
+        self.salt, self.stream_salt = salt, stream_salt
+        self.offset, self.length, self.total = offset, length, total
+        self.method = method
+
+    @classmethod
+    def unpack(cls, data):
+        fields = _HEADER.unpack(data)
+        if fields[0] != MAGIC:
+            raise NotAuthentic("not an encrypted asset")
+        return cls(*fields[1:])
+
+    def pack(self):
+        return _HEADER.pack(MAGIC, self.salt, self.stream_salt, self.offset, self.length, self.total, self.method)
+
+    @property
+    def stream(self):
+        """What all assets encrypted together have in common."""
+        return self.salt, self.stream_salt, self.total
+
+
+class Keys(object):
+    """What one APK is encrypted and authenticated with, derived from the secret and a salt of its own."""
+
+    def __init__(self, secret, salt):
+        self.salt = salt
+        self._phrase = hmac.new(secret, "quenzo asset encryption" + salt, hashlib.sha256).hexdigest()
+        self._tag_key = hmac.new(secret, "quenzo asset authentication" + salt, hashlib.sha256).digest()
+
+    def encrypt(self, source, target):
+        """Encrypts file source into file target: openssl's head, then as many bytes as source has."""
+        _run(["-e", "-in", source, "-out", target], self._phrase)
+        _check_size(target, os.path.getsize(source) + STREAM_HEAD_BYTES)
+
+    def decrypt(self, source, target):
+        """The way back."""
+        _run(["-d", "-in", source, "-out", target], self._phrase)
+        _check_size(target, os.path.getsize(source) - STREAM_HEAD_BYTES)
+
+    def tag(self, name, header):
+        """Begins the tag of an asset: over its name and header, then its encrypted bytes by update()."""
+        begun = hmac.new(self._tag_key, digestmod=hashlib.sha256)
+        begun.update(struct.pack("<Q", len(name)) + name + header.pack())
+        return begun
+
+
+def padded(length):
+    """The length of an asset's place in the stream."""
+    return length + -length % BLOCK_BYTES
+
+
+def _check_size(path, wanted):
+    # Where a host ignores SIGCHLD the exit code is lost and reads as 0: look at what was made.
+    if not os.path.exists(path) or os.path.getsize(path) != wanted:
+        raise CipherFailure("openssl did not write what it should have")
+
+
+def _run(arguments, phrase):
+    command = [PROGRAM, "enc", "-aes-256-ctr", "-pbkdf2", "-md", "sha256", "-iter", _ITERATIONS, "-pass", "stdin"]
+    reader, writer = os.pipe()
+    try:
+        try:
+            os.write(writer, phrase + "\n")
+        finally:
+            os.close(writer)
+        with tempfile.TemporaryFile() as errors, open(os.devnull, "wb") as nowhere:
+            code = _wait_for(command + arguments, reader, nowhere, errors)
+            errors.seek(0)
+            text = errors.read(500)
+    finally:
+        os.close(reader)
+    if code:
+        raise CipherFailure("openssl ended with %d: %s" % (code, text.strip()))
+
+
+def _wait_for(command, stdin, stdout, stderr):
+    # Closing a billion descriptors one by one, where that is the limit, would take minutes.
+    close = subprocess.MAXFD <= _MAX_FILES_TO_CLOSE
+    try:
+        child = subprocess.Popen(command, stdin=stdin, stdout=stdout, stderr=stderr, close_fds=close)
+    except OSError as error:
+        raise CipherFailure("openssl cannot be started: %s" % error)
+    return child.wait()

@@ -1,0 +1,180 @@
+# SPDX-License-Identifier: MIT
+"""Paths as bytes, scratch names beside a target, and parents that go again after a failure.
+
+Paths stay byte strings all the way: the interpreter's file system encoding is ASCII in some locales, and a
+text path would then fail on its first letter outside it.
+"""
+import binascii
+import contextlib
+import errno
+import fcntl
+import os
+import re
+import shutil
+import stat
+
+from quenzo_report import ToolError
+
+BLOCK = 1 << 18
+SCRATCH = re.compile(r"^\.quenzo-[0-9a-f]{16}\.tmp$")
+
+
+def argument_path(value, what):
+    """An argument as the library hands it over (UTF-8 bytes, or int for a name of digits), links resolved."""
+    return os.path.realpath(argument_text(value, what))
+
+
+def argument_text(value, what):
+    """An argument as UTF-8 bytes; refuses what cannot be a path."""
+    if isinstance(value, unicode):
+        value = value.encode("utf-8")
+    elif isinstance(value, (int, long)) and not isinstance(value, bool):
+        value = str(value)
+    if not isinstance(value, str):
+        raise ToolError("%s must be a text, not %s" % (what, type(value).__name__))
+    if not value or "\0" in value:
+        raise ToolError("%s is %s" % (what, "no path" if value else "empty"))
+    return value
+
+
+def scratch_beside(path):
+    """A hidden name, used by nobody, in the folder of path."""
+    return os.path.join(os.path.dirname(path), ".quenzo-%s.tmp" % binascii.hexlify(os.urandom(8)))
+
+
+def open_file(path, flags, mode=0o666):
+    """A binary file object that children do not inherit; mode is cut by the process's umask."""
+    descriptor = os.open(path, flags, mode)
+    try:
+        fcntl.fcntl(descriptor, fcntl.F_SETFD, fcntl.FD_CLOEXEC)
+        return os.fdopen(descriptor, "rb" if flags & 3 == os.O_RDONLY else "w+b", BLOCK)
+    except Exception:
+        os.close(descriptor)
+        raise
+
+
+def open_new(path, mode=0o666):
+    """A file that did not exist before, for writing and reading back."""
+    return open_file(path, os.O_CREAT | os.O_EXCL | os.O_RDWR, mode)
+
+
+def open_regular(path):
+    """A regular file for reading; no link is followed, and a FIFO or device never blocks."""
+    source = open_file(path, os.O_RDONLY | os.O_NOFOLLOW | os.O_NONBLOCK)
+    if not stat.S_ISREG(os.fstat(source.fileno()).st_mode):
+        source.close()
+        raise ToolError("not a regular file: %s" % path)
+    return source
+
+
+def blocks(source):
+    """The rest of a file, block by block."""
+    return iter(lambda: source.read(BLOCK), "")
+
+
+def remove(path):
+    """Removes a file that may be gone already."""
+    try:
+        os.unlink(path)
+    except OSError:
+        pass
+
+
+def remove_tree(path):
+    """Removes a folder of our own as far as that goes."""
+    shutil.rmtree(path, ignore_errors=True)
+
+
+def flush_folder(path):
+    """Brings a rename to disk; file systems that cannot flush a folder are left at that."""
+    try:
+        descriptor = os.open(path, os.O_RDONLY)
+    except OSError:
+        return
+    try:
+        os.fsync(descriptor)
+    except OSError:
+        pass
+    finally:
+        os.close(descriptor)
+
+
+@contextlib.contextmanager
+def parents_made(path):
+    """Makes the missing folders above path, and removes them again when the body fails."""
+    missing = []
+    folder = os.path.dirname(path)
+    while not os.path.lexists(folder):
+        missing.append(folder)
+        folder = os.path.dirname(folder)
+    made = []
+    done = False
+    try:
+        for folder in reversed(missing):
+            if _make_folder(folder):
+                made.append(folder)
+        yield
+        done = True
+    finally:
+        if not done:
+            _remove_folders(reversed(made))
+
+
+@contextlib.contextmanager
+def replaced(path, alike=False):
+    """A new file, given with its name so far, that takes the place of path when the body succeeds.
+
+    Otherwise nothing of it stays. alike: owner and rights become those of the file that is replaced.
+    """
+    if os.path.isdir(path):
+        raise ToolError("a folder is in the way: %s" % path)
+    scratch = scratch_beside(path)
+    made = open_new(scratch, 0o600 if alike else 0o666)
+    try:
+        with made:
+            yield made, scratch
+            made.flush()
+            if alike:
+                _make_alike(made.fileno(), os.stat(path))
+            os.fsync(made.fileno())
+        os.rename(scratch, path)
+    finally:
+        remove(scratch)
+    flush_folder(os.path.dirname(path))
+
+
+@contextlib.contextmanager
+def work_folder(path):
+    """A folder of its owner's alone in the folder of path, gone after the body."""
+    work = scratch_beside(path)
+    os.mkdir(work, 0o700)
+    try:
+        yield work
+    finally:
+        remove_tree(work)
+
+
+def _make_alike(descriptor, status):
+    try:
+        os.fchown(descriptor, status.st_uid, status.st_gid)
+    except OSError:
+        pass  # Only root gives files away.
+    os.fchmod(descriptor, stat.S_IMODE(status.st_mode))
+
+
+def _make_folder(path):
+    try:
+        os.mkdir(path)
+    except OSError as error:
+        if error.errno != errno.EEXIST or not os.path.isdir(path):
+            raise
+        return False
+    return True
+
+
+def _remove_folders(paths):
+    for path in paths:
+        try:
+            os.rmdir(path)
+        except OSError:
+            return

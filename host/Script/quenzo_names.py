@@ -1,0 +1,49 @@
+# SPDX-License-Identifier: MIT
+"""Which entry names an archive may hold: the same rule for packing, unpacking and file lists."""
+import re
+
+from quenzo_report import ToolError
+
+MAX_DEPTH = 100  # The walks over a tree are recursive.
+_DRIVE = re.compile(r"^[A-Za-z]:")
+
+
+def check_name(name):
+    """Refuses a name (UTF-8 bytes, "/" at the end for a folder) that is not plainly below the top."""
+    parts = (name[:-1] if name.endswith("/") else name).split("/")
+    if name.startswith("/") or _DRIVE.match(name):
+        raise ToolError("entry name is absolute: %r" % name)
+    if ".." in parts:
+        raise ToolError("entry name leads out of the folder: %r" % name)
+    if "\\" in name or "\0" in name or "" in parts or "." in parts:
+        raise ToolError("entry name is not a plain path: %r" % name)
+    if len(parts) > MAX_DEPTH:
+        raise ToolError("entry name is more than %d folders deep: %r" % (MAX_DEPTH, name[:80]))
+    try:
+        name.decode("utf-8")
+    except UnicodeDecodeError:
+        raise ToolError("entry name is not UTF-8: %r" % name)
+
+
+def check_names(names):
+    """Checks every name, and that no two want the same place."""
+    taken, files = set(), set()
+    for name in names:
+        check_name(name)
+        path = name.rstrip("/")
+        if path in taken:
+            raise ToolError("entry name is there twice: %r" % name)
+        taken.add(path)
+        if not name.endswith("/"):
+            files.add(path)
+    for path in taken:
+        _check_parents(path, files)
+
+
+def _check_parents(path, files):
+    while True:
+        path = path.rpartition("/")[0]
+        if not path:
+            return
+        if path in files:
+            raise ToolError("an entry is a file and a folder at once: %r" % path)

@@ -1,0 +1,160 @@
+# SPDX-License-Identifier: MIT
+"""Writes archives whose bytes follow from their content alone, aligned so that Android can map stored entries."""
+import struct
+import zlib
+
+from quenzo_report import ToolError
+from quenzo_zipread import DEFLATED, FLAG_UTF8, STORED
+
+UNIX = 3
+EPOCH = (0, 1 << 5 | 1)         # 1980-01-01 00:00, the format's first moment
+FILE_ATTRIBUTES = 0o100644 << 16
+FOLDER_ATTRIBUTES = 0o040755 << 16 | 0x10
+
+ALIGNMENT = 4
+LIBRARY_ALIGNMENT = 16384       # serves devices with pages of 4 KiB and of 16 KiB
+COMPRESSION_LEVEL = 9
+
+LIMIT_32 = 0xffffffff
+LIMIT_16 = 0xffff
+ZIP64_SIZE = 0xf0000000         # sizes from here on are written in the long form; deflating may add a little
+_PADDING_ID = 0xd935            # the extra field that Android's own tools align with
+_LOCAL = struct.Struct("<4s5HLLL2H")
+_CENTRAL = struct.Struct("<4s6HLLL5HLL")
+
+
+class Record(object):
+    """What the headers say about one entry."""
+
+    def __init__(self, name, method, size, time_date=EPOCH, system=UNIX, attributes=FILE_ATTRIBUTES):
+        self.name = name
+        self.method = method
+        self.size = size
+        self.packed = size
+        self.crc = 0
+        self.time_date = time_date
+        self.system = system
+        self.attributes = attributes
+        self.offset = 0
+        self.padding = 0
+        self.long_form = size >= ZIP64_SIZE
+
+
+class ZipWriter(object):
+    """Writes entries one after the other into a new binary file; finish() completes the archive."""
+
+    def __init__(self, out):
+        self._out = out
+        self._records = []
+
+    def add_folder(self, name):
+        """An entry for a folder; name ends with a slash."""
+        self.add(Record(name, STORED, 0, attributes=FOLDER_ATTRIBUTES), ())
+
+    def add(self, record, blocks):
+        """An entry from its content; record.size has to be what the blocks come to."""
+        self._begin(record)
+        start = self._out.tell()
+        size = crc = 0
+        deflater = None
+        if record.method == DEFLATED:
+            deflater = zlib.compressobj(COMPRESSION_LEVEL, zlib.DEFLATED, -zlib.MAX_WBITS)
+        for block in blocks:
+            size += len(block)
+            crc = zlib.crc32(block, crc)
+            self._out.write(deflater.compress(block) if deflater else block)
+        if deflater:
+            self._out.write(deflater.flush())
+        if size != record.size:
+            raise ToolError("%r changed while it was packed" % record.name)
+        record.crc = crc & 0xffffffff
+        record.packed = self._out.tell() - start
+        self._out.seek(record.offset)
+        self._out.write(_local_header(record))
+        self._out.seek(0, 2)
+
+    def add_packed(self, record, blocks, packed, crc):
+        """An entry from bytes that are packed already."""
+        record.packed, record.crc = packed, crc
+        record.long_form = max(record.size, packed) >= ZIP64_SIZE
+        self._begin(record)
+        for block in blocks:
+            self._out.write(block)
+
+    def finish(self):
+        """Writes the directory."""
+        start = self._out.tell()
+        for record in self._records:
+            self._out.write(_central_header(record))
+        self._out.write(_end_records(len(self._records), start, self._out.tell()))
+        self._out.flush()
+
+    def _begin(self, record):
+        record.offset = self._out.tell()
+        record.padding = _padding(record, record.offset + len(_local_header(record, padded=False)))
+        self._records.append(record)
+        self._out.write(_local_header(record))
+
+
+def _alignment(record):
+    return LIBRARY_ALIGNMENT if record.name.endswith(".so") else ALIGNMENT
+
+
+def _padding(record, position):
+    """The length of the extra field that brings data at position to where it belongs."""
+    if record.method != STORED or not record.size:
+        return 0
+    alignment = _alignment(record)
+    length = -position % alignment
+    while 0 < length < 6:  # The field's own head: id, length, alignment.
+        length += alignment
+    return length
+
+
+def _padding_field(record):
+    if not record.padding:
+        return ""
+    head = struct.pack("<HHH", _PADDING_ID, record.padding - 4, _alignment(record))
+    return head.ljust(record.padding, "\0")
+
+
+def _flags(record):
+    return FLAG_UTF8 if any(ord(letter) > 127 for letter in record.name) else 0
+
+
+def _local_header(record, padded=True):
+    extra = _padding_field(record) if padded else ""
+    size, packed = record.size, record.packed
+    if record.long_form:
+        extra = struct.pack("<HHQQ", 1, 16, size, packed) + extra
+        size = packed = LIMIT_32
+    time, date = record.time_date
+    return _LOCAL.pack("PK\3\4", 45 if record.long_form else 20, _flags(record), record.method, time, date,
+                       record.crc, packed, size, len(record.name), len(extra)) + record.name + extra
+
+
+def _central_header(record):
+    size, packed, offset = record.size, record.packed, record.offset
+    long_values = []
+    if record.long_form:
+        long_values += [size, packed]
+        size = packed = LIMIT_32
+    if offset >= LIMIT_32:
+        long_values.append(offset)
+        offset = LIMIT_32
+    extra = struct.pack("<HH%dQ" % len(long_values), 1, 8 * len(long_values), *long_values) if long_values else ""
+    version = 45 if long_values else 20
+    time, date = record.time_date
+    return _CENTRAL.pack("PK\1\2", record.system << 8 | version, version, _flags(record), record.method, time, date,
+                         record.crc, packed, size, len(record.name), len(extra), 0, 0, 0, record.attributes,
+                         offset) + record.name + extra
+
+
+def _end_records(count, start, end):
+    size = end - start
+    long_form = ""
+    if count >= LIMIT_16 or start >= LIMIT_32 or size >= LIMIT_32:
+        long_form = struct.pack("<4sQ2H2L4Q", "PK\6\6", 44, UNIX << 8 | 45, 45, 0, 0, count, count, size, start)
+        long_form += struct.pack("<4sLQL", "PK\6\7", 0, end, 1)
+        count, start, size = min(count, LIMIT_16), min(start, LIMIT_32), min(size, LIMIT_32)
+    return long_form + struct.pack("<4s4H2LH", "PK\5\6", 0, 0, count, count, size, start, 0)
