@@ -30,7 +30,7 @@ run cp "$sample/skyharbour.apk" "$out/skyharbour.apk"
 run quenzo encrypt "$out/skyharbour.apk"
 run quenzo unpack "$out/skyharbour.apk" "$out/encrypted"
 run quenzo pack "$out/encrypted" "$out/skyharbour-packed.apk"
-run quenzo export 1 "$out/develop"
+run quenzo export 101 "$out/develop"
 for platform in android ios; do
     run quenzo icons --icon "$sample/icons/master.png" --marks "$sample/icons/marks" --out "$PWD/$out/icons-$platform/" \
         --platform "$platform" --sheet "$out/sheet-$platform.png" "$sample/icons/channels.json"
