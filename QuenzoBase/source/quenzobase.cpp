@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "quenzobase.h"
 
-#include "platform.h"
+#include "executablepath.h"
+#include "openfile.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -37,6 +38,10 @@ public:
     }
 
 private:
+    // A log that somebody removed or moved away is begun anew, or gone on with where another process began
+    // it.
+    bool isOpen() const { return m_file.isOpen() && isAtItsPath(m_file); }
+
     bool open()
     {
         m_file.close();
