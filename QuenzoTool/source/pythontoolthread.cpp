@@ -71,6 +71,13 @@ bool PythonToolThread::bExecTask()
 
 void PythonToolThread::run()
 {
+    const auto lacks = [this](const char* key) { return !m_params.contains(QLatin1String(key)); };
+    if (m_operate == PYTHON_TOOL_IMPORT_SDK && (lacks("src") || lacks("dest"))) {
+        // The flag goes first here, and only once: whoever hears of it may have recorded the next task.
+        m_bExecTask.store(false, std::memory_order_release);
+        Q_EMIT onTaskFinsih(PYTHON_TOOL_IMPORT_SDK, nullptr, false);
+        return;
+    }
     performTask();
     m_bExecTask.store(false, std::memory_order_release);
 }
@@ -96,7 +103,7 @@ void PythonToolThread::performTask()
         }
         break;
     case PYTHON_TOOL_IMPORT_SDK:
-        performImport();
+        importSDK(text("src"), text("dest"), m_params.value(QStringLiteral("idSDK"), -1).toInt());
         break;
     case PYTHON_TOOL_RUN_SCRIPT:
         performScript();
@@ -105,19 +112,6 @@ void PythonToolThread::performTask()
         performExport();
         break;
     }
-}
-
-void PythonToolThread::performImport()
-{
-    const auto src = m_params.constFind(QStringLiteral("src"));
-    const auto dest = m_params.constFind(QStringLiteral("dest"));
-    if (src == m_params.constEnd() || dest == m_params.constEnd()) {
-        m_bExecTask.store(false, std::memory_order_release);
-        Q_EMIT onTaskFinsih(PYTHON_TOOL_IMPORT_SDK, nullptr, false);
-        return;
-    }
-    const int idSDK = m_params.value(QStringLiteral("idSDK"), -1).toInt();
-    importSDK(src->toString(), dest->toString(), idSDK);
 }
 
 void PythonToolThread::performScript()
