@@ -109,13 +109,16 @@ void tst_PythonValues::intsAndTextsArePassed_data()
     QTest::newRow("least") << QVariant(std::numeric_limits<int>::min()) << QStringLiteral("(-2147483648,)");
     QTest::newRow("greatest") << QVariant(std::numeric_limits<int>::max()) << QStringLiteral("(2147483647,)");
     QTest::newRow("null int") << QVariant(QVariant::Int) << QStringLiteral("(0,)");
-    QTest::newRow("text") << QVariant(QStringLiteral("a'b\"c\\d\n")) << QStringLiteral("('a\\'b\"c\\\\d\\n',)");
+    QTest::newRow("text") << QVariant(QStringLiteral("a'b\"c\\d\n"))
+                          << QStringLiteral("('a\\'b\"c\\\\d\\n',)");
     QTest::newRow("digits stay text") << QVariant(QStringLiteral("12")) << QStringLiteral("('12',)");
-    QTest::newRow("UTF-8") << QVariant(QStringLiteral("é\U0001F600")) << QStringLiteral("('\\xc3\\xa9\\xf0\\x9f\\x98\\x80',)");
+    QTest::newRow("UTF-8") << QVariant(QStringLiteral("é\U0001F600"))
+                           << QStringLiteral("('\\xc3\\xa9\\xf0\\x9f\\x98\\x80',)");
     QTest::newRow("empty text") << QVariant(QString()) << QStringLiteral("('',)");
     QTest::newRow("null text") << QVariant(QVariant::String) << QStringLiteral("('',)");
     QTest::newRow("up to the null character")
-        << QVariant(QStringLiteral("ab").append(QChar(0)).append(QLatin1Char('c'))) << QStringLiteral("('ab',)");
+        << QVariant(QStringLiteral("ab").append(QChar(0)).append(QLatin1Char('c')))
+        << QStringLiteral("('ab',)");
     QTest::newRow("lone surrogate") << QVariant(QString(QChar(0xD800)).append(QLatin1Char('a')))
                                     << QStringLiteral("('?a',)");
 }
@@ -160,11 +163,12 @@ void tst_PythonValues::laterValuesMoveUpAndNoneFillsTheEnd_data()
     QTest::addColumn<QVariantList>("arguments");
     QTest::addColumn<QString>("seen");
     const QString text = QStringLiteral("t");
-    QTest::newRow("none passes") << QVariantList {true, 1.5, QVariant()} << QStringLiteral("(None, None, None)");
-    QTest::newRow("first") << QVariantList {true, 1, text} << QStringLiteral("(1, 't', None)");
-    QTest::newRow("middle") << QVariantList {1, 2.5, text} << QStringLiteral("(1, 't', None)");
-    QTest::newRow("last") << QVariantList {1, text, 2U} << QStringLiteral("(1, 't', None)");
-    QTest::newRow("every second") << QVariantList {1, 2LL, 3, QByteArray("4"), 5, QVariantList {6}}
+    QTest::newRow("none passes") << QVariantList{true, 1.5, QVariant()}
+                                 << QStringLiteral("(None, None, None)");
+    QTest::newRow("first") << QVariantList{true, 1, text} << QStringLiteral("(1, 't', None)");
+    QTest::newRow("middle") << QVariantList{1, 2.5, text} << QStringLiteral("(1, 't', None)");
+    QTest::newRow("last") << QVariantList{1, text, 2U} << QStringLiteral("(1, 't', None)");
+    QTest::newRow("every second") << QVariantList{1, 2LL, 3, QByteArray("4"), 5, QVariantList{6}}
                                   << QStringLiteral("(1, 3, 5, None, None, None)");
 }
 
