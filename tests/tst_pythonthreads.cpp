@@ -7,8 +7,11 @@
 #include <QtTest>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <thread>
 #include <type_traits>
 #include <vector>
 
@@ -20,13 +23,11 @@ namespace {
 // Runs the work on that many threads, each given its number, and waits for all of them.
 void onThreads(int count, const std::function<void(int)>& work)
 {
-    std::vector<std::unique_ptr<QThread>> threads;
-    for (int number = 0; number < count; ++number) {
-        threads.emplace_back(QThread::create([&work, number] { work(number); }));
-        threads.back()->start();
-    }
-    for (const auto& thread : threads)
-        thread->wait();
+    std::vector<std::thread> threads;
+    for (int number = 0; number < count; ++number)
+        threads.emplace_back(work, number);
+    for (std::thread& thread : threads)
+        thread.join();
 }
 
 // Counts wrong answers and keeps the first of them.
@@ -36,7 +37,7 @@ public:
     {
         if (answer == expected)
             return;
-        const QMutexLocker locker(&m_mutex);
+        const std::lock_guard<std::mutex> guard(m_mutex);
         ++m_wrong;
         if (m_first.isEmpty())
             m_first = QStringLiteral("\"%1\" instead of \"%2\"").arg(answer, expected);
@@ -44,12 +45,12 @@ public:
 
     QString firstWrong()
     {
-        const QMutexLocker locker(&m_mutex);
+        const std::lock_guard<std::mutex> guard(m_mutex);
         return m_wrong == 0 ? QString() : QStringLiteral("%1 wrong, the first: ").arg(m_wrong) + m_first;
     }
 
 private:
-    QMutex m_mutex;
+    std::mutex m_mutex;
     int m_wrong = 0;
     QString m_first;
 };
@@ -119,26 +120,27 @@ void tst_PythonThreads::lockIsFreeAfterTheStart()
 
 void tst_PythonThreads::lockNestsAndKeepsOthersOut()
 {
+    std::atomic<bool> begun{false};
     std::atomic<bool> entered{false};
-    QSemaphore begun;
-    const std::unique_ptr<QThread> other(QThread::create([&] {
-        begun.release();
-        const PyThreadStateLock lock;
-        entered = true;
-    }));
+    std::thread other;
     {
         const PyThreadStateLock outer;
-        other->start();
-        begun.acquire();
+        other = std::thread([&] {
+            begun = true;
+            const PyThreadStateLock lock;
+            entered = true;
+        });
+        while (!begun)
+            std::this_thread::yield();
         {
             const PyThreadStateLock inner;
             const PyThreadStateLock innermost;
         }
         // Were the lock given back by the inner ones, the other thread would soon be through.
-        QVERIFY(!other->wait(100));
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
         QVERIFY(!entered);
     }
-    QVERIFY(other->wait());
+    other.join();
     QVERIFY(entered);
 }
 
@@ -176,11 +178,10 @@ void tst_PythonThreads::readersWorkWhileAnotherThreadRunsPython()
     const QString script =
         RunRoot::write(QStringLiteral("Script/readers.py"), "def make(text): return eval(text)\n");
     std::atomic<bool> stop{false};
-    const std::unique_ptr<QThread> busy(QThread::create([&stop] {
+    std::thread busy([&stop] {
         while (!stop)
             pythonValue(QStringLiteral("[str(i) + repr(None) for i in range(1000)]"));
-    }));
-    busy->start();
+    });
     OpenBridge bridge;
     Answers answers;
     for (int round = 0; round < 100; ++round) {
@@ -203,7 +204,7 @@ void tst_PythonThreads::readersWorkWhileAnotherThreadRunsPython()
         bridge.releaseObj(&bridge.pResult);
     }
     stop = true;
-    QVERIFY(busy->wait());
+    busy.join();
     QCOMPARE(answers.firstWrong(), QString());
 }
 

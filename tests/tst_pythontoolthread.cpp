@@ -535,8 +535,8 @@ void tst_PythonToolThread::taskRecordedInThatReportStaysRecorded()
     QVERIFY(worker.StartOperate(PYTHON_TOOL_IMPORT_SDK, {}));
     worker.start();
     QVERIFY(worker.wait());
-    QVERIFY(accepted);
     QVERIFY(worker.bExecTask());
+    QVERIFY(accepted);
     QVERIFY(!worker.StartOperate(PYTHON_TOOL_ZIP, {}));
     worker.start();
     QVERIFY(worker.wait());

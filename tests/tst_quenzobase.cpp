@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -207,16 +208,15 @@ void tst_QuenzoBase::entriesOfThreadsDoNotMix()
 {
     constexpr int writers = 4;
     constexpr int count = 500;
-    std::vector<std::unique_ptr<QThread>> threads;
+    std::vector<std::thread> threads;
     for (int writer = 0; writer < writers; ++writer) {
-        threads.emplace_back(QThread::create([writer] {
+        threads.emplace_back([writer] {
             for (int i = 0; i < count; ++i)
                 QuenzoBase::Log(entryText(writer, i));
-        }));
-        threads.back()->start();
+        });
     }
-    for (const auto& thread : threads)
-        QVERIFY(thread->wait());
+    for (std::thread& thread : threads)
+        thread.join();
     QCOMPARE(disorder(writers, count), QByteArray());
 }
 

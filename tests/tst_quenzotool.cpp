@@ -10,6 +10,7 @@
 
 #include <limits>
 #include <memory>
+#include <thread>
 
 #include <csignal>
 
@@ -167,12 +168,10 @@ void tst_QuenzoTool::commandRunsOnAThreadWithoutEventLoop()
 {
     QString output;
     bool finished = false;
-    const std::unique_ptr<QThread> thread(QThread::create([&] {
+    std::thread([&] {
         QString error;
         finished = QuenzoTool::runCmdWaitFinish(QStringLiteral("echo there"), output, error);
-    }));
-    thread->start();
-    QVERIFY(thread->wait());
+    }).join();
     QVERIFY(finished);
     QCOMPARE(output, QStringLiteral("there\n"));
 }

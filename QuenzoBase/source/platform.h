@@ -11,7 +11,7 @@ QT_END_NAMESPACE
 /** The running executable: absolute path, links resolved, forward slashes. Needs no application object. */
 QString executablePath();
 
-/** Whether an open file is still to be found under some name, so that what is written to it is not lost. */
-bool isLinked(const QFile& file);
+/** Whether an open file is what its path leads to: nobody removed it, moved it away or put another there. */
+bool isAtItsPath(const QFile& file);
 
 #endif

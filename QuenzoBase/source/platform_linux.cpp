@@ -10,8 +10,11 @@ QString executablePath()
     return QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
 }
 
-bool isLinked(const QFile& file)
+bool isAtItsPath(const QFile& file)
 {
-    struct stat status { };
-    return fstat(file.handle(), &status) == 0 && status.st_nlink > 0;
+    struct stat opened { };
+    struct stat found { };
+    return fstat(file.handle(), &opened) == 0
+        && stat(QFile::encodeName(file.fileName()).constData(), &found) == 0 && opened.st_dev == found.st_dev
+        && opened.st_ino == found.st_ino;
 }

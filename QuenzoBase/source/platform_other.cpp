@@ -9,7 +9,7 @@ QString executablePath()
     return QCoreApplication::applicationFilePath();
 }
 
-bool isLinked(const QFile& file)
+bool isAtItsPath(const QFile& file)
 {
     return file.exists();
 }

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "quenzobase.h"
 
-#include "executablepath.h"
-#include "openfile.h"
+#include "platform.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -26,8 +25,9 @@ public:
     {
         const QByteArray bytes = text.toUtf8();
         const std::lock_guard<std::mutex> guard(m_mutex);
-        // A log that somebody has removed is begun anew.
-        if (!(m_file.isOpen() && isLinked(m_file)) && !open())
+        // A log that somebody removed or moved away is begun anew, or gone on with where another process
+        // began it.
+        if (!(m_file.isOpen() && isAtItsPath(m_file)) && !open())
             return;
         QByteArray entry;
         entry.reserve(bytes.size() + 32);
@@ -38,10 +38,6 @@ public:
     }
 
 private:
-    // A log that somebody removed or moved away is begun anew, or gone on with where another process began
-    // it.
-    bool isOpen() const { return m_file.isOpen() && isAtItsPath(m_file); }
-
     bool open()
     {
         m_file.close();

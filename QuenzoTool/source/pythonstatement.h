@@ -7,8 +7,9 @@
 #include <string>
 
 /**
- * Runs a statement in the module `__main__`, as PyRun_SimpleString does: an error is printed to the standard error,
- * SystemExit too, which does not end the process. A text that was run before is not compiled again. The interpreter lock must be held, with no exception pending.
+ * Runs a statement in the module `__main__`, as PyRun_SimpleString does: an error is printed to the standard
+ * error, SystemExit too, which does not end the process. A text that was run before is not compiled again.
+ * The interpreter lock must be held, with no exception pending.
  */
 void runPythonStatement(const std::string& text);
 

@@ -5,8 +5,9 @@
 
 #include <quenzobase.h>
 
-#include <QMutex>
 #include <QVector>
+
+#include <mutex>
 
 namespace {
 
@@ -19,11 +20,12 @@ QString archiveScript()
 // use.
 PythonForQt* keptBridge()
 {
-    static QBasicMutex mutex;
+    static std::mutex mutex;
     static auto& bridges = *new QVector<PythonForQt*>;
-    const QMutexLocker locker(&mutex);
-    bridges.append(new PythonForQt);
-    return bridges.last();
+    auto* const bridge = new PythonForQt;
+    const std::lock_guard<std::mutex> guard(mutex);
+    bridges.append(bridge);
+    return bridge;
 }
 
 QString importErrorText(int answer)

@@ -8,13 +8,11 @@
 #include <quenzotool.h>
 
 #include <QMap>
-#include <QThread>
 
 #include <atomic>
 #include <csignal>
 #include <cstdio>
-#include <functional>
-#include <memory>
+#include <thread>
 
 #include <unistd.h>
 
@@ -51,13 +49,6 @@ int callAnswer(const char* function)
     return bridge.getResultAsInt();
 }
 
-std::unique_ptr<QThread> onThread(const std::function<void()>& work)
-{
-    std::unique_ptr<QThread> thread(QThread::create(work));
-    thread->start();
-    return thread;
-}
-
 void startTwice()
 {
     printAnswer(PythonForQt::initPythonEnv());
@@ -75,24 +66,24 @@ void startOnTwoThreads()
     const auto start = [&ready] {
         ++ready;
         while (ready < 2)
-            QThread::yieldCurrentThread();
+            std::this_thread::yield();
         const bool started = PythonForQt::initPythonEnv();
         // Whoever returns finds the environment complete.
         const PyThreadStateLock lock;
         const bool complete = PyObject_HasAttrString(PyImport_AddModule("__builtin__"), "complete") != 0;
         printAnswer(started && complete);
     };
-    const auto first = onThread(start);
-    const auto second = onThread(start);
-    first->wait();
-    second->wait();
+    std::thread first(start);
+    std::thread second(start);
+    first.join();
+    second.join();
     printValue("__import__('__builtin__').__dict__.get('starts', 0)");
 }
 
 void startAndLeaveTheLock()
 {
     printAnswer(PythonForQt::initPythonEnv());
-    onThread([] { printValue("1 + 1"); })->wait();
+    std::thread([] { printValue("1 + 1"); }).join();
     print(QString::number(callAnswer("five")));
 }
 
@@ -104,7 +95,7 @@ void startBeforeTheLibrary()
     printValue("'PYTHON_QUENZO_ENV' in __import__('os').environ");
     print(QString::number(callAnswer("five")));
     PyThreadState* const own = PyEval_SaveThread();
-    onThread([] { print(QString::number(callAnswer("five"))); })->wait();
+    std::thread([] { print(QString::number(callAnswer("five"))); }).join();
     PyEval_RestoreThread(own);
     print(QString::number(callAnswer("five")));
 }

@@ -16,7 +16,8 @@ public:
     using PythonForQt::releaseObj;
 };
 
-/** The repr() of an expression evaluated in the module `__main__`, or the error's type. Takes the interpreter lock. */
+/** The repr() of an expression evaluated in the module `__main__`, or the error's type. Takes the interpreter
+ * lock. */
 QString pythonValue(const QString& expression);
 
 /** How often a folder is in `sys.path`. */
