@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "pythonprobe.h"
 
+#include "runroot.h"
+
+#include <QFileInfo>
+
 QString pythonValue(const QString& expression)
 {
     const PyThreadStateLock lock;
@@ -32,4 +36,20 @@ bool isLoaded(const QString& module)
 {
     return pythonValue(QStringLiteral("'%1' in __import__('sys').modules").arg(module))
         == QLatin1String("True");
+}
+
+QString scriptFolder()
+{
+    return RunRoot::path() + QStringLiteral("/Script");
+}
+
+QString writeScript(const QByteArray& content, const QString& folder)
+{
+    static int number = 0;
+    return RunRoot::write(folder + QStringLiteral("/script%1.py").arg(++number), content);
+}
+
+QString moduleOf(const QString& scriptPath)
+{
+    return QFileInfo(scriptPath).completeBaseName();
 }

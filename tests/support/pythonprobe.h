@@ -26,4 +26,13 @@ int countInPath(const QString& folder);
 /** Whether a module is loaded. */
 bool isLoaded(const QString& module);
 
+/** The folder of the scripts in the root of the running test. */
+QString scriptFolder();
+
+/** Writes a script below the root, under a name that none before it had, and returns its path. */
+QString writeScript(const QByteArray& content, const QString& folder = QStringLiteral("Script"));
+
+/** The name of the module that a script makes. */
+QString moduleOf(const QString& scriptPath);
+
 #endif
