@@ -76,6 +76,31 @@ void callDirectly(benchmark::State& state)
     PyRun_SimpleString("sys.path.pop()");
 }
 
+// The same statements and the same call, each statement compiled anew.
+void callCompiling(benchmark::State& state, bool unload)
+{
+    PythonForQt::initPythonEnv();
+    const std::string folder = "str('" + QFileInfo(scriptPath()).path().toStdString() + "').decode('utf8')";
+    for (auto _ : state) {
+        const PyThreadStateLock lock;
+        PyRun_SimpleString("import sys");
+        PyRun_SimpleString("import os");
+        PyRun_SimpleString("reload(sys);sys.setdefaultencoding('utf8');");
+        PyRun_SimpleString(("sys.path.append(" + folder + ")").c_str());
+        PyObject* module = PyImport_ImportModule("bench_script");
+        PyObject* function = PyObject_GetAttrString(module, "add");
+        PyObject* result = PyObject_CallFunction(function, const_cast<char*>("is"), 2, "abc");
+        if (PyInt_AsLong(result) != 5)
+            state.SkipWithError("wrong answer");
+        Py_DECREF(result);
+        Py_DECREF(function);
+        Py_DECREF(module);
+        if (unload)
+            PyRun_SimpleString("del sys.modules['bench_script']");
+        PyRun_SimpleString(("if " + folder + " in sys.path:sys.path.remove(" + folder + ")").c_str());
+    }
+}
+
 // The limit of a call that unloads: finding, reading and dropping the module.
 void importAlone(benchmark::State& state)
 {
@@ -150,11 +175,15 @@ int main(int argc, char* argv[])
     using benchmark::kMicrosecond;
     using benchmark::RegisterBenchmark;
     RegisterBenchmark("call_with_the_module_kept/quenzo", callScript, false)->Unit(kMicrosecond);
+    RegisterBenchmark("call_with_the_module_kept/statements_compiled_each_time", callCompiling, false)
+        ->Unit(kMicrosecond);
     RegisterBenchmark("call_with_the_module_kept/direct_call", callDirectly)->Unit(kMicrosecond);
     RegisterBenchmark("call_with_the_module_kept/starting_python2.7", startPython)
         ->Unit(kMicrosecond)
         ->UseRealTime();
     RegisterBenchmark("call_with_the_module_unloaded/quenzo", callScript, true)->Unit(kMicrosecond);
+    RegisterBenchmark("call_with_the_module_unloaded/statements_compiled_each_time", callCompiling, true)
+        ->Unit(kMicrosecond);
     RegisterBenchmark("call_with_the_module_unloaded/direct_import_alone", importAlone)->Unit(kMicrosecond);
     RegisterBenchmark("call_with_the_module_unloaded/direct_call", callDirectly)->Unit(kMicrosecond);
     RegisterBenchmark("call_with_the_module_unloaded/starting_python2.7", startPython)

@@ -41,6 +41,8 @@ file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/${tool_dir}" "${PROJECT_BINARY_DIR}/l
 quenzo_link_program(adb)
 quenzo_link_program(aapt)
 install(DIRECTORY DESTINATION log)
+install(DIRECTORY DESTINATION Script)
+install(DIRECTORY DESTINATION ${tool_dir})
 
 get_property(staged DIRECTORY PROPERTY staged_files)
 add_custom_target(runtime_folders ALL DEPENDS ${staged})

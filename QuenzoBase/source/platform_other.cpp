@@ -9,7 +9,18 @@ QString executablePath()
     return QCoreApplication::applicationFilePath();
 }
 
-bool isLinked(const QFile& file)
+// An open file can be neither removed nor moved here: existing is all there is to tell.
+bool isLinked(const QFile& openFile)
 {
-    return file.exists();
+    return openFile.exists();
+}
+
+FileIdentity identityOf(const QFile& openFile)
+{
+    return identityAt(QFile::encodeName(openFile.fileName()));
+}
+
+FileIdentity identityAt(const QByteArray& path)
+{
+    return {QFile::exists(QFile::decodeName(path)) ? 1U : 0U, 0};
 }

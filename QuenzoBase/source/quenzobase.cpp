@@ -25,29 +25,43 @@ public:
     {
         const QByteArray bytes = text.toUtf8();
         const std::lock_guard<std::mutex> guard(m_mutex);
-        // A log that somebody has removed is begun anew.
-        if (!(m_file.isOpen() && isLinked(m_file)) && !open())
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        if (!isInPlace(now) && !open())
             return;
         QByteArray entry;
         entry.reserve(bytes.size() + 32);
-        appendTime(entry);
+        appendTime(entry, now);
         entry.append(' ').append(bytes).append('\n');
         // One write to a file in append mode: entries of several processes do not mix either.
         m_file.write(entry);
     }
 
 private:
+    // A log that somebody removed is begun anew; one that was moved away too, or gone on with where another
+    // process began it. Looking the path up takes as long as writing, so a burst does it once a millisecond.
+    bool isInPlace(qint64 now)
+    {
+        if (!m_file.isOpen())
+            return false;
+        if (now == m_lookedUp)
+            return isLinked(m_file);
+        m_lookedUp = now;
+        return identityAt(m_path) == m_identity;
+    }
+
     bool open()
     {
         m_file.close();
         QDir().mkpath(QFileInfo(m_file).path());
-        return m_file.open(QIODevice::Append | QIODevice::Unbuffered);
+        if (!m_file.open(QIODevice::Append | QIODevice::Unbuffered))
+            return false;
+        m_identity = identityOf(m_file);
+        return true;
     }
 
     // Formatting a time costs more than writing it, and only its milliseconds change from entry to entry.
-    void appendTime(QByteArray& entry)
+    void appendTime(QByteArray& entry, qint64 now)
     {
-        const qint64 now = QDateTime::currentMSecsSinceEpoch();
         if (now / 1000 != m_second) {
             m_second = now / 1000;
             m_secondText = QDateTime::fromSecsSinceEpoch(m_second).toString(Qt::ISODate).toLatin1();
@@ -59,7 +73,10 @@ private:
     }
 
     std::mutex m_mutex;
-    QFile m_file{runPath() + QStringLiteral("/../log/quenzotool.log")};
+    QFile m_file{QDir::cleanPath(runPath() + QStringLiteral("/../log/quenzotool.log"))};
+    const QByteArray m_path = QFile::encodeName(m_file.fileName());
+    FileIdentity m_identity;
+    qint64 m_lookedUp = -1;
     qint64 m_second = -1;
     QByteArray m_secondText;
 };

@@ -112,7 +112,6 @@ protected:
 
 private:
     void performTask();
-    void performImport();
     void performScript();
     void performExport();
 

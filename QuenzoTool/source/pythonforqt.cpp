@@ -9,10 +9,10 @@
 
 #include <QFileInfo>
 #include <QLoggingCategory>
-#include <QMutex>
 #include <QVector>
 
 #include <atomic>
+#include <mutex>
 
 namespace {
 
@@ -52,9 +52,17 @@ std::string statement(const QString& source, const QString& place)
     return source.arg(place, 0, QLatin1Char(' ')).toStdString();
 }
 
+// A thread that does must not wait for the one that starts the interpreter, which needs the lock to go on.
+bool holdsInterpreterLock()
+{
+    const PyThreadState* const own = PyGILState_GetThisThreadState();
+    return own != nullptr && own == _PyThreadState_Current;
+}
+
 QString importError()
 {
-    const bool byLocale = PyErr_ExceptionMatches(PyExc_UnicodeEncodeError) != 0;
+    const bool byLocale = PyErr_ExceptionMatches(PyExc_UnicodeEncodeError) != 0
+        && qstricmp(Py_FileSystemDefaultEncoding, "UTF-8") != 0;
     const QString error = takePythonError();
     return byLocale ? error + QStringLiteral(" (a folder in sys.path needs a UTF-8 locale)") : error;
 }
@@ -100,10 +108,10 @@ bool PythonForQt::initPythonEnv()
 {
     // The interpreter counts as initialised long before another thread may enter it.
     static std::atomic<bool> starting{false};
-    static QBasicMutex startMutex;
-    if (Py_IsInitialized() != 0 && !starting)
+    static std::recursive_mutex startMutex;
+    if (Py_IsInitialized() != 0 && (!starting || holdsInterpreterLock()))
         return true;
-    const QMutexLocker locker(&startMutex);
+    const std::lock_guard<std::recursive_mutex> guard(startMutex);
     if (Py_IsInitialized() != 0)
         return true;
 

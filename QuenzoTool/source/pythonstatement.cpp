@@ -37,6 +37,36 @@ QString textOf(PyObject* object)
     return QString::fromUtf8(bytes);
 }
 
+// The pending exception, taken off; all null when none was pending.
+struct PythonError {
+    PyReference type;
+    PyReference value;
+    PyReference traceback;
+
+    static PythonError take()
+    {
+        PyObject* type = nullptr;
+        PyObject* value = nullptr;
+        PyObject* traceback = nullptr;
+        PyErr_Fetch(&type, &value, &traceback);
+        if (type != nullptr)
+            PyErr_NormalizeException(&type, &value, &traceback);
+        return {PyReference(type), PyReference(value), PyReference(traceback)};
+    }
+};
+
+// What PyErr_Print does, but for SystemExit, which would end the host's process there.
+void printPythonError()
+{
+    const PythonError error = PythonError::take();
+    const auto orNone = [](const PyReference& object) { return object != nullptr ? object.get() : Py_None; };
+    if (PyObject* const hook = PySys_GetObject(const_cast<char*>("excepthook"))) {
+        const PyReference printed(PyObject_CallFunctionObjArgs(hook, orNone(error.type), orNone(error.value),
+                                                               orNone(error.traceback), nullptr));
+    }
+    PyErr_Clear();
+}
+
 } // namespace
 
 void runPythonStatement(const std::string& text)
@@ -45,31 +75,21 @@ void runPythonStatement(const std::string& text)
     const PyReference code = compiled(text);
     const PyReference result(
         code != nullptr ? PyEval_EvalCode(reinterpret_cast<PyCodeObject*>(code.get()), main, main) : nullptr);
-    if (result != nullptr)
-        return;
-    // Printing SystemExit would end the host's process.
-    if (PyErr_ExceptionMatches(PyExc_SystemExit) != 0)
+    if (result == nullptr)
+        printPythonError();
+    else if (Py_FlushLine() != 0)
         PyErr_Clear();
-    else
-        PyErr_Print();
 }
 
 QString takePythonError()
 {
-    PyObject* type = nullptr;
-    PyObject* value = nullptr;
-    PyObject* traceback = nullptr;
-    PyErr_Fetch(&type, &value, &traceback);
-    if (type == nullptr)
+    const PythonError error = PythonError::take();
+    if (error.type == nullptr)
         return {};
-    PyErr_NormalizeException(&type, &value, &traceback);
-    const PyReference ownedType(type);
-    const PyReference ownedValue(value);
-    const PyReference ownedTraceback(traceback);
-
+    PyObject* const type = error.type.get();
     QString name =
         QString::fromUtf8(PyExceptionClass_Check(type) ? PyExceptionClass_Name(type) : "exception");
     name = name.mid(name.lastIndexOf(QLatin1Char('.')) + 1);
-    const QString text = textOf(value);
+    const QString text = textOf(error.value.get());
     return text.isEmpty() ? name : name + QStringLiteral(": ") + text;
 }

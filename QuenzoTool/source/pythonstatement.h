@@ -8,8 +8,8 @@
 
 /**
  * Runs a statement in the module `__main__`, as PyRun_SimpleString does: an error is printed to the standard
- * error. A text that was run before is not compiled again. The interpreter lock must be held, with no
- * exception pending.
+ * error, SystemExit too, which does not end the process. A text that was run before is not compiled again.
+ * The interpreter lock must be held, with no exception pending.
  */
 void runPythonStatement(const std::string& text);
 

@@ -5,8 +5,9 @@
 
 #include <quenzobase.h>
 
-#include <QMutex>
 #include <QVector>
+
+#include <mutex>
 
 namespace {
 
@@ -19,11 +20,12 @@ QString archiveScript()
 // use.
 PythonForQt* keptBridge()
 {
-    static QBasicMutex mutex;
+    static std::mutex mutex;
     static auto& bridges = *new QVector<PythonForQt*>;
-    const QMutexLocker locker(&mutex);
-    bridges.append(new PythonForQt);
-    return bridges.last();
+    auto* const bridge = new PythonForQt;
+    const std::lock_guard<std::mutex> guard(mutex);
+    bridges.append(bridge);
+    return bridge;
 }
 
 QString importErrorText(int answer)
@@ -71,6 +73,13 @@ bool PythonToolThread::bExecTask()
 
 void PythonToolThread::run()
 {
+    const auto lacks = [this](const char* key) { return !m_params.contains(QLatin1String(key)); };
+    if (m_operate == PYTHON_TOOL_IMPORT_SDK && (lacks("src") || lacks("dest"))) {
+        // The flag goes first here, and only once: whoever hears of it may have recorded the next task.
+        m_bExecTask.store(false, std::memory_order_release);
+        Q_EMIT onTaskFinsih(PYTHON_TOOL_IMPORT_SDK, nullptr, false);
+        return;
+    }
     performTask();
     m_bExecTask.store(false, std::memory_order_release);
 }
@@ -96,7 +105,7 @@ void PythonToolThread::performTask()
         }
         break;
     case PYTHON_TOOL_IMPORT_SDK:
-        performImport();
+        importSDK(text("src"), text("dest"), m_params.value(QStringLiteral("idSDK"), -1).toInt());
         break;
     case PYTHON_TOOL_RUN_SCRIPT:
         performScript();
@@ -105,19 +114,6 @@ void PythonToolThread::performTask()
         performExport();
         break;
     }
-}
-
-void PythonToolThread::performImport()
-{
-    const auto src = m_params.constFind(QStringLiteral("src"));
-    const auto dest = m_params.constFind(QStringLiteral("dest"));
-    if (src == m_params.constEnd() || dest == m_params.constEnd()) {
-        m_bExecTask.store(false, std::memory_order_release);
-        Q_EMIT onTaskFinsih(PYTHON_TOOL_IMPORT_SDK, nullptr, false);
-        return;
-    }
-    const int idSDK = m_params.value(QStringLiteral("idSDK"), -1).toInt();
-    importSDK(src->toString(), dest->toString(), idSDK);
 }
 
 void PythonToolThread::performScript()

@@ -19,21 +19,27 @@ int truncated(double number)
     return static_cast<int>(qBound<double>(Limits::min(), number, Limits::max()));
 }
 
-// The length of the text's first `count` characters in bytes, `known` being that of the first `from` of them:
-// so a bisection encodes each character about once.
+// The length in bytes of the text's first `count` characters. What it took to learn it is kept, so that a
+// bisection encodes each character about once: `settled` characters take `settledBytes`, whatever follows
+// them. A surrogate is not settled, since its bytes depend on its neighbours, and the codec leaves one at the
+// end out.
 struct Prefix {
     int count = 0;
     int bytes = 0;
+    int settled = 0;
+    int settledBytes = 0;
 };
 
-Prefix lengthened(const QString& text, Prefix from, int count)
+Prefix lengthened(const QString& text, const Prefix& from, int count)
 {
-    // A surrogate pair is encoded as a whole; the half of one counts as the codec's replacement.
-    if (from.count > 0 && text.at(from.count - 1).isHighSurrogate()) {
-        --from.count;
-        from.bytes -= text.midRef(from.count, 1).toLocal8Bit().size();
-    }
-    return {count, from.bytes + text.midRef(from.count, count - from.count).toLocal8Bit().size()};
+    const auto bytesUpTo = [&](int end) {
+        return from.settledBytes + text.midRef(from.settled, end - from.settled).toLocal8Bit().size();
+    };
+    int settled = count;
+    while (settled > from.settled && text.at(settled - 1).isSurrogate())
+        --settled;
+    const int bytes = bytesUpTo(count);
+    return {count, bytes, settled, settled == count ? bytes : bytesUpTo(settled)};
 }
 
 } // namespace
@@ -51,9 +57,13 @@ bool QuenzoTool::runCmdWaitFinish(const QString& command, QString& output, QStri
 {
     constexpr int timeLimitMs = 30000;
     QStringList words = QProcess::splitCommand(command);
-    const QString program = words.isEmpty() ? QString() : words.takeFirst();
+    output.clear();
+    error.clear();
+    if (words.isEmpty() || words.first().isEmpty())
+        return false;
 
     QProcess process;
+    const QString program = words.takeFirst();
     process.start(program, words, QIODevice::ReadWrite);
     const bool finished = process.waitForFinished(timeLimitMs);
     output = QString::fromUtf8(process.readAllStandardOutput());

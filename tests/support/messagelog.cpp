@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "messagelog.h"
 
-#include <QMutex>
-
+#include <mutex>
 #include <utility>
 
 namespace {
 
-QBasicMutex mutex;
+// A mutex that the thread sanitizer sees, other than Qt's.
+std::mutex mutex;
 QVector<LoggedMessage>* messages = nullptr;
 QtMessageHandler handlerBefore = nullptr;
 
 void record(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     {
-        const QMutexLocker locker(&mutex);
+        const std::lock_guard<std::mutex> guard(mutex);
         if (messages != nullptr)
             messages->append({type, text, QString::fromUtf8(context.file),
                               QString::fromUtf8(context.function), context.line});
@@ -27,7 +27,7 @@ void record(QtMsgType type, const QMessageLogContext& context, const QString& te
 
 MessageLog::MessageLog()
 {
-    const QMutexLocker locker(&mutex);
+    const std::lock_guard<std::mutex> guard(mutex);
     messages = new QVector<LoggedMessage>;
     handlerBefore = qInstallMessageHandler(record);
 }
@@ -35,13 +35,13 @@ MessageLog::MessageLog()
 MessageLog::~MessageLog()
 {
     qInstallMessageHandler(handlerBefore);
-    const QMutexLocker locker(&mutex);
+    const std::lock_guard<std::mutex> guard(mutex);
     delete std::exchange(messages, nullptr);
 }
 
 QVector<LoggedMessage> MessageLog::take()
 {
-    const QMutexLocker locker(&mutex);
+    const std::lock_guard<std::mutex> guard(mutex);
     return std::exchange(*messages, {});
 }
 

@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+#include "runroot.h"
+
+#include <QtTest>
+
+#include <csignal>
+#include <memory>
+
+namespace {
+
+// A root of its own for one process, with one of the two hosts in its bin folder.
+class Root {
+public:
+    explicit Root(const QString& name = QStringLiteral("root"))
+        : m_path(m_folder.path() + QLatin1Char('/') + name)
+    {
+        QDir().mkpath(m_path + QStringLiteral("/bin"));
+        write(QStringLiteral("Script/answers.py"),
+              "import time, sys\n"
+              "def five(): return 5\n"
+              "def wait():\n    print 'waiting'\n    sys.stdout.flush()\n    time.sleep(60)\n");
+    }
+
+    void write(const QString& relativePath, const QByteArray& content)
+    {
+        const QString path = m_path + QLatin1Char('/') + relativePath;
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write %s", qUtf8Printable(path));
+    }
+
+    void writeStartModule(const QByteArray& content)
+    {
+        write(QStringLiteral("tool/mac/Python/init_python_env.py"), content);
+    }
+
+    void start(const QString& host, const QStringList& arguments, const QByteArray& locale = "C.UTF-8")
+    {
+        const QString program = m_path + QStringLiteral("/bin/") + host;
+        QFile::copy(RunRoot::path() + QStringLiteral("/bin/") + host, program);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), QString::fromLatin1(locale));
+        m_process.setProcessEnvironment(environment);
+        m_process.start(program, arguments);
+    }
+
+    // What the host printed, its end included when it was not a good one.
+    QByteArray output()
+    {
+        if (!m_process.waitForFinished(120000))
+            return "not finished";
+        m_error = m_process.readAllStandardError();
+        QByteArray lines = m_process.readAllStandardOutput();
+        if (m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
+            lines += "ended with " + QByteArray::number(m_process.exitCode()) + '\n' + m_error;
+        return lines;
+    }
+
+    QByteArray run(const QString& way)
+    {
+        start(QStringLiteral("starthost"), {way});
+        return output();
+    }
+
+    QProcess& process() { return m_process; }
+    QByteArray error() const { return m_error; }
+
+private:
+    QTemporaryDir m_folder;
+    QString m_path;
+    QProcess m_process;
+    QByteArray m_error;
+};
+
+const QByteArray countStarts = "import __builtin__ as b\nb.starts = getattr(b, 'starts', 0) + 1\n";
+
+} // namespace
+
+class tst_PythonStart : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void secondStartDoesNothing();
+    void startWithoutItsModuleIsTrue_data();
+    void startWithoutItsModuleIsTrue();
+    void folderWithAQuotationMarkIsTrue();
+    void folderBeyondAsciiIsFound();
+    void startModuleThatExitsDoesNotEndTheProcess_data();
+    void startModuleThatExitsDoesNotEndTheProcess();
+    void startModuleMayStartAgain_data();
+    void startModuleMayStartAgain();
+    void lockIsFreeAfterTheStart();
+    void startFromTwoThreadsHappensOnce();
+    void interpreterOfTheHostIsTakenAsItIs();
+    void hostsSignalHandlersStay();
+    void interruptEndsAHostWithoutHandler();
+    void extensionModulesLoadInAHostThatLoadsTheLibrary_data();
+    void extensionModulesLoadInAHostThatLoadsTheLibrary();
+    void localeIsNamedWhenItIsTheCause();
+};
+
+void tst_PythonStart::secondStartDoesNothing()
+{
+    Root root;
+    root.writeStartModule(countStarts);
+    QCOMPARE(root.run(QStringLiteral("twice")), QByteArray("true\ntrue\n1\n1\n/../tool/mac/Python\n5\n"));
+    QCOMPARE(root.error(), QByteArray());
+}
+
+void tst_PythonStart::startWithoutItsModuleIsTrue_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("printed");
+    const QByteArray absent = "ImportError: No module named init_python_env";
+    const QString module = QStringLiteral("tool/mac/Python/init_python_env.py");
+    QTest::newRow("no folder") << QStringLiteral("other") << QByteArray() << absent;
+    QTest::newRow("no module") << QStringLiteral("tool/mac/Python/other.py") << QByteArray() << absent;
+    QTest::newRow("syntax error") << module << QByteArray("def f(:\n") << QByteArray("SyntaxError: ");
+    QTest::newRow("raises") << module << QByteArray("raise ValueError('why')\n")
+                            << QByteArray("ValueError: why");
+}
+
+void tst_PythonStart::startWithoutItsModuleIsTrue()
+{
+    QFETCH(const QString, file);
+    QFETCH(const QByteArray, content);
+    QFETCH(const QByteArray, printed);
+    Root root;
+    root.write(file, content);
+    QCOMPARE(root.run(QStringLiteral("call")), QByteArray("true\n5\n"));
+    QVERIFY2(root.error().contains(printed), root.error().constData());
+}
+
+void tst_PythonStart::folderWithAQuotationMarkIsTrue()
+{
+    Root root(QStringLiteral("it's"));
+    root.writeStartModule(countStarts);
+    // Neither the start-up's folder nor a script's is found there, and the process goes on.
+    QCOMPARE(root.run(QStringLiteral("call")), QByteArray("true\n-1\n"));
+    QCOMPARE(root.error().count("SyntaxError: "), 2 + 1);
+}
+
+void tst_PythonStart::folderBeyondAsciiIsFound()
+{
+    Root root(QStringLiteral("é 中文"));
+    root.writeStartModule(countStarts);
+    QCOMPARE(root.run(QStringLiteral("twice")), QByteArray("true\ntrue\n1\n1\n/../tool/mac/Python\n5\n"));
+    QCOMPARE(root.error(), QByteArray());
+}
+
+void tst_PythonStart::startModuleThatExitsDoesNotEndTheProcess_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("printed");
+    QTest::newRow("SystemExit") << QByteArray("raise SystemExit(9)\n") << QByteArray("SystemExit: 9");
+    QTest::newRow("sys.exit") << QByteArray("import sys\nsys.exit()\n") << QByteArray("SystemExit");
+    QTest::newRow("KeyboardInterrupt")
+        << QByteArray("raise KeyboardInterrupt\n") << QByteArray("KeyboardInterrupt");
+    QTest::newRow("a hook that exits")
+        << QByteArray("import sys\nsys.excepthook = lambda *all: sys.exit(3)\nraise ValueError\n")
+        << QByteArray();
+    QTest::newRow("no hook") << QByteArray("import sys\ndel sys.excepthook\nraise ValueError\n")
+                             << QByteArray();
+}
+
+void tst_PythonStart::startModuleThatExitsDoesNotEndTheProcess()
+{
+    QFETCH(const QByteArray, content);
+    QFETCH(const QByteArray, printed);
+    Root root;
+    root.writeStartModule(content);
+    QCOMPARE(root.run(QStringLiteral("call")), QByteArray("true\n5\n"));
+    QVERIFY2(root.error().contains(printed), root.error().constData());
+}
+
+void tst_PythonStart::startModuleMayStartAgain_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("with the lock") << QByteArray("import ctypes\nprint ctypes.PyDLL(None).startAgain()\n");
+    QTest::newRow("without the lock") << QByteArray("import ctypes\nprint ctypes.CDLL(None).startAgain()\n");
+    QTest::newRow("with the lock, on a thread")
+        << QByteArray("import ctypes, thread\nturn = thread.allocate_lock()\nturn.acquire()\n"
+                      "function = ctypes.CDLL(None).startAgainUnderTheLock\n"
+                      "def again():\n    print function()\n    turn.release()\n"
+                      "thread.start_new_thread(again, ())\nturn.acquire()\n");
+}
+
+void tst_PythonStart::startModuleMayStartAgain()
+{
+    QFETCH(const QByteArray, content);
+    Root root;
+    root.writeStartModule(content + "import sys\nsys.stdout.flush()\n");
+    QCOMPARE(root.run(QStringLiteral("call")), QByteArray("1\ntrue\n5\n"));
+}
+
+void tst_PythonStart::lockIsFreeAfterTheStart()
+{
+    Root root;
+    root.writeStartModule(countStarts);
+    QCOMPARE(root.run(QStringLiteral("lock")), QByteArray("true\n2\n5\n"));
+}
+
+void tst_PythonStart::startFromTwoThreadsHappensOnce()
+{
+    Root root;
+    root.writeStartModule(countStarts + "import time\ntime.sleep(0.05)\nb.complete = True\n");
+    for (int round = 0; round < 5; ++round)
+        QCOMPARE(root.run(QStringLiteral("threads")), QByteArray("true\ntrue\n1\n"));
+}
+
+void tst_PythonStart::interpreterOfTheHostIsTakenAsItIs()
+{
+    Root root;
+    root.writeStartModule(countStarts);
+    QCOMPARE(root.run(QStringLiteral("before")), QByteArray("true\nFalse\n5\n5\n5\n"));
+}
+
+void tst_PythonStart::hostsSignalHandlersStay()
+{
+    Root root;
+    root.writeStartModule(countStarts);
+    QCOMPARE(root.run(QStringLiteral("handlers")), QByteArray("true\ntrue\ntrue\n1\n5\n"));
+}
+
+void tst_PythonStart::interruptEndsAHostWithoutHandler()
+{
+    Root root;
+    root.writeStartModule(countStarts);
+    root.start(QStringLiteral("starthost"), {QStringLiteral("interrupt")});
+    QProcess& host = root.process();
+    QByteArray output;
+    while (!output.contains("waiting\n") && host.waitForReadyRead(60000))
+        output += host.readAllStandardOutput();
+    QCOMPARE(output, QByteArray("true\nwaiting\n"));
+    QCOMPARE(kill(pid_t(host.processId()), SIGINT), 0);
+    QVERIFY(host.waitForFinished());
+    QCOMPARE(host.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(host.exitCode(), SIGINT);
+}
+
+void tst_PythonStart::extensionModulesLoadInAHostThatLoadsTheLibrary_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::newRow("dlopen") << QStringLiteral("dlopen");
+    QTest::newRow("QLibrary") << QStringLiteral("QLibrary");
+}
+
+void tst_PythonStart::extensionModulesLoadInAHostThatLoadsTheLibrary()
+{
+    QFETCH(const QString, how);
+    Root root;
+    root.writeStartModule("import ssl, bz2, ctypes, sqlite3, sys\nprint 'loaded'\nsys.stdout.flush()\n");
+    root.start(QStringLiteral("loadhost"), {QStringLiteral(TOOL_LIBRARY), how});
+    QCOMPARE(root.output(), QByteArray("loaded\ntrue\n"));
+    QCOMPARE(root.error(), QByteArray());
+}
+
+void tst_PythonStart::localeIsNamedWhenItIsTheCause()
+{
+    Root root;
+    root.writeStartModule(countStarts);
+    root.write(QStringLiteral("é/answers.py"), "def five(): return 5\n");
+    root.start(QStringLiteral("starthost"), {QStringLiteral("ascii")}, "C");
+    QCOMPARE(root.output(), QByteArray("-1\n"));
+    QVERIFY2(root.error().contains("UnicodeEncodeError"), root.error().constData());
+    QVERIFY2(root.error().contains("a folder in sys.path needs a UTF-8 locale"), root.error().constData());
+}
+
+QTEST_GUILESS_MAIN(tst_PythonStart)
+#include "tst_pythonstart.moc"

@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: MIT
+#include <quenzobase.h>
+
+#include "messagelog.h"
+#include "runroot.h"
+
+#include <QtTest>
+
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// The texts of the log's entries, each stripped of its time; an entry of another form stands as it is,
+// marked.
+QStringList entries()
+{
+    static const QRegularExpression form(QStringLiteral(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3} (.*)$)"));
+    QStringList texts;
+    QStringList lines = QString::fromUtf8(RunRoot::log()).split(QLatin1Char('\n'));
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    for (const QString& line : qAsConst(lines)) {
+        const QRegularExpressionMatch match = form.match(line);
+        texts.append(match.hasMatch() ? match.captured(1) : QStringLiteral("no entry: ") + line);
+    }
+    return texts;
+}
+
+QString entryText(int writer, int number)
+{
+    return QStringLiteral("writer %1 entry %2 ").arg(writer).arg(number) + QString(100, QLatin1Char('.'));
+}
+
+// Entries of one writer stand in their order, and nothing else is in the log.
+QByteArray disorder(int writers, int count)
+{
+    std::vector<int> next(static_cast<std::size_t>(writers), 0);
+    const QStringList texts = entries();
+    for (const QString& text : texts) {
+        bool expected = false;
+        for (int writer = 0; writer < writers && !expected; ++writer) {
+            int& number = next.at(static_cast<std::size_t>(writer));
+            expected = text == entryText(writer, number);
+            number += expected ? 1 : 0;
+        }
+        if (!expected)
+            return text.toUtf8();
+    }
+    return texts.size() == writers * count ? QByteArray() : QByteArray::number(texts.size()) + " entries";
+}
+
+QString helper()
+{
+    return RunRoot::path() + QStringLiteral("/bin/basehost");
+}
+
+} // namespace
+
+class tst_QuenzoBase : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { m_log = std::make_unique<MessageLog>(); }
+    void init() { RunRoot::clear(); }
+    void cleanup() { QCOMPARE(m_log->takeWarnings(), QStringList()); }
+
+    void runPathIsTheFolderOfTheExecutable();
+    void runPathNeedsNoApplicationAndFollowsLinks();
+
+    void entryIsTimeBlankTextLineFeed();
+    void folderIsMadeWhenMissing();
+    void textStandsAsItIs_data();
+    void textStandsAsItIs();
+    void entriesAreAppended();
+    void logRemovedWhileRunningIsBegunAnew();
+    void logMovedAwayAndBegunByAnotherIsGoneOnWith();
+    void folderRemovedWhileRunningIsMadeAnew();
+    void unwritableLogIsDroppedInSilence();
+
+    void entriesOfThreadsDoNotMix();
+    void entriesOfProcessesDoNotMix();
+
+    void hostsOwnCompanionTakesThePlace();
+
+private:
+    std::unique_ptr<MessageLog> m_log;
+};
+
+void tst_QuenzoBase::runPathIsTheFolderOfTheExecutable()
+{
+    QCOMPARE(QuenzoBase::getRunPath(), QCoreApplication::applicationDirPath());
+    QVERIFY(!QuenzoBase::getRunPath().endsWith(QLatin1Char('/')));
+    QCOMPARE(QuenzoBase::getRunPath(), QuenzoBase::getRunPath());
+}
+
+void tst_QuenzoBase::runPathNeedsNoApplicationAndFollowsLinks()
+{
+    QTemporaryDir folder;
+    const QString link = folder.filePath(QStringLiteral("link"));
+    QVERIFY(QFile::link(helper(), link));
+    QProcess host;
+    host.setWorkingDirectory(QStringLiteral("/"));
+    host.start(link, {QStringLiteral("paths")});
+    QVERIFY2(host.waitForFinished(), qPrintable(host.errorString()));
+    const QString bin = RunRoot::path() + QStringLiteral("/bin");
+    QCOMPARE(QString::fromUtf8(host.readAllStandardOutput()),
+             bin + QLatin1Char('\n') + bin + QStringLiteral("/../tool/mac\n"));
+}
+
+void tst_QuenzoBase::entryIsTimeBlankTextLineFeed()
+{
+    const QDateTime before = QDateTime::currentDateTime();
+    QuenzoBase::Log(QStringLiteral("the text"));
+    const QDateTime after = QDateTime::currentDateTime();
+    const QString line = QString::fromUtf8(RunRoot::log());
+    QVERIFY2(line.endsWith(QStringLiteral(" the text\n")), qPrintable(line));
+    const QDateTime time = QDateTime::fromString(line.section(QLatin1Char(' '), 0, 0), Qt::ISODateWithMs);
+    QVERIFY2(time >= before && time <= after, qPrintable(line));
+    QCOMPARE(entries(), QStringList{QStringLiteral("the text")});
+}
+
+void tst_QuenzoBase::folderIsMadeWhenMissing()
+{
+    QVERIFY(!QFileInfo::exists(RunRoot::path() + QStringLiteral("/log")));
+    QuenzoBase::Log(QStringLiteral("first"));
+    QCOMPARE(entries(), QStringList{QStringLiteral("first")});
+}
+
+void tst_QuenzoBase::textStandsAsItIs_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("beyond ASCII") << QStringLiteral("é 中文 \U0001F600");
+    QTest::newRow("line feeds") << QStringLiteral("one\ntwo\r\n\n");
+    QTest::newRow("blanks around") << QStringLiteral("  \t text  ");
+    QTest::newRow("place markers") << QStringLiteral("%1 %s %n");
+    QTest::newRow("null character") << QStringLiteral("a").append(QChar(0)).append(QLatin1Char('b'));
+    QTest::newRow("a million letters") << QString(1000000, QLatin1Char('x'));
+}
+
+void tst_QuenzoBase::textStandsAsItIs()
+{
+    QFETCH(const QString, text);
+    QuenzoBase::Log(text);
+    const QByteArray log = RunRoot::log();
+    QCOMPARE(log.mid(log.indexOf(' ')), ' ' + text.toUtf8() + '\n');
+}
+
+void tst_QuenzoBase::entriesAreAppended()
+{
+    RunRoot::write(QStringLiteral("log/quenzotool.log"), "2001-02-03T04:05:06.007 from before\n");
+    for (int i = 0; i < 3; ++i)
+        QuenzoBase::Log(QString::number(i));
+    QCOMPARE(entries(),
+             (QStringList{QStringLiteral("from before"), QStringLiteral("0"), QStringLiteral("1"),
+                          QStringLiteral("2")}));
+}
+
+void tst_QuenzoBase::logRemovedWhileRunningIsBegunAnew()
+{
+    QuenzoBase::Log(QStringLiteral("first"));
+    QVERIFY(QFile::remove(RunRoot::path() + QStringLiteral("/log/quenzotool.log")));
+    QuenzoBase::Log(QStringLiteral("second"));
+    QCOMPARE(entries(), QStringList{QStringLiteral("second")});
+}
+
+void tst_QuenzoBase::logMovedAwayAndBegunByAnotherIsGoneOnWith()
+{
+    const QString path = RunRoot::path() + QStringLiteral("/log/quenzotool.log");
+    QuenzoBase::Log(QStringLiteral("first"));
+    QVERIFY(QFile::rename(path, path + QStringLiteral(".1")));
+    RunRoot::write(QStringLiteral("log/quenzotool.log"), "2001-02-03T04:05:06.007 of another\n");
+    QTest::qSleep(2); // within the same millisecond the path is not looked up again
+    QuenzoBase::Log(QStringLiteral("second"));
+    QCOMPARE(entries(), (QStringList{QStringLiteral("of another"), QStringLiteral("second")}));
+}
+
+void tst_QuenzoBase::folderRemovedWhileRunningIsMadeAnew()
+{
+    QuenzoBase::Log(QStringLiteral("first"));
+    QVERIFY(QDir(RunRoot::path() + QStringLiteral("/log")).removeRecursively());
+    QuenzoBase::Log(QStringLiteral("second"));
+    QCOMPARE(entries(), QStringList{QStringLiteral("second")});
+}
+
+void tst_QuenzoBase::unwritableLogIsDroppedInSilence()
+{
+    const QString folder = RunRoot::path() + QStringLiteral("/log");
+    RunRoot::write(QStringLiteral("log"), "a file where the folder should be");
+    QuenzoBase::Log(QStringLiteral("dropped"));
+    QVERIFY(QFile::remove(folder));
+
+    QVERIFY(QDir().mkpath(folder + QStringLiteral("/quenzotool.log")));
+    QuenzoBase::Log(QStringLiteral("dropped"));
+    QVERIFY(QDir(folder).removeRecursively());
+
+    QVERIFY(QDir().mkpath(folder));
+    QVERIFY(QFile::link(QStringLiteral("/dev/full"), folder + QStringLiteral("/quenzotool.log")));
+    QuenzoBase::Log(QStringLiteral("dropped"));
+    QVERIFY(QDir(folder).removeRecursively());
+
+    QuenzoBase::Log(QStringLiteral("written"));
+    QCOMPARE(entries(), QStringList{QStringLiteral("written")});
+}
+
+void tst_QuenzoBase::entriesOfThreadsDoNotMix()
+{
+    constexpr int writers = 4;
+    constexpr int count = 500;
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < writers; ++writer) {
+        threads.emplace_back([writer] {
+            for (int i = 0; i < count; ++i)
+                QuenzoBase::Log(entryText(writer, i));
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    QCOMPARE(disorder(writers, count), QByteArray());
+}
+
+void tst_QuenzoBase::entriesOfProcessesDoNotMix()
+{
+    constexpr int writers = 3;
+    constexpr int count = 1000;
+    std::vector<std::unique_ptr<QProcess>> hosts;
+    for (int writer = 0; writer < writers; ++writer) {
+        hosts.push_back(std::make_unique<QProcess>());
+        const QString text = entryText(writer, -1).replace(QStringLiteral("-1"), QStringLiteral("%1"));
+        hosts.back()->start(helper(), {QStringLiteral("log"), text, QString::number(count)});
+    }
+    for (const auto& host : hosts) {
+        QVERIFY2(host->waitForFinished(), qPrintable(host->errorString()));
+        QCOMPARE(host->exitCode(), 0);
+        QCOMPARE(host->readAllStandardError(), QByteArray());
+    }
+    QCOMPARE(disorder(writers, count), QByteArray());
+}
+
+void tst_QuenzoBase::hostsOwnCompanionTakesThePlace()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LD_LIBRARY_PATH"), QStringLiteral(COMPANION_FOLDER));
+    QProcess host;
+    host.setProcessEnvironment(environment);
+    host.start(helper(), {QStringLiteral("paths")});
+    QVERIFY2(host.waitForFinished(), qPrintable(host.errorString()));
+    QCOMPARE(host.readAllStandardError(), QByteArray());
+    QCOMPARE(host.readAllStandardOutput(),
+             QByteArray("/host's own/run path\n/host's own/run path/../tool/mac\n"));
+
+    host.start(helper(), {QStringLiteral("log"), QStringLiteral("entry %1"), QStringLiteral("2")});
+    QVERIFY2(host.waitForFinished(), qPrintable(host.errorString()));
+    QCOMPARE(host.readAllStandardError(), QByteArray("companion: entry 0\ncompanion: entry 1\n"));
+    QCOMPARE(RunRoot::log(), QByteArray());
+}
+
+QTEST_GUILESS_MAIN(tst_QuenzoBase)
+#include "tst_quenzobase.moc"
