@@ -10,6 +10,7 @@
 #include <QLoggingCategory>
 #include <QMutexLocker>
 #include <QSqlError>
+#include <QSqlQuery>
 
 #include <mutex>
 #include <utility>
@@ -87,18 +88,22 @@ bool DBHelper::initDatabase(QString path)
             m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName());
             m_db.setDatabaseName(path);
             opened = m_db.open();
+            // Makes what Qt keeps for queries, so that it outlives the registration at exit below.
+            if (opened)
+                const QSqlQuery query(m_db);
         }
     }
     if (wasOpen) {
         writeMessage(89, function, QStringLiteral("Database was opened!"));
         return false;
     }
-    // The driver is loaded by now.
+    if (!opened) {
+        writeMessage(97, function, QStringLiteral("fail to open database!"));
+        return false;
+    }
     static std::once_flag armed;
     std::call_once(armed, ExitGate::arm);
-    if (!opened)
-        writeMessage(97, function, QStringLiteral("fail to open database!"));
-    return opened;
+    return true;
 }
 
 bool DBHelper::closeDB()
