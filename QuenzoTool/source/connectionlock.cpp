@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "connectionlock.h"
 
+#include <atomic>
 #include <mutex>
 
 namespace {
 
 struct Mutexes {
-    std::mutex turn; // held by the thread that is next
+    std::atomic<int> waiting{0};
+    std::mutex turn; // held by the one that is next among those who wait
     std::mutex connection;
 };
 
@@ -25,8 +27,13 @@ ConnectionLock::ConnectionLock()
 {
     if (ownLocks++ > 0)
         return;
-    const std::lock_guard<std::mutex> turn(mutexes().turn);
-    mutexes().connection.lock();
+    Mutexes& shared = mutexes();
+    if (shared.waiting.load(std::memory_order_relaxed) == 0 && shared.connection.try_lock())
+        return;
+    shared.waiting.fetch_add(1, std::memory_order_relaxed);
+    const std::lock_guard<std::mutex> turn(shared.turn);
+    shared.connection.lock();
+    shared.waiting.fetch_sub(1, std::memory_order_relaxed);
 }
 
 ConnectionLock::~ConnectionLock()

@@ -22,7 +22,7 @@ QVariant decoded(const QVariant& value)
     return QuenzoTool::ckDecode(value.toString());
 }
 
-DBStatement insertStatement(const QSqlDatabase& database, const QString& tableName, bool bEncode)
+DBStatement insertStatement(QSqlDatabase& database, const QString& tableName, bool bEncode)
 {
     const auto text = [tableName](const QStringList& columns) {
         return StatementText::insertRow(tableName, columns);
@@ -30,7 +30,7 @@ DBStatement insertStatement(const QSqlDatabase& database, const QString& tableNa
     return {database, text, bEncode ? encoded : nullptr};
 }
 
-DBStatement updateStatement(const QSqlDatabase& database, const QString& tableName, const QString& whereKey,
+DBStatement updateStatement(QSqlDatabase& database, const QString& tableName, const QString& whereKey,
                             const QVariant& whereValue, bool bEncode)
 {
     const auto text = [tableName, whereKey](const QStringList& columns) {
@@ -76,16 +76,8 @@ bool DBHelper::insertToDatabase(QString tableName, QList<QVariant>& lsRecord, bo
     if (lsRecord.isEmpty())
         return true;
     DBStatement statement = insertStatement(m_db, tableName, bEncode);
-    // No other thread's statement comes between a failure and its rollback.
-    const auto insert = [this, &statement](const Row& row) {
-        const ConnectionLock lock;
-        const bool inserted = statement.run(row);
-        if (!inserted)
-            m_db.rollback();
-        return inserted;
-    };
     for (const QVariant& record : qAsConst(lsRecord)) {
-        if (insert(record.toMap()))
+        if (statement.runOrRollBack(record.toMap()))
             continue;
         reportFailure(
             statement, "Error at insert", tableName, 337,

@@ -32,13 +32,17 @@ public:
      * @param convert turns a row's value into the one that is bound; null binds it as it is
      * @param lastColumn if not null, bound behind the columns of each row, to @p lastValue as it is
      */
-    DBStatement(const QSqlDatabase& database, Text text, Conversion convert, const QString& lastColumn = {},
+    DBStatement(QSqlDatabase& database, Text text, Conversion convert, const QString& lastColumn = {},
                 const QVariant& lastValue = {});
     ~DBStatement();
     DBStatement(const DBStatement&) = delete;
     DBStatement& operator=(const DBStatement&) = delete;
 
     bool run(const QMap<QString, QVariant>& row);
+
+    /** A failure also rolls back the transaction that the connection is in, before another thread's
+     * statement. */
+    bool runOrRollBack(const QMap<QString, QVariant>& row);
 
     /**
      * Appends the rows that the last run yields. The lock is to be held since that run.
@@ -54,18 +58,24 @@ public:
     QString error() const { return m_error; }
 
 private:
-    bool hasColumnsOf(const QMap<QString, QVariant>& row) const;
-    void takeColumns(const QMap<QString, QVariant>& row);
     bool execute(const QMap<QString, QVariant>& row);
+    void takeColumns(const QMap<QString, QVariant>& row);
+    bool prepare(const QMap<QString, QVariant>& row);
+    bool bindsInOrder() const;
+    bool rebind(const QMap<QString, QVariant>& row);
+    QVariant converted(const QVariant& value) const
+    {
+        return m_convert != nullptr ? m_convert(value) : value;
+    }
 
-    const QSqlDatabase& m_database;
+    QSqlDatabase& m_database;
     std::unique_ptr<QSqlQuery> m_query;
     Text m_makeText;
     Conversion m_convert;
     QString m_text;
     QStringList m_columns;
-    QStringList m_placeholders;
-    QString m_lastPlaceholder;
+    bool m_rebindable = false; // another row of the same columns needs no preparation
+    QString m_lastColumn;
     QVariant m_lastValue;
     QString m_error;
 };
