@@ -37,7 +37,7 @@ void isolateInterpreter()
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
-    for (const auto& group : {scriptCommands})
+    for (const auto& group : {scriptCommands, dbCommands})
         commands += group();
     return commands;
 }

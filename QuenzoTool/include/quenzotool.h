@@ -103,6 +103,24 @@ public:
      */
     static void getUrlParam(QString url, QMap<QString, QString>& params);
 
+    /**
+     * Scrambles a text so that it cannot be read at a glance: the Base64 form of its UTF-8 bytes with
+     * neighbouring characters swapped in pairs, all but the last six. There is no key: this hides, it does
+     * not protect.
+     *
+     * Kept: texts of less than four bytes scramble to an empty (not null) text and cannot be brought back. A
+     * zero byte ends a text when it is decoded.
+     */
+    static QString ckEncode(QString text);
+
+    /**
+     * Brings a text back that ckEncode() scrambled.
+     *
+     * @return the plain text, never null; whatever the rearranged characters decode to, possibly an empty or
+     * garbled text, for anything that ckEncode() has not made
+     */
+    static QString ckDecode(QString text);
+
     /** Starts the embedded interpreter; see PythonForQt::initPythonEnv. */
     static bool initPythonEnv();
 };

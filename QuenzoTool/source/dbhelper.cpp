@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: MIT
+#include "dbhelper.h"
+
+#include "connectionlock.h"
+#include "exitgate.h"
+
+#include <quenzobase.h>
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+#include <QMutexLocker>
+#include <QSqlError>
+#include <QSqlQuery>
+
+#include <mutex>
+#include <utility>
+
+namespace {
+
+QString connectionName()
+{
+    return QStringLiteral("Quenzo");
+}
+
+void writeMessage(int line, const char* function, const QString& text)
+{
+    QMessageLogger("QuenzoTool/source/dbhelper", line, function).debug().noquote() << text;
+}
+
+ST_DB_COMMAND commandOf(DB_COMMAND command, QString&& tableName, QString&& key, const QVariant& value,
+                        bool bEncode, QString&& usrExt)
+{
+    ST_DB_COMMAND record;
+    record.command = command;
+    record.tableName = std::move(tableName);
+    if (command == DB_UPDATE) {
+        QString valueText = value.toString();
+        if (!key.isEmpty() && !valueText.isEmpty()) {
+            record.updateKey = std::move(key);
+            record.updateValue = std::move(valueText);
+        }
+    }
+    record.bEncode = bEncode;
+    record.usrExt = std::move(usrExt);
+    return record;
+}
+
+} // namespace
+
+DBHelper* DBHelper::singleInstance = nullptr;
+
+DBCommandEvent::DBCommandEvent(ST_DB_COMMAND command)
+    : QEvent(DB_EVENT_TYPE)
+    , m_command(std::move(command))
+{
+}
+
+DBCommandEvent::~DBCommandEvent() = default;
+
+DBHelper::DBHelper() = default;
+
+DBHelper::~DBHelper()
+{
+    const ConnectionLock lock;
+    m_db.close();
+    m_db = QSqlDatabase();
+}
+
+DBHelper* DBHelper::getInstance()
+{
+    if (singleInstance == nullptr)
+        singleInstance = new DBHelper;
+    return singleInstance;
+}
+
+bool DBHelper::initDatabase(QString path)
+{
+    constexpr const char* function = "bool __cdecl DBHelper::initDatabase(class QString)";
+    bool wasOpen = false;
+    bool opened = false;
+    {
+        const ConnectionLock lock;
+        wasOpen = m_db.isOpen();
+        if (!wasOpen) {
+            // Given back first: Qt warns of a connection that is replaced or removed while somebody holds it.
+            m_db = QSqlDatabase();
+            QSqlDatabase::removeDatabase(connectionName());
+            m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName());
+            m_db.setDatabaseName(path);
+            opened = m_db.open();
+            // Makes what Qt keeps for queries, so that it outlives the registration at exit below.
+            if (opened)
+                const QSqlQuery query(m_db);
+        }
+    }
+    if (wasOpen) {
+        writeMessage(89, function, QStringLiteral("Database was opened!"));
+        return false;
+    }
+    if (!opened) {
+        writeMessage(97, function, QStringLiteral("fail to open database!"));
+        return false;
+    }
+    static std::once_flag armed;
+    std::call_once(armed, ExitGate::arm);
+    return true;
+}
+
+bool DBHelper::closeDB()
+{
+    {
+        const ConnectionLock lock;
+        m_db.close();
+    }
+    m_bRunning.store(false, std::memory_order_release);
+    m_nEventCount.store(1, std::memory_order_relaxed);
+    return true;
+}
+
+void DBHelper::removeDatabase()
+{
+    const ConnectionLock lock;
+    if (singleInstance != nullptr)
+        singleInstance->m_db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(connectionName());
+}
+
+bool DBHelper::StartThread()
+{
+    static std::once_flag armed;
+    std::call_once(armed, ExitGate::arm);
+    start(QThread::InheritPriority);
+    return true;
+}
+
+bool DBHelper::StopThread()
+{
+    exit(0);
+    return false;
+}
+
+bool DBHelper::isRunning()
+{
+    return m_bRunning.load(std::memory_order_acquire);
+}
+
+bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QMap<QString, QVariant>& mapValue,
+                                QString key, QVariant value, bool bEncode, QString usrExt)
+{
+    m_bRunning.store(true, std::memory_order_release);
+    ST_DB_COMMAND record =
+        commandOf(command, std::move(tableName), std::move(key), value, bEncode, std::move(usrExt));
+    record.mapValue = mapValue;
+    return deliver(std::move(record));
+}
+
+bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QList<QVariant>& lsRecord, QString key,
+                                QVariant value, bool bEncode, QString usrExt)
+{
+    ST_DB_COMMAND record =
+        commandOf(command, std::move(tableName), std::move(key), value, bEncode, std::move(usrExt));
+    record.lsRecord = lsRecord;
+    return deliver(std::move(record));
+}
+
+bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QString key, QVariant value,
+                                bool bEncode, QString usrExt)
+{
+    if (command == DB_UPDATE) {
+        writeMessage(195,
+                     "bool __cdecl DBHelper::threadToDatabase(enum DB_COMMAND,class QString,class QString,"
+                     "class QVariant,bool,class QString)",
+                     QStringLiteral("Error paramater"));
+        return false;
+    }
+    QMap<QString, QVariant> mapValue{{key, value.toString()}};
+    return threadToDatabase(command, tableName, mapValue, QString(), QStringLiteral(""), bEncode, usrExt);
+}
+
+bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, bool bEncode, QString usrExt)
+{
+    if (command == DB_INSERT || command == DB_UPDATE) {
+        writeMessage(
+            184, "bool __cdecl DBHelper::threadToDatabase(enum DB_COMMAND,class QString,bool,class QString)",
+            QStringLiteral("Error paramater"));
+        return false;
+    }
+    QMap<QString, QVariant> mapValue;
+    return threadToDatabase(command, tableName, mapValue, QString(), QStringLiteral(""), bEncode, usrExt);
+}
+
+bool DBHelper::deliver(ST_DB_COMMAND&& command)
+{
+    DBCommandEvent event(std::move(command));
+    if (QThread::currentThread() == thread())
+        return QCoreApplication::sendEvent(this, &event);
+    // Sent from another thread, an event would change this thread's event state in Qt without a lock.
+    if (QCoreApplication::instance() == nullptr)
+        return false;
+    customEvent(&event);
+    return true;
+}
+
+void DBHelper::customEvent(QEvent* event)
+{
+    const auto* const commandEvent = dynamic_cast<DBCommandEvent*>(event);
+    if (commandEvent == nullptr)
+        return;
+    auto command = std::make_unique<ST_DB_COMMAND>(commandEvent->command());
+    {
+        const QMutexLocker locker(&m_mutex);
+        const int queued = m_nQueued.load(std::memory_order_acquire);
+        m_lsCommand.push_back(std::move(command));
+        m_nQueued.store(queued + 1, std::memory_order_release);
+    }
+    m_nEventCount.fetch_add(1, std::memory_order_relaxed);
+}
+
+void DBHelper::run()
+{
+    for (;;) {
+        if (m_nQueued.load(std::memory_order_acquire) == 0) {
+            QThread::sleep(1);
+            continue;
+        }
+        const ExitGate::Step step;
+        commandExec();
+    }
+}
+
+void DBHelper::commandExec()
+{
+    if (!m_bTransaction.load(std::memory_order_acquire)) {
+        const ConnectionLock lock;
+        m_db.transaction();
+        m_bTransaction.store(true, std::memory_order_release);
+    }
+    if (const std::unique_ptr<ST_DB_COMMAND> command = takeCommand())
+        perform(*command);
+    if (m_nQueued.load(std::memory_order_acquire) == 0)
+        commit();
+}
+
+std::unique_ptr<ST_DB_COMMAND> DBHelper::takeCommand()
+{
+    const QMutexLocker locker(&m_mutex);
+    const int queued = m_nQueued.load(std::memory_order_acquire);
+    if (queued == 0)
+        return nullptr;
+    m_bRunning.store(true, std::memory_order_release);
+    std::unique_ptr<ST_DB_COMMAND> command = std::move(m_lsCommand.front());
+    m_lsCommand.pop_front();
+    m_nQueued.store(queued - 1, std::memory_order_release);
+    return command;
+}
+
+void DBHelper::perform(ST_DB_COMMAND& command)
+{
+    const bool writesRows = command.command == DB_INSERT || command.command == DB_UPDATE;
+    if (writesRows && !command.mapValue.isEmpty())
+        command.lsRecord.append(command.mapValue);
+
+    switch (command.command) {
+    case DB_SELECT:
+        Q_EMIT onSelectFinish(command.tableName,
+                              selectFromDatabase(command.tableName, command.mapValue, command.bEncode),
+                              command.usrExt);
+        break;
+    case DB_INSERT:
+        insertToDatabase(command.tableName, command.lsRecord, command.bEncode);
+        break;
+    case DB_UPDATE:
+        updateToDatabase(command.tableName, command.updateKey, command.updateValue, command.lsRecord,
+                         command.bEncode);
+        break;
+    case DB_DELETE:
+        deleteFromDatabase(command.tableName, command.mapValue, command.bEncode);
+        break;
+    }
+}
+
+void DBHelper::commit()
+{
+    QString error;
+    bool committed = false;
+    {
+        const ConnectionLock lock;
+        committed = m_db.commit();
+        if (!committed)
+            error = m_db.lastError().text();
+    }
+    if (!committed)
+        QuenzoBase::Log(error);
+    m_bRunning.store(false, std::memory_order_release);
+    m_bTransaction.store(false, std::memory_order_release);
+}

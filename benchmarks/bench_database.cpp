@@ -1,0 +1,465 @@
+// SPDX-License-Identifier: MIT
+// The database class beside SQLite's own interfaces. Every insert is one transaction into a new file, to its
+// commit; the rows are made before.
+#include <dbhelper.h>
+
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QMutex>
+#include <QProcess>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QSqlTableModel>
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <sqlite3.h>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr int rowCount = 100000;
+const QString table = QStringLiteral("channel");
+const char* const creation = "CREATE TABLE channel(id INTEGER, name TEXT, package TEXT, parameters TEXT)";
+const char* const insertion =
+    "INSERT INTO channel(id, name, package, parameters) VALUES(:id, :name, :package, :parameters)";
+
+QString nameOf(int i)
+{
+    return QStringLiteral("channel %1").arg(i);
+}
+
+QString packageOf(int i)
+{
+    return QStringLiteral("com.example.game.channel%1").arg(i % 1000);
+}
+
+QString parametersOf(int i)
+{
+    return QStringLiteral("appid=%1&appkey=5f4dcc3b5aa765d61d8327deb882cf99").arg(100000 + i);
+}
+
+QList<QVariant> makeRows()
+{
+    QList<QVariant> rows;
+    for (int i = 0; i < rowCount; ++i)
+        rows.append(QVariantMap{{QStringLiteral("id"), i},
+                                {QStringLiteral("name"), nameOf(i)},
+                                {QStringLiteral("package"), packageOf(i)},
+                                {QStringLiteral("parameters"), parametersOf(i)}});
+    return rows;
+}
+
+QList<QVariant>& rows()
+{
+    static QList<QVariant> all = makeRows();
+    return all;
+}
+
+// The worker without its pause.
+class Stepped : public DBHelper {
+public:
+    using DBHelper::commandExec;
+};
+
+// A new file with the empty table, for one run.
+class Database {
+public:
+    Database() { execute(creation); }
+
+    QString path() const { return m_folder.filePath(QStringLiteral("records.db")); }
+
+    void execute(const char* sql) const
+    {
+        sqlite3* handle = nullptr;
+        sqlite3_open(path().toUtf8().constData(), &handle);
+        if (sqlite3_exec(handle, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+            qFatal("%s: %s", sql, sqlite3_errmsg(handle));
+        sqlite3_close(handle);
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+int countOf(const Database& database)
+{
+    sqlite3* handle = nullptr;
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_open(database.path().toUtf8().constData(), &handle);
+    sqlite3_prepare_v2(handle, "SELECT count(*) FROM channel", -1, &statement, nullptr);
+    sqlite3_step(statement);
+    const int count = sqlite3_column_int(statement, 0);
+    sqlite3_finalize(statement);
+    sqlite3_close(handle);
+    return count;
+}
+
+double secondsOf(const std::function<void()>& work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+// Each returns the seconds that its insertion of all rows took.
+using Insertion = std::function<double(const Database&)>;
+
+void measureInsertion(benchmark::State& state, const Insertion& insert)
+{
+    rows();
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        const Database database;
+        state.SetIterationTime(insert(database));
+        if (countOf(database) != rowCount)
+            state.SkipWithError("rows are missing");
+    }
+}
+
+double insertQueued(const Database& database)
+{
+    Stepped helper;
+    helper.initDatabase(database.path());
+    const double seconds = secondsOf([&helper] {
+        helper.threadToDatabase(DB_INSERT, table, rows(), QString(), QVariant(), false, QString());
+        helper.commandExec();
+    });
+    helper.closeDB();
+    return seconds;
+}
+
+// Runs the C interface over records that are made before; `bindTexts` hands over those of one.
+template <typename Record, typename BindTexts>
+double insertByCInterface(const Database& database, const QVector<Record>& records, BindTexts bindTexts)
+{
+    sqlite3* handle = nullptr;
+    sqlite3_open(database.path().toUtf8().constData(), &handle);
+    const double seconds = secondsOf([&] {
+        sqlite3_stmt* statement = nullptr;
+        sqlite3_exec(handle, "BEGIN", nullptr, nullptr, nullptr);
+        sqlite3_prepare_v2(handle, insertion, -1, &statement, nullptr);
+        for (const Record& record : records) {
+            sqlite3_bind_int(statement, 1, record.id);
+            bindTexts(statement, record);
+            sqlite3_step(statement);
+            sqlite3_reset(statement);
+        }
+        sqlite3_finalize(statement);
+        sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr);
+    });
+    sqlite3_close(handle);
+    return seconds;
+}
+
+template <typename Text> struct Record {
+    int id;
+    Text name;
+    Text package;
+    Text parameters;
+};
+
+// The texts that a Qt program has, which SQLite converts.
+double insertQtTextsByCInterface(const Database& database)
+{
+    static const QVector<Record<QString>> records = [] {
+        QVector<Record<QString>> all;
+        for (int i = 0; i < rowCount; ++i)
+            all.append({i, nameOf(i), packageOf(i), parametersOf(i)});
+        return all;
+    }();
+    return insertByCInterface(database, records, [](sqlite3_stmt* statement, const Record<QString>& record) {
+        int place = 2;
+        for (const QString* text : {&record.name, &record.package, &record.parameters})
+            sqlite3_bind_text16(statement, place++, text->utf16(), text->size() * 2, SQLITE_STATIC);
+    });
+}
+
+// Texts in the form that is stored, ready before the measurement.
+double insertUtf8TextsByCInterface(const Database& database)
+{
+    static const QVector<Record<QByteArray>> records = [] {
+        QVector<Record<QByteArray>> all;
+        for (int i = 0; i < rowCount; ++i)
+            all.append({i, nameOf(i).toUtf8(), packageOf(i).toUtf8(), parametersOf(i).toUtf8()});
+        return all;
+    }();
+    return insertByCInterface(
+        database, records, [](sqlite3_stmt* statement, const Record<QByteArray>& record) {
+            int place = 2;
+            for (const QByteArray* text : {&record.name, &record.package, &record.parameters})
+                sqlite3_bind_text(statement, place++, text->constData(), text->size(), SQLITE_STATIC);
+        });
+}
+
+// Named connections of Qt's own, taken down in the right order.
+double withConnection(const Database& database, const std::function<double(QSqlDatabase&)>& work)
+{
+    double seconds = 0;
+    {
+        QSqlDatabase connection =
+            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("peer"));
+        connection.setDatabaseName(database.path());
+        connection.open();
+        seconds = work(connection);
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("peer"));
+    return seconds;
+}
+
+double insertByPreparedQuery(const Database& database)
+{
+    return withConnection(database, [](QSqlDatabase& connection) {
+        return secondsOf([&connection] {
+            connection.transaction();
+            {
+                QSqlQuery query(connection);
+                query.prepare(QLatin1String(insertion));
+                for (const QVariant& row : qAsConst(rows())) {
+                    const QVariantMap values = row.toMap();
+                    query.bindValue(QStringLiteral(":id"), values.value(QStringLiteral("id")));
+                    query.bindValue(QStringLiteral(":name"), values.value(QStringLiteral("name")));
+                    query.bindValue(QStringLiteral(":package"), values.value(QStringLiteral("package")));
+                    query.bindValue(QStringLiteral(":parameters"),
+                                    values.value(QStringLiteral("parameters")));
+                    query.exec();
+                }
+            }
+            connection.commit();
+        });
+    });
+}
+
+// The time that the peer's process measures itself: neither its start nor its making of the rows.
+double insertByPython(const Database& database)
+{
+    static const char* const script = R"python(
+import sqlite3, sys, time
+rows = [(i, "channel %d" % i, "com.example.game.channel%d" % (i % 1000),
+         "appid=%d&appkey=5f4dcc3b5aa765d61d8327deb882cf99" % (100000 + i)) for i in range(int(sys.argv[2]))]
+connection = sqlite3.connect(sys.argv[1])
+begin = time.perf_counter()
+connection.executemany("INSERT INTO channel(id, name, package, parameters) VALUES(?, ?, ?, ?)", rows)
+connection.commit()
+print(time.perf_counter() - begin)
+)python";
+    QProcess process;
+    process.start(QStringLiteral("/usr/bin/python3"),
+                  {QStringLiteral("-c"), QLatin1String(script), database.path(), QString::number(rowCount)});
+    process.waitForFinished(-1);
+    return process.readAllStandardOutput().toDouble();
+}
+
+// The whole process: the shell reads a file of comma-separated values, and starts in a few milliseconds.
+double insertByShellImport(const Database& database)
+{
+    const QString valuesFile = QFileInfo(database.path()).path() + QStringLiteral("/values.csv");
+    QFile file(valuesFile);
+    if (!file.open(QIODevice::WriteOnly))
+        return 0;
+    for (int i = 0; i < rowCount; ++i)
+        file.write(QStringLiteral("%1,%2,%3,%4\n")
+                       .arg(QString::number(i), nameOf(i), packageOf(i), parametersOf(i))
+                       .toUtf8());
+    file.close();
+    return secondsOf([&] {
+        QProcess::execute(
+            QStringLiteral("sqlite3"),
+            {QStringLiteral("-csv"), database.path(), QStringLiteral(".import %1 channel").arg(valuesFile)});
+    });
+}
+
+const Database& filledDatabase()
+{
+    static const Database& database = [] {
+        auto* const made = new Database;
+        insertUtf8TextsByCInterface(*made);
+        return std::ref(*made);
+    }();
+    return database;
+}
+
+void selectRows(benchmark::State& state)
+{
+    Stepped helper;
+    helper.initDatabase(filledDatabase().path());
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        QList<QVariant> found;
+        state.SetIterationTime(secondsOf([&] { found = helper.selectFromDatabase(table, false); }));
+        if (found.size() != rowCount)
+            state.SkipWithError("rows are missing");
+    }
+    helper.closeDB();
+}
+
+// The shortest loop that a host would write to get the same list of maps.
+void selectByQuery(benchmark::State& state)
+{
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        QList<QVariant> found;
+        state.SetIterationTime(withConnection(filledDatabase(), [&found](QSqlDatabase& connection) {
+            return secondsOf([&] {
+                QSqlQuery query(connection);
+                query.setForwardOnly(true);
+                query.exec(QStringLiteral("SELECT * FROM channel"));
+                const QSqlRecord record = query.record();
+                QStringList names;
+                for (int i = 0; i < record.count(); ++i)
+                    names.append(record.fieldName(i));
+                while (query.next()) {
+                    QVariantMap row;
+                    for (int i = 0; i < names.size(); ++i)
+                        row.insert(names.at(i), query.value(i));
+                    found.append(row);
+                }
+            });
+        }));
+        if (found.size() != rowCount)
+            state.SkipWithError("rows are missing");
+    }
+}
+
+// As a view would: each value is asked for once.
+void selectByTableModel(benchmark::State& state)
+{
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        state.SetIterationTime(withConnection(filledDatabase(), [](QSqlDatabase& connection) {
+            QSqlTableModel model(nullptr, connection);
+            return secondsOf([&] {
+                model.setTable(table);
+                model.select();
+                while (model.canFetchMore())
+                    model.fetchMore();
+                for (int i = 0; i < model.rowCount(); ++i) {
+                    for (int column = 0; column < model.columnCount(); ++column)
+                        benchmark::DoNotOptimize(model.data(model.index(i, column)));
+                }
+            });
+        }));
+    }
+}
+
+QVariantMap& someRow()
+{
+    static QVariantMap row = rows().at(0).toMap();
+    return row;
+}
+
+constexpr int commandsAtOnce = 1000;
+
+// One command handed over while `state.range(0)` are queued; what was added is taken off again outside the
+// measurement.
+void queueCommand(benchmark::State& state)
+{
+    Stepped helper;
+    const auto queueOne = [&helper](const QString& name) {
+        helper.threadToDatabase(static_cast<DB_COMMAND>(-1), name, someRow(), QString(), QVariant(), false,
+                                QString());
+    };
+    for (qint64 i = 0; i < state.range(0); ++i)
+        queueOne(table);
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        state.SetIterationTime(secondsOf([&] {
+                                   for (int i = 0; i < commandsAtOnce; ++i)
+                                       queueOne(table);
+                               })
+                               / commandsAtOnce);
+        for (int i = 0; i < commandsAtOnce; ++i)
+            helper.commandExec();
+    }
+}
+
+// The same command put behind a plain list under a mutex.
+void appendToLockedList(benchmark::State& state)
+{
+    QMutex mutex;
+    QList<ST_DB_COMMAND*> list;
+    const auto append = [&](DB_COMMAND command, QString name, QVariantMap& values, QString key,
+                            QVariant value, bool encode, QString tag) {
+        Q_UNUSED(key)
+        Q_UNUSED(value)
+        auto record = std::make_unique<ST_DB_COMMAND>();
+        record->command = command;
+        record->tableName = name;
+        record->mapValue = values;
+        record->bEncode = encode;
+        record->usrExt = tag;
+        const QMutexLocker locker(&mutex);
+        list.append(record.release());
+    };
+    const auto appendOne = [&] {
+        append(static_cast<DB_COMMAND>(-1), table, someRow(), QString(), QVariant(), false, QString());
+    };
+    for (qint64 i = 0; i < state.range(0); ++i)
+        appendOne();
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        state.SetIterationTime(secondsOf([&] {
+                                   for (int i = 0; i < commandsAtOnce; ++i)
+                                       appendOne();
+                               })
+                               / commandsAtOnce);
+        for (int i = 0; i < commandsAtOnce; ++i)
+            delete list.takeFirst();
+    }
+    qDeleteAll(list);
+}
+
+void registerInsertions()
+{
+    const std::pair<std::string, Insertion> insertions[] = {
+        {"quenzo", insertQueued},
+        {"C_interface_prepared_once", insertQtTextsByCInterface},
+        {"C_interface_prepared_once,_UTF-8_ready", insertUtf8TextsByCInterface},
+        {"python3_executemany", insertByPython},
+        {"sqlite3_shell_import", insertByShellImport},
+        {"QSqlQuery_prepared_once", insertByPreparedQuery},
+    };
+    for (const auto& [who, insert] : insertions) {
+        benchmark::RegisterBenchmark(("insert_100000_rows/" + who).c_str(), measureInsertion, insert)
+            ->UseManualTime()
+            ->Iterations(1)
+            ->Unit(benchmark::kMillisecond);
+    }
+}
+
+void registerOthers()
+{
+    const auto measuredByHand = [](const char* name, void (*function)(benchmark::State&)) {
+        return benchmark::RegisterBenchmark(name, function)->UseManualTime();
+    };
+    measuredByHand("select_100000_rows/quenzo", selectRows)->Iterations(1)->Unit(benchmark::kMillisecond);
+    measuredByHand("select_100000_rows/QSqlQuery_loop", selectByQuery)
+        ->Iterations(1)
+        ->Unit(benchmark::kMillisecond);
+    measuredByHand("select_100000_rows/QSqlTableModel", selectByTableModel)
+        ->Iterations(1)
+        ->Unit(benchmark::kMillisecond);
+    for (const int queued : {10, 1000000}) {
+        const std::string row = "queue_a_command_behind_" + std::to_string(queued);
+        measuredByHand((row + "/quenzo").c_str(), queueCommand)->Arg(queued)->Iterations(500);
+        measuredByHand((row + "/locked_list").c_str(), appendToLockedList)->Arg(queued)->Iterations(500);
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    registerInsertions();
+    registerOthers();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#ifndef DBREQUEST_H
+#define DBREQUEST_H
+
+#include <dbhelper.h>
+
+#include <QString>
+#include <QVariantList>
+#include <QVariantMap>
+
+QT_BEGIN_NAMESPACE
+class QCommandLineParser;
+class QIODevice;
+QT_END_NAMESPACE
+
+/** What a person asks of the database, with names checked: the library pastes them into statements as they
+ * are. */
+struct DBRequest {
+    DB_COMMAND command = DB_SELECT;
+    QString file;
+    QString table;
+    QVariantMap conditions; ///< of an update exactly one
+    QVariantList rows; ///< to write
+    bool encode = false;
+    bool direct = false;
+
+    bool writes() const { return command == DB_INSERT || command == DB_UPDATE; }
+};
+
+namespace DBRequests {
+
+/**
+ * Reads the command line, but for rows on the standard input.
+ *
+ * @param[out] error why it makes no sense; left empty when it does
+ */
+DBRequest fromCommandLine(const QCommandLineParser& parser, QString& error);
+
+/**
+ * Reads one row from each line, a JSON object of names to texts, numbers, true, false and null.
+ *
+ * @param[out] error why a line is no row; there are no rows then
+ */
+QVariantList rowsFromJsonLines(QIODevice& input, QString& error);
+
+} // namespace DBRequests
+
+#endif

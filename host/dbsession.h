@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#ifndef DBSESSION_H
+#define DBSESSION_H
+
+#include <QString>
+#include <QVariantList>
+
+class Console;
+struct DBRequest;
+
+/** What came of a request. */
+struct DBOutcome {
+    QVariantList rows; ///< of a select
+    QString error; ///< in the database's words; empty when all went well
+};
+
+/** Runs one request on its database file, through the queue or directly; the process's only one. */
+DBOutcome runRequest(DBRequest request, Console& console);
+
+#endif

@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: MIT
+#include <quenzotool.h>
+
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// The codec once more, in the plainest form that can be written: what the library's one must equal.
+QByteArray plainlySwapped(const QByteArray& bytes, int tail, bool pairsMayReachTheTail)
+{
+    QByteArray collected;
+    const auto at = [&bytes](int i) { return i < 0 ? '\0' : bytes.at(i); };
+    const int front = bytes.size() - tail;
+    for (int i = 0; pairsMayReachTheTail ? i < front : i + 1 < front; i += 2) {
+        collected.append(at(i + 1));
+        collected.append(at(i));
+    }
+    for (int j = front; j < bytes.size(); ++j)
+        collected.append(at(j));
+    return collected;
+}
+
+QByteArray untilZero(const QByteArray& bytes)
+{
+    const int zero = bytes.indexOf('\0');
+    return zero < 0 ? bytes : bytes.left(zero);
+}
+
+QString plainlyEncoded(const QString& text)
+{
+    return QString::fromLatin1(untilZero(plainlySwapped(text.toUtf8().toBase64(), 6, false)));
+}
+
+QByteArray plainlyDecoded(const QString& text)
+{
+    const int tail = text.size() / 2 != 0 ? 6 : 7;
+    return untilZero(QByteArray::fromBase64(plainlySwapped(text.toUtf8(), tail, true)));
+}
+
+QString randomText(QRandomGenerator& random, int length)
+{
+    static const QString alphabet = QStringLiteral("aZ09 '\"%\\\n\u00e4\u4e2d\u6587\ufeff\U0001F600=+/-");
+    QString text;
+    while (text.size() < length) {
+        const QChar letter = alphabet.at(random.bounded(alphabet.size()));
+        if (letter.isHighSurrogate())
+            text += QStringLiteral("\U0001F600");
+        else if (!letter.isLowSurrogate())
+            text += letter;
+    }
+    return text;
+}
+
+} // namespace
+
+class tst_Codec : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void knownTextsEncode_data();
+    void knownTextsEncode();
+    void knownTextsDecode_data();
+    void knownTextsDecode();
+    void everyLengthEncodesAndComesBack();
+    void textsUnderFourBytesEncodeToAnEmptyTextThatIsNotNull_data();
+    void textsUnderFourBytesEncodeToAnEmptyTextThatIsNotNull();
+    void decodedTextIsNeverNull();
+    void byteOrderMarksSurvive();
+    void aZeroByteEndsADecodedText();
+    void malformedTextDecodesAsThePlainFormDoes_data();
+    void malformedTextDecodesAsThePlainFormDoes();
+    void randomTextsComeBack();
+    void randomInputDecodesAsThePlainFormDoes();
+    void aTextOfSixteenMebibytesComesBack();
+    void severalThreadsMayEncodeAtOnce();
+};
+
+void tst_Codec::knownTextsEncode_data()
+{
+    QTest::addColumn<QString>("plain");
+    QTest::addColumn<QString>("scrambled");
+    QTest::newRow("hello") << QStringLiteral("hello world") << QStringLiteral("GasVGbg82d9ybGQ=");
+    QTest::newRow("first two swapped") << QStringLiteral("abcd") << QStringLiteral("WYJjZA==");
+    QTest::newRow("five bytes") << QStringLiteral("abcde") << QStringLiteral("WYJjZGU=");
+    QTest::newRow("six bytes") << QStringLiteral("abcdef") << QStringLiteral("WYJjZGVm");
+    QTest::newRow("chinese") << QStringLiteral("\u4e2d\u6587\u5b57\u7b26")
+                             << QStringLiteral("L5tip5Haa52X56ym");
+}
+
+void tst_Codec::knownTextsEncode()
+{
+    QFETCH(const QString, plain);
+    QFETCH(const QString, scrambled);
+    QCOMPARE(QuenzoTool::ckEncode(plain), scrambled);
+    QCOMPARE(QuenzoTool::ckDecode(scrambled), plain);
+}
+
+void tst_Codec::knownTextsDecode_data()
+{
+    QTest::addColumn<QString>("scrambled");
+    QTest::addColumn<QString>("plain");
+    QTest::newRow("under six characters") << QStringLiteral("YWI=") << QStringLiteral("ab");
+    QTest::newRow("six characters") << QStringLiteral("YWJjZA") << QStringLiteral("abcd");
+    QTest::newRow("one character") << QStringLiteral("Y") << QString();
+    QTest::newRow("nothing") << QString() << QString();
+    // Seven: one character in front of the tail is paired with the tail's first, which then stands twice.
+    QTest::newRow("odd front") << QStringLiteral("aYGVsbG")
+                               << QString::fromUtf8(QByteArray::fromBase64("YaYGVsbG"));
+    QTest::newRow("skipped characters") << QStringLiteral("YW*JjZ") << QStringLiteral("abc");
+}
+
+void tst_Codec::knownTextsDecode()
+{
+    QFETCH(const QString, scrambled);
+    QFETCH(const QString, plain);
+    QCOMPARE(QuenzoTool::ckDecode(scrambled), plain);
+}
+
+void tst_Codec::everyLengthEncodesAndComesBack()
+{
+    for (int length = 0; length <= 64; ++length) {
+        for (const QChar letter : {QLatin1Char('x'), QLatin1Char('~')}) {
+            QString text;
+            for (int i = 0; i < length; ++i)
+                text += QChar(letter.unicode() - i % 40);
+            const QString scrambled = QuenzoTool::ckEncode(text);
+            QCOMPARE(scrambled, plainlyEncoded(text));
+            if (length >= 4)
+                QCOMPARE(QuenzoTool::ckDecode(scrambled), text);
+        }
+    }
+}
+
+void tst_Codec::textsUnderFourBytesEncodeToAnEmptyTextThatIsNotNull_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("null") << QString();
+    QTest::newRow("empty") << QStringLiteral("");
+    QTest::newRow("one") << QStringLiteral("a");
+    QTest::newRow("two") << QStringLiteral("ab");
+    QTest::newRow("three") << QStringLiteral("abc");
+    QTest::newRow("one wide character") << QStringLiteral("\u4e2d");
+}
+
+void tst_Codec::textsUnderFourBytesEncodeToAnEmptyTextThatIsNotNull()
+{
+    QFETCH(const QString, text);
+    const QString scrambled = QuenzoTool::ckEncode(text);
+    QVERIFY(scrambled.isEmpty());
+    QVERIFY(!scrambled.isNull());
+}
+
+void tst_Codec::decodedTextIsNeverNull()
+{
+    for (const QString& text : {QString(), QStringLiteral("="), QStringLiteral("****************")}) {
+        const QString plain = QuenzoTool::ckDecode(text);
+        QVERIFY(plain.isEmpty());
+        QVERIFY(!plain.isNull());
+    }
+}
+
+void tst_Codec::byteOrderMarksSurvive()
+{
+    for (const QString& text : {QStringLiteral("\ufeffabc"), QStringLiteral("\ufeff\ufeff"),
+                                QStringLiteral("\ufeff\ufeff\ufeffx"), QStringLiteral("ab\ufeff")})
+        QCOMPARE(QuenzoTool::ckDecode(QuenzoTool::ckEncode(text)), text);
+}
+
+void tst_Codec::aZeroByteEndsADecodedText()
+{
+    const QString text = QStringLiteral("before") + QChar(QChar::Null) + QStringLiteral("after");
+    QCOMPARE(QuenzoTool::ckDecode(QuenzoTool::ckEncode(text)), QStringLiteral("before"));
+}
+
+void tst_Codec::malformedTextDecodesAsThePlainFormDoes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("plain words") << QStringLiteral("this was never encoded");
+    QTest::newRow("odd length") << QStringLiteral("GasVGbg82d9ybGQ");
+    QTest::newRow("odd, short") << QStringLiteral("GasVGbg");
+    QTest::newRow("not ascii") << QStringLiteral("\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587");
+    QTest::newRow("one wide") << QStringLiteral("\u4e2d");
+    QTest::newRow("two wide") << QStringLiteral("\u4e2d\u6587");
+    QTest::newRow("lone surrogate") << QStringLiteral("abcdefgh") + QChar(0xD800);
+    QTest::newRow("padding only") << QStringLiteral("====================");
+    QTest::newRow("blanks and breaks") << QStringLiteral("Gas VGb\ng82d\t9ybGQ=");
+    QTest::newRow("zero inside") << QStringLiteral("GasVGb") + QChar(QChar::Null)
+            + QStringLiteral("82d9ybGQ=");
+    QTest::newRow("not UTF-8 inside") << QStringLiteral("//79/Pv6+fj39vX08/Lx8A==");
+}
+
+void tst_Codec::malformedTextDecodesAsThePlainFormDoes()
+{
+    QFETCH(const QString, text);
+    QCOMPARE(QuenzoTool::ckDecode(text), QString::fromUtf8(plainlyDecoded(text)));
+}
+
+void tst_Codec::randomTextsComeBack()
+{
+    QRandomGenerator random(20150528);
+    for (int i = 0; i < 20000; ++i) {
+        const QString text = randomText(random, random.bounded(300));
+        const QString scrambled = QuenzoTool::ckEncode(text);
+        QCOMPARE(scrambled, plainlyEncoded(text));
+        if (text.toUtf8().size() >= 4)
+            QCOMPARE(QuenzoTool::ckDecode(scrambled), text);
+    }
+}
+
+void tst_Codec::randomInputDecodesAsThePlainFormDoes()
+{
+    QRandomGenerator random(2028);
+    for (int i = 0; i < 20000; ++i) {
+        const QString text = randomText(random, random.bounded(64));
+        const QByteArray expected = plainlyDecoded(text);
+        const QString decoded = QuenzoTool::ckDecode(text);
+        // Bytes that are no UTF-8 have no form but Qt's own; a mark in front of them is a character.
+        const QString mark =
+            expected.startsWith("\xEF\xBB\xBF") ? QString(QChar(QChar::ByteOrderMark)) : QString();
+        QCOMPARE(decoded, mark + QString::fromUtf8(expected));
+    }
+}
+
+void tst_Codec::aTextOfSixteenMebibytesComesBack()
+{
+    const QString text = QStringLiteral("0123456789abcde\u4e2d").repeated(1024 * 1024);
+    QVERIFY(QuenzoTool::ckDecode(QuenzoTool::ckEncode(text)) == text);
+}
+
+void tst_Codec::severalThreadsMayEncodeAtOnce()
+{
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&wrong, i] {
+            const QString text = QStringLiteral("text of thread %1").arg(i);
+            for (int k = 0; k < 5000; ++k)
+                wrong += QuenzoTool::ckDecode(QuenzoTool::ckEncode(text)) == text ? 0 : 1;
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    QCOMPARE(wrong.load(), 0);
+}
+
+QTEST_GUILESS_MAIN(tst_Codec)
+#include "tst_codec.moc"

@@ -1,0 +1,598 @@
+// SPDX-License-Identifier: MIT
+#include "messagelog.h"
+#include "steppeddatabase.h"
+
+#include <quenzotool.h>
+
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QtTest>
+
+#include <functional>
+#include <limits>
+#include <memory>
+
+using Row = QMap<QString, QVariant>;
+using Call = std::function<bool(DBHelper& database, const QString& tableName)>;
+
+Q_DECLARE_METATYPE(Call)
+
+namespace {
+
+const QString table = QStringLiteral("channel");
+
+Row row(const QVariant& id, const QVariant& name)
+{
+    return {{QStringLiteral("id"), id}, {QStringLiteral("name"), name}};
+}
+
+QString scrambled(const char* text)
+{
+    return QuenzoTool::ckEncode(QString::fromUtf8(text));
+}
+
+} // namespace
+
+// The direct calls; each test has a file of its own.
+class tst_DBStatements : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void columnsAreTakenInAscendingOrderOfTheirNames();
+    void insertWritesOneRow();
+    void oneColumnInsertBindsText();
+    void encodedInsertStoresScrambledText();
+    void shortTextsAreStoredAsEmptyTextNotNull();
+    void listInsertWritesRowsInOrder();
+    void listInsertTakesRowsOfDifferentColumns();
+    void emptyListsSucceedWithoutTouchingTheDatabase();
+    void failedRowEndsAListInsert();
+    void failedListInsertRollsBackTheOpenTransaction();
+    void failedListInsertWithoutTransactionKeepsRowsBefore();
+    void failedMapInsertRollsNothingBack();
+    void emptyRowFails();
+    void elementWithoutMapIsAnEmptyRow();
+
+    void updateConditionIsNeverEncoded();
+    void updateConditionIsBoundAsText();
+    void updateOfTheConditionColumnBindsTheConditionToBoth();
+    void failedListUpdateKeepsRowsBefore();
+    void updateThatMeetsNoRowSucceeds();
+
+    void deleteWithTableOnlyEmptiesIt();
+    void deleteWithSeveralConditionsNeedsAll();
+    void encodedDeleteComparesWithScrambledValues();
+
+    void integerSelectBindsText();
+    void selectDecodesItsConditionsAndReturnsValuesAsStored();
+    void fieldsOfTheSameNameYieldTheLastOne();
+    void selectedValuesKeepTheirTypes();
+    void selectFromADamagedFileReportsTheCause();
+
+    void failuresWriteThreeMessages_data();
+    void failuresWriteThreeMessages();
+    void failedPreparationIsNamedByItsCause();
+    void closedConnectionFails_data();
+    void closedConnectionFails();
+    void removedConnectionNeverTurnsToTheHostsDefaultOne();
+    void argumentsStayAsTheyAre();
+    void columnNamesBeyondAsciiFail();
+
+    void hostileValuesAreBound_data();
+    void hostileValuesAreBound();
+    void invalidVariantsAreStoredAsNull();
+    void hostileValuesDoNotReachTheStatement();
+
+private:
+    std::unique_ptr<MessageLog> m_log;
+    std::unique_ptr<SteppedDatabase> m_database;
+};
+
+void tst_DBStatements::init()
+{
+    m_log = std::make_unique<MessageLog>();
+    m_database = std::make_unique<SteppedDatabase>();
+    m_database->openNew();
+}
+
+void tst_DBStatements::cleanup()
+{
+    m_database.reset();
+    QCOMPARE(m_log->takeWarnings(), QStringList());
+    m_log.reset();
+}
+
+void tst_DBStatements::columnsAreTakenInAscendingOrderOfTheirNames()
+{
+    // By UTF-16 code unit: capitals first, the underscore between capitals and small letters.
+    QMap<QString, QVariant> values;
+    for (const char* name : {"b", "a", "_c", "B", "a1"})
+        values.insert(QLatin1String(name), 1);
+    QVERIFY(!m_database->insertToDatabase(QStringLiteral("missing"), values, false));
+    QCOMPARE(m_log->takeDebugTexts().value(0),
+             QStringLiteral("INSERT INTO missing(B, _c, a, a1, b) VALUES(:B, :_c, :a, :a1, :b);"));
+}
+
+void tst_DBStatements::insertWritesOneRow()
+{
+    Row values = row(7, QStringLiteral("a"));
+    QVERIFY(m_database->insertToDatabase(table, values, false));
+    QCOMPARE(
+        m_database->outside(QStringLiteral("SELECT typeof(id) || id || typeof(name) || name FROM channel")),
+        QVariantList{QStringLiteral("integer7texta")});
+}
+
+void tst_DBStatements::oneColumnInsertBindsText()
+{
+    QVERIFY(m_database->insertToDatabase(table, QStringLiteral("id"), 3, false));
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT typeof(id) || id FROM channel")),
+             QVariantList{QStringLiteral("text3")});
+}
+
+void tst_DBStatements::encodedInsertStoresScrambledText()
+{
+    Row values = row(123456, QStringLiteral("hello world"));
+    QVERIFY(m_database->insertToDatabase(table, values, true));
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT name FROM channel")),
+             QVariantList{QStringLiteral("GasVGbg82d9ybGQ=")});
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT id FROM channel")),
+             QVariantList{scrambled("123456")});
+}
+
+void tst_DBStatements::shortTextsAreStoredAsEmptyTextNotNull()
+{
+    Row values = row(1, QVariant());
+    QVERIFY(m_database->insertToDatabase(table, values, true));
+    QCOMPARE(
+        m_database->outside(QStringLiteral("SELECT typeof(id) || id || typeof(name) || name FROM channel")),
+        QVariantList{QStringLiteral("texttext")});
+}
+
+void tst_DBStatements::listInsertWritesRowsInOrder()
+{
+    QList<QVariant> rows;
+    for (int id = 9; id > 0; --id)
+        rows.append(row(id, QString::number(id)));
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
+    QCOMPARE(m_database->committedIds(), (QVariantList{9, 8, 7, 6, 5, 4, 3, 2, 1}));
+}
+
+void tst_DBStatements::listInsertTakesRowsOfDifferentColumns()
+{
+    const QString id = QStringLiteral("id");
+    const QString state = QStringLiteral("state");
+    QList<QVariant> rows{row(1, QStringLiteral("a")), row(2, QStringLiteral("b")), Row{{id, 3}},
+                         Row{{id, 4}, {state, QStringLiteral("s")}}, row(5, QStringLiteral("e"))};
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
+    QCOMPARE(m_database->outside(QStringLiteral(
+                 "SELECT id || ifnull(name, '-') || ifnull(state, '-') FROM channel ORDER BY id")),
+             (QVariantList{QStringLiteral("1a-"), QStringLiteral("2b-"), QStringLiteral("3--"),
+                           QStringLiteral("4-s"), QStringLiteral("5e-")}));
+}
+
+void tst_DBStatements::emptyListsSucceedWithoutTouchingTheDatabase()
+{
+    m_database->closeDB();
+    QList<QVariant> none;
+    QVERIFY(m_database->insertToDatabase(table, none, false));
+    QVERIFY(m_database->updateToDatabase(table, QStringLiteral("id"), 1, none, false));
+    QCOMPARE(m_log->takeDebugTexts(), QStringList());
+}
+
+void tst_DBStatements::failedRowEndsAListInsert()
+{
+    QList<QVariant> rows{row(1, QStringLiteral("a")), row(1, QStringLiteral("twice")),
+                         row(2, QStringLiteral("never"))};
+    QVERIFY(!m_database->insertToDatabase(table, rows, false));
+    QCOMPARE(m_database->committedIds(), QVariantList{1});
+    QCOMPARE(m_log->takeDebugTexts(),
+             (QStringList{QStringLiteral("INSERT INTO channel(id, name) VALUES(:id, :name);"),
+                          QStringLiteral("Error at insert channel"),
+                          QStringLiteral("UNIQUE constraint failed: channel.id Unable to fetch row")}));
+}
+
+void tst_DBStatements::failedListInsertRollsBackTheOpenTransaction()
+{
+    QSqlDatabase connection = QSqlDatabase::database(QStringLiteral("Quenzo"), false);
+    QVERIFY(connection.transaction());
+    QVERIFY(m_database->insertToDatabase(table, QStringLiteral("id"), 1, false));
+    QList<QVariant> rows{row(2, QVariant()), row(2, QVariant())};
+    QVERIFY(!m_database->insertToDatabase(table, rows, false));
+    QVERIFY2(!connection.commit(), "the transaction is still open");
+    QCOMPARE(m_database->committedIds(), QVariantList());
+}
+
+void tst_DBStatements::failedListInsertWithoutTransactionKeepsRowsBefore()
+{
+    QList<QVariant> rows{row(1, QVariant()), row(2, QVariant()), row(2, QVariant()), row(3, QVariant())};
+    QVERIFY(!m_database->insertToDatabase(table, rows, false));
+    QCOMPARE(m_database->committedIds(), (QVariantList{1, 2}));
+}
+
+void tst_DBStatements::failedMapInsertRollsNothingBack()
+{
+    QSqlDatabase connection = QSqlDatabase::database(QStringLiteral("Quenzo"), false);
+    QVERIFY(connection.transaction());
+    Row values = row(1, QVariant());
+    QVERIFY(m_database->insertToDatabase(table, values, false));
+    QVERIFY(!m_database->insertToDatabase(table, values, false));
+    QVERIFY(connection.commit());
+    QCOMPARE(m_database->committedIds(), QVariantList{1});
+}
+
+void tst_DBStatements::emptyRowFails()
+{
+    Row nothing;
+    QVERIFY(!m_database->insertToDatabase(table, nothing, false));
+    QCOMPARE(m_log->takeDebugTexts().value(0), QStringLiteral("INSERT INTO channel() VALUES();"));
+}
+
+void tst_DBStatements::elementWithoutMapIsAnEmptyRow()
+{
+    QList<QVariant> rows{row(1, QVariant()), QStringLiteral("no map"), row(2, QVariant())};
+    QVERIFY(!m_database->insertToDatabase(table, rows, false));
+    QCOMPARE(m_log->takeDebugTexts().value(0), QStringLiteral("INSERT INTO channel() VALUES();"));
+    QCOMPARE(m_database->committedIds(), QVariantList{1});
+}
+
+void tst_DBStatements::updateConditionIsNeverEncoded()
+{
+    QVERIFY(m_database->insertToDatabase(table, QStringLiteral("id"), QStringLiteral("five5"), false));
+    Row values{{QStringLiteral("name"), QStringLiteral("hello world")}};
+    QVERIFY(m_database->updateToDatabase(table, QStringLiteral("id"), QStringLiteral("five5"), values, true));
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT name FROM channel WHERE id = 'five5'")),
+             QVariantList{QStringLiteral("GasVGbg82d9ybGQ=")});
+}
+
+void tst_DBStatements::updateConditionIsBoundAsText()
+{
+    // A column without a type compares a number with a text as different.
+    Row number = row(5, QStringLiteral("number"));
+    Row text = row(QStringLiteral("5"), QStringLiteral("text"));
+    QVERIFY(m_database->insertToDatabase(table, number, false));
+    QVERIFY(m_database->insertToDatabase(table, text, false));
+    Row values{{QStringLiteral("name"), QStringLiteral("new")}};
+    QVERIFY(m_database->updateToDatabase(table, QStringLiteral("id"), 5, values, false));
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT name FROM channel ORDER BY rowid")),
+             (QVariantList{QStringLiteral("number"), QStringLiteral("new")}));
+}
+
+void tst_DBStatements::updateOfTheConditionColumnBindsTheConditionToBoth()
+{
+    Row before = row(QStringLiteral("old"), QStringLiteral("a"));
+    QVERIFY(m_database->insertToDatabase(table, before, false));
+    QList<QVariant> values{row(QStringLiteral("ignored"), QStringLiteral("b")),
+                           row(QStringLiteral("ignored too"), QStringLiteral("c"))};
+    QVERIFY(m_database->updateToDatabase(table, QStringLiteral("id"), QStringLiteral("old"), values, false));
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT id || name FROM channel")),
+             QVariantList{QStringLiteral("oldc")});
+    QCOMPARE(m_log->takeDebugTexts(), QStringList());
+}
+
+void tst_DBStatements::failedListUpdateKeepsRowsBefore()
+{
+    QVERIFY(m_database->insertToDatabase(table, QStringLiteral("id"), 1, false));
+    QList<QVariant> values{Row{{QStringLiteral("name"), QStringLiteral("done")}},
+                           Row{{QStringLiteral("missing"), 1}},
+                           Row{{QStringLiteral("name"), QStringLiteral("never")}}};
+    QVERIFY(!m_database->updateToDatabase(table, QStringLiteral("id"), 1, values, false));
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT name FROM channel")),
+             QVariantList{QStringLiteral("done")});
+    QCOMPARE(m_log->takeDebugTexts(),
+             (QStringList{QStringLiteral("UPDATE channel SET missing = :missing WHERE id = :id;"),
+                          QStringLiteral("Error at update channel"),
+                          QStringLiteral("no such column: missing Unable to execute statement")}));
+}
+
+void tst_DBStatements::updateThatMeetsNoRowSucceeds()
+{
+    Row values{{QStringLiteral("name"), 1}};
+    QVERIFY(m_database->updateToDatabase(table, QStringLiteral("id"), 1, values, false));
+}
+
+void tst_DBStatements::deleteWithTableOnlyEmptiesIt()
+{
+    QList<QVariant> rows{row(1, QVariant()), row(2, QVariant())};
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
+    QVERIFY(m_database->deleteFromDatabase(table));
+    QCOMPARE(m_database->committedIds(), QVariantList());
+}
+
+void tst_DBStatements::deleteWithSeveralConditionsNeedsAll()
+{
+    QList<QVariant> rows{row(1, QStringLiteral("a")), row(2, QStringLiteral("a")),
+                         row(3, QStringLiteral("b"))};
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
+    Row condition = row(2, QStringLiteral("a"));
+    QVERIFY(m_database->deleteFromDatabase(table, condition, false));
+    QCOMPARE(m_database->committedIds(), (QVariantList{1, 3}));
+    QVERIFY(m_database->deleteFromDatabase(table, QStringLiteral("name"), QStringLiteral("b"), false));
+    QCOMPARE(m_database->committedIds(), QVariantList{1});
+}
+
+void tst_DBStatements::encodedDeleteComparesWithScrambledValues()
+{
+    Row values = row(1, QStringLiteral("hello world"));
+    QVERIFY(m_database->insertToDatabase(table, values, false));
+    QVERIFY(m_database->insertToDatabase(table, QStringLiteral("name"), QStringLiteral("hello world"), true));
+    QVERIFY(
+        m_database->deleteFromDatabase(table, QStringLiteral("name"), QStringLiteral("hello world"), true));
+    QCOMPARE(m_database->committedIds(), QVariantList{1});
+}
+
+void tst_DBStatements::integerSelectBindsText()
+{
+    QList<QVariant> rows{row(12, QStringLiteral("number")),
+                         row(QStringLiteral("12"), QStringLiteral("text"))};
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
+    const QList<QVariant> found = m_database->selectFromDatabase(table, QStringLiteral("id"), 12, false);
+    QCOMPARE(found.size(), 1);
+    QCOMPARE(found.first().toMap().value(QStringLiteral("name")).toString(), QStringLiteral("text"));
+}
+
+void tst_DBStatements::selectDecodesItsConditionsAndReturnsValuesAsStored()
+{
+    QVERIFY(
+        m_database->insertToDatabase(table, QStringLiteral("name"), QStringLiteral("hello world"), false));
+    QVERIFY(m_database->insertToDatabase(table, QStringLiteral("name"), QStringLiteral("hello world"), true));
+    const QList<QVariant> found = m_database->selectFromDatabase(table, QStringLiteral("name"),
+                                                                 QStringLiteral("GasVGbg82d9ybGQ="), true);
+    QCOMPARE(found.size(), 1);
+    QCOMPARE(found.first().toMap().value(QStringLiteral("name")).toString(), QStringLiteral("hello world"));
+    const QList<QVariant> all = m_database->selectFromDatabase(table, true);
+    QCOMPARE(all.size(), 2);
+    QCOMPARE(all.last().toMap().value(QStringLiteral("name")).toString(), QStringLiteral("GasVGbg82d9ybGQ="));
+}
+
+void tst_DBStatements::fieldsOfTheSameNameYieldTheLastOne()
+{
+    // Names are pasted, so the table may be a selection.
+    const QList<QVariant> found =
+        m_database->selectFromDatabase(QStringLiteral("(SELECT 1 AS b, 2 AS a), (SELECT 3 AS b)"), false);
+    QCOMPARE(found, (QList<QVariant>{Row{{QStringLiteral("a"), 2}, {QStringLiteral("b"), 3}}}));
+}
+
+void tst_DBStatements::selectedValuesKeepTheirTypes()
+{
+    m_database->outside(
+        QStringLiteral("INSERT INTO channel VALUES(1, 2.5, x'0001'), (NULL, 'text', 9223372036854775807)"));
+    const QList<QVariant> found = m_database->selectFromDatabase(table, false);
+    QCOMPARE(found.size(), 2);
+    const Row first = found.at(0).toMap();
+    QCOMPARE(first.value(QStringLiteral("id")), QVariant(1LL));
+    QCOMPARE(first.value(QStringLiteral("name")), QVariant(2.5));
+    QCOMPARE(first.value(QStringLiteral("state")), QVariant(QByteArray("\0\1", 2)));
+    const Row second = found.at(1).toMap();
+    QVERIFY(second.contains(QStringLiteral("id")));
+    QVERIFY(second.value(QStringLiteral("id")).isNull());
+    QCOMPARE(second.value(QStringLiteral("state")).toLongLong(), std::numeric_limits<qint64>::max());
+}
+
+void tst_DBStatements::selectFromADamagedFileReportsTheCause()
+{
+    QList<QVariant> rows;
+    for (int id = 0; id < 2000; ++id)
+        rows.append(row(id, QString(200, QLatin1Char('x'))));
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
+    m_database->closeDB();
+    QFile file(m_database->path());
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.seek(file.size() / 2));
+    file.write(QByteArray(32 * 1024, '\xff'));
+    file.close();
+    QVERIFY(m_database->reopen());
+    QVERIFY(m_database->selectFromDatabase(table, false).size() < 2000);
+    const QStringList texts = m_log->takeDebugTexts();
+    QCOMPARE(texts.size(), 3);
+    QCOMPARE(texts.at(1), QStringLiteral("Error at select channel"));
+    QVERIFY2(texts.at(2).contains(QLatin1String("malformed")), qUtf8Printable(texts.at(2)));
+}
+
+void tst_DBStatements::failuresWriteThreeMessages_data()
+{
+    QTest::addColumn<Call>("succeeds");
+    QTest::addColumn<QString>("statement");
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("line");
+    QTest::addColumn<QString>("function");
+    QTest::newRow("insert, map") << Call([](DBHelper& database, const QString& name) {
+        Row values = row(1, 2);
+        return database.insertToDatabase(name, values, false);
+    }) << QStringLiteral("INSERT INTO no such(id, name) VALUES(:id, :name);")
+                                 << QStringLiteral("Error at insert no such") << 285
+                                 << QStringLiteral(
+                                        "bool __cdecl DBHelper::insertToDatabase(class QString,class "
+                                        "QMap<class QString,class QVariant> &,bool)");
+    QTest::newRow("insert, list") << Call([](DBHelper& database, const QString& name) {
+        QList<QVariant> rows{row(1, 2)};
+        return database.insertToDatabase(name, rows, false);
+    }) << QStringLiteral("INSERT INTO no such(id, name) VALUES(:id, :name);")
+                                  << QStringLiteral("Error at insert no such") << 337
+                                  << QStringLiteral(
+                                         "bool __cdecl DBHelper::insertToDatabase(class QString,class "
+                                         "QList<class QVariant> &,bool)");
+    QTest::newRow("update, map")
+        << Call([](DBHelper& database, const QString& name) {
+               Row values{{QStringLiteral("name"), 1}};
+               return database.updateToDatabase(name, QStringLiteral("id"), 1, values, false);
+           })
+        << QStringLiteral("UPDATE no such SET name = :name WHERE id = :id;")
+        << QStringLiteral("Error at update no such") << 385
+        << QStringLiteral("bool __cdecl DBHelper::updateToDatabase(class QString,class QString,class "
+                          "QVariant,class QMap<class QString,class QVariant> &,bool)");
+    QTest::newRow("update, list")
+        << Call([](DBHelper& database, const QString& name) {
+               QList<QVariant> rows{Row{{QStringLiteral("name"), 1}}};
+               return database.updateToDatabase(name, QStringLiteral("id"), 1, rows, false);
+           })
+        << QStringLiteral("UPDATE no such SET name = :name WHERE id = :id;")
+        << QStringLiteral("Error at update no such") << 437
+        << QStringLiteral("bool __cdecl DBHelper::updateToDatabase(class QString,class QString,class "
+                          "QVariant,class QList<class QVariant> &,bool)");
+    QTest::newRow("delete") << Call([](DBHelper& database, const QString& name) {
+        return database.deleteFromDatabase(name);
+    }) << QStringLiteral("DELETE FROM no such;")
+                            << QStringLiteral("Error at delete no such") << 499
+                            << QStringLiteral("bool __cdecl DBHelper::deleteFromDatabase(class QString,class "
+                                              "QMap<class QString,class QVariant> &,bool)");
+    QTest::newRow("select") << Call([](DBHelper& database, const QString& name) {
+        return !database.selectFromDatabase(name, false).isEmpty();
+    }) << QStringLiteral("SELECT * FROM no such;")
+                            << QStringLiteral("Error at select no such") << 562
+                            << QStringLiteral(
+                                   "class QList<class QVariant> __cdecl DBHelper::selectFromDatabase("
+                                   "class QString,class QMap<class QString,class QVariant> &,bool)");
+}
+
+void tst_DBStatements::failuresWriteThreeMessages()
+{
+    QFETCH(const Call, succeeds);
+    QFETCH(const QString, statement);
+    QFETCH(const QString, operation);
+    QFETCH(const int, line);
+    QFETCH(const QString, function);
+    QVERIFY(!succeeds(*m_database, QStringLiteral("no such")));
+
+    const QVector<LoggedMessage> messages = m_log->take();
+    QCOMPARE(messages.size(), 3);
+    QCOMPARE(messages.at(0).text, statement);
+    QCOMPARE(messages.at(1).text, operation);
+    QVERIFY(!messages.at(2).text.isEmpty());
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(messages.at(i).type, QtDebugMsg);
+        QCOMPARE(messages.at(i).file, QStringLiteral("QuenzoTool/source/dbhelper"));
+        QCOMPARE(messages.at(i).line, line + i);
+        QCOMPARE(messages.at(i).function, function);
+    }
+}
+
+void tst_DBStatements::failedPreparationIsNamedByItsCause()
+{
+    QVERIFY(!m_database->deleteFromDatabase(QStringLiteral("missing"), QStringLiteral("id"), 1, false));
+    const QString cause = m_log->takeDebugTexts().value(2);
+    QVERIFY2(cause.contains(QLatin1String("no such table: missing")), qUtf8Printable(cause));
+}
+
+void tst_DBStatements::closedConnectionFails_data()
+{
+    QTest::addColumn<bool>("removed");
+    QTest::newRow("closed") << false;
+    QTest::newRow("removed") << true;
+}
+
+void tst_DBStatements::closedConnectionFails()
+{
+    QFETCH(const bool, removed);
+    m_database->closeDB();
+    if (removed)
+        m_database = std::make_unique<SteppedDatabase>();
+    Row values = row(1, 2);
+    QList<QVariant> rows{values};
+    QVERIFY(!m_database->insertToDatabase(table, values, false));
+    QVERIFY(!m_database->insertToDatabase(table, rows, false));
+    QVERIFY(!m_database->updateToDatabase(table, QStringLiteral("id"), 1, values, false));
+    QVERIFY(!m_database->updateToDatabase(table, QStringLiteral("id"), 1, rows, false));
+    QVERIFY(!m_database->deleteFromDatabase(table));
+    QVERIFY(m_database->selectFromDatabase(table, false).isEmpty());
+    const QStringList texts = m_log->takeDebugTexts();
+    QCOMPARE(texts.size(), 18);
+    for (int i = 2; i < texts.size(); i += 3)
+        QCOMPARE(texts.at(i), QStringLiteral("Database not open"));
+}
+
+void tst_DBStatements::removedConnectionNeverTurnsToTheHostsDefaultOne()
+{
+    {
+        QSqlDatabase hosts = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
+        hosts.setDatabaseName(QStringLiteral(":memory:"));
+        QVERIFY(hosts.open());
+        QSqlQuery query(hosts);
+        QVERIFY(query.exec(QStringLiteral("CREATE TABLE channel(id, name)")));
+
+        SteppedDatabase never; // opened
+        QVERIFY(!never.insertToDatabase(table, QStringLiteral("id"), 1, false));
+        QVERIFY(never.selectFromDatabase(table, false).isEmpty());
+        QVERIFY(query.exec(QStringLiteral("SELECT count(*) FROM channel")));
+        QVERIFY(query.next());
+        QCOMPARE(query.value(0).toInt(), 0);
+    }
+    QSqlDatabase::removeDatabase(QLatin1String(QSqlDatabase::defaultConnection));
+    QCOMPARE(m_log->takeDebugTexts().size(), 6);
+}
+
+void tst_DBStatements::argumentsStayAsTheyAre()
+{
+    Row values = row(1234, QStringLiteral("hello world"));
+    const Row before = values;
+    QList<QVariant> rows{values, row(5678, QVariant())};
+    const QList<QVariant> rowsBefore = rows;
+    QVERIFY(m_database->insertToDatabase(table, rows, true));
+    QVERIFY(!m_database->insertToDatabase(table, values, true));
+    QVERIFY(m_database->updateToDatabase(table, QStringLiteral("name"), 1, rows, true));
+    QVERIFY(m_database->deleteFromDatabase(table, values, true));
+    m_database->selectFromDatabase(table, values, true);
+    QCOMPARE(values, before);
+    QCOMPARE(rows, rowsBefore);
+}
+
+void tst_DBStatements::columnNamesBeyondAsciiFail()
+{
+    m_database->outside(QStringLiteral("CREATE TABLE wide(\u540d)"));
+    QVERIFY(!m_database->insertToDatabase(QStringLiteral("wide"), QStringLiteral("\u540d"), 1, false));
+    QCOMPARE(m_log->takeDebugTexts().size(), 3);
+}
+
+void tst_DBStatements::hostileValuesAreBound_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("quotes") << QVariant(QStringLiteral("'\"`; DROP TABLE channel; --"));
+    QTest::newRow("placeholder") << QVariant(QStringLiteral(":id ?1 @name $state %1"));
+    QTest::newRow("null character") << QVariant(QStringLiteral("a") + QChar(QChar::Null)
+                                                + QStringLiteral("b"));
+    QTest::newRow("emoji") << QVariant(QStringLiteral("\U0001F600\u4e2d\ufeff"));
+    QTest::newRow("16 MiB") << QVariant(QStringLiteral("x\u00e4").repeated(6 * 1024 * 1024));
+    QTest::newRow("empty text") << QVariant(QStringLiteral(""));
+    QTest::newRow("least") << QVariant(std::numeric_limits<qint64>::min());
+    QTest::newRow("greatest") << QVariant(std::numeric_limits<qint64>::max());
+    QTest::newRow("least real") << QVariant(std::numeric_limits<double>::lowest());
+    QTest::newRow("smallest real") << QVariant(std::numeric_limits<double>::denorm_min());
+    QTest::newRow("infinite") << QVariant(std::numeric_limits<double>::infinity());
+    QTest::newRow("bytes") << QVariant(QByteArray("\0'\xff", 3));
+}
+
+void tst_DBStatements::hostileValuesAreBound()
+{
+    QFETCH(const QVariant, value);
+    Row values = row(1, value);
+    QVERIFY(m_database->insertToDatabase(table, values, false));
+    const QList<QVariant> rows = m_database->selectFromDatabase(table, false);
+    QCOMPARE(rows.size(), 1);
+    const QVariant stored = rows.first().toMap().value(QStringLiteral("name"));
+    QVERIFY2(stored == value, qUtf8Printable(stored.toString().left(100)));
+    QVERIFY(m_database->deleteFromDatabase(table, values, false));
+    QCOMPARE(m_database->committedIds(), QVariantList());
+}
+
+void tst_DBStatements::invalidVariantsAreStoredAsNull()
+{
+    QList<QVariant> rows{row(1, QStringLiteral("a")), row(2, QVariant()), row(3, QVariant(QVariant::Int)),
+                         row(4, QStringLiteral("b"))};
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT typeof(name) FROM channel ORDER BY id")),
+             (QVariantList{QStringLiteral("text"), QStringLiteral("null"), QStringLiteral("null"),
+                           QStringLiteral("text")}));
+}
+
+void tst_DBStatements::hostileValuesDoNotReachTheStatement()
+{
+    Row values = row(1, QStringLiteral("'); DROP TABLE channel; --"));
+    QVERIFY(!m_database->insertToDatabase(QStringLiteral("missing"), values, false));
+    QVERIFY(!m_log->takeDebugTexts().value(0).contains(QLatin1String("DROP")));
+}
+
+QTEST_GUILESS_MAIN(tst_DBStatements)
+#include "tst_dbstatements.moc"

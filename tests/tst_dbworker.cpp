@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: MIT
+#include "messagelog.h"
+
+#include <dbhelper.h>
+
+#include <QElapsedTimer>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace {
+
+const QString table = QStringLiteral("records");
+
+constexpr int commandsOfACaller = 50000;
+
+QVariantMap record(int caller, int number)
+{
+    return {{QStringLiteral("caller"), caller}, {QStringLiteral("number"), number}};
+}
+
+} // namespace
+
+// The one instance with its real worker, which never ends: what each test leaves behind is an empty queue.
+class tst_DBWorker : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void commandsQueuedBeforeTheStartWaitInOrder();
+    void stoppingFailsAndTheWorkerKeepsRunning();
+    void selectsAreReportedOnTheWorker();
+    void receiversOfOtherThreadsGetTheirRowsQueued();
+    void load_data();
+    void load();
+
+private:
+    void open(const QString& journal = QStringLiteral("delete"));
+    void waitUntilDrained();
+    int count(const QString& condition);
+
+    std::unique_ptr<MessageLog> m_log;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    DBHelper* m_database = nullptr;
+};
+
+void tst_DBWorker::init()
+{
+    m_log = std::make_unique<MessageLog>();
+    m_database = DBHelper::getInstance();
+    open();
+}
+
+void tst_DBWorker::cleanup()
+{
+    waitUntilDrained();
+    QVERIFY(m_database->closeDB());
+    DBHelper::removeDatabase();
+    QCOMPARE(m_log->takeWarnings(), QStringList());
+    m_log.reset();
+}
+
+void tst_DBWorker::open(const QString& journal)
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_database->initDatabase(m_folder->filePath(QStringLiteral("records.db"))));
+    QSqlQuery query(QSqlDatabase::database(QStringLiteral("Quenzo")));
+    QVERIFY(query.exec(QStringLiteral("PRAGMA journal_mode = ") + journal));
+    QVERIFY(query.next());
+    QCOMPARE(query.value(0).toString(), journal);
+    QVERIFY(query.exec(QStringLiteral("CREATE TABLE records(caller INTEGER, number INTEGER)")));
+}
+
+// The rows of a last select say that everything before it has run; the flag then says that it is committed.
+void tst_DBWorker::waitUntilDrained()
+{
+    QVERIFY(m_database->StartThread());
+    std::atomic<bool> selected{false};
+    const QString tag = QStringLiteral("drained");
+    const auto connection = connect(
+        m_database, &DBHelper::onSelectFinish, this,
+        [&selected, &tag](const QString&, const QVariantList&, const QString& usrExt) {
+            if (usrExt == tag)
+                selected = true;
+        },
+        Qt::DirectConnection);
+    QVERIFY(m_database->threadToDatabase(DB_SELECT, QStringLiteral("(SELECT 1)"), false, tag));
+    QTRY_VERIFY_WITH_TIMEOUT(selected, 300000);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_database->isRunning(), 60000);
+    disconnect(connection);
+}
+
+int tst_DBWorker::count(const QString& condition)
+{
+    return m_database->selectFromDatabase(QStringLiteral("records WHERE ") + condition, false).size();
+}
+
+void tst_DBWorker::commandsQueuedBeforeTheStartWaitInOrder()
+{
+    QVERIFY2(!m_database->QThread::isRunning(), "this test comes first");
+    for (int number = 0; number < 100; ++number) {
+        QVariantMap row = record(1, number);
+        QVERIFY(m_database->threadToDatabase(DB_INSERT, table, row, QString(), QVariant(), false, QString()));
+    }
+    QCOMPARE(m_database->selectFromDatabase(table, false), QList<QVariant>());
+    QVERIFY(m_database->isRunning());
+    waitUntilDrained();
+    const QList<QVariant> rows = m_database->selectFromDatabase(table, false);
+    QCOMPARE(rows.size(), 100);
+    for (int number = 0; number < 100; ++number)
+        QCOMPARE(rows.at(number).toMap().value(QStringLiteral("number")).toInt(), number);
+}
+
+void tst_DBWorker::stoppingFailsAndTheWorkerKeepsRunning()
+{
+    QVERIFY(m_database->StartThread());
+    QVERIFY(m_database->StartThread());
+    QVERIFY(!m_database->StopThread());
+    QVERIFY(m_database->QThread::isRunning());
+    QVariantMap row = record(1, 1);
+    QVERIFY(m_database->threadToDatabase(DB_INSERT, table, row, QString(), QVariant(), false, QString()));
+    waitUntilDrained();
+    QCOMPARE(count(QStringLiteral("1")), 1);
+    QVERIFY(m_database->QThread::isRunning());
+}
+
+void tst_DBWorker::selectsAreReportedOnTheWorker()
+{
+    std::atomic<QThread*> emitter{nullptr};
+    const auto connection = connect(
+        m_database, &DBHelper::onSelectFinish, this, [&emitter] { emitter = QThread::currentThread(); },
+        Qt::DirectConnection);
+    QVERIFY(m_database->threadToDatabase(DB_SELECT, table, false, QString()));
+    waitUntilDrained();
+    disconnect(connection);
+    QCOMPARE(emitter.load(), static_cast<QThread*>(m_database));
+}
+
+void tst_DBWorker::receiversOfOtherThreadsGetTheirRowsQueued()
+{
+    QVariantMap row = record(1, 1);
+    QVERIFY(m_database->insertToDatabase(table, row, false));
+    QThread* receiver = nullptr;
+    int rows = 0;
+    const auto connection = connect(m_database, &DBHelper::onSelectFinish, this,
+                                    [&](const QString&, const QVariantList& found, const QString& usrExt) {
+                                        if (usrExt != QLatin1String("mine"))
+                                            return;
+                                        receiver = QThread::currentThread();
+                                        rows = found.size();
+                                    });
+    QVERIFY(m_database->threadToDatabase(DB_SELECT, table, false, QStringLiteral("mine")));
+    QTRY_COMPARE_WITH_TIMEOUT(receiver, QThread::currentThread(), 30000);
+    QCOMPARE(rows, 1);
+    disconnect(connection);
+}
+
+void tst_DBWorker::load_data()
+{
+    QTest::addColumn<QString>("journal");
+    QTest::newRow("default journal") << QStringLiteral("delete");
+    QTest::newRow("write-ahead log") << QStringLiteral("wal");
+}
+
+void tst_DBWorker::load()
+{
+    QFETCH(const QString, journal);
+    constexpr int callers = 4;
+    m_database->closeDB();
+    DBHelper::removeDatabase();
+    open(journal);
+    QVERIFY(m_database->StartThread());
+
+    std::atomic<int> refused{0};
+    std::atomic<int> atWork{callers};
+    std::vector<std::thread> threads;
+    for (int caller = 0; caller < callers; ++caller) {
+        threads.emplace_back([&, caller] {
+            for (int number = 0; number < commandsOfACaller; ++number) {
+                QVariantMap row = record(caller, number);
+                const bool queued = m_database->threadToDatabase(DB_INSERT, table, row, QString(), QVariant(),
+                                                                 false, QString());
+                refused += queued ? 0 : 1;
+            }
+            --atWork;
+        });
+    }
+    // Whenever one looks, the last rows of each caller are there without a gap.
+    const QString lastRows =
+        QStringLiteral("(SELECT caller, count(*) AS n, max(number) - min(number) + 1 AS span FROM "
+                       "(SELECT * FROM records ORDER BY rowid DESC LIMIT 1000) GROUP BY caller)");
+    int selects = 0;
+    bool inOrder = true;
+    while (atWork > 0 || m_database->isRunning()) {
+        const QList<QVariant> rows = m_database->selectFromDatabase(lastRows, false);
+        for (const QVariant& row : rows) {
+            const QVariantMap values = row.toMap();
+            inOrder = inOrder && values.value(QStringLiteral("n")) == values.value(QStringLiteral("span"));
+        }
+        ++selects;
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    waitUntilDrained();
+
+    QCOMPARE(refused.load(), 0);
+    QVERIFY(inOrder);
+    QVERIFY2(selects > 100, "the selects hardly met the worker");
+    const QList<QVariant> rows = m_database->selectFromDatabase(table, false);
+    QCOMPARE(rows.size(), callers * commandsOfACaller);
+    std::vector<int> next(callers, 0);
+    for (const QVariant& row : rows) {
+        const QVariantMap values = row.toMap();
+        const auto caller = static_cast<std::size_t>(values.value(QStringLiteral("caller")).toInt());
+        QCOMPARE(values.value(QStringLiteral("number")).toInt(), next.at(caller)++);
+    }
+    QCOMPARE(m_log->takeDebugTexts(), QStringList());
+}
+
+QTEST_GUILESS_MAIN(tst_DBWorker)
+#include "tst_dbworker.moc"
