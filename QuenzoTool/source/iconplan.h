@@ -7,7 +7,8 @@
 #include <QStringList>
 #include <QVector>
 
-/** What makes one marked icon differ from another: the mark's picture, none when empty, and its top left corner. */
+/** What makes one marked icon differ from another: the mark's picture, none when empty, and its top left
+ * corner. */
 struct Decoration {
     QString markPath;
     int x = 0;
@@ -17,7 +18,8 @@ struct Decoration {
 bool operator==(const Decoration& left, const Decoration& right);
 uint qHash(const Decoration& decoration, uint seed = 0);
 
-/** Which folders get which decoration: channels with equal ones are put together, so that they are encoded once. */
+/** Which folders get which decoration: channels with equal ones are put together, so that they are encoded
+ * once. */
 class IconPlan {
 public:
     struct Group {
@@ -30,12 +32,13 @@ public:
     /**
      * Adds a channel. A folder that is given twice keeps the later decoration alone.
      *
-     * @param folder the channel's folder in its canonical form; when empty the channel has none, and counts only for
-     *        which group comes last
+     * @param folder the channel's folder in its canonical form; when empty the channel has none, and counts
+     * only for which group comes last
      */
     void add(const Decoration& decoration, const QString& folder);
 
-    /** Empties the plan. The group of the channel added last comes last; groups without a folder may be among them. */
+    /** Empties the plan. The group of the channel added last comes last; groups without a folder may be among
+     * them. */
     QVector<Group> take();
 
 private:

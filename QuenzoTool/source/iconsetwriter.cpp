@@ -11,7 +11,8 @@
 
 namespace {
 
-// Enough that no core waits for the next mark to be drawn, few enough that at most a few pictures are in memory.
+// Enough that no core waits for the next mark to be drawn, few enough that at most a few pictures are in
+// memory.
 constexpr std::size_t mostWaiting = 16;
 
 bool writeContent(const QString& path, const QByteArray& content)
@@ -27,8 +28,8 @@ bool writeContent(const QString& path, const QByteArray& content)
     return false;
 }
 
-// A new file gets its name once it is whole. One that is there is overwritten in place: it may be a link, have
-// rights of its own or stand in a folder that takes no new files.
+// A new file gets its name once it is whole. One that is there is overwritten in place: it may be a link,
+// have rights of its own or stand in a folder that takes no new files.
 void writeFile(const QString& path, const QByteArray& content)
 {
     if (QFile::exists(path)) {
@@ -61,9 +62,10 @@ public:
         const IconFile& file = m_files.at(index);
         Content& content = m_contents[static_cast<std::size_t>(index)];
         std::call_once(content.encoded, [&] {
-            content.bytes = PngEncoder::encode(
-                file.side == 0 ? m_image
-                               : m_image.scaled(file.side, file.side, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+            content.bytes =
+                PngEncoder::encode(file.side == 0 ? m_image
+                                                  : m_image.scaled(file.side, file.side, Qt::KeepAspectRatio,
+                                                                   Qt::SmoothTransformation));
         });
         if (!content.bytes.isEmpty())
             writeFile(folder + file.name, content.bytes);
@@ -103,6 +105,8 @@ IconSetWriter::~IconSetWriter()
 
 void IconSetWriter::write(const QImage& image, const QVector<IconFile>& files, const QString& folder)
 {
+    if (image.isNull())
+        return;
     if (m_set == nullptr || !m_set->isOf(image))
         m_set = std::make_shared<EncodedSet>(image, files);
     // The largest file stands last, and is begun first.

@@ -22,8 +22,8 @@ struct IconFile {
 /**
  * Scales, encodes and writes icon sets on all cores.
  *
- * A few jobs wait at most, and the caller then takes one itself, so that memory is bounded and a machine that gives
- * no threads still gets its icons.
+ * A few jobs wait at most, and the caller then takes one itself, so that memory is bounded and a machine that
+ * gives no threads still gets its icons.
  */
 class IconSetWriter {
 public:
@@ -55,7 +55,8 @@ private:
 
     QThreadPool m_pool;
     std::shared_ptr<EncodedSet> m_set;
-    // The standard's primitives, since a job must be handed over in a way that race detectors can follow into it.
+    // The standard's primitives, since a job must be handed over in a way that race detectors can follow into
+    // it.
     std::mutex m_mutex;
     std::condition_variable m_jobAdded;
     std::condition_variable m_allDone;

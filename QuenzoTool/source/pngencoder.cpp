@@ -49,8 +49,7 @@ struct Rows {
 };
 
 // Gives the row's filtered form and how far it is from zero, which tells how well it will deflate.
-template <typename Predictor>
-unsigned filterRow(const Rows& rows, Byte* filtered, Predictor predict)
+template <typename Predictor> unsigned filterRow(const Rows& rows, Byte* filtered, Predictor predict)
 {
     unsigned distance = 0;
     for (int i = 0; i < rows.length; ++i) {
@@ -89,16 +88,17 @@ std::vector<Byte> filteredRows(const QImage& picture, int pixel)
     for (int y = 0; y < picture.height(); ++y) {
         std::swap(current, above);
         std::memcpy(current.data() + margin, picture.constScanLine(y), length);
-        const Rows rows {current.data() + margin, above.data() + margin, pixel, static_cast<int>(length)};
-        const std::array<unsigned, 5> distances {
+        const Rows rows{current.data() + margin, above.data() + margin, pixel, static_cast<int>(length)};
+        const std::array<unsigned, 5> distances{
             filterRow(rows, forms[0].data(), [](short, short, short) { return short(0); }),
             filterRow(rows, forms[1].data(), [](short left, short, short) { return left; }),
             filterRow(rows, forms[2].data(), [](short, short up, short) { return up; }),
-            filterRow(rows, forms[3].data(), [](short left, short up, short) { return short((left + up) / 2); }),
+            filterRow(rows, forms[3].data(),
+                      [](short left, short up, short) { return short((left + up) / 2); }),
             filterRow(rows, forms[4].data(), paeth),
         };
-        const auto best = static_cast<std::size_t>(
-            std::min_element(distances.cbegin(), distances.cend()) - distances.cbegin());
+        const auto best = static_cast<std::size_t>(std::min_element(distances.cbegin(), distances.cend())
+                                                   - distances.cbegin());
         filtered.push_back(static_cast<Byte>(best));
         filtered.insert(filtered.end(), forms[best].cbegin(), forms[best].cend());
     }
@@ -115,8 +115,8 @@ QByteArray deflated(const std::vector<Byte>& content)
         return {};
     const std::size_t room = libdeflate_zlib_compress_bound(compressor.get(), content.size());
     QByteArray stream(static_cast<int>(room), Qt::Uninitialized);
-    const std::size_t size
-        = libdeflate_zlib_compress(compressor.get(), content.data(), content.size(), stream.data(), room);
+    const std::size_t size =
+        libdeflate_zlib_compress(compressor.get(), content.data(), content.size(), stream.data(), room);
     stream.truncate(static_cast<int>(size));
     return stream;
 }
@@ -127,7 +127,8 @@ QByteArray chunk(const char* type, const QByteArray& data)
     qToBigEndian(static_cast<quint32>(data.size()), framed.data());
     framed.reserve(data.size() + chunkFrame);
     framed.append(type, 4).append(data);
-    const quint32 checksum = libdeflate_crc32(0, framed.constData() + 4, static_cast<std::size_t>(framed.size() - 4));
+    const quint32 checksum =
+        libdeflate_crc32(0, framed.constData() + 4, static_cast<std::size_t>(framed.size() - 4));
     framed.resize(framed.size() + 4);
     qToBigEndian(checksum, framed.data() + framed.size() - 4);
     return framed;
@@ -151,6 +152,15 @@ QImage::Format rowFormat(QImage::Format format)
     }
 }
 
+// Where the picture's data begins in a PNG file.
+int dataStart(const QByteArray& file)
+{
+    int at = signatureSize + headerSize;
+    while (at + chunkFrame < file.size() && std::memcmp(file.constData() + at + 4, "IDAT", 4) != 0)
+        at += chunkFrame + static_cast<int>(qFromBigEndian<quint32>(file.constData() + at));
+    return at;
+}
+
 } // namespace
 
 QByteArray PngEncoder::encode(const QImage& image)
@@ -160,22 +170,20 @@ QByteArray PngEncoder::encode(const QImage& image)
         return encodeByQt(image);
     // Qt removes premultiplication on the way to ARGB32, which rounds in a way of its own.
     const bool premultiplied = image.format() == QImage::Format_ARGB32_Premultiplied;
-    const QImage picture
-        = (premultiplied ? image.convertToFormat(QImage::Format_ARGB32) : image).convertToFormat(format);
+    const QImage picture =
+        (premultiplied ? image.convertToFormat(QImage::Format_ARGB32) : image).convertToFormat(format);
     // Qt itself writes everything beside the size and the pixels: one pixel of the picture carries the rest.
     const QByteArray sample = encodeByQt(image.copy(0, 0, 1, 1));
-    const int dataStart = sample.indexOf("IDAT") - 4;
-    if (picture.isNull() || dataStart < signatureSize + headerSize)
-        return encodeByQt(image);
-    const QByteArray stream = deflated(filteredRows(picture, picture.depth() / 8));
-    if (stream.isEmpty())
+    const QByteArray stream =
+        picture.isNull() ? QByteArray() : deflated(filteredRows(picture, picture.depth() / 8));
+    if (sample.isEmpty() || stream.isEmpty())
         return encodeByQt(image);
 
     QByteArray header = sample.mid(signatureSize + 8, headerSize - chunkFrame);
     qToBigEndian(picture.width(), header.data());
     qToBigEndian(picture.height(), header.data() + 4);
     const int others = signatureSize + headerSize;
-    return sample.left(signatureSize) + chunk("IHDR", header) + sample.mid(others, dataStart - others)
+    return sample.left(signatureSize) + chunk("IHDR", header) + sample.mid(others, dataStart(sample) - others)
         + chunk("IDAT", stream) + chunk("IEND", {});
 }
 

@@ -53,7 +53,8 @@ void drawMark(QImage& icon, const QImage& mark, const Decoration& decoration)
 {
     const qint64 left = decoration.x;
     const qint64 top = -qint64(decoration.y);
-    const bool visible = left < icon.width() && left + mark.width() > 0 && top < icon.height() && top + mark.height() > 0;
+    const bool visible =
+        left < icon.width() && left + mark.width() > 0 && top < icon.height() && top + mark.height() > 0;
     if (icon.isNull() || mark.isNull() || !visible)
         return;
     // QPainter refuses indexed pictures.
@@ -79,7 +80,8 @@ void ThreadGenerateIcon::setInfo(QString markRoot, const QList<ST_CHANNEL_ICON>&
     m_lsChannelIcon = channels;
 }
 
-void ThreadGenerateIcon::setGameInfo(QString gameIcon, int defaultCorner, int defaultX, int defaultY, int platform)
+void ThreadGenerateIcon::setGameInfo(QString gameIcon, int defaultCorner, int defaultX, int defaultY,
+                                     int platform)
 {
     m_strGameIcon = gameIcon;
     m_nDefaultCorner = defaultCorner;
@@ -142,8 +144,8 @@ Decoration ThreadGenerateIcon::decorationOf(const ST_CHANNEL_ICON& channel) cons
     int corner = channel.nCorner;
     if (byDefault)
         corner = m_nDefaultCorner == cornerDefault ? cornerRightBottom : m_nDefaultCorner;
-    const QString markPath = m_strMarkRoot + QLatin1Char('/') + channel.strMarkName + QLatin1String("/icon/")
-        + cornerFile(corner);
+    const QString markPath =
+        m_strMarkRoot + QLatin1Char('/') + channel.strMarkName + QLatin1String("/icon/") + cornerFile(corner);
     return {markPath, byDefault ? m_nDefaultX : channel.nOffsetX, byDefault ? m_nDefaultY : channel.nOffsetY};
 }
 
@@ -169,16 +171,24 @@ void ThreadGenerateIcon::produce(IconPlan& plan)
 
 void ThreadGenerateIcon::generateAndroidIcon(QString channelDir)
 {
-    static constexpr std::array<int, 6> sides {36, 48, 72, 96, 144, 192};
-    m_writer->write(m_imgIcon, iconFiles(sides, [](const QString& side) {
-        return QString(QLatin1String("icon") + side + QLatin1Char('x') + side + QLatin1String(".png"));
-    }), channelDir);
+    static constexpr std::array<int, 6> sides{36, 48, 72, 96, 144, 192};
+    m_writer->write(m_imgIcon,
+                    iconFiles(sides,
+                              [](const QString& side) {
+                                  return QString(QLatin1String("icon") + side + QLatin1Char('x') + side
+                                                 + QLatin1String(".png"));
+                              }),
+                    channelDir);
 }
 
 void ThreadGenerateIcon::generateIOSIcon(QString channelDir)
 {
-    static constexpr std::array<int, 15> sides {29, 40, 50, 57, 58, 72, 76, 80, 87, 100, 114, 120, 144, 152, 180};
-    m_writer->write(m_imgIcon, iconFiles(sides, [](const QString& side) {
-        return QString(QLatin1String("Icon-") + side + QLatin1String(".png"));
-    }), channelDir);
+    static constexpr std::array<int, 15> sides{29, 40,  50,  57,  58,  72,  76, 80,
+                                               87, 100, 114, 120, 144, 152, 180};
+    m_writer->write(m_imgIcon,
+                    iconFiles(sides,
+                              [](const QString& side) {
+                                  return QString(QLatin1String("Icon-") + side + QLatin1String(".png"));
+                              }),
+                    channelDir);
 }
