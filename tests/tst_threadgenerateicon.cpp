@@ -525,7 +525,7 @@ void tst_ThreadGenerateIcon::laterChannelOfAFolderWins()
     QVERIFY(QFile::link(job.out(QStringLiteral("a")), job.out(QStringLiteral("link"))));
     job.thread.setClearDirFirst(false);
     const QImage icon(job.icon);
-    for (int round = 0; round < 5; ++round) {
+    for (int round = 0; round < 3; ++round) {
         job.run({channel("red", first), channel("None", "b"), channel("blue", second), channel("red", "c")});
         QCOMPARE(differencesFrom(marked(icon, job.markPicture("blue", 0), 0, 0), job.out(QStringLiteral("a")),
                                  android),
@@ -725,7 +725,7 @@ void tst_ThreadGenerateIcon::memoryStaysFlat()
     const qint64 many = peak(500);
     QVERIFY(few > 0);
     QVERIFY(many > 0);
-    // Kept, the 480 further icons and their files would take some 180 MB.
+    // Kept, the 480 further icons and their files would take some 100 MB.
     QVERIFY2(many - few < 24 * 1024, qPrintable(QStringLiteral("%1 kB, then %2 kB").arg(few).arg(many)));
 }
 
