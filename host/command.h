@@ -34,8 +34,11 @@ struct Command {
     QList<QCommandLineOption> options;
     /** Called under a running application with arguments that are complete in number. */
     std::function<ExitCode(const QCommandLineParser&, Console&)> run;
+    /** What the help tells below the options. */
+    QString details {};
 };
 
+QVector<Command> iconCommands();
 QVector<Command> scriptCommands();
 QVector<Command> dbCommands();
 

@@ -5,12 +5,14 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QGuiApplication>
 
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <langinfo.h>
+#include <memory>
 
 namespace {
 
@@ -37,7 +39,7 @@ void isolateInterpreter()
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
-    for (const auto& group : {scriptCommands, dbCommands})
+    for (const auto& group : {scriptCommands, dbCommands, iconCommands})
         commands += group();
     return commands;
 }
@@ -97,7 +99,8 @@ QString helpText(const Command& command, const QCommandLineParser& parser)
     for (const Argument& argument : command.arguments)
         usage += QLatin1Char(' ') + syntaxOf(argument);
     const QString text = parser.helpText().trimmed();
-    return usage + text.mid(text.indexOf(QLatin1Char('\n')));
+    const QString details = command.details.isEmpty() ? QString() : QStringLiteral("\n\n") + command.details;
+    return usage + text.mid(text.indexOf(QLatin1Char('\n'))) + details;
 }
 
 ExitCode runCommand(const Command& command, QStringList words)
@@ -131,6 +134,17 @@ ExitCode runCommand(const Command& command, QStringList words)
     return code;
 }
 
+// Texts on a picture take Qt's fonts, and these the larger application, which is told to look for no display.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv)
+{
+    const bool draws =
+        std::any_of(argv, argv + argc, [](const char* word) { return qstrncmp(word, "--sheet", 7) == 0; });
+    if (!draws)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -138,7 +152,7 @@ int main(int argc, char* argv[])
     ensureUtf8Locale();
     isolateInterpreter();
     Diagnostics::install();
-    const QCoreApplication application(argc, argv);
+    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
     const QVector<Command> commands = allCommands();
     const QStringList words = QCoreApplication::arguments().mid(1);

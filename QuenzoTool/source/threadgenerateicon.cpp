@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "threadgenerateicon.h"
+
+#include "iconplan.h"
+#include "iconsetwriter.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPainter>
+
+#include <array>
+
+namespace {
+
+constexpr int platformAndroid = 0;
+constexpr int cornerDefault = 4;
+constexpr int cornerRightBottom = 3;
+
+QString cornerFile(int corner)
+{
+    switch (corner) {
+    case 0:
+        return QStringLiteral("left-top.png");
+    case 1:
+        return QStringLiteral("left-bottom.png");
+    case 2:
+        return QStringLiteral("right-top.png");
+    default:
+        return QStringLiteral("right-bottom.png");
+    }
+}
+
+template <std::size_t count, typename Name>
+QVector<IconFile> iconFiles(const std::array<int, count>& sides, Name name)
+{
+    QVector<IconFile> files;
+    for (const int side : sides)
+        files.append({side, name(QString::number(side))});
+    files.append({0, QStringLiteral("icon512x512.png")});
+    return files;
+}
+
+// The device pixel ratio that Qt reads out of a name like icon@2x.png would double the mark and its position.
+QImage loadPicture(const QString& path)
+{
+    QImage picture(path);
+    picture.setDevicePixelRatio(1);
+    return picture;
+}
+
+void drawMark(QImage& icon, const QImage& mark, const Decoration& decoration)
+{
+    const qint64 left = decoration.x;
+    const qint64 top = -qint64(decoration.y);
+    const bool visible =
+        left < icon.width() && left + mark.width() > 0 && top < icon.height() && top + mark.height() > 0;
+    if (icon.isNull() || mark.isNull() || !visible)
+        return;
+    // QPainter refuses indexed pictures.
+    if (icon.format() == QImage::Format_Indexed8)
+        icon = icon.convertToFormat(icon.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    QPainter painter(&icon);
+    painter.drawImage(static_cast<int>(left), static_cast<int>(top), mark);
+}
+
+} // namespace
+
+ThreadGenerateIcon::ThreadGenerateIcon(QObject* parent)
+    : QThread(parent)
+    , m_strOutputDir(QLatin1String(""))
+{
+}
+
+ThreadGenerateIcon::~ThreadGenerateIcon() = default;
+
+void ThreadGenerateIcon::setInfo(QString markRoot, const QList<ST_CHANNEL_ICON>& channels)
+{
+    m_strMarkRoot = markRoot;
+    m_lsChannelIcon = channels;
+}
+
+void ThreadGenerateIcon::setGameInfo(QString gameIcon, int defaultCorner, int defaultX, int defaultY,
+                                     int platform)
+{
+    m_strGameIcon = gameIcon;
+    m_nDefaultCorner = defaultCorner;
+    m_nDefaultX = defaultX;
+    m_nDefaultY = defaultY;
+    m_nPlatform = platform;
+}
+
+void ThreadGenerateIcon::setOutputDir(QString dir)
+{
+    m_strOutputDir = dir;
+}
+
+void ThreadGenerateIcon::setClearDirFirst(bool clear)
+{
+    m_bClearDirFirst = clear;
+}
+
+void ThreadGenerateIcon::run()
+{
+    if (!QFile::exists(m_strGameIcon) || m_strOutputDir.isEmpty() || QDir::isRelativePath(m_strOutputDir))
+        return;
+    QDir root(m_strOutputDir);
+    if (m_bClearDirFirst && root.exists())
+        root.removeRecursively();
+    root.mkpath(m_strOutputDir);
+
+    IconSetWriter writer;
+    m_writer = &writer;
+    const QString gameIconDir = QFileInfo(QFileInfo(m_strGameIcon).canonicalFilePath()).path();
+    IconPlan plan;
+    for (const ST_CHANNEL_ICON& channel : qAsConst(m_lsChannelIcon)) {
+        // Such a folder may have the name of a file that is still to be written, and then cannot be made.
+        if (channel.strChannelDir.contains(QLatin1String(".png")))
+            produce(plan);
+        const QString folder = makeChannelDir(channel.strChannelDir);
+        plan.add(decorationOf(channel), folder);
+        // Its files may replace the game's icon, which the channels after it then get.
+        if (folder == gameIconDir)
+            produce(plan);
+    }
+    produce(plan);
+    m_writer = nullptr;
+}
+
+QString ThreadGenerateIcon::makeChannelDir(const QString& name) const
+{
+    const QString path = m_strOutputDir + name + QLatin1Char('/');
+    QDir folder(path);
+    if (!folder.exists())
+        folder.mkdir(path);
+    return folder.exists() ? folder.canonicalPath() : QString();
+}
+
+Decoration ThreadGenerateIcon::decorationOf(const ST_CHANNEL_ICON& channel) const
+{
+    if (channel.strMarkName == QLatin1String("None"))
+        return {};
+    const bool byDefault = channel.nCorner == cornerDefault;
+    int corner = channel.nCorner;
+    if (byDefault)
+        corner = m_nDefaultCorner == cornerDefault ? cornerRightBottom : m_nDefaultCorner;
+    const QString markPath =
+        m_strMarkRoot + QLatin1Char('/') + channel.strMarkName + QLatin1String("/icon/") + cornerFile(corner);
+    return {markPath, byDefault ? m_nDefaultX : channel.nOffsetX, byDefault ? m_nDefaultY : channel.nOffsetY};
+}
+
+void ThreadGenerateIcon::produce(IconPlan& plan)
+{
+    if (plan.isEmpty())
+        return;
+    const QImage icon = loadPicture(m_strGameIcon);
+    const QVector<IconPlan::Group> groups = plan.take();
+    for (const IconPlan::Group& group : groups) {
+        m_imgIcon = icon;
+        if (!group.decoration.markPath.isEmpty())
+            drawMark(m_imgIcon, loadPicture(group.decoration.markPath), group.decoration);
+        for (const QString& folder : group.folders) {
+            if (m_nPlatform == platformAndroid)
+                generateAndroidIcon(folder + QLatin1Char('/'));
+            else
+                generateIOSIcon(folder + QLatin1Char('/'));
+        }
+    }
+    m_writer->wait();
+}
+
+void ThreadGenerateIcon::generateAndroidIcon(QString channelDir)
+{
+    static constexpr std::array<int, 6> sides{36, 48, 72, 96, 144, 192};
+    m_writer->write(m_imgIcon,
+                    iconFiles(sides,
+                              [](const QString& side) {
+                                  return QString(QLatin1String("icon") + side + QLatin1Char('x') + side
+                                                 + QLatin1String(".png"));
+                              }),
+                    channelDir);
+}
+
+void ThreadGenerateIcon::generateIOSIcon(QString channelDir)
+{
+    static constexpr std::array<int, 15> sides{29, 40,  50,  57,  58,  72,  76, 80,
+                                               87, 100, 114, 120, 144, 152, 180};
+    m_writer->write(m_imgIcon,
+                    iconFiles(sides,
+                              [](const QString& side) {
+                                  return QString(QLatin1String("Icon-") + side + QLatin1String(".png"));
+                              }),
+                    channelDir);
+}

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#ifndef CHANNELLIST_H
+#define CHANNELLIST_H
+
+#include <threadgenerateicon.h>
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/** One entry of a channel list: what the library gets, and the name that people read. */
+struct ListedChannel {
+    QString name;
+    ST_CHANNEL_ICON icon;
+};
+
+namespace ChannelList {
+
+/** What the help tells of the file's format. */
+QString formatHelp();
+
+/**
+ * Reads a channel list and finds all its mistakes.
+ *
+ * @param[out] errors a sentence a mistake; empty when the list can be used
+ */
+QVector<ListedChannel> read(const QString& path, QStringList& errors);
+
+/** The corner's number for its name or its number from 0 to 4; -1 for every other text. */
+int cornerOf(const QString& text);
+
+} // namespace ChannelList
+
+#endif

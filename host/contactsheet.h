@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#ifndef CONTACTSHEET_H
+#define CONTACTSHEET_H
+
+#include <QImage>
+#include <QString>
+#include <QVector>
+
+/** One picture of a contact sheet. */
+struct SheetEntry {
+    QString name;
+    QString path; ///< the picture's file; a cross stands for one that cannot be read
+};
+
+/**
+ * Draws pictures in rows, each over its name, so that many are checked at a glance.
+ *
+ * Texts need a QGuiApplication; on the platform "offscreen" it touches no display.
+ */
+QImage drawContactSheet(const QString& title, const QVector<SheetEntry>& entries);
+
+#endif

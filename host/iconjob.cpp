@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "iconjob.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QSet>
+
+#include <initializer_list>
+#include <utility>
+
+namespace {
+
+struct Job {
+    Q_DECLARE_TR_FUNCTIONS(Job)
+};
+
+bool holds(const QString& folder, const QString& path)
+{
+    const QString inner = QFileInfo(path).canonicalFilePath();
+    return !inner.isEmpty()
+        && (inner == folder || folder == QLatin1String("/") || inner.startsWith(folder + QLatin1Char('/')));
+}
+
+QString markPath(const IconJob& job, const ST_CHANNEL_ICON& icon)
+{
+    static const QStringList corners{QStringLiteral("left-top"), QStringLiteral("left-bottom"),
+                                     QStringLiteral("right-top"), QStringLiteral("right-bottom")};
+    const int corner = icon.nCorner == 4 ? job.defaultCorner : icon.nCorner;
+    return job.marks + QLatin1Char('/') + icon.strMarkName + QLatin1String("/icon/")
+        + corners.at(qMin(corner, 3)) + QLatin1String(".png");
+}
+
+// What is wrong with a mark on the way to the icon; empty when it will be seen.
+QString faultOfMark(const IconJob& job, const ST_CHANNEL_ICON& icon, const QSize& iconSize)
+{
+    const QString path = markPath(job, icon);
+    QImageReader reader(path);
+    if (!QFileInfo(path).isFile())
+        return Job::tr("the mark picture %1 is missing; the icon stays unmarked").arg(path);
+    const QImage mark = reader.read();
+    if (mark.isNull())
+        return Job::tr("the mark picture %1 cannot be read (%2); the icon stays unmarked")
+            .arg(path, reader.errorString());
+    const bool byDefault = icon.nCorner == 4;
+    const qint64 x = byDefault ? job.defaultX : icon.nOffsetX;
+    const qint64 y = -qint64(byDefault ? job.defaultY : icon.nOffsetY);
+    if (x >= iconSize.width() || y >= iconSize.height() || x + mark.width() <= 0 || y + mark.height() <= 0)
+        return Job::tr("the mark lies outside the icon, its top left corner %1 pixels right of and %2 below "
+                       "the icon's")
+            .arg(x)
+            .arg(y);
+    return {};
+}
+
+} // namespace
+
+QStringList IconJob::fileNames() const
+{
+    QStringList names;
+    if (platform == 0) {
+        for (const int side : {36, 48, 72, 96, 144, 192})
+            names.append(QStringLiteral("icon%1x%1.png").arg(side));
+    } else {
+        for (const int side : {29, 40, 50, 57, 58, 72, 76, 80, 87, 100, 114, 120, 144, 152, 180})
+            names.append(QStringLiteral("Icon-%1.png").arg(side));
+    }
+    names.append(QStringLiteral("icon512x512.png"));
+    return names;
+}
+
+QString IconJob::folderOf(const ListedChannel& channel) const
+{
+    return out + QLatin1Char('/') + channel.icon.strChannelDir;
+}
+
+QStringList IconJob::files() const
+{
+    QStringList paths;
+    const QStringList names = fileNames();
+    for (const ListedChannel& channel : channels) {
+        for (const QString& name : names)
+            paths.append(folderOf(channel) + QLatin1Char('/') + name);
+    }
+    paths.removeDuplicates();
+    return paths;
+}
+
+QString IconJob::danger() const
+{
+    if (QDir::isRelativePath(out))
+        return Job::tr("the output folder '%1' is not an absolute path").arg(out);
+    const QFileInfo root(out);
+    if (root.exists() && !root.isDir())
+        return Job::tr("the output folder '%1' is not a folder").arg(out);
+    const QString iconFile = QFileInfo(icon).canonicalFilePath();
+    for (const QString& file : files()) {
+        if (QFileInfo(file).canonicalFilePath() == iconFile)
+            return Job::tr("the icon '%1' is one of the files to be written").arg(icon);
+    }
+    if (keep || !root.exists())
+        return {};
+    const std::initializer_list<std::pair<QString, QString>> kept{
+        {QDir::rootPath(), Job::tr("the whole file system")},
+        {QDir::homePath(), Job::tr("your home folder")},
+        {QDir::currentPath(), Job::tr("the current folder")},
+        {QCoreApplication::applicationDirPath(), Job::tr("this program")},
+        {icon, Job::tr("the icon")},
+        {marks, Job::tr("the marks")},
+        {list, Job::tr("the channel list")},
+    };
+    for (const auto& [path, what] : kept) {
+        if (holds(root.canonicalFilePath(), path))
+            return Job::tr(
+                       "the output folder '%1' is deleted first, and it holds %2 (--keep deletes nothing)")
+                .arg(out, what);
+    }
+    return {};
+}
+
+QStringList IconJob::warnings() const
+{
+    QStringList texts;
+    QSet<QString> folders;
+    const QSize iconSize = QImageReader(icon).size();
+    for (const ListedChannel& channel : channels) {
+        const QString& folder = channel.icon.strChannelDir;
+        if (folders.contains(folder))
+            texts.append(
+                Job::tr("the folder '%1' is given twice; the later channel's icons stay").arg(folder));
+        folders.insert(folder);
+        const QString fault = channel.icon.strMarkName == QLatin1String("None")
+            ? QString()
+            : faultOfMark(*this, channel.icon, iconSize);
+        if (!fault.isEmpty())
+            texts.append(Job::tr("channel '%1': %2").arg(channel.name, fault));
+    }
+    return texts;
+}
