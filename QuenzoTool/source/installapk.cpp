@@ -175,7 +175,8 @@ void CInstallApk::UnInstall(QString device)
 void CInstallApk::startChild(const QString& arguments, const QString& device, FinishedSlot slot)
 {
     const QString serial = device.isEmpty() ? QString() : QStringLiteral(" -s ") + device;
-    QStringList words = QProcess::splitCommand(quotedTool(QStringLiteral("adb")) + serial + arguments);
+    const QString command = quotedTool(QStringLiteral("adb")) + serial + arguments;
+    QStringList words = QProcess::splitCommand(command);
     const QString program = words.takeFirst();
 
     m_process = new QProcess;
