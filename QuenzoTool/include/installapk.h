@@ -79,7 +79,7 @@ public:
     /**
      * The package name that an APK declares; empty on failure. Blocks the calling thread for up to 30 seconds.
      *
-     * @param apkPath the APK file; a relative path must not begin with a dash
+     * @param apkPath the APK file
      */
     static QString getApkPackageName(QString apkPath);
 
