@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <memory>
 
@@ -52,11 +53,11 @@ Report refusal(const char* key)
     return {true, false, QString::fromUtf8(key)};
 }
 
-// Whether this process has a child: a child that has ended counts until Qt has seen to it.
+// Whether the library has a child: one that has ended counts until Qt has seen to it.
 bool childAtWork()
 {
     siginfo_t info {};
-    return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT | __WALL) == 0;
+    return waitid(P_PGID, id_t(getpgrp()), &info, WEXITED | WNOHANG | WNOWAIT | __WALL) == 0;
 }
 
 QString toolPath(const QString& name)

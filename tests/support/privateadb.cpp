@@ -7,7 +7,10 @@
 #include <QStandardPaths>
 #include <QtTest>
 
+#include <csignal>
+
 #include <netinet/in.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -15,35 +18,54 @@ namespace {
 
 constexpr int timeLimitMs = 60000;
 
-// A port that nobody listens on at the moment.
-QByteArray freePort()
+// A socket, bound to a free loopback port, or connected to the given one; without success, the descriptor is closed.
+quint16 tryPort(quint16 port)
 {
     sockaddr_in address {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
     socklen_t length = sizeof address;
     auto* const plain = reinterpret_cast<sockaddr*>(&address);
-    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (listener < 0 || bind(listener, plain, length) != 0 || getsockname(listener, plain, &length) != 0)
-        qFatal("no free port");
-    close(listener);
-    return QByteArray::number(ntohs(address.sin_port));
+    const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool fine = port == 0 ? bind(descriptor, plain, length) == 0 && getsockname(descriptor, plain, &length) == 0
+                                : connect(descriptor, plain, length) == 0;
+    close(descriptor);
+    return fine ? ntohs(address.sin_port) : 0;
+}
+
+quint16 freePort()
+{
+    return tryPort(0);
+}
+
+bool isServed(quint16 port)
+{
+    return tryPort(port) != 0;
 }
 
 } // namespace
 
+// A group of its own keeps the server apart from the children that the library starts.
+void PrivateAdb::Server::setupChildProcess()
+{
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+}
+
 PrivateAdb::PrivateAdb()
+    : m_port(freePort())
 {
     const QByteArray home = QFile::encodeName(m_home.path());
     for (const char* name : {"HOME", "TMPDIR", "ANDROID_SDK_HOME"})
         qputenv(name, home);
-    qputenv("ANDROID_ADB_SERVER_PORT", freePort());
+    qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(m_port));
     // Keeps the server from looking for emulators of the machine.
     qputenv("ADB_LOCAL_TRANSPORT_MAX_PORT", "5553");
-    qunsetenv("ADB_SERVER_SOCKET");
-    qunsetenv("ADB_VENDOR_KEYS");
-    qunsetenv("ANDROID_SERIAL");
-    qunsetenv("ADB_TRACE");
+    for (const char* name : {"ADB_SERVER_SOCKET", "ADB_VENDOR_KEYS", "ANDROID_SERIAL", "ADB_TRACE"})
+        qunsetenv(name);
+    m_server.setStandardOutputFile(QProcess::nullDevice());
+    m_server.setStandardErrorFile(QProcess::nullDevice());
 }
 
 PrivateAdb::~PrivateAdb()
@@ -56,15 +78,18 @@ QString PrivateAdb::program()
     return QStandardPaths::findExecutable(QStringLiteral("adb"));
 }
 
+// A client that finds no server would start one that outlives us: none runs before ours listens.
 bool PrivateAdb::start()
 {
-    run({QStringLiteral("start-server")});
-    return run({QStringLiteral("devices")}).startsWith("List of devices attached");
+    m_server.start(program(), {QStringLiteral("nodaemon"), QStringLiteral("server")});
+    return QTest::qWaitFor([&] { return isServed(m_port); }, timeLimitMs)
+        && run({QStringLiteral("devices")}).startsWith("List of devices attached");
 }
 
 void PrivateAdb::stop()
 {
-    run({QStringLiteral("kill-server")});
+    m_server.kill();
+    m_server.waitForFinished();
 }
 
 QByteArray PrivateAdb::run(const QStringList& arguments) const

@@ -3,6 +3,7 @@
 #define PRIVATEADB_H
 
 #include <QByteArray>
+#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -23,7 +24,7 @@ public:
     /** The program's path; empty when there is none. */
     static QString program();
 
-    /** Starts the server; false when it does not start. */
+    /** Starts the server; false when it does not start. It ends with this process, whatever that ends by. */
     bool start();
     void stop();
 
@@ -39,7 +40,14 @@ public:
     void disconnectAll() const;
 
 private:
+    class Server : public QProcess {
+    protected:
+        void setupChildProcess() override;
+    };
+
     QTemporaryDir m_home;
+    quint16 m_port;
+    Server m_server;
 };
 
 #endif
