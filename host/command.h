@@ -34,8 +34,11 @@ struct Command {
     QList<QCommandLineOption> options;
     /** Called under a running application with arguments that are complete in number. */
     std::function<ExitCode(const QCommandLineParser&, Console&)> run;
+    /** What the summary leaves out; the command's own help adds it. */
+    QString details = {};
 };
 
 QVector<Command> scriptCommands();
+QVector<Command> deviceCommands();
 
 #endif

@@ -37,7 +37,7 @@ void isolateInterpreter()
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
-    for (const auto& group : {scriptCommands})
+    for (const auto& group : {scriptCommands, deviceCommands})
         commands += group();
     return commands;
 }
@@ -103,7 +103,8 @@ QString helpText(const Command& command, const QCommandLineParser& parser)
 ExitCode runCommand(const Command& command, QStringList words)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(command.summary);
+    const QString description = command.summary + QLatin1Char('\n') + command.details;
+    parser.setApplicationDescription(description.trimmed());
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   Program::tr("Shows this help."));
     const QCommandLineOption json(QStringLiteral("json"),

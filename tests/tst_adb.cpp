@@ -45,8 +45,8 @@ struct Report {
 };
 
 const Report done;
-const Report silence {false, false, {}};
-const Report failure {true, false, {}};
+const Report silence{false, false, {}};
+const Report failure{true, false, {}};
 
 Report refusal(const char* key)
 {
@@ -56,7 +56,7 @@ Report refusal(const char* key)
 // Whether the library has a child: one that has ended counts until Qt has seen to it.
 bool childAtWork()
 {
-    siginfo_t info {};
+    siginfo_t info{};
     return waitid(P_PGID, id_t(getpgrp()), &info, WEXITED | WNOHANG | WNOWAIT | __WALL) == 0;
 }
 
@@ -77,8 +77,8 @@ Q_DECLARE_METATYPE(Report)
 Q_DECLARE_METATYPE(DeviceEmulator::Kind)
 Q_DECLARE_METATYPE(DeviceEmulator::Answers)
 
-// The library with the system's adb and aapt and with emulated devices, each with the plain program and with our
-// launcher in the tool folder.
+// The library with the system's adb and aapt and with emulated devices, each with the plain program and with
+// our launcher in the tool folder.
 class tst_Adb : public QObject {
     Q_OBJECT
 
@@ -124,7 +124,8 @@ void tst_Adb::initTestCase()
              "adb and aapt are needed: scripts/dependencies.sh installs them");
     m_adb = std::make_unique<PrivateAdb>();
     QVERIFY(m_adb->start());
-    QVERIFY2(m_adb->devices().isEmpty(), "a device is attached to this machine, which the tests must not touch");
+    QVERIFY2(m_adb->devices().isEmpty(),
+             "a device is attached to this machine, which the tests must not touch");
     // No test is to wait for long where the launcher waits for a device.
     qputenv("QUENZO_ADB_WAIT", "1");
     m_log = std::make_unique<MessageLog>();
@@ -152,7 +153,8 @@ void tst_Adb::cleanup()
 void tst_Adb::useTool(bool launcher)
 {
     QVERIFY(QFile::link(systemProgram("aapt"), toolPath(QStringLiteral("aapt"))));
-    QVERIFY(QFile::link(PrivateAdb::program(), toolPath(launcher ? QStringLiteral("adb-program") : QStringLiteral("adb"))));
+    QVERIFY(QFile::link(PrivateAdb::program(),
+                        toolPath(launcher ? QStringLiteral("adb-program") : QStringLiteral("adb"))));
     if (launcher)
         QVERIFY(QFile::copy(QStringLiteral(QUENZO_ADB_LAUNCHER), toolPath(QStringLiteral("adb"))));
 }
@@ -168,11 +170,11 @@ QString tst_Adb::makeApk(const QString& folder, int assetMiB)
     manifest.write("<manifest package=\"" + package.toUtf8() + "\"/>\n");
     manifest.close();
     const QString apk = folder + QStringLiteral("/game.apk");
-    const int code = QProcess::execute(
-        systemProgram("aapt"),
-        {QStringLiteral("package"), QStringLiteral("-f"), QStringLiteral("-M"), manifest.fileName(),
-         QStringLiteral("-A"), folder + QStringLiteral("/assets"), QStringLiteral("-0"), QStringLiteral("bin"),
-         QStringLiteral("-F"), apk});
+    const int code =
+        QProcess::execute(systemProgram("aapt"),
+                          {QStringLiteral("package"), QStringLiteral("-f"), QStringLiteral("-M"),
+                           manifest.fileName(), QStringLiteral("-A"), folder + QStringLiteral("/assets"),
+                           QStringLiteral("-0"), QStringLiteral("bin"), QStringLiteral("-F"), apk});
     return code == 0 ? apk : QString();
 }
 
@@ -241,7 +243,7 @@ void tst_Adb::devicesAreListed()
     QVERIFY(m_adb->waitFor(gone, QStringLiteral("offline")));
     QStringList serials = CInstallApk::getDeviceLs();
     serials.sort();
-    QStringList wanted {first.serial(), second.serial()};
+    QStringList wanted{first.serial(), second.serial()};
     wanted.sort();
     QCOMPARE(serials, wanted);
 }
@@ -258,7 +260,8 @@ void tst_Adb::outcomeIsReported_data()
     DeviceEmulator::Answers answers;
     Step::What step = Step::WholeInstall;
     QString name = QStringLiteral("game.apk");
-    const auto row = [&](const char* title, DeviceEmulator::Kind kind, const Report& plain, const Report& clear) {
+    const auto row = [&](const char* title, DeviceEmulator::Kind kind, const Report& plain,
+                         const Report& clear) {
         for (const bool launcher : {false, true}) {
             QTest::addRow("%s: %s", launcher ? "launcher" : "plain adb", title)
                 << launcher << kind << answers << step << name << (launcher ? clear : plain);
@@ -282,7 +285,8 @@ void tst_Adb::outcomeIsReported_data()
     name = QStringLiteral("Success.apk");
     row("streamed install, refused, word in the path", streaming, silence,
         refusal("INSTALL_FAILED_OLDER_SDK: needs 99"));
-    row("pushed install, refused, word in the path", pushing, done, refusal("INSTALL_FAILED_OLDER_SDK: needs 99"));
+    row("pushed install, refused, word in the path", pushing, done,
+        refusal("INSTALL_FAILED_OLDER_SDK: needs 99"));
     name = QStringLiteral("game.apk");
 
     answers.install = "Error: java.io.IOException: No space left\n";
@@ -290,15 +294,17 @@ void tst_Adb::outcomeIsReported_data()
         refusal("ADB_FAILED: adb: failed to install APK: Error: java.io.IOException: No space left"));
     answers.pushFailure = "No space left on device";
     row("pushed install, no room", pushing, silence,
-        refusal("ADB_FAILED: adb: error: failed to copy 'APK' to '/data/local/tmp/APK': remote No space left on "
-                "device"));
+        refusal(
+            "ADB_FAILED: adb: error: failed to copy 'APK' to '/data/local/tmp/APK': remote No space left on "
+            "device"));
     answers = {};
 
     answers.dropAfter = 100;
     row("streamed install, device lost", streaming, silence,
         refusal("ADB_FAILED: adb: failed to install APK"));
     row("pushed install, device lost", pushing, silence,
-        refusal("ADB_FAILED: adb: error: failed to copy 'APK' to '/data/local/tmp/APK': couldn't read from device"));
+        refusal("ADB_FAILED: adb: error: failed to copy 'APK' to '/data/local/tmp/APK': couldn't read from "
+                "device"));
     answers = {};
 
     step = Step::Removal;
@@ -352,8 +358,8 @@ void tst_Adb::outcomeIsReported()
     QCOMPARE(results.first().at(0).toBool(), report.success);
     QCOMPARE(results.first().at(2).toString(), report.key);
     const char* const installText = report.success ? "Installation is complete!" : "Installation failed!";
-    const char* const removalText
-        = report.success ? "Uninstall successful!" : "Uninstallation failed (app may not exist)!";
+    const char* const removalText =
+        report.success ? "Uninstall successful!" : "Uninstallation failed (app may not exist)!";
     QCOMPARE(results.first().at(1).toString(),
              QString::fromLatin1(step == Step::WholeInstall ? installText : removalText));
 }
@@ -380,11 +386,12 @@ void tst_Adb::removalGoesBeforeTheInstall()
     QCOMPARE(results.first().first().toBool(), true);
 
     const QByteArray size = QByteArray::number(QFileInfo(apk).size());
-    const QByteArrayList streamed {"shell,v2,raw:cmd package 'uninstall' '" + package.toUtf8() + '\'',
-                                   "exec:cmd package 'install' '-r' -S " + size};
+    const QByteArrayList streamed{"shell,v2,raw:cmd package 'uninstall' '" + package.toUtf8() + '\'',
+                                  "exec:cmd package 'install' '-r' -S " + size};
     const QByteArray remote = "/data/local/tmp/my 游戏.apk";
-    const QByteArrayList pushed {"shell:pm 'uninstall' '" + package.toUtf8() + '\'', "sync:",
-                                 "shell:pm 'install' '-r' '" + remote + '\'', "shell:rm '" + remote + "' </dev/null"};
+    const QByteArrayList pushed{"shell:pm 'uninstall' '" + package.toUtf8() + '\'',
+                                "sync:", "shell:pm 'install' '-r' '" + remote + '\'',
+                                "shell:rm '" + remote + "' </dev/null"};
     // The terminal's name is of no interest here.
     QByteArrayList services = device.services();
     for (QByteArray& service : services) {
@@ -466,7 +473,8 @@ void tst_Adb::removalOnADeviceThatIsAway()
     QFETCH(const bool, unauthorized);
     useTool(launcher);
     DeviceEmulator device(unauthorized ? DeviceEmulator::Unauthorized : DeviceEmulator::Streaming);
-    QVERIFY(m_adb->connectTo(device, unauthorized ? QStringLiteral("unauthorized") : QStringLiteral("device")));
+    QVERIFY(
+        m_adb->connectTo(device, unauthorized ? QStringLiteral("unauthorized") : QStringLiteral("device")));
     if (!unauthorized) {
         device.drop();
         QVERIFY(m_adb->waitFor(device, QStringLiteral("offline")));

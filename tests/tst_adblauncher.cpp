@@ -62,13 +62,15 @@ void tst_AdbLauncher::writeAdb(const QByteArray& script, const QString& path)
 {
     QFile file(path.isEmpty() ? m_folder + QStringLiteral("/adb-program") : path);
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("#!/bin/sh\nroot='" + QFile::encodeName(m_root->path()) + "'\n"
-               "{ printf '%s' \"${ANDROID_SERIAL-}\"; printf '<%s>' \"$@\"; echo; } >>\"$root/calls\"\n"
+    file.write("#!/bin/sh\nroot='" + QFile::encodeName(m_root->path())
+               + "'\n"
+                 "{ printf '%s' \"${ANDROID_SERIAL-}\"; printf '<%s>' \"$@\"; echo; } >>\"$root/calls\"\n"
                + script + '\n');
     file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
 }
 
-Outcome tst_AdbLauncher::run(const QStringList& arguments, const QList<std::pair<QString, QString>>& variables)
+Outcome tst_AdbLauncher::run(const QStringList& arguments,
+                             const QList<std::pair<QString, QString>>& variables)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("ANDROID_SERIAL"));
@@ -102,13 +104,13 @@ QStringList tst_AdbLauncher::calls()
 void tst_AdbLauncher::otherCommandsGoStraightOn_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::newRow("devices") << QStringList {QStringLiteral("devices")};
-    QTest::newRow("version") << QStringList {QStringLiteral("version")};
-    QTest::newRow("shell on a device")
-        << QStringList {QStringLiteral("-s"), QStringLiteral("a b"), QStringLiteral("shell"), QStringLiteral("ls  *")};
+    QTest::newRow("devices") << QStringList{QStringLiteral("devices")};
+    QTest::newRow("version") << QStringList{QStringLiteral("version")};
+    QTest::newRow("shell on a device") << QStringList{QStringLiteral("-s"), QStringLiteral("a b"),
+                                                      QStringLiteral("shell"), QStringLiteral("ls  *")};
     QTest::newRow("install behind another option")
-        << QStringList {QStringLiteral("-d"), QStringLiteral("install"), QStringLiteral("a.apk")};
-    QTest::newRow("serial alone") << QStringList {QStringLiteral("-s"), QStringLiteral("install")};
+        << QStringList{QStringLiteral("-d"), QStringLiteral("install"), QStringLiteral("a.apk")};
+    QTest::newRow("serial alone") << QStringList{QStringLiteral("-s"), QStringLiteral("install")};
     QTest::newRow("nothing") << QStringList();
 }
 
@@ -135,19 +137,23 @@ void tst_AdbLauncher::installEndsInAClearLine_data()
                         const char* file = "/a/game.apk") {
         QTest::newRow(name) << script << QString::fromUtf8(file) << code << QString::fromUtf8(line);
     };
-    const QByteArray pushed = "echo 'Performing Push Install'; printf '%s: 1 file pushed\\n\\tpkg: /data/local/tmp/%s\\n'"
-                              " \"$3\" \"${3##*/}\"\n";
+    const QByteArray pushed =
+        "echo 'Performing Push Install'; printf '%s: 1 file pushed\\n\\tpkg: /data/local/tmp/%s\\n'"
+        " \"$3\" \"${3##*/}\"\n";
 
     row("streamed", "echo 'Performing Streamed Install'; echo Success", 0, "Success");
     row("carriage returns", "printf 'P\\r\\nSuccess\\r\\n'", 0, "Success");
     row("no line break", "printf Success", 0, "Success");
     row("pushed", pushed + "echo Success", 0, "Success");
     row("refused on the error stream",
-        "echo P; printf 'adb: failed to install %s: Failure [INSTALL_FAILED_OLDER_SDK]\\n' \"$3\" >&2; exit 1", 1,
-        "Failure [INSTALL_FAILED_OLDER_SDK]");
-    row("refused with an explanation", "printf 'Failure [INSTALL_FAILED_X: a [b] \\303\\244 Success]\\r\\n'; exit 1",
-        1, "Failure [INSTALL_FAILED_X: a (b) \303\244 success]");
-    row("refused with exit code 0", pushed + "echo 'Failure [INSTALL_FAILED_X]'", 1, "Failure [INSTALL_FAILED_X]");
+        "echo P; printf 'adb: failed to install %s: Failure [INSTALL_FAILED_OLDER_SDK]\\n' \"$3\" >&2; exit "
+        "1",
+        1, "Failure [INSTALL_FAILED_OLDER_SDK]");
+    row("refused with an explanation",
+        "printf 'Failure [INSTALL_FAILED_X: a [b] \\303\\244 Success]\\r\\n'; exit 1", 1,
+        "Failure [INSTALL_FAILED_X: a (b) \303\244 success]");
+    row("refused with exit code 0", pushed + "echo 'Failure [INSTALL_FAILED_X]'", 1,
+        "Failure [INSTALL_FAILED_X]");
     row("failure without a code", "echo P; echo Failure", 1, "Failure [ADB_FAILED: Failure]");
     row("success by a failing exit code", "echo Success; exit 3", 3, "Failure [ADB_FAILED: success]");
     row("error with exit code 0", "echo P; echo 'Error: Unknown option'", 1,
@@ -155,12 +161,14 @@ void tst_AdbLauncher::installEndsInAClearLine_data()
     row("cause on the error stream", "echo P; echo 'adb: error: device offline' >&2; exit 255", 255,
         "Failure [ADB_FAILED: adb: error: device offline]");
     row("nothing printed", "exit 0", 1, "Failure [ADB_FAILED: adb said nothing]");
-    row("killed", "echo 'error: out of memory' >&2; kill -9 $$", 137, "Failure [ADB_FAILED: error: out of memory]");
+    row("killed", "echo 'error: out of memory' >&2; kill -9 $$", 137,
+        "Failure [ADB_FAILED: error: out of memory]");
     row("no line break behind the cause", "printf 'adb: failed to install %s: ' \"$3\" >&2; exit 1", 1,
         "Failure [ADB_FAILED: adb: failed to install APK]");
     row("daemon started on the way",
-        "echo '* daemon not running; starting now' >&2; echo '* daemon started successfully' >&2; echo Success", 0,
-        "Success");
+        "echo '* daemon not running; starting now' >&2; echo '* daemon started successfully' >&2; echo "
+        "Success",
+        0, "Success");
     row("brackets in the path", pushed + "echo 'Failure [INSTALL_FAILED_X]'", 1, "Failure [INSTALL_FAILED_X]",
         "/a[1]/b [2].apk");
     row("success in the path", pushed + "echo 'Error: no room'", 1, "Failure [ADB_FAILED: Error: no room]",
@@ -168,7 +176,8 @@ void tst_AdbLauncher::installEndsInAClearLine_data()
     row("lines in the path", pushed + "echo 'Error: no room'", 1, "Failure [ADB_FAILED: Error: no room]",
         "/a\nSuccess\n/b\nSuccess\n.apk");
     row("failure in the path", pushed + "echo Success", 0, "Success", "/a/\nFailure [X]\n.apk");
-    row("pattern in the path", "echo \"$3: failed\"; exit 1", 1, "Failure [ADB_FAILED: APK: failed]", "/a/*?.APK");
+    row("pattern in the path", "echo \"$3: failed\"; exit 1", 1, "Failure [ADB_FAILED: APK: failed]",
+        "/a/*?.APK");
     row("percent sign and backslash in the path", "echo \"$3\"; echo 'Failure [X\\\\n%s]'; exit 1", 1,
         "Failure [X\\n%s]", "/a/%s\\n.apk");
     row("name without the ending", "echo 'adb: filename does not end .apk: x'; exit 1", 1,
@@ -234,7 +243,8 @@ void tst_AdbLauncher::argumentsReachAdbWhole()
 void tst_AdbLauncher::serialIsHandedOn()
 {
     writeAdb("echo Success");
-    run({QStringLiteral("-s"), QStringLiteral("my phone"), QStringLiteral("uninstall"), QStringLiteral("a.b")});
+    run({QStringLiteral("-s"), QStringLiteral("my phone"), QStringLiteral("uninstall"),
+         QStringLiteral("a.b")});
     QCOMPARE(calls(), QStringList(QStringLiteral("my phone<uninstall><a.b>")));
 }
 
@@ -255,7 +265,8 @@ void tst_AdbLauncher::onlyReadyDeviceIsChosen()
 {
     QFETCH(const QByteArray, list);
     QFETCH(const QString, serial);
-    writeAdb("if [ \"$1\" = devices ]; then printf 'List of devices attached\\n" + list + "\\n'; else echo Success; fi");
+    writeAdb("if [ \"$1\" = devices ]; then printf 'List of devices attached\\n" + list
+             + "\\n'; else echo Success; fi");
     run({QStringLiteral("uninstall"), QStringLiteral("a.b")});
     QCOMPARE(calls(), QStringList(serial + QStringLiteral("<uninstall><a.b>")));
 }
@@ -274,18 +285,20 @@ void tst_AdbLauncher::waitingForADeviceIsLimited()
              "wait-for-device) exec sleep 300 ;;\nesac");
     const Outcome outcome = run({QStringLiteral("uninstall"), QStringLiteral("a.b")},
                                 {{QStringLiteral("QUENZO_ADB_WAIT"), QStringLiteral("1")}});
-    QCOMPARE(outcome.lines,
-             QStringList(QStringLiteral("Failure [ADB_TIMEOUT: the device did not become ready within 1 s]")));
+    QCOMPARE(
+        outcome.lines,
+        QStringList(QStringLiteral("Failure [ADB_TIMEOUT: the device did not become ready within 1 s]")));
     QVERIFY(outcome.code > 0);
 }
 
 void tst_AdbLauncher::deviceThatComesBackIsServed()
 {
     // The removal goes on once the device is back, for longer than the wait may last.
-    writeAdb("case $1 in\n"
-             "uninstall) echo '- waiting for device -' >&2; while [ ! -e \"$root/back\" ]; do sleep 0.05; done\n"
-             "    sleep 1.5; echo Success ;;\n"
-             "wait-for-device) : >\"$root/back\" ;;\nesac");
+    writeAdb(
+        "case $1 in\n"
+        "uninstall) echo '- waiting for device -' >&2; while [ ! -e \"$root/back\" ]; do sleep 0.05; done\n"
+        "    sleep 1.5; echo Success ;;\n"
+        "wait-for-device) : >\"$root/back\" ;;\nesac");
     const Outcome outcome = run({QStringLiteral("uninstall"), QStringLiteral("a.b")},
                                 {{QStringLiteral("QUENZO_ADB_WAIT"), QStringLiteral("1")}});
     QCOMPARE(outcome.lines, QStringList(QStringLiteral("Success")));
@@ -309,7 +322,8 @@ void tst_AdbLauncher::launcherWorksFromAFolderWithBlanks()
     QVERIFY(QDir().mkpath(m_folder));
     QVERIFY(QFile::copy(QStringLiteral(QUENZO_ADB_LAUNCHER), m_folder + QStringLiteral("/adb")));
     writeAdb("echo Success");
-    QCOMPARE(run({QStringLiteral("uninstall"), QStringLiteral("a.b")}).lines, QStringList(QStringLiteral("Success")));
+    QCOMPARE(run({QStringLiteral("uninstall"), QStringLiteral("a.b")}).lines,
+             QStringList(QStringLiteral("Success")));
 }
 
 void tst_AdbLauncher::adbIsFoundOnThePath()
@@ -319,7 +333,8 @@ void tst_AdbLauncher::adbIsFoundOnThePath()
     writeAdb("echo found", other + QStringLiteral("/adb"));
     // The link leads nowhere once adb has moved.
     QVERIFY(QFile::link(m_root->filePath(QStringLiteral("gone")), m_folder + QStringLiteral("/adb-program")));
-    const QString path = m_folder + QLatin1Char(':') + other + QLatin1Char(':') + qEnvironmentVariable("PATH");
+    const QString path =
+        m_folder + QLatin1Char(':') + other + QLatin1Char(':') + qEnvironmentVariable("PATH");
     QCOMPARE(run({QStringLiteral("version")}, {{QStringLiteral("PATH"), path}}).lines,
              QStringList(QStringLiteral("found")));
 }
@@ -331,7 +346,8 @@ void tst_AdbLauncher::launcherNeverCallsItself()
     QVERIFY(QDir().mkpath(other));
     QVERIFY(QFile::copy(QStringLiteral(QUENZO_ADB_LAUNCHER), other + QStringLiteral("/adb")));
     for (const char* name : {"tr", "timeout", "stdbuf", "sh"})
-        QVERIFY(QFile::link(QStandardPaths::findExecutable(QLatin1String(name)), other + QLatin1Char('/') + QLatin1String(name)));
+        QVERIFY(QFile::link(QStandardPaths::findExecutable(QLatin1String(name)),
+                            other + QLatin1Char('/') + QLatin1String(name)));
     const Outcome outcome = run({QStringLiteral("uninstall"), QStringLiteral("a.b")},
                                 {{QStringLiteral("PATH"), m_folder + QLatin1Char(':') + other}});
     QCOMPARE(outcome.lines,
@@ -347,8 +363,8 @@ void tst_AdbLauncher::missingAdbIsSaid()
     QCOMPARE(listed.code, 127);
     QCOMPARE(listed.lines, QStringList());
     QVERIFY(listed.error.contains("adb: the program was not found"));
-    const Outcome installed
-        = run({QStringLiteral("install"), QStringLiteral("a.apk")}, {{QStringLiteral("PATH"), path}});
+    const Outcome installed =
+        run({QStringLiteral("install"), QStringLiteral("a.apk")}, {{QStringLiteral("PATH"), path}});
     QCOMPARE(installed.code, 127);
     QCOMPARE(installed.lines.last(),
              QStringLiteral("Failure [ADB_MISSING: the program adb was not found on the PATH]"));

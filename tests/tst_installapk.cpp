@@ -45,7 +45,8 @@ QStringList installCalls(const QString& path, const QString& serial = {})
 class BracketTranslator : public QTranslator {
 public:
     bool isEmpty() const override { return false; }
-    QString translate(const char* context, const char* source, const char* /*comment*/, int /*n*/) const override
+    QString translate(const char* context, const char* source, const char* /*comment*/,
+                      int /*n*/) const override
     {
         const bool ours = qstrcmp(context, "CInstallApk") == 0;
         return ours ? QStringLiteral("[%1]").arg(QString::fromUtf8(source)) : QString();
@@ -145,7 +146,7 @@ void tst_InstallApk::metaObjectListsSignalsAndSlotsInOrder()
 {
     const QMetaObject& meta = CInstallApk::staticMetaObject;
     QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    const QStringList expected {
+    const QStringList expected{
         QStringLiteral("signal onResult(bool,QString,QString) bSuccess,information,errorKey"),
         QStringLiteral("signal onResult(bool,QString) bSuccess,information cloned"),
         QStringLiteral("signal onGetMulitDevices(bool,QStringList) isInstall,lsDevice"),
@@ -157,7 +158,8 @@ void tst_InstallApk::metaObjectListsSignalsAndSlotsInOrder()
     QStringList found;
     for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
         const QMetaMethod method = meta.method(i);
-        QString line = method.methodType() == QMetaMethod::Signal ? QStringLiteral("signal ") : QStringLiteral("slot ");
+        QString line =
+            method.methodType() == QMetaMethod::Signal ? QStringLiteral("signal ") : QStringLiteral("slot ");
         line += QString::fromLatin1(method.methodSignature()) + QLatin1Char(' ')
             + QString::fromLatin1(method.parameterNames().join(','));
         if ((method.attributes() & QMetaMethod::Cloned) != 0)
@@ -191,9 +193,11 @@ void tst_InstallApk::instanceIsOneForAll()
 void tst_InstallApk::devicesAreAskedFromAdb()
 {
     ScriptedTools::attach({QStringLiteral("emulator-5554"), QStringLiteral("0123\tunauthorized"),
-                           QStringLiteral("4567\toffline"), QStringLiteral("a device:1"), QStringLiteral("::1")});
-    QCOMPARE(CInstallApk::getDeviceLs(),
-             QStringList({QStringLiteral("emulator-5554"), QStringLiteral("a device:1"), QStringLiteral("::1")}));
+                           QStringLiteral("4567\toffline"), QStringLiteral("a device:1"),
+                           QStringLiteral("::1")});
+    QCOMPARE(
+        CInstallApk::getDeviceLs(),
+        QStringList({QStringLiteral("emulator-5554"), QStringLiteral("a device:1"), QStringLiteral("::1")}));
     QCOMPARE(ScriptedTools::calls(), QStringList(QStringLiteral("adb <devices>")));
 }
 
@@ -222,7 +226,8 @@ void tst_InstallApk::packageNameIsAskedFromAapt_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("call");
     const auto row = [](const char* name, const char* path, const char* words) {
-        QTest::newRow(name) << QString::fromUtf8(path) << QStringLiteral("aapt <d><badging>") + QString::fromUtf8(words);
+        QTest::newRow(name) << QString::fromUtf8(path)
+                            << QStringLiteral("aapt <d><badging>") + QString::fromUtf8(words);
     };
     row("plain", "/a/b.apk", "</a/b.apk>");
     row("blanks", "/a  b/c d.apk", "</a  b/c d.apk>");
@@ -274,7 +279,7 @@ void tst_InstallApk::outcomeIsReported_data()
         QTest::newRow(name) << true << removal << installation << reports;
     };
     const auto uninstall = [](const char* name, const QByteArray& removal, const QVariantList& outcome) {
-        QTest::newRow(name) << false << removal << QByteArray() << QVector<QVariantList> {outcome};
+        QTest::newRow(name) << false << removal << QByteArray() << QVector<QVariantList>{outcome};
     };
     const QVariantList complete = report(true, "Installation is complete!");
     const QByteArray success = "echo Success";
@@ -302,7 +307,8 @@ void tst_InstallApk::outcomeIsReported_data()
 
     uninstall("uninstalled", success, report(true, "Uninstall successful!"));
     uninstall("nothing printed", "exit 1", report(true, "Uninstall successful!"));
-    uninstall("failure on the error stream", "echo Failure >&2; exit 1", report(true, "Uninstall successful!"));
+    uninstall("failure on the error stream", "echo Failure >&2; exit 1",
+              report(true, "Uninstall successful!"));
     uninstall("absent package", "echo 'Failure [DELETE_FAILED_INTERNAL_ERROR]'",
               report(false, "Uninstallation failed (app may not exist)!"));
     uninstall("uninstall crashed", "echo Failure; printf 'gone \\303\\244' >&2; kill -9 $$",
@@ -407,11 +413,13 @@ void tst_InstallApk::serialIsSplitAtBlanksUnlessQuoted()
     const QSignalSpy results(&flow, &CInstallApk::onResult);
     flow.UnInstall(QStringLiteral("my phone"));
     TRY_VERIFY(!ScriptedTools::calls().filter(QStringLiteral("adb")).isEmpty());
-    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><my><phone><uninstall><org.example.game>"));
+    QCOMPARE(ScriptedTools::calls().last(),
+             QStringLiteral("adb <-s><my><phone><uninstall><org.example.game>"));
     TRY_COMPARE(results.count(), 1);
     flow.UnInstall(QStringLiteral("\"my phone\""));
     TRY_COMPARE(results.count(), 2);
-    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><my phone><uninstall><org.example.game>"));
+    QCOMPARE(ScriptedTools::calls().last(),
+             QStringLiteral("adb <-s><my phone><uninstall><org.example.game>"));
 }
 
 void tst_InstallApk::emptyChoiceIsReported()
@@ -440,7 +448,7 @@ void tst_InstallApk::unaskedAnswerContinuesTheLastTask()
 
 void tst_InstallApk::noticeOfSeveralDevicesKeepsTheirOrder()
 {
-    const QStringList serials {QStringLiteral("z"), QStringLiteral("a"), QStringLiteral("m n")};
+    const QStringList serials{QStringLiteral("z"), QStringLiteral("a"), QStringLiteral("m n")};
     ScriptedTools::attach(serials);
     Flow flow;
     const QSignalSpy results(&flow, &CInstallApk::onResult);
@@ -460,8 +468,9 @@ void tst_InstallApk::emptyPackageNameIsNotChecked()
     const QSignalSpy results(&flow, &CInstallApk::onResult);
     flow.startTask(m_apk, true);
     TRY_COMPARE(results.count(), 1);
-    QCOMPARE(ScriptedTools::calls().mid(2),
-             QStringList({QStringLiteral("adb <uninstall>"), QStringLiteral("adb <install><-r><%1>").arg(m_apk)}));
+    QCOMPARE(
+        ScriptedTools::calls().mid(2),
+        QStringList({QStringLiteral("adb <uninstall>"), QStringLiteral("adb <install><-r><%1>").arg(m_apk)}));
 }
 
 void tst_InstallApk::pathReachesAdbWhole_data()
@@ -501,7 +510,8 @@ void tst_InstallApk::packageNameIsReadAfreshEachTime()
         const int before = results.count();
         flow.UnInstall({});
         TRY_COMPARE(results.count(), before + 1);
-        QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <uninstall><%1>").arg(QLatin1String(name)));
+        QCOMPARE(ScriptedTools::calls().last(),
+                 QStringLiteral("adb <uninstall><%1>").arg(QLatin1String(name)));
     }
 }
 
@@ -594,7 +604,8 @@ void tst_InstallApk::childThatCannotStartBlocksUntilAnInstall()
     const QSignalSpy results(&flow, &CInstallApk::onResult);
     flow.startTask(m_apk, true);
 
-    // The failed start is told through the event loop: another one, begun later, shows when that has happened.
+    // The failed start is told through the event loop: another one, begun later, shows when that has
+    // happened.
     QProcess other;
     other.start(adb, {});
     TRY_COMPARE(other.error(), QProcess::FailedToStart);
@@ -619,8 +630,8 @@ void tst_InstallApk::taskBegunInADirectSlotDoesNothing()
     ScriptedTools::attach({QStringLiteral("ab")});
     Flow flow;
     const QSignalSpy results(&flow, &CInstallApk::onResult);
-    const auto connection
-        = connect(&flow, &CInstallApk::onResult, this, [&] { flow.startTask(m_apk, true); }, Qt::DirectConnection);
+    const auto connection = connect(
+        &flow, &CInstallApk::onResult, this, [&] { flow.startTask(m_apk, true); }, Qt::DirectConnection);
     flow.startTask(m_apk, false);
     TRY_COMPARE(results.count(), 1);
     disconnect(connection);
@@ -665,7 +676,8 @@ void tst_InstallApk::destructionLeavesTheChildAtWork()
 void tst_InstallApk::largeOutputIsReadWhole()
 {
     ScriptedTools::attach({QStringLiteral("ab")});
-    ScriptedTools::answer(QStringLiteral("uninstall"), "head -c 1000000 /dev/zero | tr '\\0' x; echo Failure");
+    ScriptedTools::answer(QStringLiteral("uninstall"),
+                          "head -c 1000000 /dev/zero | tr '\\0' x; echo Failure");
     ScriptedTools::answer(QStringLiteral("install"),
                           "echo P; head -c 1000000 /dev/zero | tr '\\0' x; echo 'Failure [LATE]'");
     Flow flow;

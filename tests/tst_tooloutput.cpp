@@ -40,17 +40,19 @@ void tst_ToolOutput::readyDevicesAreListed_data()
         {QStringLiteral("b"), QStringLiteral("a")});
     row("unauthorized", heading + QStringLiteral("0123\tunauthorized\n"));
     row("offline", heading + QStringLiteral("0123\toffline\n"));
-    row("further states", heading + QStringLiteral("1\trecovery\n2\tsideload\n3\tbootloader\n4\thost\n5\tno device\n"),
+    row("further states",
+        heading + QStringLiteral("1\trecovery\n2\tsideload\n3\tbootloader\n4\thost\n5\tno device\n"),
         {QStringLiteral("5\tno")});
     row("ready beside offline", heading + QStringLiteral("a\toffline\nb\tdevice\nc\tunauthorized\n"),
         {QStringLiteral("b")});
     row("carriage returns", QStringLiteral("List of devices attached\r\nemulator-5554\tdevice\r\n\r\n"),
         {QStringLiteral("emulator-5554")});
     row("daemon start-up lines",
-        QStringLiteral("* daemon not running; starting now at tcp:5037\n* daemon started successfully\n") + heading
-            + QStringLiteral("emulator-5554\tdevice\n"),
+        QStringLiteral("* daemon not running; starting now at tcp:5037\n* daemon started successfully\n")
+            + heading + QStringLiteral("emulator-5554\tdevice\n"),
         {QStringLiteral("emulator-5554")});
-    row("heading in the middle of a line", QStringLiteral("x\n") + QStringLiteral("List of devices attachedab\tdevice\n"),
+    row("heading in the middle of a line",
+        QStringLiteral("x\n") + QStringLiteral("List of devices attachedab\tdevice\n"),
         {QStringLiteral("ab")});
     row("heading glued to a device is the first part", QStringLiteral("List of devices attacheda\tdevice\n"));
     row("first line never counts", QStringLiteral("a\tdevice\nb\tdevice\n"), {QStringLiteral("b")});
@@ -69,7 +71,8 @@ void tst_ToolOutput::readyDevicesAreListed_data()
     row("upper case is another word", heading + QStringLiteral("ab\tDEVICE\n"));
     row("beyond ASCII", heading + QString::fromUtf8("héé-手机\tdevice\n"), {QString::fromUtf8("héé-手机")});
     row("explanation that holds the word",
-        heading + QStringLiteral("0123\tno permissions; see [http://developer.android.com/tools/device.html]\n"),
+        heading
+            + QStringLiteral("0123\tno permissions; see [http://developer.android.com/tools/device.html]\n"),
         {QStringLiteral("0123\tno permissions; see [http://developer.android.com/tools")});
 }
 
@@ -99,8 +102,10 @@ void tst_ToolOutput::packageNameIsRead_data()
         QTest::newRow(name) << QString::fromUtf8(output) << QString::fromUtf8(package);
     };
 
-    row("first line", "package: name='com.example.game' versionCode='1' versionName='1.0'\n", "com.example.game");
-    row("behind other lines", "W/zipro: odd\npackage: name='a.b'\nlaunchable-activity: name='a.b.Main'\n", "a.b");
+    row("first line", "package: name='com.example.game' versionCode='1' versionName='1.0'\n",
+        "com.example.game");
+    row("behind other lines", "W/zipro: odd\npackage: name='a.b'\nlaunchable-activity: name='a.b.Main'\n",
+        "a.b");
     row("first occurrence", "package: name='a.b'\npackage: name='c.d'\n", "a.b");
     row("carriage return", "package: name='a.b' versionCode=''\r\n", "a.b");
     row("empty name", "package: name='' versionCode=''\n", "");
@@ -179,7 +184,8 @@ void tst_ToolOutput::uninstallFailsByItsWordAlone_data()
     QTest::newRow("success") << QStringLiteral("Success\n") << false;
     QTest::newRow("nothing at all") << QString() << false;
     QTest::newRow("failure") << QStringLiteral("Failure\n") << true;
-    QTest::newRow("failure with a code") << QStringLiteral("Failure [DELETE_FAILED_INTERNAL_ERROR]\r\n") << true;
+    QTest::newRow("failure with a code")
+        << QStringLiteral("Failure [DELETE_FAILED_INTERNAL_ERROR]\r\n") << true;
     QTest::newRow("one line is enough") << QStringLiteral("Failure") << true;
     QTest::newRow("within a word") << QStringLiteral("xFailurex") << true;
     QTest::newRow("lower case is another word") << QStringLiteral("failure\n") << false;

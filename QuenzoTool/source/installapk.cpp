@@ -72,7 +72,8 @@ QStringList CInstallApk::getDeviceLs()
 {
     QString output;
     QString error;
-    if (!QuenzoTool::runCmdWaitFinish(quotedTool(QStringLiteral("adb")) + QStringLiteral(" devices"), output, error))
+    if (!QuenzoTool::runCmdWaitFinish(quotedTool(QStringLiteral("adb")) + QStringLiteral(" devices"), output,
+                                      error))
         return {};
     return ToolOutput::readySerials(output);
 }
@@ -81,8 +82,8 @@ QString CInstallApk::getApkPackageName(QString apkPath)
 {
     QString output;
     QString error;
-    const QString command
-        = quotedTool(QStringLiteral("aapt")) + QStringLiteral(" d badging \"") + apkPath + QLatin1Char('"');
+    const QString command =
+        quotedTool(QStringLiteral("aapt")) + QStringLiteral(" d badging \"") + apkPath + QLatin1Char('"');
     if (!QuenzoTool::runCmdWaitFinish(command, output, error))
         return {};
     return ToolOutput::packageName(output);

@@ -30,6 +30,6 @@ InstallOutcome installOutcome(const QString& output, bool crashed);
 /** Whether `adb uninstall` printed a failure. */
 bool uninstallFailed(const QString& output);
 
-}
+} // namespace ToolOutput
 
 #endif

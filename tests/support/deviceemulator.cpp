@@ -74,7 +74,7 @@ private:
         QByteArray pending;
         qint64 expected = -1;
         qint64 received = 0;
-        QCryptographicHash hash {QCryptographicHash::Sha1};
+        QCryptographicHash hash{QCryptographicHash::Sha1};
     };
 
     bool read(char* data, qint64 size);
@@ -119,8 +119,8 @@ bool DeviceEmulator::Session::send(quint32 command, quint32 first, quint32 secon
         + number(sum) + number(~command) + data;
     qint64 sent = 0;
     while (sent < packet.size()) {
-        const ssize_t count
-            = ::send(m_socket, packet.constData() + sent, std::size_t(packet.size() - sent), MSG_NOSIGNAL);
+        const ssize_t count =
+            ::send(m_socket, packet.constData() + sent, std::size_t(packet.size() - sent), MSG_NOSIGNAL);
         if (count < 0)
             return false;
         sent += count;
@@ -167,14 +167,17 @@ bool DeviceEmulator::Session::finish(quint32 local, const QByteArray& output)
 {
     const quint32 remote = m_streams[local].remote;
     m_streams.erase(local);
-    return (output.isEmpty() || send(writeCommand, local, remote, output)) && send(closeCommand, local, remote);
+    return (output.isEmpty() || send(writeCommand, local, remote, output))
+        && send(closeCommand, local, remote);
 }
 
-bool DeviceEmulator::Session::finishShell(quint32 local, const QByteArray& output, const QByteArray& error, int code)
+bool DeviceEmulator::Session::finishShell(quint32 local, const QByteArray& output, const QByteArray& error,
+                                          int code)
 {
     if (!m_streams[local].service.startsWith("shell,v2"))
         return finish(local, output + error);
-    return finish(local, shellPacket(1, output) + shellPacket(2, error) + shellPacket(3, QByteArray(1, char(code))));
+    return finish(local,
+                  shellPacket(1, output) + shellPacket(2, error) + shellPacket(3, QByteArray(1, char(code))));
 }
 
 bool DeviceEmulator::Session::open(quint32 remote, const QByteArray& service)
@@ -187,7 +190,8 @@ bool DeviceEmulator::Session::open(quint32 remote, const QByteArray& service)
         const std::lock_guard<std::mutex> lock(m_device.m_mutex);
         m_device.m_services.append(service);
     }
-    const bool known = service.startsWith("sync:") || service.startsWith("shell") || service.startsWith("exec:");
+    const bool known =
+        service.startsWith("sync:") || service.startsWith("shell") || service.startsWith("exec:");
     if (!known) {
         m_streams.erase(local);
         return send(closeCommand, 0, remote);
@@ -273,7 +277,8 @@ bool DeviceEmulator::Session::acceptSync(quint32 local, Stream& stream)
             continue;
         keep(stream);
         const QByteArray failure = m_device.answers().pushFailure;
-        const QByteArray answer = (failure.isEmpty() ? "OKAY" : "FAIL") + number(quint32(failure.size())) + failure;
+        const QByteArray answer =
+            (failure.isEmpty() ? "OKAY" : "FAIL") + number(quint32(failure.size())) + failure;
         if (!send(writeCommand, local, stream.remote, answer))
             return false;
     }
@@ -283,7 +288,7 @@ bool DeviceEmulator::Session::acceptSync(quint32 local, Stream& stream)
 DeviceEmulator::DeviceEmulator(Kind kind)
     : m_kind(kind)
 {
-    sockaddr_in address {};
+    sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;

@@ -10,8 +10,8 @@
 #include <thread>
 
 /**
- * A device on a loopback port that speaks enough of adb's device protocol to take an APK, with or without streaming,
- * and to remove a package. It keeps no packages: it answers as told. Works on a thread of its own.
+ * A device on a loopback port that speaks enough of adb's device protocol to take an APK, with or without
+ * streaming, and to remove a package. It keeps no packages: it answers as told. Works on a thread of its own.
  */
 class DeviceEmulator {
 public:

@@ -18,18 +18,20 @@ namespace {
 
 constexpr int timeLimitMs = 60000;
 
-// A socket, bound to a free loopback port, or connected to the given one; without success, the descriptor is closed.
+// A socket, bound to a free loopback port, or connected to the given one; without success, the descriptor is
+// closed.
 quint16 tryPort(quint16 port)
 {
-    sockaddr_in address {};
+    sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     address.sin_port = htons(port);
     socklen_t length = sizeof address;
     auto* const plain = reinterpret_cast<sockaddr*>(&address);
     const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool fine = port == 0 ? bind(descriptor, plain, length) == 0 && getsockname(descriptor, plain, &length) == 0
-                                : connect(descriptor, plain, length) == 0;
+    const bool fine = port == 0
+        ? bind(descriptor, plain, length) == 0 && getsockname(descriptor, plain, &length) == 0
+        : connect(descriptor, plain, length) == 0;
     close(descriptor);
     return fine ? ntohs(address.sin_port) : 0;
 }
@@ -107,7 +109,8 @@ QByteArray PrivateAdb::run(const QStringList& arguments) const
 
 QStringList PrivateAdb::devices() const
 {
-    QStringList lines = QString::fromUtf8(run({QStringLiteral("devices")})).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QStringList lines =
+        QString::fromUtf8(run({QStringLiteral("devices")})).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     lines.removeFirst();
     return lines;
 }

@@ -11,8 +11,9 @@
 class DeviceEmulator;
 
 /**
- * The system's adb with a server, keys and logs of its own, while the object lives: the environment of this process
- * leads every adb that it starts there. The server of the machine, on the usual port, is never touched.
+ * The system's adb with a server, keys and logs of its own, while the object lives: the environment of this
+ * process leads every adb that it starts there. The server of the machine, on the usual port, is never
+ * touched.
  */
 class PrivateAdb {
 public:

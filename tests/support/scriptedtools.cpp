@@ -36,6 +36,7 @@ void ScriptedTools::write()
     if (mkfifo(QFile::encodeName(gate).constData(), 0600) != 0)
         qFatal("cannot make %s", qUtf8Printable(gate));
     attach({});
+    answer(QStringLiteral("version"), ":");
     answer(QStringLiteral("d"), "echo \"package: name='org.example.game' versionCode='1'\"");
     answer(QStringLiteral("uninstall"), "echo Success");
     answer(QStringLiteral("install"), "echo 'Performing Streamed Install'; echo Success");
@@ -59,7 +60,8 @@ QStringList ScriptedTools::calls()
     QFile file(RunRoot::path() + QStringLiteral("/tool/mac/calls"));
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    QStringList lines = QString::fromUtf8(QByteArray(file.readAll()).replace('\0', "\x1e")).split(QChar(0x1e));
+    QStringList lines =
+        QString::fromUtf8(QByteArray(file.readAll()).replace('\0', "\x1e")).split(QChar(0x1e));
     lines.removeLast();
     return lines;
 }

@@ -9,12 +9,13 @@
 /**
  * Programs `adb` and `aapt` in the tool folder of the test's root that record their calls and answer as told.
  *
- * An answer is a piece of shell script. It finds the tool folder in $dir, its own arguments in "$@", and may wait at
- * the gate: `read line <"$dir/gate"` returns when the test opens it.
+ * An answer is a piece of shell script. It finds the tool folder in $dir, its own arguments in "$@", and may
+ * wait at the gate: `read line <"$dir/gate"` returns when the test opens it.
  */
 namespace ScriptedTools {
 
-/** Writes both programs, forgets the calls and answers: no device, package org.example.game, both steps succeed. */
+/** Writes both programs, forgets the calls and answers: no device, package org.example.game, both steps
+ * succeed. */
 void write();
 
 /** What a subcommand of adb (devices, uninstall, install, ...) or aapt (d) does from now on. */
@@ -30,6 +31,6 @@ void forgetCalls();
 /** Lets a program go on that waits at the gate; blocks until one does. */
 void openGate();
 
-}
+} // namespace ScriptedTools
 
 #endif
