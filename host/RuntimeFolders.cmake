@@ -44,9 +44,13 @@ foreach(module IN LISTS modules)
 endforeach()
 
 file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/${tool_dir}" "${PROJECT_BINARY_DIR}/log")
-# Our launcher stands in adb's place, and falls back on the PATH when its link leads nowhere.
-quenzo_stage(tool/adb ${tool_dir} OWNER_EXECUTE GROUP_EXECUTE WORLD_EXECUTE)
-quenzo_link_program(adb adb-program)
+if(WIN32)
+    quenzo_link_program(adb adb)
+else()
+    # Our launcher stands in adb's place, and falls back on the PATH when its link leads nowhere.
+    quenzo_stage(tool/adb ${tool_dir} OWNER_EXECUTE GROUP_EXECUTE WORLD_EXECUTE)
+    quenzo_link_program(adb adb-program)
+endif()
 quenzo_link_program(aapt aapt)
 install(DIRECTORY DESTINATION log)
 

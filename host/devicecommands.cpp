@@ -67,7 +67,7 @@ QString usableApk(const QString& given, Console& console)
         return {};
     }
     // The tools' command lines are split at quotation marks, and a backslash is no way out.
-    const QString path = file.absoluteFilePath();
+    QString path = file.absoluteFilePath();
     if (path.contains(QLatin1Char('"'))) {
         console.error(
             DeviceCommands::tr("%1: a path with a quotation mark cannot be used; rename it").arg(path));
@@ -78,8 +78,8 @@ QString usableApk(const QString& given, Console& console)
 
 QString packageOf(const QString& apk, Console& console)
 {
-    const QString name = askTool([&apk] { return CInstallApk::getApkPackageName(apk); }, console,
-                                 DeviceCommands::tr("reading the package name"));
+    QString name = askTool([&apk] { return CInstallApk::getApkPackageName(apk); }, console,
+                           DeviceCommands::tr("reading the package name"));
     if (name.isEmpty())
         console.error(DeviceCommands::tr("%1: aapt finds no package name; is it an APK?").arg(apk));
     else

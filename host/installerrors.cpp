@@ -4,7 +4,7 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <iterator>
+#include <initializer_list>
 
 namespace {
 
@@ -13,7 +13,7 @@ struct Meaning {
     const char* sentence;
 };
 
-const Meaning meanings[] = {
+const std::initializer_list<Meaning> meanings{
     {"ADB_FAILED", QT_TRANSLATE_NOOP("InstallErrors", "adb could not do its work.")},
     {"ADB_MISSING", QT_TRANSLATE_NOOP("InstallErrors", "The program adb is not installed.")},
     {"ADB_TIMEOUT",
@@ -79,10 +79,10 @@ QString InstallErrors::code(const QString& errorKey)
 QString InstallErrors::sentence(const QString& errorKey)
 {
     const QString name = code(errorKey);
-    const auto* const found =
-        std::find_if(std::begin(meanings), std::end(meanings),
-                     [&name](const Meaning& meaning) { return name == QLatin1String(meaning.code); });
-    const char* const meaning = found != std::end(meanings)
+    const auto* const found = std::find_if(meanings.begin(), meanings.end(), [&name](const Meaning& meaning) {
+        return name == QLatin1String(meaning.code);
+    });
+    const char* const meaning = found != meanings.end()
         ? found->sentence
         : QT_TRANSLATE_NOOP("InstallErrors", "The device refused the APK.");
     const QString text = QCoreApplication::translate("InstallErrors", meaning);

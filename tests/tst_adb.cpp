@@ -530,7 +530,7 @@ void tst_Adb::largeApkArrivesWhole()
     useTool(launcher);
     const QTemporaryDir folder;
     const QString apk = makeApk(folder.path(), 100);
-    QVERIFY(QFileInfo(apk).size() > 100 * 1024 * 1024);
+    QVERIFY(QFileInfo(apk).size() > 100'000'000);
     DeviceEmulator device(kind);
     QVERIFY(m_adb->connectTo(device));
     Flow flow;

@@ -117,7 +117,7 @@ void tst_AdbLauncher::otherCommandsGoStraightOn_data()
 void tst_AdbLauncher::otherCommandsGoStraightOn()
 {
     QFETCH(const QStringList, arguments);
-    writeAdb("printf '[%s]\\n' \"$@\"; echo error >&2; exit 7");
+    writeAdb(R"(printf '[%s]\n' "$@"; echo error >&2; exit 7)");
     const Outcome outcome = run(arguments);
     QCOMPARE(outcome.code, 7);
     QCOMPARE(outcome.error, QByteArray("error\n"));
@@ -142,7 +142,7 @@ void tst_AdbLauncher::installEndsInAClearLine_data()
         " \"$3\" \"${3##*/}\"\n";
 
     row("streamed", "echo 'Performing Streamed Install'; echo Success", 0, "Success");
-    row("carriage returns", "printf 'P\\r\\nSuccess\\r\\n'", 0, "Success");
+    row("carriage returns", R"(printf 'P\r\nSuccess\r\n')", 0, "Success");
     row("no line break", "printf Success", 0, "Success");
     row("pushed", pushed + "echo Success", 0, "Success");
     row("refused on the error stream",
@@ -150,7 +150,7 @@ void tst_AdbLauncher::installEndsInAClearLine_data()
         "1",
         1, "Failure [INSTALL_FAILED_OLDER_SDK]");
     row("refused with an explanation",
-        "printf 'Failure [INSTALL_FAILED_X: a [b] \\303\\244 Success]\\r\\n'; exit 1", 1,
+        R"(printf 'Failure [INSTALL_FAILED_X: a [b] \303\244 Success]\r\n'; exit 1)", 1,
         "Failure [INSTALL_FAILED_X: a (b) \303\244 success]");
     row("refused with exit code 0", pushed + "echo 'Failure [INSTALL_FAILED_X]'", 1,
         "Failure [INSTALL_FAILED_X]");
@@ -178,7 +178,7 @@ void tst_AdbLauncher::installEndsInAClearLine_data()
     row("failure in the path", pushed + "echo Success", 0, "Success", "/a/\nFailure [X]\n.apk");
     row("pattern in the path", "echo \"$3: failed\"; exit 1", 1, "Failure [ADB_FAILED: APK: failed]",
         "/a/*?.APK");
-    row("percent sign and backslash in the path", "echo \"$3\"; echo 'Failure [X\\\\n%s]'; exit 1", 1,
+    row("percent sign and backslash in the path", R"(echo "$3"; echo 'Failure [X\\n%s]'; exit 1)", 1,
         "Failure [X\\n%s]", "/a/%s\\n.apk");
     row("name without the ending", "echo 'adb: filename does not end .apk: x'; exit 1", 1,
         "Failure [ADB_FAILED: adb: filename does not end .apk: x]", "/a/Success");
@@ -209,7 +209,7 @@ void tst_AdbLauncher::uninstallEndsInAClearLine_data()
     row("absent, exit code 0", "echo 'Failure [DELETE_FAILED_INTERNAL_ERROR]'", 1,
         "Failure [DELETE_FAILED_INTERNAL_ERROR]");
     row("nothing printed", "exit 0", 1, "Failure [ADB_FAILED: adb said nothing]");
-    row("exception", "printf '\\njava.lang.SecurityException: no\\n  at x\\n' >&2; exit 255", 255,
+    row("exception", R"(printf '\njava.lang.SecurityException: no\n  at x\n' >&2; exit 255)", 255,
         "Failure [ADB_FAILED: java.lang.SecurityException: no]");
     row("no package", "echo 'adb: uninstall requires an argument' >&2; exit 1", 1,
         "Failure [ADB_FAILED: adb: uninstall requires an argument]");
@@ -254,9 +254,9 @@ void tst_AdbLauncher::onlyReadyDeviceIsChosen_data()
     QTest::addColumn<QString>("serial");
     QTest::newRow("none") << QByteArray() << QString();
     QTest::newRow("one") << QByteArray("a\\tdevice\\n") << QStringLiteral("a");
-    QTest::newRow("beside others") << QByteArray("x\\toffline\\na b:1\\tdevice\\r\\ny\\tunauthorized\\n")
+    QTest::newRow("beside others") << QByteArray(R"(x\toffline\na b:1\tdevice\r\ny\tunauthorized\n)")
                                    << QStringLiteral("a b:1");
-    QTest::newRow("two") << QByteArray("a\\tdevice\\nb\\tdevice\\n") << QString();
+    QTest::newRow("two") << QByteArray(R"(a\tdevice\nb\tdevice\n)") << QString();
     QTest::newRow("not ready") << QByteArray("a\\toffline\\n") << QString();
     QTest::newRow("not permitted") << QByteArray("a\\tno permissions; see [x/device.html]\\n") << QString();
 }
@@ -265,7 +265,7 @@ void tst_AdbLauncher::onlyReadyDeviceIsChosen()
 {
     QFETCH(const QByteArray, list);
     QFETCH(const QString, serial);
-    writeAdb("if [ \"$1\" = devices ]; then printf 'List of devices attached\\n" + list
+    writeAdb(R"(if [ "$1" = devices ]; then printf 'List of devices attached\n)" + list
              + "\\n'; else echo Success; fi");
     run({QStringLiteral("uninstall"), QStringLiteral("a.b")});
     QCOMPARE(calls(), QStringList(serial + QStringLiteral("<uninstall><a.b>")));
@@ -273,7 +273,7 @@ void tst_AdbLauncher::onlyReadyDeviceIsChosen()
 
 void tst_AdbLauncher::serialOfTheEnvironmentStays()
 {
-    writeAdb("if [ \"$1\" = devices ]; then printf 'List\\na\\tdevice\\n'; else echo Success; fi");
+    writeAdb(R"(if [ "$1" = devices ]; then printf 'List\na\tdevice\n'; else echo Success; fi)");
     run({QStringLiteral("uninstall"), QStringLiteral("a.b")},
         {{QStringLiteral("ANDROID_SERIAL"), QStringLiteral("b")}});
     QCOMPARE(calls(), QStringList(QStringLiteral("b<uninstall><a.b>")));

@@ -357,7 +357,7 @@ void tst_DeviceCommands::onlyDeviceIsFixedForAdb()
 {
     ScriptedTools::attach({QStringLiteral("a b")});
     ScriptedTools::answer(QStringLiteral("uninstall"),
-                          "echo \"$ANDROID_SERIAL\" >\"$dir/serial\"; echo Success");
+                          R"(echo "$ANDROID_SERIAL" >"$dir/serial"; echo Success)");
     QCOMPARE(quenzo({QStringLiteral("uninstall"), m_apk}).code, 0);
     QFile serial(RunRoot::path() + QStringLiteral("/tool/mac/serial"));
     QVERIFY(serial.open(QIODevice::ReadOnly));
@@ -393,7 +393,7 @@ void tst_DeviceCommands::programThatCannotStartEndsByTimeOut()
 void tst_DeviceCommands::adbIsGivenTheRemainingTime()
 {
     ScriptedTools::attach({QStringLiteral("a")});
-    const QByteArray slow = "echo \"$QUENZO_ADB_TIMEOUT\" >>\"$dir/limits\"; sleep 1.5; echo; echo Success";
+    const QByteArray slow = R"(echo "$QUENZO_ADB_TIMEOUT" >>"$dir/limits"; sleep 1.5; echo; echo Success)";
     ScriptedTools::answer(QStringLiteral("uninstall"), slow);
     ScriptedTools::answer(QStringLiteral("install"), slow);
     QCOMPARE(

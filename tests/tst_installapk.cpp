@@ -184,7 +184,6 @@ void tst_InstallApk::errorKeyMayBeLeftOut()
 void tst_InstallApk::instanceIsOneForAll()
 {
     CInstallApk* const first = CInstallApk::getInstance();
-    QVERIFY(first != nullptr);
     QCOMPARE(CInstallApk::getInstance(), first);
     QVERIFY(first->parent() == nullptr);
     QCOMPARE(first->thread(), QThread::currentThread());
@@ -211,11 +210,11 @@ void tst_InstallApk::deviceListIsEmptyWithoutAdb()
 
 void tst_InstallApk::failingToolIsReadAllTheSame()
 {
-    ScriptedTools::answer(QStringLiteral("devices"), "printf 'List\\nab\\tdevice\\n'; echo x >&2; exit 1");
+    ScriptedTools::answer(QStringLiteral("devices"), R"(printf 'List\nab\tdevice\n'; echo x >&2; exit 1)");
     ScriptedTools::answer(QStringLiteral("d"), "echo \"package: name='a.b'\"; exit 1");
     QCOMPARE(CInstallApk::getDeviceLs(), QStringList(QStringLiteral("ab")));
     QCOMPARE(CInstallApk::getApkPackageName(m_apk), QStringLiteral("a.b"));
-    ScriptedTools::answer(QStringLiteral("devices"), "printf 'List\\nab\\tdevice\\n' >&2");
+    ScriptedTools::answer(QStringLiteral("devices"), R"(printf 'List\nab\tdevice\n' >&2)");
     ScriptedTools::answer(QStringLiteral("d"), "echo \"package: name='a.b'\" >&2");
     QCOMPARE(CInstallApk::getDeviceLs(), QStringList());
     QCOMPARE(CInstallApk::getApkPackageName(m_apk), QString());
@@ -286,7 +285,7 @@ void tst_InstallApk::outcomeIsReported_data()
 
     install("installed", success, "echo P; echo Success", {complete});
     install("installed, failing exit code", success, "echo P; echo Success; exit 1", {complete});
-    install("installed, carriage returns", success, "printf 'P\\r\\nSuccess\\r\\n'", {complete});
+    install("installed, carriage returns", success, R"(printf 'P\r\nSuccess\r\n')", {complete});
     install("installed, no line break", success, "printf Success", {complete});
     install("removal failed", "echo 'Failure [DELETE_FAILED_INTERNAL_ERROR]'; exit 1", "echo P; echo Success",
             {complete});
@@ -599,7 +598,7 @@ void tst_InstallApk::childThatCannotStartBlocksUntilAnInstall()
     const auto executable = QFile::permissions(adb);
     ScriptedTools::attach({QStringLiteral("ab")});
     // Between the list of devices and the removal the program turns unusable.
-    ScriptedTools::answer(QStringLiteral("d"), "chmod -x \"$dir/adb\"; echo \"package: name='a.b'\"");
+    ScriptedTools::answer(QStringLiteral("d"), R"(chmod -x "$dir/adb"; echo "package: name='a.b'")");
     Flow flow;
     const QSignalSpy results(&flow, &CInstallApk::onResult);
     flow.startTask(m_apk, true);
@@ -662,7 +661,7 @@ void tst_InstallApk::taskBegunInAQueuedSlotRuns()
 void tst_InstallApk::destructionLeavesTheChildAtWork()
 {
     const QString marker = RunRoot::path() + QStringLiteral("/tool/mac/ended");
-    ScriptedTools::answer(QStringLiteral("uninstall"), "read line <\"$dir/gate\"; : >\"$dir/ended\"");
+    ScriptedTools::answer(QStringLiteral("uninstall"), R"(read line <"$dir/gate"; : >"$dir/ended")");
     auto flow = std::make_unique<Flow>();
     const QSignalSpy results(flow.get(), &CInstallApk::onResult);
     flow->UnInstall({});

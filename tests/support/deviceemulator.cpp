@@ -11,12 +11,13 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <array>
 #include <map>
 #include <utility>
 
 namespace {
 
-constexpr quint32 commandOf(const char (&name)[5])
+constexpr quint32 commandOf(const char* name)
 {
     return quint32(quint8(name[0])) | quint32(quint8(name[1])) << 8 | quint32(quint8(name[2])) << 16
         | quint32(quint8(name[3])) << 24;
@@ -35,14 +36,19 @@ constexpr quint32 maximumData = 1024 * 1024;
 
 QByteArray number(quint32 value)
 {
-    QByteArray bytes(4, Qt::Uninitialized);
-    qToLittleEndian(value, bytes.data());
-    return bytes;
+    QByteArray little(4, Qt::Uninitialized);
+    qToLittleEndian(value, little.data());
+    return little;
 }
 
-quint32 numberAt(const QByteArray& bytes, int offset)
+quint32 numberAt(const QByteArray& data, int offset)
 {
-    return qFromLittleEndian<quint32>(bytes.constData() + offset);
+    return qFromLittleEndian<quint32>(data.constData() + offset);
+}
+
+QByteArray bytes(const std::string& text)
+{
+    return QByteArray::fromStdString(text);
 }
 
 QByteArray shellPacket(char stream, const QByteArray& data)
@@ -98,8 +104,8 @@ private:
 bool DeviceEmulator::Session::read(char* data, qint64 size)
 {
     while (size > 0) {
-        pollfd sources[2] = {{m_socket, POLLIN, 0}, {m_device.m_wakeUp[0], POLLIN, 0}};
-        if (poll(sources, 2, -1) < 0 || sources[1].revents != 0)
+        std::array<pollfd, 2> sources{{{m_socket, POLLIN, 0}, {m_device.m_wakeUp[0], POLLIN, 0}}};
+        if (poll(sources.data(), sources.size(), -1) < 0 || sources[1].revents != 0)
             return false;
         const ssize_t got = recv(m_socket, data, std::size_t(size), 0);
         if (got <= 0)
@@ -188,7 +194,7 @@ bool DeviceEmulator::Session::open(quint32 remote, const QByteArray& service)
     stream.service = service;
     {
         const std::lock_guard<std::mutex> lock(m_device.m_mutex);
-        m_device.m_services.append(service);
+        m_device.m_services.push_back(service.toStdString());
     }
     const bool known =
         service.startsWith("sync:") || service.startsWith("shell") || service.startsWith("exec:");
@@ -208,9 +214,10 @@ bool DeviceEmulator::Session::open(quint32 remote, const QByteArray& service)
     if (!service.startsWith("shell"))
         return true;
     if (service.contains("uninstall"))
-        return finishShell(local, answers.uninstall, answers.uninstallError, answers.uninstallCode);
+        return finishShell(local, bytes(answers.uninstall), bytes(answers.uninstallError),
+                           answers.uninstallCode);
     if (service.contains("install"))
-        return finishShell(local, answers.install, {}, 0);
+        return finishShell(local, bytes(answers.install), {}, 0);
     return finishShell(local, {}, {}, 0);
 }
 
@@ -232,7 +239,7 @@ void DeviceEmulator::Session::keep(const Stream& stream)
 {
     const std::lock_guard<std::mutex> lock(m_device.m_mutex);
     m_device.m_receivedSize = stream.received;
-    m_device.m_receivedHash = stream.hash.result();
+    m_device.m_receivedHash = stream.hash.result().toStdString();
 }
 
 bool DeviceEmulator::Session::accept(quint32 local, const QByteArray& data)
@@ -254,7 +261,7 @@ bool DeviceEmulator::Session::accept(quint32 local, const QByteArray& data)
     if (stream.received < stream.expected)
         return true;
     keep(stream);
-    return finish(local, m_device.answers().install);
+    return finish(local, bytes(m_device.answers().install));
 }
 
 bool DeviceEmulator::Session::acceptSync(quint32 local, Stream& stream)
@@ -276,7 +283,7 @@ bool DeviceEmulator::Session::acceptSync(quint32 local, Stream& stream)
         if (request != "DONE")
             continue;
         keep(stream);
-        const QByteArray failure = m_device.answers().pushFailure;
+        const QByteArray failure = bytes(m_device.answers().pushFailure);
         const QByteArray answer =
             (failure.isEmpty() ? "OKAY" : "FAIL") + number(quint32(failure.size())) + failure;
         if (!send(writeCommand, local, stream.remote, answer))
@@ -295,7 +302,7 @@ DeviceEmulator::DeviceEmulator(Kind kind)
     auto* const plain = reinterpret_cast<sockaddr*>(&address);
     m_listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (m_listener < 0 || bind(m_listener, plain, length) != 0 || listen(m_listener, 4) != 0
-        || getsockname(m_listener, plain, &length) != 0 || pipe2(m_wakeUp, O_CLOEXEC) != 0)
+        || getsockname(m_listener, plain, &length) != 0 || pipe2(m_wakeUp.data(), O_CLOEXEC) != 0)
         qFatal("the device emulator finds no port");
     m_port = ntohs(address.sin_port);
     m_thread = std::thread([this] { serve(); });
@@ -323,8 +330,8 @@ void DeviceEmulator::drop()
 void DeviceEmulator::serve()
 {
     while (true) {
-        pollfd sources[2] = {{m_listener, POLLIN, 0}, {m_wakeUp[0], POLLIN, 0}};
-        if (poll(sources, 2, -1) < 0 || sources[1].revents != 0)
+        std::array<pollfd, 2> sources{{{m_listener, POLLIN, 0}, {m_wakeUp[0], POLLIN, 0}}};
+        if (poll(sources.data(), sources.size(), -1) < 0 || sources[1].revents != 0)
             return;
         const int socket = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
         if (socket < 0)
@@ -359,7 +366,10 @@ void DeviceEmulator::setAnswers(const Answers& answers)
 QByteArrayList DeviceEmulator::services() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_services;
+    QByteArrayList list;
+    for (const std::string& service : m_services)
+        list.append(bytes(service));
+    return list;
 }
 
 qint64 DeviceEmulator::receivedSize() const
@@ -371,5 +381,5 @@ qint64 DeviceEmulator::receivedSize() const
 QByteArray DeviceEmulator::receivedHash() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_receivedHash;
+    return bytes(m_receivedHash);
 }

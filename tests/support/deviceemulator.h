@@ -6,8 +6,11 @@
 #include <QByteArrayList>
 #include <QString>
 
+#include <array>
 #include <mutex>
+#include <string>
 #include <thread>
+#include <vector>
 
 /**
  * A device on a loopback port that speaks enough of adb's device protocol to take an APK, with or without
@@ -21,12 +24,14 @@ public:
         Unauthorized ///< never accepts the computer's key
     };
 
+    // Plain texts: shared ones would pass between threads through counters that the thread sanitizer cannot
+    // see.
     struct Answers {
-        QByteArray install = "Success\n";
-        QByteArray uninstall = "Success\n";
-        QByteArray uninstallError; ///< on the shell's error stream, where there is one
+        std::string install = "Success\n";
+        std::string uninstall = "Success\n";
+        std::string uninstallError; ///< on the shell's error stream, where there is one
         int uninstallCode = 0;
-        QByteArray pushFailure; ///< refuses a pushed file with this text
+        std::string pushFailure; ///< refuses a pushed file with this text
         qint64 dropAfter = -1; ///< bytes of the file, after which the device is gone
         bool dropAtUninstall = false; ///< gone once the shell is open
     };
@@ -59,13 +64,13 @@ private:
 
     const Kind m_kind;
     int m_listener = -1;
-    int m_wakeUp[2] = {-1, -1};
+    std::array<int, 2> m_wakeUp{-1, -1};
     quint16 m_port = 0;
     mutable std::mutex m_mutex;
     Answers m_answers;
-    QByteArrayList m_services;
+    std::vector<std::string> m_services;
     qint64 m_receivedSize = 0;
-    QByteArray m_receivedHash;
+    std::string m_receivedHash;
     std::thread m_thread;
 };
 

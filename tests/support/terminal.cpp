@@ -3,6 +3,7 @@
 
 #include <QFile>
 
+#include <array>
 #include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>
@@ -37,9 +38,9 @@ void Terminal::type(const QByteArray& text)
 
 QByteArray Terminal::shown()
 {
-    char buffer[4096];
+    std::array<char, 4096> buffer{};
     ssize_t count = 0;
-    while ((count = read(m_master, buffer, sizeof buffer)) > 0)
-        m_shown.append(buffer, int(count));
+    while ((count = read(m_master, buffer.data(), buffer.size())) > 0)
+        m_shown.append(buffer.data(), int(count));
     return m_shown;
 }
