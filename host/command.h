@@ -34,12 +34,13 @@ struct Command {
     QList<QCommandLineOption> options;
     /** Called under a running application with arguments that are complete in number. */
     std::function<ExitCode(const QCommandLineParser&, Console&)> run;
-    /** What the help tells below the options. */
-    QString details {};
+    /** What the summary leaves out; the command's own help adds it. */
+    QString details = {};
 };
 
-QVector<Command> iconCommands();
 QVector<Command> scriptCommands();
 QVector<Command> dbCommands();
+QVector<Command> iconCommands();
+QVector<Command> deviceCommands();
 
 #endif

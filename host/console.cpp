@@ -4,6 +4,8 @@
 #include <QJsonDocument>
 
 #include <cstdio>
+#include <iostream>
+#include <string>
 #include <unistd.h>
 
 namespace {
@@ -55,6 +57,15 @@ void Console::writeDiagnostic(const QString& text)
 {
     clearProgress();
     write(stderr, QStringLiteral("quenzo: ") + text + QLatin1Char('\n'));
+}
+
+QString Console::ask(const QString& question)
+{
+    clearProgress();
+    write(stderr, question + QLatin1Char(' '));
+    std::string line;
+    std::getline(std::cin, line);
+    return QString::fromStdString(line).trimmed();
 }
 
 void Console::showProgress(const QString& text)

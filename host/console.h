@@ -35,6 +35,9 @@ public:
     /** A diagnostic that leaves the operation's success alone. */
     void warn(const QString& text);
 
+    /** Asks the person at the terminal; empty at the end of the input. */
+    QString ask(const QString& question);
+
     /** Shows the state of work at hand on a terminal, in the place of the state before. */
     void showProgress(const QString& text);
     void clearProgress();

@@ -39,7 +39,7 @@ void isolateInterpreter()
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
-    for (const auto& group : {scriptCommands, dbCommands, iconCommands})
+    for (const auto& group : {scriptCommands, dbCommands, iconCommands, deviceCommands})
         commands += group();
     return commands;
 }

@@ -1,0 +1,520 @@
+// SPDX-License-Identifier: MIT
+#include "runroot.h"
+#include "scriptedtools.h"
+#include "terminal.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+constexpr int timeLimitMs = 60000;
+const char* const endOfInput = "\x04";
+
+struct Run {
+    int code = -1;
+    QString output;
+    QString error;
+
+    QJsonObject json() const { return QJsonDocument::fromJson(output.toUtf8()).object(); }
+};
+
+QStringList words(const char* text)
+{
+    return QString::fromUtf8(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+// The host with scripted programs in its tool folder.
+class tst_DeviceCommands : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void devicesArePrinted();
+    void inaccessibleDeviceIsNoDevice();
+    void missingToolIsSaidPlainly();
+    void brokenToolIsSaidPlainly();
+    void packageNameIsPrinted();
+    void unusableApkIsRefused_data();
+    void unusableApkIsRefused();
+    void installReportsItsSuccess();
+    void refusalIsExplained_data();
+    void refusalIsExplained();
+    void uninstallReportsItsOutcome();
+    void severalDevicesInAPipeAreListed();
+    void namedDeviceIsTaken();
+    void serialWithBlanksIsTaken();
+    void otherDeviceThanTheOnlyOneIsRefused();
+    void serialOfTheEnvironmentIsTheDefault();
+    void onlyDeviceIsFixedForAdb();
+    void silenceEndsByTimeOut();
+    void programThatCannotStartEndsByTimeOut();
+    void adbIsGivenTheRemainingTime();
+    void wrongTimeOutIsAUsageError_data();
+    void wrongTimeOutIsAUsageError();
+    void helpSaysThatDataGo();
+    void deviceIsChosenByNumberOnATerminal();
+    void noChoiceChangesNothing();
+    void installIsConfirmedOnATerminal();
+    void refusedConfirmationChangesNothing();
+    void yesIsNotAsked();
+    void progressIsShownOnATerminal();
+
+private:
+    Run quenzo(const QStringList& arguments);
+    void start(QProcess& process, const Terminal& terminal, const QStringList& arguments);
+    int finish(QProcess& process);
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_apk;
+};
+
+void tst_DeviceCommands::initTestCase()
+{
+    const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/quenzo");
+    QFile::remove(program);
+    QVERIFY(QFile::copy(QStringLiteral(QUENZO_PROGRAM), program));
+    qunsetenv("ANDROID_SERIAL");
+}
+
+void tst_DeviceCommands::init()
+{
+    ScriptedTools::write();
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_apk = m_folder->filePath(QStringLiteral("my game.apk"));
+    QVERIFY(QFile(m_apk).open(QIODevice::WriteOnly));
+}
+
+Run tst_DeviceCommands::quenzo(const QStringList& arguments)
+{
+    QProcess process;
+    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quenzo"), arguments);
+    process.closeWriteChannel();
+    const int code = finish(process);
+    return {code, QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+void tst_DeviceCommands::start(QProcess& process, const Terminal& terminal, const QStringList& arguments)
+{
+    process.setStandardInputFile(terminal.path());
+    process.setStandardErrorFile(terminal.path());
+    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quenzo"), arguments);
+    QVERIFY(process.waitForStarted(timeLimitMs));
+}
+
+// The exit code, or -1 for a crash, or for a program that does not end.
+int tst_DeviceCommands::finish(QProcess& process)
+{
+    if (!process.waitForFinished(timeLimitMs)) {
+        process.kill();
+        process.waitForFinished();
+        return -1;
+    }
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+void tst_DeviceCommands::devicesArePrinted()
+{
+    Run run = quenzo({QStringLiteral("devices")});
+    QCOMPARE(run.code, 0);
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.error, QStringLiteral("quenzo: no device is ready\n"));
+
+    ScriptedTools::attach(
+        {QStringLiteral("b c"), QStringLiteral("0\toffline"), QStringLiteral("10.0.0.1:5555")});
+    run = quenzo({QStringLiteral("devices")});
+    QCOMPARE(run.code, 0);
+    QCOMPARE(run.output, QStringLiteral("b c\n10.0.0.1:5555\n"));
+    QCOMPARE(run.error, QString());
+
+    run = quenzo({QStringLiteral("devices"), QStringLiteral("--json")});
+    QCOMPARE(run.code, 0);
+    QCOMPARE(run.json().value(QStringLiteral("devices")).toVariant().toStringList(),
+             QStringList({QStringLiteral("b c"), QStringLiteral("10.0.0.1:5555")}));
+    QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(), true);
+}
+
+void tst_DeviceCommands::inaccessibleDeviceIsNoDevice()
+{
+    ScriptedTools::attach(
+        {QStringLiteral("0123\tno permissions; see [http://developer.android.com/tools/device.html]"),
+         QStringLiteral("b")});
+    Run run = quenzo({QStringLiteral("devices")});
+    QCOMPARE(run.output, QStringLiteral("b\n"));
+    QVERIFY2(run.error.startsWith(QStringLiteral("quenzo: not usable: 0123 no permissions")),
+             qUtf8Printable(run.error));
+    // The flow sees two: the one that is a device is taken without a question.
+    run = quenzo({QStringLiteral("install"), m_apk});
+    QCOMPARE(run.code, 0);
+    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><b><install><-r><%1>").arg(m_apk));
+}
+
+void tst_DeviceCommands::missingToolIsSaidPlainly()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    for (const char* tool : {"aapt", "adb"}) {
+        QVERIFY(QFile::remove(RunRoot::path() + QStringLiteral("/tool/mac/") + QLatin1String(tool)));
+        const Run run = quenzo({QStringLiteral("install"), m_apk});
+        QCOMPARE(run.code, 1);
+        const QString wanted = QStringLiteral("quenzo: the program %1 is missing").arg(QLatin1String(tool));
+        QVERIFY2(run.error.startsWith(wanted), qUtf8Printable(run.error));
+    }
+    QCOMPARE(quenzo({QStringLiteral("devices")}).code, 1);
+    QCOMPARE(quenzo({QStringLiteral("package-name"), m_apk}).code, 1);
+    QCOMPARE(ScriptedTools::calls(), QStringList(QStringLiteral("adb <version>")));
+}
+
+void tst_DeviceCommands::brokenToolIsSaidPlainly()
+{
+    ScriptedTools::answer(QStringLiteral("version"),
+                          "echo 'the program was not found on the PATH' >&2; exit 127");
+    const Run run = quenzo({QStringLiteral("devices"), QStringLiteral("--json")});
+    QCOMPARE(run.code, 1);
+    QVERIFY2(
+        run.error.trimmed().endsWith(QStringLiteral("does not work: the program was not found on the PATH")),
+        qUtf8Printable(run.error));
+    QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(true), false);
+    QVERIFY(run.json().value(QStringLiteral("error")).toString().contains(QStringLiteral("/tool/mac/adb")));
+}
+
+void tst_DeviceCommands::packageNameIsPrinted()
+{
+    Run run = quenzo({QStringLiteral("package-name"), m_apk});
+    QCOMPARE(run.code, 0);
+    QCOMPARE(run.output, QStringLiteral("org.example.game\n"));
+    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("aapt <d><badging><%1>").arg(m_apk));
+    run = quenzo({QStringLiteral("package-name"), m_apk, QStringLiteral("--json")});
+    QCOMPARE(run.json().value(QStringLiteral("package")).toString(), QStringLiteral("org.example.game"));
+}
+
+void tst_DeviceCommands::unusableApkIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("badging");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("no file") << QStringLiteral("none.apk") << QByteArray(":")
+                             << QStringLiteral("no such file");
+    QTest::newRow("a folder") << QStringLiteral(".") << QByteArray(":") << QStringLiteral("no such file");
+    QTest::newRow("no APK") << QStringLiteral("my game.apk") << QByteArray("echo ERROR >&2; exit 1")
+                            << QStringLiteral("aapt finds no package name");
+    QTest::newRow("quotation mark") << QStringLiteral("a\"b.apk") << QByteArray(":")
+                                    << QStringLiteral("quotation mark");
+}
+
+void tst_DeviceCommands::unusableApkIsRefused()
+{
+    QFETCH(const QString, name);
+    QFETCH(const QByteArray, badging);
+    QFETCH(const QString, reason);
+    ScriptedTools::attach({QStringLiteral("a")});
+    ScriptedTools::answer(QStringLiteral("d"), badging);
+    if (name.contains(QLatin1Char('"')))
+        QVERIFY(QFile(m_folder->filePath(name)).open(QIODevice::WriteOnly));
+    for (const char* command : {"install", "uninstall", "package-name"}) {
+        const Run run = quenzo({QLatin1String(command), m_folder->filePath(name)});
+        QCOMPARE(run.code, 1);
+        QVERIFY2(run.error.contains(reason), qUtf8Printable(run.error));
+    }
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
+}
+
+void tst_DeviceCommands::installReportsItsSuccess()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    Run run = quenzo({QStringLiteral("install"), m_apk});
+    QCOMPARE(run.code, 0);
+    QCOMPARE(run.output, QStringLiteral("Installation is complete!\n"));
+    QCOMPARE(run.error, QString());
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")),
+             QStringList({QStringLiteral("adb <uninstall><org.example.game>"),
+                          QStringLiteral("adb <install><-r><%1>").arg(m_apk)}));
+
+    run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
+    QCOMPARE(run.code, 0);
+    const QJsonObject json = run.json();
+    QCOMPARE(json.value(QStringLiteral("ok")).toBool(), true);
+    QCOMPARE(json.value(QStringLiteral("package")).toString(), QStringLiteral("org.example.game"));
+    QCOMPARE(json.value(QStringLiteral("device")).toString(), QStringLiteral("a"));
+}
+
+void tst_DeviceCommands::refusalIsExplained_data()
+{
+    QTest::addColumn<QByteArray>("key");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("known") << QByteArray("INSTALL_FAILED_OLDER_SDK")
+                           << QStringLiteral(
+                                  "Installation failed! INSTALL_FAILED_OLDER_SDK: The device's Android is "
+                                  "older than the APK demands.");
+    QTest::newRow("explained") << QByteArray("INSTALL_FAILED_INVALID_APK: res=-113")
+                               << QStringLiteral(
+                                      "Installation failed! INSTALL_FAILED_INVALID_APK: The APK is damaged, "
+                                      "or the device cannot use what is in it. (res=-113)");
+    QTest::newRow("unknown") << QByteArray("INSTALL_FAILED_ODD")
+                             << QStringLiteral(
+                                    "Installation failed! INSTALL_FAILED_ODD: The device refused the APK.");
+    QTest::newRow("launcher's own") << QByteArray("ADB_FAILED: no room")
+                                    << QStringLiteral(
+                                           "Installation failed! ADB_FAILED: adb could not do its work. "
+                                           "(no room)");
+}
+
+void tst_DeviceCommands::refusalIsExplained()
+{
+    QFETCH(const QByteArray, key);
+    QFETCH(const QString, text);
+    ScriptedTools::attach({QStringLiteral("a")});
+    ScriptedTools::answer(QStringLiteral("install"), "echo P; echo 'Failure [" + key + "]'");
+    const Run run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
+    QCOMPARE(run.code, 1);
+    QCOMPARE(run.error, QStringLiteral("quenzo: %1\n").arg(text));
+    QCOMPARE(run.json().value(QStringLiteral("error")).toString(), text);
+    QCOMPARE(run.json().value(QStringLiteral("errorKey")).toString(), QString::fromUtf8(key));
+    QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(true), false);
+}
+
+void tst_DeviceCommands::uninstallReportsItsOutcome()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    Run run = quenzo({QStringLiteral("uninstall"), m_apk});
+    QCOMPARE(run.code, 0);
+    QCOMPARE(run.output, QStringLiteral("Uninstall successful!\n"));
+    ScriptedTools::answer(QStringLiteral("uninstall"), "echo 'Failure [DELETE_FAILED_INTERNAL_ERROR]'");
+    run = quenzo({QStringLiteral("uninstall"), m_apk});
+    QCOMPARE(run.code, 1);
+    QCOMPARE(run.error, QStringLiteral("quenzo: Uninstallation failed (app may not exist)!\n"));
+    ScriptedTools::answer(QStringLiteral("uninstall"), "echo 'own words' >&2; kill -9 $$");
+    run = quenzo({QStringLiteral("uninstall"), m_apk});
+    QCOMPARE(run.code, 1);
+    QCOMPARE(run.error, QStringLiteral("quenzo: own words\n"));
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<install>")), QStringList());
+}
+
+void tst_DeviceCommands::severalDevicesInAPipeAreListed()
+{
+    ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b c")});
+    for (const char* command : {"install", "uninstall"}) {
+        const Run run = quenzo({QLatin1String(command), m_apk});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(
+            run.error,
+            QStringLiteral("quenzo: several devices are ready: choose one by --device.\n  1  a\n  2  b c\n"));
+    }
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
+}
+
+void tst_DeviceCommands::namedDeviceIsTaken()
+{
+    const QString serial = QStringLiteral("10.0.0.1:5555");
+    ScriptedTools::attach({QStringLiteral("a"), serial});
+    const Run run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--device"), serial});
+    QCOMPARE(run.code, 0);
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")),
+             QStringList({QStringLiteral("adb <-s><10.0.0.1:5555><uninstall><org.example.game>"),
+                          QStringLiteral("adb <-s><10.0.0.1:5555><install><-r><%1>").arg(m_apk)}));
+}
+
+void tst_DeviceCommands::serialWithBlanksIsTaken()
+{
+    const QString serial = QStringLiteral("my (2) phone");
+    ScriptedTools::attach({QStringLiteral("a"), serial});
+    const Run run = quenzo({QStringLiteral("uninstall"), m_apk, QStringLiteral("--device"), serial});
+    QCOMPARE(run.code, 0);
+    QCOMPARE(ScriptedTools::calls().last(),
+             QStringLiteral("adb <-s><my (2) phone><uninstall><org.example.game>"));
+}
+
+void tst_DeviceCommands::otherDeviceThanTheOnlyOneIsRefused()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    const Run run =
+        quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--device"), QStringLiteral("b")});
+    QCOMPARE(run.code, 1);
+    QCOMPARE(run.error, QStringLiteral("quenzo: the device b is not ready. Ready:\n  1  a\n"));
+    ScriptedTools::attach({});
+    QCOMPARE(quenzo({QStringLiteral("install"), m_apk}).error,
+             QStringLiteral("quenzo: no device is ready: connect one, unlock it and allow debugging\n"));
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
+}
+
+void tst_DeviceCommands::serialOfTheEnvironmentIsTheDefault()
+{
+    ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b")});
+    qputenv("ANDROID_SERIAL", "b");
+    const int code = quenzo({QStringLiteral("uninstall"), m_apk}).code;
+    qunsetenv("ANDROID_SERIAL");
+    QCOMPARE(code, 0);
+    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><b><uninstall><org.example.game>"));
+}
+
+void tst_DeviceCommands::onlyDeviceIsFixedForAdb()
+{
+    ScriptedTools::attach({QStringLiteral("a b")});
+    ScriptedTools::answer(QStringLiteral("uninstall"),
+                          R"(echo "$ANDROID_SERIAL" >"$dir/serial"; echo Success)");
+    QCOMPARE(quenzo({QStringLiteral("uninstall"), m_apk}).code, 0);
+    QFile serial(RunRoot::path() + QStringLiteral("/tool/mac/serial"));
+    QVERIFY(serial.open(QIODevice::ReadOnly));
+    QCOMPARE(serial.readAll(), QByteArray("a b\n"));
+    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <uninstall><org.example.game>"));
+}
+
+void tst_DeviceCommands::silenceEndsByTimeOut()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    ScriptedTools::answer(QStringLiteral("install"), "echo P; echo 'Error: no code'");
+    const Run run =
+        quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("1")});
+    QCOMPARE(run.code, 1);
+    QVERIFY2(run.error.startsWith(QStringLiteral("quenzo: no outcome was reported within 1 s.")),
+             qUtf8Printable(run.error));
+}
+
+void tst_DeviceCommands::programThatCannotStartEndsByTimeOut()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    // The second question for the package name is the flow's own: what it starts then is gone.
+    ScriptedTools::answer(QStringLiteral("d"),
+                          "[ ! -e \"$dir/asked\" ] || chmod -x \"$dir/adb\"; : >\"$dir/asked\"\n"
+                          "echo \"package: name='a.b'\"");
+    const Run run =
+        quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("1")});
+    QCOMPARE(run.code, 1);
+    QVERIFY2(run.error.startsWith(QStringLiteral("quenzo: no outcome was reported within 1 s.")),
+             qUtf8Printable(run.error));
+}
+
+void tst_DeviceCommands::adbIsGivenTheRemainingTime()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    const QByteArray slow = R"(echo "$QUENZO_ADB_TIMEOUT" >>"$dir/limits"; sleep 1.5; echo; echo Success)";
+    ScriptedTools::answer(QStringLiteral("uninstall"), slow);
+    ScriptedTools::answer(QStringLiteral("install"), slow);
+    QCOMPARE(
+        quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("500")}).code,
+        0);
+    QFile limits(RunRoot::path() + QStringLiteral("/tool/mac/limits"));
+    QVERIFY(limits.open(QIODevice::ReadOnly));
+    const QByteArrayList lines = limits.readAll().split('\n');
+    QVERIFY(lines.at(0).toInt() > 300 && lines.at(0).toInt() <= 500);
+    QVERIFY(lines.at(1).toInt() > 300 && lines.at(1).toInt() < lines.at(0).toInt());
+}
+
+void tst_DeviceCommands::wrongTimeOutIsAUsageError_data()
+{
+    QTest::addColumn<QString>("value");
+    for (const char* value : {"0", "-1", "x", "1.5", "86401", "99999999999"})
+        QTest::newRow(value) << QString::fromLatin1(value);
+}
+
+void tst_DeviceCommands::wrongTimeOutIsAUsageError()
+{
+    QFETCH(const QString, value);
+    const Run run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout=") + value});
+    QCOMPARE(run.code, 2);
+    QCOMPARE(ScriptedTools::calls(), QStringList());
+}
+
+void tst_DeviceCommands::helpSaysThatDataGo()
+{
+    for (const char* command : {"install", "uninstall"}) {
+        const Run run = quenzo({QLatin1String(command), QStringLiteral("--help")});
+        QCOMPARE(run.code, 0);
+        QVERIFY2(run.output.contains(QStringLiteral("data")), qUtf8Printable(run.output));
+    }
+    QVERIFY(quenzo({QStringLiteral("install"), QStringLiteral("--help")})
+                .output.contains(QStringLiteral("always removed first, with all its data")));
+    QCOMPARE(quenzo({QStringLiteral("install")}).code, 2);
+    QCOMPARE(quenzo({QStringLiteral("devices"), QStringLiteral("x")}).code, 2);
+}
+
+void tst_DeviceCommands::deviceIsChosenByNumberOnATerminal()
+{
+    ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b c")});
+    Terminal terminal;
+    QProcess process;
+    start(process, terminal, words("uninstall") << m_apk);
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("Number of the device:"), timeLimitMs);
+    QVERIFY2(terminal.shown().contains("  1  a\r\n  2  b c\r\n"), terminal.shown().constData());
+    terminal.type("3\nx\n2\n");
+    QCOMPARE(finish(process), 0);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray("Uninstall successful!\n"));
+    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><b c><uninstall><org.example.game>"));
+}
+
+void tst_DeviceCommands::noChoiceChangesNothing()
+{
+    ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b")});
+    for (const char* answer : {"\n", endOfInput}) {
+        Terminal terminal;
+        QProcess process;
+        start(process, terminal, words("install") << m_apk);
+        QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("Number of the device:"), timeLimitMs);
+        terminal.type(answer);
+        QCOMPARE(finish(process), 1);
+        QVERIFY2(terminal.shown().contains("no device was chosen"), terminal.shown().constData());
+    }
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
+}
+
+void tst_DeviceCommands::installIsConfirmedOnATerminal()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    Terminal terminal;
+    QProcess process;
+    start(process, terminal, words("install") << m_apk);
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
+    QVERIFY2(terminal.shown().contains("org.example.game and its data are removed from a"),
+             terminal.shown().constData());
+    terminal.type("Y\n");
+    QCOMPARE(finish(process), 0);
+    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <install><-r><%1>").arg(m_apk));
+}
+
+void tst_DeviceCommands::refusedConfirmationChangesNothing()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    for (const char* answer : {"n\n", "\n", endOfInput}) {
+        Terminal terminal;
+        QProcess process;
+        start(process, terminal, words("install") << m_apk);
+        QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
+        terminal.type(answer);
+        QCOMPARE(finish(process), 1);
+        QVERIFY2(terminal.shown().contains("nothing was changed"), terminal.shown().constData());
+    }
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
+}
+
+void tst_DeviceCommands::yesIsNotAsked()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    Terminal terminal;
+    QProcess process;
+    start(process, terminal, words("install --yes") << m_apk);
+    QCOMPARE(finish(process), 0);
+    QVERIFY2(!terminal.shown().contains("[y/N]"), terminal.shown().constData());
+}
+
+void tst_DeviceCommands::progressIsShownOnATerminal()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
+    Terminal terminal;
+    QProcess process;
+    start(process, terminal, words("install --yes") << m_apk);
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("\\ installing on a"), timeLimitMs);
+    ScriptedTools::openGate();
+    QCOMPARE(finish(process), 0);
+    QVERIFY2(terminal.shown().endsWith("\r\033[K"), terminal.shown().constData());
+    QCOMPARE(process.readAllStandardOutput(), QByteArray("Installation is complete!\n"));
+}
+
+QTEST_GUILESS_MAIN(tst_DeviceCommands)
+#include "tst_devicecommands.moc"
