@@ -5,15 +5,22 @@
 
 #include <QDir>
 #include <QLoggingCategory>
-#include <QMessageLogger>
 
 namespace {
 
-QDebug message(int line)
+// Past QDebug: its text stream would cost more than all the work on the file that the message is about.
+void writeMessage(int line, const QString& text)
 {
-    const QMessageLogger logger("QuenzoTool/source/quenzotool", line,
-                                "bool __cdecl QuenzoTool::changePermessionRecursively(class QDir &)");
-    return logger.debug().noquote();
+    const QMessageLogContext context("QuenzoTool/source/quenzotool", line,
+                                     "bool __cdecl QuenzoTool::changePermessionRecursively(class QDir &)",
+                                     "default");
+    qt_message_output(QtDebugMsg, context, text);
+}
+
+QString joined(const QString& folder, const QByteArray& name)
+{
+    const bool isRoot = folder.endsWith(QLatin1Char('/'));
+    return folder + QLatin1String(isRoot ? "" : "/") + TreeFolder::text(name);
 }
 
 class RightsWalk {
@@ -23,21 +30,21 @@ public:
         const FolderChain::Visit visit(m_chain, folder);
         QVector<TreeEntry> entries;
         folder.list(entries, TreeFolder::LinksFollowed); // one that cannot be read counts as empty
+        const QString absolutePath = TreeFolder::text(folder.path());
         for (const TreeEntry& entry : qAsConst(entries)) {
             if (entry.kind == TreeEntry::Folder)
                 visitFolder(folder, entry, shownPath);
             else
-                changeFile(folder, entry);
+                changeFile(folder, entry, absolutePath);
         }
     }
 
 private:
     void visitFolder(TreeFolder& parent, const TreeEntry& entry, const QString& shownPath)
     {
-        const QString separator = shownPath.endsWith(QLatin1Char('/')) ? QString() : QStringLiteral("/");
-        const QString path = shownPath + separator + TreeFolder::text(entry.name);
+        const QString path = joined(shownPath, entry.name);
         if (m_messages)
-            message(__LINE__) << path;
+            writeMessage(__LINE__, path);
         TreeFolder folder = parent.openChild(entry.name, TreeFolder::Listing);
         // Links that lead back would multiply without changing anything more.
         const bool leadsBack = entry.isLink && m_chain.contains(folder.id());
@@ -45,11 +52,11 @@ private:
             visit(folder, path);
     }
 
-    void changeFile(const TreeFolder& folder, const TreeEntry& entry) const
+    void changeFile(const TreeFolder& folder, const TreeEntry& entry, const QString& absolutePath) const
     {
         if (m_messages) {
-            message(__LINE__) << TreeFolder::text(folder.pathOf(entry.name));
-            message(__LINE__) << folder.isWritable(entry.name);
+            writeMessage(__LINE__, joined(absolutePath, entry.name));
+            writeMessage(__LINE__, QLatin1String(folder.isWritable(entry.name) ? "true" : "false"));
         }
         folder.forceWriteOther(entry.name);
     }
