@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "outputcut.h"
+
+#include <quenzobase.h>
+
+#include <algorithm>
+
+namespace {
+
+bool isNamed(const TreeEntry& entry, const QStringList& names)
+{
+    const QString lowered = TreeFolder::text(entry.name).toLower();
+    return std::any_of(names.cbegin(), names.cend(),
+                       [&lowered](const QString& name) { return name.toLower() == lowered; });
+}
+
+} // namespace
+
+OutputCut::OutputCut(const QString& outputDir, QString& exceptDir)
+    : m_outputPath(TreeFolder::nativePath(outputDir))
+    , m_exceptDir(exceptDir)
+    , m_transfer(TreeTransfer::Replacing | TreeTransfer::Moving)
+{
+}
+
+bool OutputCut::cut(const QByteArray& source, const QByteArray& target, const QStringList* leftBehind)
+{
+    TransferTarget to = TransferTarget::reach(target);
+    TreeFolder from = TreeFolder::open(source, TreeFolder::Listing);
+    return to.folder.isOpen() && cutFolder(from, to, leftBehind) != Failed;
+}
+
+bool OutputCut::cutExcept(const QByteArray& source, const QByteArray& target)
+{
+    TransferTarget to;
+    to.folder = TreeFolder::open(target, TreeFolder::Writing);
+    TreeFolder from = TreeFolder::open(source, TreeFolder::Listing);
+    return exceptFolder(from, to) != Failed;
+}
+
+OutputCut::Result OutputCut::cutFolder(TreeFolder& source, TransferTarget& target,
+                                       const QStringList* leftBehind)
+{
+    const FolderChain::Visit sourceVisit(m_sources, source);
+    const FolderChain::Visit targetVisit(m_targets, target.folder);
+    m_targetIds.insert(target.folder.id());
+    if (target.folder.path().startsWith(source.path())) {
+        const QByteArray relative = target.folder.path().mid(source.path().size());
+        const QByteArray inner = target.folder.path() + relative;
+        m_exceptDir = TreeFolder::text(inner);
+        m_transfer.settle();
+        cutExcept(target.folder.path(), inner);
+        target.namesKnown = false;
+    }
+
+    QVector<TreeEntry> entries;
+    if (!m_transfer.list(source, entries))
+        return Failed;
+    bool allMoved = true;
+    if (leftBehind != nullptr) {
+        const auto stays = [leftBehind](const TreeEntry& entry) { return isNamed(entry, *leftBehind); };
+        const auto end = std::remove_if(entries.begin(), entries.end(), stays);
+        allMoved = end == entries.end();
+        entries.erase(end, entries.end());
+    }
+    const Result result = moveEntries(source, entries, target, &OutputCut::cutSubfolder);
+    return result == Emptied && !allMoved ? Stays : result;
+}
+
+OutputCut::Result OutputCut::cutSubfolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target)
+{
+    // The folder that holds the entry is compared, and not the entry: all folders of the output folder stay.
+    if (source.path() == m_outputPath)
+        return Stays;
+    if (!source.canHold(entry.name))
+        return Failed;
+    TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
+    TransferTarget made = m_transfer.makeFolder(target, entry.name);
+    if (!made.folder.isOpen())
+        return Failed;
+    return removeMoved(source, entry, child, cutFolder(child, made, nullptr));
+}
+
+OutputCut::Result OutputCut::exceptFolder(TreeFolder& source, TransferTarget& target)
+{
+    const FolderChain::Visit sourceVisit(m_sources, source);
+    const FolderChain::Visit targetVisit(m_targets, target.folder);
+    m_targetIds.insert(target.folder.id());
+    QVector<TreeEntry> entries;
+    if (!m_transfer.list(source, entries))
+        return Failed;
+    return moveEntries(source, entries, target, &OutputCut::exceptSubfolder);
+}
+
+OutputCut::Result OutputCut::exceptSubfolder(TreeFolder& source, const TreeEntry& entry,
+                                             TransferTarget& target)
+{
+    if (source.path() == TreeFolder::nativePath(m_exceptDir))
+        return Stays;
+    if (!source.canHold(entry.name) || !target.folder.canHold(entry.name))
+        return Failed;
+    TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
+    TransferTarget within;
+    within.folder = target.folder.openChild(entry.name, TreeFolder::Writing);
+    return removeMoved(source, entry, child, exceptFolder(child, within));
+}
+
+OutputCut::Result OutputCut::moveEntries(TreeFolder& source, const QVector<TreeEntry>& entries,
+                                         TransferTarget& target, FolderStep folderStep)
+{
+    bool allMoved = true;
+    for (int i = 0; i < entries.size();) {
+        int files = 0;
+        while (i + files < entries.size() && entries.at(i + files).kind != TreeEntry::Folder)
+            ++files;
+        if (!moveFiles(source, entries.constData() + i, files, target))
+            return Failed;
+        i += files;
+        if (i == entries.size())
+            break;
+        const Result result = (this->*folderStep)(source, entries.at(i++), target);
+        if (result == Failed)
+            return Failed;
+        allMoved = allMoved && result == Emptied;
+    }
+    return allMoved ? Emptied : Stays;
+}
+
+bool OutputCut::moveFiles(const TreeFolder& source, const TreeEntry* files, int count, TransferTarget& target)
+{
+    const int moved = m_transfer.transfer(source, files, count, target);
+    if (moved == count)
+        return true;
+    const QByteArray& name = files[moved].name;
+    QuenzoBase::Log(
+        QStringLiteral("Copy Fail:\r\nSrc:%1\r\nDest:%2\r\n")
+            .arg(TreeFolder::text(source.pathOf(name)), TreeFolder::text(target.folder.pathOf(name))));
+    return false;
+}
+
+// A folder that stays gets its new rights now, since they bear on what comes next; one that goes can go
+// later.
+OutputCut::Result OutputCut::removeMoved(const TreeFolder& parent, const TreeEntry& entry,
+                                         const TreeFolder& folder, Result result)
+{
+    if (result == Failed)
+        return Failed;
+    if (result == Emptied && !entry.isLink && !m_targetIds.contains(folder.id())) {
+        m_transfer.removeFolder(parent, entry.name, SourceRemoval::Forced);
+        return Emptied;
+    }
+    m_transfer.settle();
+    SourceRemoval::removeFolder(parent, entry.name, SourceRemoval::Forced);
+    return Stays;
+}

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#ifndef SOURCEREMOVAL_H
+#define SOURCEREMOVAL_H
+
+#include "treefolder.h"
+
+#include <QSet>
+#include <QVector>
+
+/**
+ * What a move has copied and has yet to remove from its source, in order: so that one flush serves many
+ * files.
+ *
+ * Nobody can tell as long as everything is removed before one of the folders concerned is looked at again.
+ */
+class SourceRemoval {
+public:
+    enum Manner { AsItIs, Forced }; ///< Forced: a folder that resists gets other rights first
+
+    void addFiles(const TreeFolder& folder, const TreeEntry* files, int count);
+    void addFolder(const TreeFolder& folder, const QByteArray& name, Manner manner);
+
+    int count() const { return m_count; }
+    bool concerns(const TreeFolder& folder) const { return m_folders.contains(folder.id()); }
+
+    /** Removes everything, as far as that succeeds. */
+    void perform();
+
+    static void removeFolder(const TreeFolder& parent, const QByteArray& name, Manner manner);
+
+private:
+    struct Item {
+        QByteArray name;
+        bool isFolder;
+        Manner manner;
+    };
+    struct Group {
+        QByteArray path;
+        TreeId id;
+        QVector<Item> items;
+    };
+    Group& groupOf(const TreeFolder& folder);
+
+    QVector<Group> m_groups;
+    QSet<TreeId> m_folders;
+    int m_count = 0;
+};
+
+#endif

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#ifndef TREEFOLDER_H
+#define TREEFOLDER_H
+
+#include <QByteArray>
+#include <QString>
+#include <QVector>
+
+/** Which folder or file something is, however it was reached; empty when that is not known. */
+using TreeId = QByteArray;
+
+/** One entry of a folder. */
+struct TreeEntry {
+    enum Kind : quint8 {
+        File, ///< also a link to one, and a link that leads nowhere
+        Folder, ///< also a link to one, when links are followed
+        Special ///< a pipe, a socket or a device, or a link to one
+    };
+    QByteArray name; ///< as the file system has it; TreeFolder::text() reads it
+    Kind kind = File;
+    bool isLink = false;
+};
+
+/**
+ * A folder of the file system whose entries are reached by name, at the least cost that the platform offers.
+ *
+ * Paths and names are the file system's own bytes where it has such, so that every name it allows gets
+ * through. Nothing is thrown; an object that is not open refuses everything.
+ */
+class TreeFolder {
+public:
+    enum Purpose { Listing, Writing };
+    enum Links { LinksFollowed, LinksKept };
+    enum Made { MadeNew, WasThere, NotMade };
+
+    static QByteArray nativePath(const QString& path);
+    static QString text(const QByteArray& native);
+    static QByteArray parentPath(const QByteArray& path);
+    static QByteArray lastName(const QByteArray& path);
+
+    TreeFolder() = default;
+    ~TreeFolder() { suspend(); }
+    TreeFolder(TreeFolder&& other) noexcept;
+    TreeFolder& operator=(TreeFolder&& other) noexcept;
+    TreeFolder(const TreeFolder&) = delete;
+    TreeFolder& operator=(const TreeFolder&) = delete;
+
+    /** Opens the folder at an absolute path, following links. */
+    static TreeFolder open(const QByteArray& path, Purpose purpose);
+    TreeFolder openChild(const QByteArray& name, Purpose purpose, Links links = LinksFollowed) const;
+
+    bool isOpen() const { return m_handle >= 0; }
+    int handle() const { return m_handle; }
+    const QByteArray& path() const { return m_path; }
+    QByteArray pathOf(const QByteArray& name) const;
+
+    /** Whether the path of an entry of this name is within what the system can name. */
+    bool canHold(const QByteArray& name) const;
+
+    const TreeId& id() const { return m_id; }
+
+    /** The file or folder that an entry is, or leads to. */
+    TreeId idOf(const QByteArray& name, Links links) const;
+
+    /** This folder and those above it, up to the root. */
+    QVector<TreeId> lineage() const;
+
+    /**
+     * Reads every entry but "." and "..", in the file system's order. Of a folder opened for listing, once.
+     *
+     * @return false when not all of them could be read
+     */
+    bool list(QVector<TreeEntry>& entries, Links links) const;
+
+    /** Makes one folder; one that is there serves as well. */
+    Made makeFolder(const QByteArray& name) const;
+
+    /** Removes a file or link; true when there is none afterwards. */
+    bool removeFile(const QByteArray& name) const;
+    bool removeFolder(const QByteArray& name) const;
+
+    /** Gives the file or folder behind an entry the permission QFileDevice::WriteOther and no other. */
+    bool forceWriteOther(const QByteArray& name) const;
+    bool isWritable(const QByteArray& name) const;
+
+    /** Gives the system's handle back; resume() opens the same folder anew. */
+    void suspend();
+
+    /** @param child a folder in this one that is still open, from where the way back is short */
+    bool resume(const TreeFolder& child);
+
+private:
+    TreeFolder(int handle, const QByteArray& path);
+
+    int m_handle = -1;
+    QByteArray m_path;
+    TreeId m_id;
+};
+
+/** Keeps the handles of a deep walk few: of the folders it is in, only the innermost stay open. */
+class FolderChain {
+public:
+    /** The stay in one folder of the chain, which must outlive it. */
+    class Visit {
+    public:
+        Visit(FolderChain& chain, TreeFolder& folder);
+        ~Visit();
+        Visit(const Visit&) = delete;
+        Visit& operator=(const Visit&) = delete;
+
+    private:
+        FolderChain& m_chain;
+    };
+
+    void enter(TreeFolder& folder);
+    void leave();
+    bool contains(const TreeId& id) const;
+
+private:
+    QVector<TreeFolder*> m_folders;
+};
+
+#endif
