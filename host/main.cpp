@@ -25,8 +25,10 @@ struct Program {
 void ensureUtf8Locale()
 {
     std::setlocale(LC_ALL, "");
-    if (qstrcmp(nl_langinfo(CODESET), "UTF-8") != 0)
-        setenv("LC_ALL", "C.UTF-8", 1);
+    if (qstrcmp(nl_langinfo(CODESET), "UTF-8") == 0)
+        return;
+    setenv("LC_ALL", "C.UTF-8", 1);
+    std::setlocale(LC_ALL, "");
 }
 
 // What is meant for another interpreter would keep the embedded one from its own library.
@@ -134,14 +136,14 @@ ExitCode runCommand(const Command& command, QStringList words)
     return code;
 }
 
-// Texts on a picture take Qt's fonts, and these the larger application, which is told to look for no display.
-std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv)
+// Texts on a picture take Qt's fonts, and these the larger application. It is told to look for no display,
+// and gets none of the words: some of ours, like --platform, are options of its own.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, const QStringList& words)
 {
-    const bool draws =
-        std::any_of(argv, argv + argc, [](const char* word) { return qstrncmp(word, "--sheet", 7) == 0; });
-    if (!draws)
+    if (words.value(0) != QLatin1String("icons"))
         return std::make_unique<QCoreApplication>(argc, argv);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    argc = 1;
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
@@ -152,10 +154,12 @@ int main(int argc, char* argv[])
     ensureUtf8Locale();
     isolateInterpreter();
     Diagnostics::install();
-    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
+    QStringList words;
+    for (int i = 1; i < argc; ++i)
+        words.append(QString::fromLocal8Bit(argv[i]));
+    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, words);
     QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
     const QVector<Command> commands = allCommands();
-    const QStringList words = QCoreApplication::arguments().mid(1);
 
     if (words.isEmpty())
         return usageError(Program::tr("no command given"));

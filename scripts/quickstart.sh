@@ -32,8 +32,9 @@ run quenzo unpack "$out/skyharbour.apk" "$out/encrypted"
 run quenzo pack "$out/encrypted" "$out/skyharbour-packed.apk"
 run quenzo export 101 "$out/develop"
 for platform in android ios; do
-    run quenzo icons --icon "$sample/icons/master.png" --marks "$sample/icons/marks" --out "$PWD/$out/icons-$platform/" \
-        --platform "$platform" --sheet "$out/sheet-$platform.png" "$sample/icons/channels.json"
+    run quenzo icons --icon "$sample/icons/icon.png" --marks "$sample/icons/marks" --out "$out/icons-$platform" \
+        --platform "$platform" --default-corner right-bottom --default-x 352 --default-y -352 \
+        --sheet "$out/sheet-$platform.png" "$sample/icons/channels.json"
 done
 run quenzo package-name "$out/skyharbour-packed.apk"
 
