@@ -41,9 +41,12 @@ class FolderCase(unittest.TestCase):
 
     def assert_unchanged(self, before):
         """The test's whole folder is what tree() said before."""
-        after = tree(self.folder)
-        self.assertEqual(sorted(before), sorted(after))
-        self.assertEqual(before, after)
+        self.assert_same_tree(before, tree(self.folder))
+
+    def assert_same_tree(self, wanted, found):
+        """Equal names and content, without a listing of megabytes when not."""
+        self.assertEqual(sorted(wanted), sorted(found))
+        self.assertEqual([], [name for name in sorted(wanted) if wanted[name] != found[name]], "content differs")
 
 
 def write(path, data=""):
