@@ -152,7 +152,11 @@ def contents(path):
 
 @contextlib.contextmanager
 def full_disk(at, size):
-    """Within the body no file in folder at can grow for long: a small file system, or a limit on a file's size."""
+    """Within the body no file in the new folder at can grow beyond size.
+
+    Root gets a small file system there, which all files together fill up, and the body is given True. Others get a
+    limit on the size of a single file.
+    """
     os.mkdir(at)
     mounted = os.geteuid() == 0 and not subprocess.call(
         ["mount", "-t", "tmpfs", "-o", "size=%d" % size, "quenzo-test", at], stderr=open(os.devnull, "w"))
@@ -161,12 +165,13 @@ def full_disk(at, size):
     try:
         if not mounted:
             resource.setrlimit(resource.RLIMIT_FSIZE, (size, limits[1]))
-        yield
+        yield mounted
     finally:
         resource.setrlimit(resource.RLIMIT_FSIZE, limits)
         signal.signal(signal.SIGXFSZ, action)
         if mounted:
             subprocess.check_call(["umount", at])
+        shutil.rmtree(at)
 
 
 def as_plain_user(work):
