@@ -299,7 +299,8 @@ class Key(Encrypting):
         program = self.write("bin/openssl", '#!/bin/sh\ntr "\\0" "\\n" </proc/$$/cmdline >>"$0.seen"\n'
                              'tr "\\0" "\\n" </proc/$$/environ >>"$0.seen"\nexec %s "$@"\n' % openssl())
         os.chmod(program, 0o755)
-        child = python(ENCRYPT, self.apk, scripts=self.scripts, environment={"PATH": self.path("bin") + ":/usr/bin:/bin"})
+        child = python(ENCRYPT, self.apk, scripts=self.scripts,
+                       environment={"PATH": self.path("bin") + ":/usr/bin:/bin"})
         self.assertEqual(("", ""), child.communicate())
         secret = binascii.unhexlify(read(self.key).strip())
         salt = HEADER.unpack(contents(self.apk)["assets/text/story_en.txt"][:HEADER.size])[1]

@@ -23,7 +23,8 @@ class Environment(FolderCase):
         folder = environment.pop("folder", self.python)
         environment.setdefault("PYTHON_QUENZO_ENV", folder)
         environment = dict((key, value) for key, value in environment.items() if value is not None)
-        child = python(environment.pop("before", "") + STARTED % folder + code, environment=environment, cwd=self.folder)
+        child = python(environment.pop("before", "") + STARTED % folder + code, environment=environment,
+                       cwd=self.folder)
         out, error = child.communicate()
         self.assertEqual(("", 0), (error, child.returncode))
         return out

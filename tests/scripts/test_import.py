@@ -77,7 +77,7 @@ class SamplePackages(Importing):
         self.answers(NOT_UNPACKED, 7)
 
     def test_packagesAreWhatTheirRecipeMakes(self):
-        child = python("import runpy, sys; sys.argv[:] = sys.argv[1:]; runpy.run_path(sys.argv[0], run_name='__main__')",
+        child = python("import runpy, sys; del sys.argv[0]; runpy.run_path(sys.argv[0], run_name='__main__')",
                        os.path.join(SAMPLE, "make-packages.py"), self.path("made"))
         self.assertEqual(("", ""), child.communicate())
         self.assertEqual(tree(os.path.join(SAMPLE, "packages")), tree(self.path("made")))
@@ -120,7 +120,8 @@ class Config(Importing):
             self.answers(BAD_CONFIG, 7)
 
     def test_numbersThatAreNoneAnswer103(self):
-        for number in ("", "x", "-1", "7.0", " 7", "7 ", "7&#10;", "0x7", "2147483648", "9" * 11, u"٧".encode("utf-8")):
+        for number in ("", "x", "-1", "7.0", " 7", "7 ", "7&#10;", "0x7", "2147483648", "9" * 11,
+                       u"٧".encode("utf-8")):
             self.made(SDK % number)
             self.answers(BAD_CONFIG)
 

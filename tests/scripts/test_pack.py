@@ -8,8 +8,7 @@ import stat
 import unittest
 import warnings
 
-from support import APK, SCRIPTS, FolderCase, as_plain_user, contents, full_disk, killed_when, parsed, python, read
-from support import raw_archive, tree, write, Raw
+from support import APK, FolderCase, as_plain_user, contents, full_disk, killed_when, parsed, python, read, tree, write
 
 import pytoolForQt
 import quenzo_pack

@@ -185,10 +185,9 @@ class Bombs(Unpacking):
     def test_entriesThatShareBytesAreRefused(self):
         first = Raw("a", "x" * 999)
         self.assert_refused([first, Raw("a", "x" * 999, offset=0)])
-        kernel = Raw("k", "y" * 50)
-        inner = raw_archive(self.path("inner"), [kernel])
-        os.remove(inner)
-        whole = Raw("w", struct.pack("<4s5HLLLHH", "PK\3\4", 20, 0, 0, 0, 33, kernel.crc, 50, 50, 1, 0) + "k" + "y" * 50)
+        inner = Raw("k", "y" * 50)
+        head = struct.pack("<4s5HLLLHH", "PK\3\4", 20, 0, 0, 0, 33, inner.crc, 50, 50, 1, 0)
+        whole = Raw("w", head + "k" + "y" * 50)
         self.assert_refused([whole, Raw("k", "y" * 50, offset=31)], "shares bytes")
 
     def test_tooManyEntriesAreRefused(self):
