@@ -3,8 +3,6 @@
 
 docs/scripts.md describes the answers, the key file and the encrypted form.
 """
-import os
-
 from quenzo_apk import decrypt_file, encrypt_file
 from quenzo_assets import assets_of, has_encrypted
 from quenzo_cipher import CipherFailure, NotAuthentic
@@ -58,8 +56,6 @@ def _answered(function, work, apk_file):
     try:
         path = argument_path(apk_file, "the APK")
         with Archive(path) as archive:
-            if not os.access(path, os.W_OK):  # A rename would not mind.
-                raise Answer(NO_APK, "the APK is write-protected: %s" % path)
             _check(archive)
             work(path, archive)
         return DONE

@@ -211,6 +211,27 @@ class Destination(Packing):
         self.assertEqual({}, self.pack())
         self.assertEqual(["out.zip", "src"], sorted(os.listdir(self.folder)))
 
+    def test_anArchiveThatIsReplacedKeepsItsRights(self):
+        os.chmod(self.write("out.zip", "old"), 0o604)
+        self.pack()
+        self.assertEqual(0o604, stat.S_IMODE(os.stat(self.dest).st_mode))
+
+    def test_aWriteProtectedArchiveIsLeftAlone(self):
+        os.chmod(self.folder, 0o777)
+        os.chmod(self.src, 0o755)
+        os.chmod(self.write("out.zip", "old"), 0o444)
+
+        def work():
+            try:
+                pytoolForQt.zip(self.src, self.dest, "")
+            except IOError as error:
+                return error.strerror
+            return "packed"
+
+        self.assertEqual("the file is write-protected", as_plain_user(work))
+        self.assertEqual("old", read(self.dest))
+        self.assertEqual(["out.zip", "src"], sorted(os.listdir(self.folder)))
+
     def test_aFolderInTheWayFails(self):
         write(self.path("out.zip", "file"), "x")
         self.assert_refused("a folder is in the way")

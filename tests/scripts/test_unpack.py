@@ -272,11 +272,26 @@ class Destination(Unpacking):
                          self.unpack(Raw("d/new", "after"), Raw("e/x", "x")))
         self.assertEqual(["in.zip", "out"], sorted(os.listdir(self.folder)))
 
-    def test_anEmptyFolderKeepsItsRights(self):
+    def test_anExistingFolderStaysTheSameFolder(self):
+        """So that whoever works in it goes on seeing it."""
+        for content in ({}, {"mine": "x"}):
+            self.dest = self.path("out%d" % len(content))
+            os.mkdir(self.dest)
+            for name, data in content.items():
+                write(os.path.join(self.dest, name), data)
+            os.chmod(self.dest, 0o2770)
+            before = os.stat(self.dest)
+            self.assertEqual(dict(content, a="x"), self.unpack(Raw("a", "x")))
+            after = os.stat(self.dest)
+            self.assertEqual((before.st_ino, before.st_mode), (after.st_ino, after.st_mode))
+
+    def test_theWorkingFolderServes(self):
         os.mkdir(self.dest)
-        os.chmod(self.dest, 0o2770)
-        self.unpack(Raw("a", "x"))
-        self.assertEqual(0o2770, stat.S_IMODE(os.stat(self.dest).st_mode))
+        raw_archive(self.src, [Raw("a", "x")])
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(self.dest)
+        self.assertEqual(0, pytoolForQt.unZip("../in.zip", ".", "NULL"))
+        self.assertEqual({"a": "x"}, tree("."))
 
     def test_aFailureInTheMiddleOfMergingIsTakenBack(self):
         write(self.path("out", "a", "one"), "before")
