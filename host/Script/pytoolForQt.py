@@ -54,8 +54,9 @@ def _check_package(package, wanted):
         config = SdkConfig("".join(package.blocks(entry)))
     except ConfigError as error:
         raise Answer(BAD_CONFIG, str(error))
-    if wanted is not None and str(wanted) != str(config.id):
-        raise Answer(WRONG_SDK, "the package is SDK %d, not %s" % (config.id, wanted))
+    number = wanted.encode("utf-8") if isinstance(wanted, unicode) else str(wanted)
+    if wanted is not None and number != str(config.id):
+        raise Answer(WRONG_SDK, "the package is SDK %d, not %s" % (config.id, number))
     names = frozenset(one.name for one in package.entries)
     for name in config.files:
         if name not in names:

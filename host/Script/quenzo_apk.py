@@ -14,7 +14,7 @@ _SIGNATURE = re.compile(r"^META-INF/(MANIFEST\.MF|[^/]+\.(SF|RSA|DSA|EC))\Z", re
 
 def encrypt_file(path, archive, secret):
     """Replaces the APK by its encrypted form, once that form has given the same assets back."""
-    with work_folder(path) as work, replaced(path, alike=True) as (out, name):
+    with work_folder(path) as work, replaced(path) as (out, name):
         encrypted = EncryptedAssets(archive, secret, work)
 
         def add(writer, entry):
@@ -29,7 +29,7 @@ def encrypt_file(path, archive, secret):
 
 def decrypt_file(path, archive, secret):
     """Replaces the encrypted APK by one with the assets as they were."""
-    with work_folder(path) as work, replaced(path, alike=True) as (out, name):
+    with work_folder(path) as work, replaced(path) as (out, name):
         plain = decrypted_assets(archive, secret, work)
 
         def add(writer, entry):

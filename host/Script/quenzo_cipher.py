@@ -47,9 +47,10 @@ class Header(object):
     @classmethod
     def unpack(cls, data):
         fields = _HEADER.unpack(data)
-        if fields[0] != MAGIC:
+        header = cls(*fields[1:])
+        if header.pack() != data:  # The zeros at its end count too.
             raise NotAuthentic("not an encrypted asset")
-        return cls(*fields[1:])
+        return header
 
     def pack(self):
         return _HEADER.pack(MAGIC, self.salt, self.stream_salt, self.offset, self.length, self.total, self.method)

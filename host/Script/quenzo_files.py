@@ -121,13 +121,16 @@ def parents_made(path):
 
 
 @contextlib.contextmanager
-def replaced(path, alike=False):
+def replaced(path):
     """A new file, given with its name so far, that takes the place of path when the body succeeds.
 
-    Otherwise nothing of it stays. alike: owner and rights become those of the file that is replaced.
+    Otherwise nothing of it stays. Owner and rights are those of the file that is replaced.
     """
     if os.path.isdir(path):
         raise ToolError("a folder is in the way: %s" % path)
+    alike = os.path.exists(path)
+    if alike and not os.access(path, os.W_OK):  # The rename would not mind.
+        raise IOError(errno.EACCES, "the file is write-protected", path)
     scratch = scratch_beside(path)
     made = open_new(scratch, 0o600 if alike else 0o666)
     try:

@@ -24,13 +24,13 @@ def pack(src, dest, apkfile):
     """Packs folder src, and file apkfile beside its content unless that is empty, into archive dest."""
     root = argument_path(src, "the folder to pack")
     target = argument_path(dest, "the archive to write")
-    extra = None if apkfile in ("", u"") else argument_text(apkfile, "the file to add")
+    extra = argument_text(apkfile, "the file to add") if apkfile or not isinstance(apkfile, basestring) else None
     if not os.path.isdir(root):
         raise ToolError("no such folder: %s" % root)
     with parents_made(target):
         found = _contents(root, target)
         if extra is not None:
-            _add_extra(found, extra)
+            _add_extra(found, extra, target)
         check_names(found)
         with replaced(target) as (out, _):
             _write(out, found)
@@ -56,7 +56,7 @@ def _contents(root, target):
             if stat.S_ISDIR(kind):
                 walk(path, prefix + name + "/")
             elif path != target:
-                found[prefix + name] = _file_behind(path, kind, root)
+                found[prefix + name] = _file_behind(path, kind, root, target)
         if prefix and not any(os.path.join(folder, name) != target for name in names):
             found[prefix] = folder
 
@@ -67,12 +67,14 @@ def _contents(root, target):
     return found
 
 
-def _file_behind(path, kind, root):
+def _file_behind(path, kind, root, target):
     """The file to read for an entry; a link has to end at a file of the same tree."""
     if stat.S_ISLNK(kind):
         real = os.path.realpath(path)
         if not real.startswith(root.rstrip("/") + "/"):
             raise ToolError("a link leads out of the folder: %s" % path)
+        if real == target:
+            raise ToolError("a link leads to the archive to write: %s" % path)
         if not os.path.isfile(real):
             raise ToolError("a link leads to no file: %s" % path)
         return real
@@ -81,9 +83,11 @@ def _file_behind(path, kind, root):
     return path
 
 
-def _add_extra(found, extra):
+def _add_extra(found, extra, target):
     name = os.path.basename(extra)
     path = os.path.realpath(extra)
+    if path == target:
+        raise ToolError("the file to add is the archive to write: %s" % extra)
     if not os.path.isfile(path):
         raise ToolError("no such file to add: %s" % extra)
     if any(entry.split("/", 1)[0] == name for entry in found):

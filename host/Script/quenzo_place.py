@@ -43,11 +43,6 @@ def _place(tree, dest, work):
     if not os.path.lexists(dest):
         os.rename(tree, dest)
         return
-    if not os.listdir(dest):
-        # Over an empty folder one rename serves too, with the rights that folder had.
-        os.chmod(tree, os.stat(dest).st_mode & 0o7777)
-        os.rename(tree, dest)
-        return
     merge = _Merge(os.path.join(work, "old"))
     done = False
     try:

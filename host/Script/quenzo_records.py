@@ -7,6 +7,7 @@ import re
 from quenzo_report import ToolError
 
 _HALF_LETTER = re.compile(u"[\ud800-\udfff]")  # no UTF-8 for these
+_LINE_BREAKER = re.compile(u"[\x00-\x1f\x7f-\x9f\u2028\u2029\\\\]")
 _WANTED_TEXTS = (u"name", u"developer", u"package")
 
 
@@ -47,10 +48,10 @@ def as_json(record):
 
 def as_sheet(record):
     """UTF-8 text, one "key: value" a line, values in one column."""
-    keys = [key for key in record if key != u"name"]
-    width = max(len(key) for key in keys) + 1
+    shown = [(_one_line(key) + u":", _shown(value)) for key, value in record.iteritems() if key != u"name"]
+    width = max(len(key) for key, _ in shown)
     lines = [_one_line(record[u"name"]), u""]
-    lines += [((key + u":").ljust(width) + u" " + _shown(record[key])).rstrip() for key in keys]
+    lines += [(key.ljust(width) + u" " + value).rstrip() for key, value in shown]
     return u"\n".join(lines).encode("utf-8") + "\n"
 
 
@@ -89,4 +90,4 @@ def _shown(value):
 
 
 def _one_line(value):
-    return unicode(value).replace(u"\\", u"\\\\").replace(u"\r", u"\\r").replace(u"\n", u"\\n")
+    return _LINE_BREAKER.sub(lambda found: found.group().encode("unicode_escape").decode("ascii"), unicode(value))

@@ -118,7 +118,7 @@ class Archive(object):
             end = zipfile._EndRecData(self._file)
             if not end:
                 raise DamagedArchive("this is not a zip archive")
-            _check_counts(end)
+            self._check_counts(end)
             directory = zipfile.ZipFile(self._file)
         except (zipfile.BadZipfile, struct.error, LookupError, ValueError, OverflowError, RuntimeError) as error:
             raise DamagedArchive("the archive's directory is damaged: %s" % error)
@@ -130,6 +130,26 @@ class Archive(object):
         if len(infos) != end[zipfile._ECD_ENTRIES_TOTAL]:
             raise DamagedArchive("the archive's directory is not complete")
         return infos, directory.start_dir
+
+    def _check_counts(self, end):
+        """Before the directory is parsed: each of its entries costs half a kilobyte of memory."""
+        count, size = end[zipfile._ECD_ENTRIES_TOTAL], end[zipfile._ECD_SIZE]
+        position = end[zipfile._ECD_LOCATION] - size
+        if end[zipfile._ECD_SIGNATURE] == zipfile.stringEndArchive64:
+            position -= zipfile.sizeEndCentDir64 + zipfile.sizeEndCentDir64Locator
+        if position < 0:
+            raise DamagedArchive("the archive's directory is not complete")
+        if count > MAX_ENTRIES:
+            raise ToolError("the archive has more than %d entries" % MAX_ENTRIES)
+        if size > MAX_DIRECTORY_BYTES:
+            raise ToolError("the archive's directory has more than %d bytes" % MAX_DIRECTORY_BYTES)
+        end_position = position + size
+        for unused in range(count):
+            self._file.seek(position)
+            head = zipfile.structCentralDir, self._file.read(zipfile.sizeCentralDir)
+            position += zipfile.sizeCentralDir + sum(struct.unpack(*head)[zipfile._CD_FILENAME_LENGTH:][:3])
+        if position != end_position:
+            raise DamagedArchive("the archive's directory does not hold the entries it counts")
 
     def _check_limits(self):
         total = sum(entry.size for entry in self.entries)
@@ -164,17 +184,6 @@ class Archive(object):
             reached = entry.data + entry.packed
         if reached > end:
             raise DamagedArchive("the archive is cut off")
-
-
-def _check_counts(end):
-    """Before the directory is read: each of its entries costs a kilobyte of memory."""
-    if end[zipfile._ECD_ENTRIES_TOTAL] > MAX_ENTRIES:
-        raise ToolError("the archive has more than %d entries" % MAX_ENTRIES)
-    if end[zipfile._ECD_SIZE] > MAX_DIRECTORY_BYTES:
-        raise ToolError("the archive's directory has more than %d bytes" % MAX_DIRECTORY_BYTES)
-    least = end[zipfile._ECD_ENTRIES_TOTAL] * zipfile.sizeCentralDir
-    if end[zipfile._ECD_SIZE] < least:
-        raise DamagedArchive("the archive's directory is not complete")
 
 
 def _check_kind(entry):
