@@ -55,6 +55,8 @@ private Q_SLOTS:
 
     void defaultEncodingIsUtf8InEveryCall();
     void unfinishedPrintLineIsEnded();
+    void outputThatRefusesTheLineEndIsNoProblem();
+    void moreFoldersThanStatementsAreKept();
 
 private:
     std::unique_ptr<MessageLog> m_log;
@@ -432,6 +434,30 @@ void tst_PythonForQt::unfinishedPrintLineIsEnded()
         Py_DECREF(text);
     }
     bridge.releaseObj(&bridge.pResult);
+}
+
+void tst_PythonForQt::outputThatRefusesTheLineEndIsNoProblem()
+{
+    const QString script = writeScript("import sys\n"
+                                       "class Refusal(object):\n    softspace = 1\n"
+                                       "    def write(self, text): raise SystemExit(4)\n"
+                                       "def refuse():\n    sys.stdout = Refusal()\n    return 15\n");
+    PythonForQt bridge;
+    bridge.callScript(script, QStringLiteral("refuse"), {}, true);
+    QCOMPARE(bridge.getResultAsInt(), 15);
+    QCOMPARE(countInPath(scriptFolder()), 0);
+}
+
+void tst_PythonForQt::moreFoldersThanStatementsAreKept()
+{
+    PythonForQt bridge;
+    for (int i = 0; i < 300; ++i) {
+        const QString script = RunRoot::write(QStringLiteral("Script/many/%1/answer%1.py").arg(i),
+                                              "def f(): return " + QByteArray::number(i) + "\n");
+        bridge.callScript(script, QStringLiteral("f"), {}, true);
+        QCOMPARE(bridge.getResultAsInt(), i);
+        QCOMPARE(countInPath(QFileInfo(script).path()), 0);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_PythonForQt)

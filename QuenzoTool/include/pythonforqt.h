@@ -100,7 +100,8 @@ public:
      *
      * The module of the script's base name is imported with the script's folder appended to `sys.path`: a
      * module that is already loaded, or another one of that name earlier on the path, is taken as it is. When
-     * the import fails the folder stays in `sys.path`; otherwise it is taken off again.
+     * the import fails the folder stays in `sys.path`; otherwise it is taken off again. A folder that did not
+     * exist when the interpreter first looked into it is not found later either.
      *
      * @param scriptPath the script file; a folder with a single quotation mark in its path is not found
      * @param function the function's name

@@ -97,6 +97,8 @@ public:
      *
      * A piece without "=" before a later pair is glued to that pair's key, whose value then runs to the end,
      * and the later pair is read once more by itself; at the end of the query such a piece is dropped.
+     * The result of many such pieces grows with their number's square: do not pass on what strangers wrote
+     * unseen.
      *
      * @param url the URL
      * @param[out] params replaced by the pairs behind the first "?"; the last occurrence of a key wins
