@@ -347,35 +347,42 @@ void selectByTableModel(benchmark::State& state)
     }
 }
 
-QVariantMap& someRow()
+// A command as a host's line of code queues one: the texts are made at the call, the row was there before.
+// Its number is none that the worker knows, so that taking it off again is cheap.
+template <typename Queue> void queueSomething(Queue queue)
 {
     static QVariantMap row = rows().at(0).toMap();
-    return row;
+    queue(static_cast<DB_COMMAND>(-1), QString::fromLatin1("channel"), row, QString::fromLatin1("id"),
+          QVariant(QString::fromLatin1("7")), false, QString::fromLatin1("tag"));
 }
 
-constexpr int commandsAtOnce = 1000;
+// The seconds that a command takes while as many as the benchmark's argument are queued before it.
+void measureQueue(benchmark::State& state, const std::function<void()>& queueOne,
+                  const std::function<void()>& takeOne)
+{
+    constexpr int commandsAtOnce = 1000;
+    for (qint64 i = 0; i < state.range(0); ++i)
+        queueOne();
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        const double seconds = secondsOf([&queueOne] {
+            for (int i = 0; i < commandsAtOnce; ++i)
+                queueOne();
+        });
+        state.SetIterationTime(seconds / commandsAtOnce);
+        for (int i = 0; i < commandsAtOnce; ++i)
+            takeOne();
+    }
+}
 
-// One command handed over while `state.range(0)` are queued; what was added is taken off again outside the
-// measurement.
 void queueCommand(benchmark::State& state)
 {
     Stepped helper;
-    const auto queueOne = [&helper](const QString& name) {
-        helper.threadToDatabase(static_cast<DB_COMMAND>(-1), name, someRow(), QString(), QVariant(), false,
-                                QString());
+    const auto queue = [&helper](auto&&... arguments) {
+        helper.threadToDatabase(std::forward<decltype(arguments)>(arguments)...);
     };
-    for (qint64 i = 0; i < state.range(0); ++i)
-        queueOne(table);
-    for (auto iteration : state) {
-        Q_UNUSED(iteration)
-        state.SetIterationTime(secondsOf([&] {
-                                   for (int i = 0; i < commandsAtOnce; ++i)
-                                       queueOne(table);
-                               })
-                               / commandsAtOnce);
-        for (int i = 0; i < commandsAtOnce; ++i)
-            helper.commandExec();
-    }
+    measureQueue(
+        state, [&queue] { queueSomething(queue); }, [&helper] { helper.commandExec(); });
 }
 
 // The same command put behind a plain list under a mutex.
@@ -383,34 +390,21 @@ void appendToLockedList(benchmark::State& state)
 {
     QMutex mutex;
     QList<ST_DB_COMMAND*> list;
-    const auto append = [&](DB_COMMAND command, QString name, QVariantMap& values, QString key,
+    const auto append = [&](DB_COMMAND command, QString tableName, QVariantMap& row, QString key,
                             QVariant value, bool encode, QString tag) {
         Q_UNUSED(key)
         Q_UNUSED(value)
         auto record = std::make_unique<ST_DB_COMMAND>();
         record->command = command;
-        record->tableName = name;
-        record->mapValue = values;
+        record->tableName = std::move(tableName);
+        record->mapValue = row;
         record->bEncode = encode;
-        record->usrExt = tag;
+        record->usrExt = std::move(tag);
         const QMutexLocker locker(&mutex);
         list.append(record.release());
     };
-    const auto appendOne = [&] {
-        append(static_cast<DB_COMMAND>(-1), table, someRow(), QString(), QVariant(), false, QString());
-    };
-    for (qint64 i = 0; i < state.range(0); ++i)
-        appendOne();
-    for (auto iteration : state) {
-        Q_UNUSED(iteration)
-        state.SetIterationTime(secondsOf([&] {
-                                   for (int i = 0; i < commandsAtOnce; ++i)
-                                       appendOne();
-                               })
-                               / commandsAtOnce);
-        for (int i = 0; i < commandsAtOnce; ++i)
-            delete list.takeFirst();
-    }
+    measureQueue(
+        state, [&append] { queueSomething(append); }, [&list] { delete list.takeFirst(); });
     qDeleteAll(list);
 }
 

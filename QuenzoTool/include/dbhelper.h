@@ -41,15 +41,12 @@ struct ST_DB_COMMAND {
 /** The event type of DBCommandEvent. */
 constexpr QEvent::Type DB_EVENT_TYPE = static_cast<QEvent::Type>(QEvent::User + 1028);
 
-/** Carries one command to DBHelper, on the stack of the call that queues it. */
+/** Carries one command to DBHelper, which takes it out, on the stack of the call that queues it. */
 class QUENZOTOOL_EXPORT DBCommandEvent : public QEvent {
 public:
-    explicit DBCommandEvent(ST_DB_COMMAND command);
+    DBCommandEvent();
     ~DBCommandEvent() override;
 
-    const ST_DB_COMMAND& command() const { return m_command; }
-
-private:
     ST_DB_COMMAND m_command;
 };
 
@@ -272,7 +269,7 @@ protected:
     void commandExec();
 
 private:
-    bool deliver(ST_DB_COMMAND&& command);
+    bool deliver(DBCommandEvent& event);
     std::unique_ptr<ST_DB_COMMAND> takeCommand();
     void perform(ST_DB_COMMAND& command);
     void commit();

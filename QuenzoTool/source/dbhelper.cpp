@@ -13,6 +13,7 @@
 #include <QSqlQuery>
 
 #include <mutex>
+#include <typeinfo>
 #include <utility>
 
 namespace {
@@ -27,10 +28,9 @@ void writeMessage(int line, const char* function, const QString& text)
     QMessageLogger("QuenzoTool/source/dbhelper", line, function).debug().noquote() << text;
 }
 
-ST_DB_COMMAND commandOf(DB_COMMAND command, QString&& tableName, QString&& key, const QVariant& value,
-                        bool bEncode, QString&& usrExt)
+void fill(ST_DB_COMMAND& record, DB_COMMAND command, QString& tableName, QString& key, const QVariant& value,
+          bool bEncode, QString& usrExt)
 {
-    ST_DB_COMMAND record;
     record.command = command;
     record.tableName = std::move(tableName);
     if (command == DB_UPDATE) {
@@ -42,16 +42,14 @@ ST_DB_COMMAND commandOf(DB_COMMAND command, QString&& tableName, QString&& key, 
     }
     record.bEncode = bEncode;
     record.usrExt = std::move(usrExt);
-    return record;
 }
 
 } // namespace
 
 DBHelper* DBHelper::singleInstance = nullptr;
 
-DBCommandEvent::DBCommandEvent(ST_DB_COMMAND command)
+DBCommandEvent::DBCommandEvent()
     : QEvent(DB_EVENT_TYPE)
-    , m_command(std::move(command))
 {
 }
 
@@ -148,19 +146,19 @@ bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QMap<QStr
                                 QString key, QVariant value, bool bEncode, QString usrExt)
 {
     m_bRunning.store(true, std::memory_order_release);
-    ST_DB_COMMAND record =
-        commandOf(command, std::move(tableName), std::move(key), value, bEncode, std::move(usrExt));
-    record.mapValue = mapValue;
-    return deliver(std::move(record));
+    DBCommandEvent event;
+    fill(event.m_command, command, tableName, key, value, bEncode, usrExt);
+    event.m_command.mapValue = mapValue;
+    return deliver(event);
 }
 
 bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QList<QVariant>& lsRecord, QString key,
                                 QVariant value, bool bEncode, QString usrExt)
 {
-    ST_DB_COMMAND record =
-        commandOf(command, std::move(tableName), std::move(key), value, bEncode, std::move(usrExt));
-    record.lsRecord = lsRecord;
-    return deliver(std::move(record));
+    DBCommandEvent event;
+    fill(event.m_command, command, tableName, key, value, bEncode, usrExt);
+    event.m_command.lsRecord = lsRecord;
+    return deliver(event);
 }
 
 bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QString key, QVariant value,
@@ -189,9 +187,8 @@ bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, bool bEnc
     return threadToDatabase(command, tableName, mapValue, QString(), QStringLiteral(""), bEncode, usrExt);
 }
 
-bool DBHelper::deliver(ST_DB_COMMAND&& command)
+bool DBHelper::deliver(DBCommandEvent& event)
 {
-    DBCommandEvent event(std::move(command));
     if (QThread::currentThread() == thread())
         return QCoreApplication::sendEvent(this, &event);
     // Sent from another thread, an event would change this thread's event state in Qt without a lock.
@@ -203,17 +200,17 @@ bool DBHelper::deliver(ST_DB_COMMAND&& command)
 
 void DBHelper::customEvent(QEvent* event)
 {
-    const auto* const commandEvent = dynamic_cast<DBCommandEvent*>(event);
-    if (commandEvent == nullptr)
+    // Not by its number alone, which others may have chosen, too.
+    if (event == nullptr || typeid(*event) != typeid(DBCommandEvent))
         return;
-    auto command = std::make_unique<ST_DB_COMMAND>(commandEvent->command());
-    {
-        const QMutexLocker locker(&m_mutex);
-        const int queued = m_nQueued.load(std::memory_order_acquire);
-        m_lsCommand.push_back(std::move(command));
-        m_nQueued.store(queued + 1, std::memory_order_release);
-    }
-    m_nEventCount.fetch_add(1, std::memory_order_relaxed);
+    // Moved, since copies of its texts and rows would be most of the cost of queuing; the event ends with the
+    // call.
+    auto command = std::make_unique<ST_DB_COMMAND>(std::move(static_cast<DBCommandEvent*>(event)->m_command));
+    const QMutexLocker locker(&m_mutex);
+    const int queued = m_nQueued.load(std::memory_order_acquire);
+    m_lsCommand.push_back(std::move(command));
+    m_nQueued.store(queued + 1, std::memory_order_release);
+    m_nEventCount.store(m_nEventCount.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
 }
 
 void DBHelper::run()

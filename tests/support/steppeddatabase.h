@@ -19,7 +19,7 @@ public:
     void openNew();
 
     /** Opens the same file again. */
-    bool reopen() { return initDatabase(path()); }
+    bool reopen();
 
     QString path() const { return m_folder.filePath(QStringLiteral("records.db")); }
 
