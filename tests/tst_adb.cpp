@@ -89,6 +89,7 @@ private Q_SLOTS:
     void cleanup();
     void packageNameIsReadByAapt_data();
     void packageNameIsReadByAapt();
+    void packageNameOfTheSampleGameIsRead();
     void devicesAreListed_data();
     void devicesAreListed();
     void outcomeIsReported_data();
@@ -219,6 +220,13 @@ void tst_Adb::packageNameIsReadByAapt()
     const QString found = CInstallApk::getApkPackageName(name);
     QVERIFY(QDir::setCurrent(before));
     QTEST(found, "found");
+}
+
+void tst_Adb::packageNameOfTheSampleGameIsRead()
+{
+    useTool(false);
+    QCOMPARE(CInstallApk::getApkPackageName(QStringLiteral(QUENZO_SAMPLE_APK)),
+             QStringLiteral("com.quenzo.skyharbour"));
 }
 
 void tst_Adb::devicesAreListed_data()

@@ -86,9 +86,10 @@ void tst_ToolOutput::readyDevicesAreListed()
 void tst_ToolOutput::longListIsReadWhole()
 {
     constexpr int count = 20000;
-    QString output = QStringLiteral("List of devices attached\n");
+    QStringList lines{QStringLiteral("List of devices attached")};
     for (int i = 0; i < count; ++i)
-        output += QString::number(i) + QStringLiteral("\tdevice\n");
+        lines.append(QString::number(i) + QStringLiteral("\tdevice"));
+    const QString output = lines.join(QLatin1Char('\n'));
     const QStringList serials = ToolOutput::readySerials(output);
     QCOMPARE(serials.size(), count);
     QCOMPARE(serials.last(), QString::number(count - 1));
