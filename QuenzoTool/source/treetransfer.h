@@ -62,7 +62,7 @@ public:
 
 private:
     void note(const TreeFolder& from, const TreeEntry* files, int count);
-    int runLength(const TreeEntry* files, int count, const TransferTarget& to) const;
+    int runLength(const TreeFolder& from, const TreeEntry* files, int count, const TransferTarget& to) const;
     static bool isItself(const TreeFolder& from, const TreeEntry& file, const TreeFolder& to);
     static void removeExisting(const TreeFolder& folder, const QByteArray& name);
 
