@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <quenzotool.h>
 #include <threadcommon.h>
 
 #include "messagelog.h"
@@ -303,9 +304,10 @@ void tst_ThreadCommon::outputInsideTheSourceAsDescribed()
                    {"out/out", "folder"},
                    {"out/out/old.txt", "file old"}}));
     QCOMPARE(worker.m_exceptDir, QFile::decodeName(m_target + "/out/out"));
-    const QByteArray entry =
-        "Copy Fail:\r\nSrc:" + m_target + "/old.txt\r\nDest:" + m_target + "/out/old.txt\r\n";
-    QVERIFY2(RunRoot::log().contains(entry), RunRoot::log().constData());
+    // The inner walk gave up at its first file, whichever was listed first.
+    QCOMPARE(RunRoot::log().count("Copy Fail:"), 1);
+    const QByteArray inner = "\r\nDest:" + m_target + "/out/";
+    QVERIFY2(RunRoot::log().contains(inner), RunRoot::log().constData());
     QCOMPARE(TreeFiles::mode(m_target), 0002);
     chmod(m_target.constData(), 0755);
 }
@@ -457,6 +459,8 @@ void tst_ThreadCommon::runawayEndsWithoutLoss()
             found.append(QString::fromUtf8(value.mid(5)));
     }
     found.sort();
+    QDir folder(QFile::decodeName(m_source)); // much faster than what the temporary folder would do
+    QVERIFY(QuenzoTool::removeRecursively(folder));
     QCOMPARE(found.join(QLatin1Char(' ')), QStringLiteral("/4 /a/1 /b/2 /b/c/3 /out/5"));
 }
 

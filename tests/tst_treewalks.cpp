@@ -150,7 +150,8 @@ void tst_TreeWalks::addSeeds(int count)
     for (const QString& place : {QDir::tempPath(), shared}) {
         if (!QFileInfo(place).isWritable())
             continue;
-        for (int i = 0; i < count; ++i)
+        // A move waits for the disk, which a test shares with others.
+        for (int i = 0; i < (place == shared ? count : 1); ++i)
             QTest::addRow("%s %d", qUtf8Printable(place), i) << place << quint32(i * 100);
     }
 }

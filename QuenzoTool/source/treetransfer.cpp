@@ -38,15 +38,13 @@ TreeTransfer::TreeTransfer(Options options)
 
 bool TreeTransfer::list(const TreeFolder& folder, QVector<TreeEntry>& entries)
 {
-    if (m_removal.concerns(folder))
-        settle();
+    settleBefore(folder);
     return folder.list(entries, TreeFolder::LinksFollowed);
 }
 
 TransferTarget TreeTransfer::makeFolder(TransferTarget& parent, const QByteArray& name)
 {
-    if (m_removal.concerns(parent.folder))
-        settle();
+    settleBefore(parent.folder);
     TransferTarget made;
     const TreeFolder::Made result = parent.folder.makeFolder(name);
     if (result == TreeFolder::NotMade)
@@ -59,8 +57,7 @@ TransferTarget TreeTransfer::makeFolder(TransferTarget& parent, const QByteArray
 
 int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int count, TransferTarget& to)
 {
-    if (m_removal.concerns(to.folder))
-        settle();
+    settleBefore(to.folder);
     if (m_options.testFlag(Replacing))
         to.learnNames(count);
     int done = 0;

@@ -60,6 +60,9 @@ public:
      */
     bool settle();
 
+    /** The same only if something is due to go from this folder. */
+    bool settleBefore(const TreeFolder& folder) { return !m_removal.concerns(folder) || settle(); }
+
 private:
     void note(const TreeFolder& from, const TreeEntry* files, int count);
     int runLength(const TreeFolder& from, const TreeEntry* files, int count, const TransferTarget& to) const;
