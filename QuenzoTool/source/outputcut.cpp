@@ -43,12 +43,12 @@ OutputCut::Result OutputCut::cutFolder(TreeFolder& source, TransferTarget& targe
 {
     const FolderChain::Visit sourceVisit(m_sources, source);
     const FolderChain::Visit targetVisit(m_targets, target.folder);
-    m_targetIds.insert(target.folder.id());
+    m_targetVisits.insert(target.folder.id(), ++m_visits);
     if (target.folder.path().startsWith(source.path())) {
         const QByteArray relative = target.folder.path().mid(source.path().size());
         const QByteArray inner = target.folder.path() + relative;
         m_exceptDir = TreeFolder::text(inner);
-        m_transfer.settle();
+        m_transfer.settleBefore(TreeFolder::open(TreeFolder::parentPath(inner), TreeFolder::Writing));
         cutExcept(target.folder.path(), inner);
         target.namesKnown = false;
     }
@@ -78,14 +78,16 @@ OutputCut::Result OutputCut::cutSubfolder(TreeFolder& source, const TreeEntry& e
     TransferTarget made = m_transfer.makeFolder(target, entry.name);
     if (!made.folder.isOpen())
         return Failed;
-    return removeMoved(source, entry, child, cutFolder(child, made, nullptr));
+    const int before = m_visits;
+    const Result result = cutFolder(child, made, nullptr);
+    return removeMoved(source, entry, result, wasTargetSince(before, child));
 }
 
 OutputCut::Result OutputCut::exceptFolder(TreeFolder& source, TransferTarget& target)
 {
     const FolderChain::Visit sourceVisit(m_sources, source);
     const FolderChain::Visit targetVisit(m_targets, target.folder);
-    m_targetIds.insert(target.folder.id());
+    m_targetVisits.insert(target.folder.id(), ++m_visits);
     QVector<TreeEntry> entries;
     if (!m_transfer.list(source, entries))
         return Failed;
@@ -102,7 +104,9 @@ OutputCut::Result OutputCut::exceptSubfolder(TreeFolder& source, const TreeEntry
     TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
     TransferTarget within;
     within.folder = target.folder.openChild(entry.name, TreeFolder::Writing);
-    return removeMoved(source, entry, child, exceptFolder(child, within));
+    const int before = m_visits;
+    const Result result = exceptFolder(child, within);
+    return removeMoved(source, entry, result, wasTargetSince(before, child));
 }
 
 OutputCut::Result OutputCut::moveEntries(TreeFolder& source, const QVector<TreeEntry>& entries,
@@ -138,14 +142,19 @@ bool OutputCut::moveFiles(const TreeFolder& source, const TreeEntry* files, int 
     return false;
 }
 
-// A folder that stays gets its new rights now, since they bear on what comes next; one that goes can go
-// later.
-OutputCut::Result OutputCut::removeMoved(const TreeFolder& parent, const TreeEntry& entry,
-                                         const TreeFolder& folder, Result result)
+// Whether a folder may have got something since its entries were read.
+bool OutputCut::wasTargetSince(int visit, const TreeFolder& folder) const
+{
+    return m_targets.contains(folder.id()) || m_targetVisits.value(folder.id()) > visit;
+}
+
+// A folder that stays gets its new rights now, since they bear on what comes next; one that goes can go later.
+OutputCut::Result OutputCut::removeMoved(const TreeFolder& parent, const TreeEntry& entry, Result result,
+                                         bool mayHoldMore)
 {
     if (result == Failed)
         return Failed;
-    if (result == Emptied && !entry.isLink && !m_targetIds.contains(folder.id())) {
+    if (result == Emptied && !entry.isLink && !mayHoldMore) {
         m_transfer.removeFolder(parent, entry.name, SourceRemoval::Forced);
         return Emptied;
     }

@@ -4,7 +4,7 @@
 
 #include "treetransfer.h"
 
-#include <QSet>
+#include <QHash>
 #include <QStringList>
 
 /**
@@ -48,15 +48,16 @@ private:
     Result moveEntries(TreeFolder& source, const QVector<TreeEntry>& entries, TransferTarget& target,
                        FolderStep folderStep);
     bool moveFiles(const TreeFolder& source, const TreeEntry* files, int count, TransferTarget& target);
-    Result removeMoved(const TreeFolder& parent, const TreeEntry& entry, const TreeFolder& folder,
-                       Result result);
+    bool wasTargetSince(int visit, const TreeFolder& folder) const;
+    Result removeMoved(const TreeFolder& parent, const TreeEntry& entry, Result result, bool mayHoldMore);
 
     const QByteArray m_outputPath;
     QString& m_exceptDir;
     TreeTransfer m_transfer;
     FolderChain m_sources;
     FolderChain m_targets;
-    QSet<TreeId> m_targetIds;
+    QHash<TreeId, int> m_targetVisits; // the last one of each
+    int m_visits = 0;
 };
 
 #endif

@@ -38,15 +38,13 @@ TreeTransfer::TreeTransfer(Options options)
 
 bool TreeTransfer::list(const TreeFolder& folder, QVector<TreeEntry>& entries)
 {
-    if (m_removal.concerns(folder))
-        settle();
+    settleBefore(folder);
     return folder.list(entries, TreeFolder::LinksFollowed);
 }
 
 TransferTarget TreeTransfer::makeFolder(TransferTarget& parent, const QByteArray& name)
 {
-    if (m_removal.concerns(parent.folder))
-        settle();
+    settleBefore(parent.folder);
     TransferTarget made;
     const TreeFolder::Made result = parent.folder.makeFolder(name);
     if (result == TreeFolder::NotMade)
@@ -59,14 +57,15 @@ TransferTarget TreeTransfer::makeFolder(TransferTarget& parent, const QByteArray
 
 int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int count, TransferTarget& to)
 {
-    if (m_removal.concerns(to.folder))
-        settle();
+    settleBefore(to.folder);
     if (m_options.testFlag(Replacing))
         to.learnNames(count);
     int done = 0;
     int replaced = -1;
     while (done < count && !m_flushFailed) {
         const TreeEntry& file = files[done];
+        if (!from.canHold(file.name) || !to.folder.canHold(file.name))
+            break;
         if (file.isLink) // what it leads to may be due to go
             settle();
         if (m_options.testFlag(SparingItself) && isItself(from, file, to.folder))
@@ -75,7 +74,7 @@ int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int c
             removeExisting(to.folder, file.name);
             replaced = done;
         }
-        const int run = runLength(files + done, count - done, to);
+        const int run = runLength(from, files + done, count - done, to);
         const FileCopier::Outcome outcome = m_copier.copy(from, files + done, run, to.folder);
         note(from, files + done, outcome.copied);
         done += outcome.copied;
@@ -126,14 +125,16 @@ void TreeTransfer::note(const TreeFolder& from, const TreeEntry* files, int coun
 }
 
 // How many files can be handed to the copier at once: there is nothing to be looked at before each of them.
-int TreeTransfer::runLength(const TreeEntry* files, int count, const TransferTarget& to) const
+int TreeTransfer::runLength(const TreeFolder& from, const TreeEntry* files, int count,
+                            const TransferTarget& to) const
 {
     constexpr int longest = 4096;
     if (files[0].isLink)
         return 1;
     const TreeEntry* const end = files + qMin(count, longest);
     const auto stands = [&](const TreeEntry& file) {
-        return file.isLink || (m_options.testFlag(Replacing) && to.mayHold(file.name));
+        return file.isLink || !from.canHold(file.name) || !to.folder.canHold(file.name)
+            || (m_options.testFlag(Replacing) && to.mayHold(file.name));
     };
     return static_cast<int>(std::find_if(files + 1, end, stands) - files);
 }

@@ -60,9 +60,12 @@ public:
      */
     bool settle();
 
+    /** The same only if something is due to go from this folder. */
+    bool settleBefore(const TreeFolder& folder) { return !m_removal.concerns(folder) || settle(); }
+
 private:
     void note(const TreeFolder& from, const TreeEntry* files, int count);
-    int runLength(const TreeEntry* files, int count, const TransferTarget& to) const;
+    int runLength(const TreeFolder& from, const TreeEntry* files, int count, const TransferTarget& to) const;
     static bool isItself(const TreeFolder& from, const TreeEntry& file, const TreeFolder& to);
     static void removeExisting(const TreeFolder& folder, const QByteArray& name);
 

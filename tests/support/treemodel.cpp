@@ -323,7 +323,7 @@ QMap<QString, QByteArray> TreeModel::contentOnDisk(const QString& path)
     const QStringList names = namesIn(path);
     for (const QString& name : names) {
         const QString entry = path + QLatin1Char('/') + name;
-        struct stat status {};
+        struct stat status { };
         stat(qUtf8Printable(entry), &status);
         const bool isFolder = S_ISDIR(status.st_mode);
         QFile file(entry);

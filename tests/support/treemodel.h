@@ -13,7 +13,8 @@
 /** In which order a file system lists the entries of a folder, as far as that can be foretold. */
 class ListingOrder {
 public:
-    /** Finds out by listing folders made for it below an existing one, with names that are going to be used. */
+    /** Finds out by listing folders made for it below an existing one, with names that are going to be used.
+     */
     ListingOrder(const QString& place, const QStringList& names);
 
     bool isKnown() const { return m_policy != Unknown; }
@@ -28,8 +29,8 @@ private:
 };
 
 /**
- * A file tree in memory, with the copying and cutting walks as they are described to hosts, one step at a time: what
- * the real ones, which are faster, must come to. Paths are absolute. Links are not modelled.
+ * A file tree in memory, with the copying and cutting walks as they are described to hosts, one step at a
+ * time: what the real ones, which are faster, must come to. Paths are absolute. Links are not modelled.
  */
 class TreeModel {
 public:

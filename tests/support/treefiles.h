@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#ifndef TREEFILES_H
+#define TREEFILES_H
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+
+#include <functional>
+
+/** Files and folders for tests, by the system's own calls: so that names and rights of every kind can be had.
+ */
+namespace TreeFiles {
+
+/** Writes a file, with the folders above it; ends the test program when that fails. */
+void write(const QByteArray& path, const QByteArray& content = "content");
+void makeFolder(const QByteArray& path);
+void makeLink(const QByteArray& target, const QByteArray& path);
+
+QByteArray read(const QByteArray& path);
+bool exists(const QByteArray& path);
+int mode(const QByteArray& path);
+
+/** Everything below a folder, by path relative to it: "folder", "link" and its target, or "file" and its
+ * content. */
+QMap<QByteArray, QByteArray> content(const QByteArray& path);
+
+/** Runs something in a child process, without the privileges of root if the test program has them. */
+bool asPlainUser(const std::function<bool()>& work);
+
+} // namespace TreeFiles
+
+#endif
