@@ -7,7 +7,8 @@
 #include <QStringList>
 #include <QVector>
 
-/** Tells which of the expected files have been written since it was made; files from before count once replaced. */
+/** Tells which of the expected files have been written since it was made; files from before count once
+ * replaced. */
 class FileTally {
 public:
     explicit FileTally(const QStringList& paths);

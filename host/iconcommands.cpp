@@ -35,7 +35,7 @@ QString readOptions(const QCommandLineParser& parser, IconJob& job)
     job.platform = platform == QLatin1String("android") ? 0 : 1;
     job.icon = parser.value(QStringLiteral("icon"));
     job.marks = parser.value(QStringLiteral("marks"));
-    job.out = QDir::cleanPath(parser.value(QStringLiteral("out")));
+    job.out = QDir::cleanPath(QDir::current().absoluteFilePath(parser.value(QStringLiteral("out"))));
     job.list = parser.positionalArguments().at(1);
     job.keep = parser.isSet(QStringLiteral("keep"));
 
@@ -192,7 +192,7 @@ QVector<Command> iconCommands()
     icons.options = {
         option("icon", C::tr("The game's icon, in any usual format."), "FILE"),
         option("marks", C::tr("The folder that holds a folder a mark."), "DIR"),
-        option("out", C::tr("The output folder, an absolute path. It is deleted first."), "DIR"),
+        option("out", C::tr("The output folder. It is deleted first."), "DIR"),
         option("platform", C::tr("The set of sizes: android or ios."), "NAME"),
         option("default-corner", C::tr("The corner of channels with the corner \"default\" (right-bottom)."),
                "CORNER", "right-bottom"),

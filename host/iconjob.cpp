@@ -89,8 +89,6 @@ QStringList IconJob::files() const
 
 QString IconJob::danger() const
 {
-    if (QDir::isRelativePath(out))
-        return Job::tr("the output folder '%1' is not an absolute path").arg(out);
     const QFileInfo root(out);
     if (root.exists() && !root.isDir())
         return Job::tr("the output folder '%1' is not a folder").arg(out);
