@@ -17,8 +17,8 @@ struct DBSession {
     Q_DECLARE_TR_FUNCTIONS(DBSession)
 };
 
-constexpr QLatin1String rowsTag("rows");
-constexpr QLatin1String endTag("end");
+const QLatin1String rowsTag("rows");
+const QLatin1String endTag("end");
 
 // What the connection last failed at; it is this thread's, and the worker is idle.
 QString connectionError()

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "quenzotool.h"
 
-#include <cstring>
-
 namespace {
 
 // The last characters keep their place. Both functions agree on six: the Base64 form is never of odd length,
@@ -11,12 +9,12 @@ constexpr int tailLength = 6;
 
 // "ab" becomes "ba" in each of the pairs: a plain loop over whole pairs, which compilers turn into vector
 // shuffles.
-void swapPairs(char* bytes, int pairs)
+void swapPairs(char* bytes, int length)
 {
-    for (int i = 0; i < pairs; ++i) {
-        const char first = bytes[2 * i];
-        bytes[2 * i] = bytes[2 * i + 1];
-        bytes[2 * i + 1] = first;
+    for (int i = 0; i + 1 < length; i += 2) {
+        const char first = bytes[i];
+        bytes[i] = bytes[i + 1];
+        bytes[i + 1] = first;
     }
 }
 
@@ -36,7 +34,7 @@ QString QuenzoTool::ckEncode(QString text)
     QByteArray bytes = text.toUtf8().toBase64();
     if (bytes.size() < tailLength)
         return QLatin1String("");
-    swapPairs(bytes.data(), (bytes.size() - tailLength) / 2);
+    swapPairs(bytes.data(), bytes.size() - tailLength);
     return QString::fromLatin1(bytes);
 }
 
@@ -45,7 +43,7 @@ QString QuenzoTool::ckDecode(QString text)
     QByteArray bytes = text.toUtf8();
     const int front = bytes.size() - tailLength;
     if (front > 0) {
-        swapPairs(bytes.data(), front / 2);
+        swapPairs(bytes.data(), front);
         // The odd character out is paired with the first one of the tail, which then stands there twice.
         if (front % 2 != 0)
             bytes.insert(front - 1, bytes.at(front));
