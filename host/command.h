@@ -37,5 +37,6 @@ struct Command {
 };
 
 QVector<Command> scriptCommands();
+QVector<Command> treeCommands();
 
 #endif

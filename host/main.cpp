@@ -26,7 +26,7 @@ void ensureUtf8Locale()
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
-    for (const auto& group : {scriptCommands})
+    for (const auto& group : {scriptCommands, treeCommands})
         commands += group();
     return commands;
 }
