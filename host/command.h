@@ -39,6 +39,7 @@ struct Command {
 };
 
 QVector<Command> scriptCommands();
+QVector<Command> treeCommands();
 QVector<Command> dbCommands();
 QVector<Command> iconCommands();
 QVector<Command> deviceCommands();

@@ -41,7 +41,7 @@ void isolateInterpreter()
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
-    for (const auto& group : {scriptCommands, dbCommands, iconCommands, deviceCommands})
+    for (const auto& group : {scriptCommands, treeCommands, dbCommands, iconCommands, deviceCommands})
         commands += group();
     return commands;
 }

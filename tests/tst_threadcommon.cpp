@@ -93,7 +93,7 @@ void tst_ThreadCommon::init()
 {
     RunRoot::clear();
     m_messages = std::make_unique<MessageLog>();
-    m_folder = std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
     m_root = QFile::encodeName(m_folder->path());
     m_source = m_root + "/work";
     m_target = m_root + "/output";

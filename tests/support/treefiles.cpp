@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "treefiles.h"
 
-#include <QtGlobal>
+#include <QDir>
 
 #include <array>
 #include <cstdlib>
@@ -105,6 +105,12 @@ QMap<QByteArray, QByteArray> TreeFiles::content(const QByteArray& path)
     QMap<QByteArray, QByteArray> found;
     collect(path, {}, found);
     return found;
+}
+
+QString TreeFiles::quickFolder()
+{
+    const bool hasMemory = access("/dev/shm", W_OK) == 0;
+    return (hasMemory ? QStringLiteral("/dev/shm") : QDir::tempPath()) + QStringLiteral("/trees.XXXXXX");
 }
 
 bool TreeFiles::asPlainUser(const std::function<bool()>& work)

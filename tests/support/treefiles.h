@@ -25,6 +25,9 @@ int mode(const QByteArray& path);
  * content. */
 QMap<QByteArray, QByteArray> content(const QByteArray& path);
 
+/** The template of a temporary folder in memory where the system has such a place. */
+QString quickFolder();
+
 /** Runs something in a child process, without the privileges of root if the test program has them. */
 bool asPlainUser(const std::function<bool()>& work);
 

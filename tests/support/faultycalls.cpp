@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "faultycalls.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/sendfile.h>
+#include <unistd.h>
+
+namespace {
+
+std::atomic<int> faultyCall{-1};
+std::atomic<int> remaining{0};
+std::atomic<int> errorNumber{0};
+std::atomic<bool> hit{false};
+std::array<std::atomic<int>, 7> counts{};
+std::atomic<int> linksAtFlush{0};
+std::atomic<int> removalsAtFlush{0};
+
+bool fails(FaultyCalls::Call call)
+{
+    ++counts.at(call);
+    if (faultyCall != call || --remaining > 0)
+        return false;
+    hit = true;
+    errno = errorNumber;
+    return true;
+}
+
+template <typename Function> Function real(const char* name)
+{
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+int openReally(const char* name, int folder, const char* path, int flags, mode_t mode)
+{
+    const bool isUnnamed = (flags & O_TMPFILE) == O_TMPFILE;
+    if (isUnnamed && fails(FaultyCalls::OpeningUnnamed))
+        return -1;
+    const bool isFile = (flags & (O_DIRECTORY | O_PATH)) == 0 || isUnnamed;
+    if (isFile && fails(FaultyCalls::Opening))
+        return -1;
+    return real<int (*)(int, const char*, int, mode_t)>(name)(folder, path, flags, mode);
+}
+
+mode_t modeFrom(int flags, va_list arguments)
+{
+    return (flags & (O_CREAT | __O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+}
+
+} // namespace
+
+void FaultyCalls::failFromNth(Call call, int n, int error)
+{
+    hit = false;
+    remaining = n;
+    errorNumber = error;
+    faultyCall = call;
+}
+
+bool FaultyCalls::wasHit()
+{
+    return hit;
+}
+
+void FaultyCalls::heal()
+{
+    faultyCall = -1;
+}
+
+void FaultyCalls::startCounting()
+{
+    for (auto& number : counts)
+        number = 0;
+}
+
+int FaultyCalls::count(Call call)
+{
+    return counts.at(call);
+}
+
+int FaultyCalls::linksBeforeFlush()
+{
+    return linksAtFlush;
+}
+
+int FaultyCalls::removalsBeforeFlush()
+{
+    return removalsAtFlush;
+}
+
+extern "C" {
+
+// NOLINTBEGIN: the C library's declarations
+__attribute__((visibility("default"))) int openat(int folder, const char* path, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = modeFrom(flags, arguments);
+    va_end(arguments);
+    return openReally("openat", folder, path, flags, mode);
+}
+
+__attribute__((visibility("default"))) int openat64(int folder, const char* path, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = modeFrom(flags, arguments);
+    va_end(arguments);
+    return openReally("openat64", folder, path, flags, mode);
+}
+
+__attribute__((visibility("default"))) int linkat(int oldFolder, const char* oldPath, int newFolder,
+                                                  const char* newPath, int flags) noexcept
+{
+    if (fails(FaultyCalls::Linking))
+        return -1;
+    return real<int (*)(int, const char*, int, const char*, int)>("linkat")(oldFolder, oldPath, newFolder,
+                                                                            newPath, flags);
+}
+
+__attribute__((visibility("default"))) ssize_t sendfile64(int target, int source, off64_t* offset,
+                                                          size_t size) noexcept
+{
+    if (fails(FaultyCalls::Copying))
+        return -1;
+    return real<ssize_t (*)(int, int, off64_t*, size_t)>("sendfile64")(target, source, offset, size);
+}
+
+__attribute__((visibility("default"))) ssize_t copy_file_range(int source, off64_t* in, int target,
+                                                               off64_t* out, size_t size, unsigned flags)
+{
+    if (fails(FaultyCalls::Copying))
+        return -1;
+    return real<ssize_t (*)(int, off64_t*, int, off64_t*, size_t, unsigned)>("copy_file_range")(
+        source, in, target, out, size, flags);
+}
+
+__attribute__((visibility("default"))) ssize_t getdents64(int folder, void* buffer, size_t size) noexcept
+{
+    if (fails(FaultyCalls::Listing))
+        return -1;
+    return real<ssize_t (*)(int, void*, size_t)>("getdents64")(folder, buffer, size);
+}
+
+__attribute__((visibility("default"))) int syncfs(int file) noexcept
+{
+    linksAtFlush = counts.at(FaultyCalls::Linking).load();
+    removalsAtFlush = counts.at(FaultyCalls::Removing).load();
+    if (fails(FaultyCalls::Flushing))
+        return -1;
+    return real<int (*)(int)>("syncfs")(file);
+}
+
+__attribute__((visibility("default"))) int unlinkat(int folder, const char* path, int flags) noexcept
+{
+    ++counts.at(FaultyCalls::Removing);
+    return real<int (*)(int, const char*, int)>("unlinkat")(folder, path, flags);
+}
+// NOLINTEND
+}

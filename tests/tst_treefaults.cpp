@@ -1,0 +1,324 @@
+// SPDX-License-Identifier: MIT
+// Copies and moves in a world that breaks: system calls that fail, a disk that is full, a process that is
+// killed.
+#include <quenzotool.h>
+
+#include "faultycalls.h"
+#include "treefiles.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+using TreeFiles::content;
+using TreeFiles::exists;
+using TreeFiles::makeFolder;
+using TreeFiles::write;
+using Tree = QMap<QByteArray, QByteArray>;
+
+namespace {
+
+bool transfer(const QByteArray& source, const QByteArray& target, bool move)
+{
+    return QuenzoTool::copyDirectory(QDir(QFile::decodeName(source)), QDir(QFile::decodeName(target)), true,
+                                     move);
+}
+
+/** A small file system in memory; as root only. */
+class SmallDisk {
+public:
+    SmallDisk(const QByteArray& path, const char* size)
+        : m_path(path)
+    {
+        makeFolder(path);
+        isMounted = mount("small", path.constData(), "tmpfs", 0, size) == 0;
+    }
+    ~SmallDisk()
+    {
+        if (isMounted)
+            umount2(m_path.constData(), MNT_DETACH);
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+    bool isMounted = false;
+
+private:
+    const QByteArray m_path;
+};
+
+// Every file of the first tree that is not in the second one whole, by name and content.
+QList<QByteArray> lost(const Tree& before, const Tree& source, const Tree& target)
+{
+    QList<QByteArray> names;
+    for (auto entry = before.cbegin(); entry != before.cend(); ++entry) {
+        if (source.value(entry.key()) != entry.value() && target.value(entry.key()) != entry.value())
+            names.append(entry.key());
+    }
+    return names;
+}
+
+// Every file that stands under its name without being whole, or that nobody asked for.
+QList<QByteArray> broken(const Tree& before, const Tree& target)
+{
+    QList<QByteArray> names;
+    for (auto entry = target.cbegin(); entry != target.cend(); ++entry) {
+        if (before.value(entry.key()) != entry.value())
+            names.append(entry.key());
+    }
+    return names;
+}
+
+} // namespace
+
+class tst_TreeFaults : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { FaultyCalls::heal(); }
+
+    void failedCallsLoseNothing_data();
+    void failedCallsLoseNothing();
+    void fileSystemsWithoutUnnamedFilesServe_data();
+    void fileSystemsWithoutUnnamedFilesServe();
+    void failedFlushKeepsTheSources();
+    void flushComesBeforeRemoval();
+    void fullDiskLeavesNoPartOfAFile();
+    void sizeLimitLeavesNoPartOfAFile();
+    void moveWithinAFullDiskSucceeds();
+    void killedCopyLeavesNoPartOfAFile_data();
+    void killedCopyLeavesNoPartOfAFile();
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QByteArray m_source;
+    QByteArray m_target;
+};
+
+void tst_TreeFaults::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
+    m_source = QFile::encodeName(m_folder->path()) + "/source";
+    m_target = QFile::encodeName(m_folder->path()) + "/target";
+    makeFolder(m_source);
+}
+
+void tst_TreeFaults::failedCallsLoseNothing_data()
+{
+    QTest::addColumn<int>("call");
+    QTest::addColumn<int>("error");
+    QTest::addColumn<bool>("move");
+    using namespace FaultyCalls;
+    for (const bool move : {false, true}) {
+        const char* const what = move ? "move" : "copy";
+        QTest::addRow("%s, opening", what) << int(Opening) << EIO << move;
+        QTest::addRow("%s, too many files", what) << int(Opening) << EMFILE << move;
+        QTest::addRow("%s, copying", what) << int(Copying) << EIO << move;
+        QTest::addRow("%s, copying without room", what) << int(Copying) << ENOSPC << move;
+        QTest::addRow("%s, linking", what) << int(Linking) << EIO << move;
+        QTest::addRow("%s, linking without room", what) << int(Linking) << ENOSPC << move;
+        QTest::addRow("%s, listing", what) << int(Listing) << EIO << move;
+    }
+}
+
+// The n-th call of its kind fails, for every n there is.
+void tst_TreeFaults::failedCallsLoseNothing()
+{
+    QFETCH(int, call);
+    QFETCH(int, error);
+    QFETCH(bool, move);
+    for (int i = 0; i < 40; ++i)
+        write(m_source + "/folder/file" + QByteArray::number(i), QByteArray(i * 50, 'x'));
+    write(m_source + "/large", QByteArray(200000, 'y'));
+    const Tree before = content(m_source);
+    bool hit = true;
+    bool failed = false;
+    for (int n = 1; hit && n < 300; ++n) {
+        FaultyCalls::failFromNth(static_cast<FaultyCalls::Call>(call), n, error);
+        const bool done = transfer(m_source, m_target, move);
+        hit = FaultyCalls::wasHit();
+        FaultyCalls::heal();
+        failed = failed || !done;
+        const Tree source = content(m_source);
+        const Tree target = exists(m_target) ? content(m_target) : Tree();
+        QVERIFY2(hit || done, qPrintable(QStringLiteral("call %1 of an undisturbed run").arg(n)));
+        QCOMPARE(lost(before, source, target), QList<QByteArray>());
+        QCOMPARE(broken(before, target), QList<QByteArray>());
+        if (done)
+            QCOMPARE(target, before);
+        if (!move)
+            QCOMPARE(source, before);
+        // As it was at the beginning, for the next call.
+        QVERIFY(transfer(m_target, m_source, true) || !exists(m_target));
+        QDir rest(QFile::decodeName(m_target));
+        QVERIFY(QuenzoTool::removeRecursively(rest));
+        QCOMPARE(content(m_source), before);
+    }
+    QVERIFY2(!hit, "there were more calls than expected");
+    QVERIFY2(failed, "no call ever failed");
+}
+
+void tst_TreeFaults::fileSystemsWithoutUnnamedFilesServe_data()
+{
+    QTest::addColumn<int>("call");
+    QTest::addColumn<int>("error");
+    using namespace FaultyCalls;
+    QTest::newRow("no unnamed files") << int(OpeningUnnamed) << EOPNOTSUPP;
+    QTest::newRow("old kernel") << int(OpeningUnnamed) << EISDIR;
+    QTest::newRow("no right to name them") << int(Linking) << ENOENT;
+}
+
+void tst_TreeFaults::fileSystemsWithoutUnnamedFilesServe()
+{
+    QFETCH(int, call);
+    QFETCH(int, error);
+    for (int i = 0; i < 60; ++i)
+        write(m_source + "/folder/file" + QByteArray::number(i), QByteArray(i * 50, 'x'));
+    write(m_source + "/large", QByteArray(200000, 'y'));
+    const Tree before = content(m_source);
+    FaultyCalls::failFromNth(static_cast<FaultyCalls::Call>(call), 1, error);
+    QVERIFY(transfer(m_source, m_target, false));
+    QCOMPARE(content(m_target), before);
+    // Where files of these names are already, and may not be replaced.
+    QVERIFY(!QuenzoTool::copyDirectory(QDir(QFile::decodeName(m_source)), QDir(QFile::decodeName(m_target)),
+                                       false, false));
+    QVERIFY(transfer(m_source, m_target, true));
+    QCOMPARE(content(m_target), before);
+    QVERIFY(content(m_source).isEmpty());
+}
+
+void tst_TreeFaults::failedFlushKeepsTheSources()
+{
+    for (int i = 0; i < 60; ++i)
+        write(m_source + "/folder/file" + QByteArray::number(i), "kept");
+    const Tree before = content(m_source);
+    FaultyCalls::failFromNth(FaultyCalls::Flushing, 1, EIO);
+    QVERIFY(!transfer(m_source, m_target, true));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(content(m_source), before);
+}
+
+void tst_TreeFaults::flushComesBeforeRemoval()
+{
+    for (int i = 0; i < 60; ++i)
+        write(m_source + "/file" + QByteArray::number(i));
+    FaultyCalls::startCounting();
+    QVERIFY(transfer(m_source, m_target, true));
+    QCOMPARE(FaultyCalls::count(FaultyCalls::Flushing), 1);
+    QCOMPARE(FaultyCalls::linksBeforeFlush(), 60);
+    QCOMPARE(FaultyCalls::removalsBeforeFlush(), 0);
+    QCOMPARE(FaultyCalls::count(FaultyCalls::Removing), 60);
+    FaultyCalls::startCounting();
+    QVERIFY(transfer(m_target, m_source, false));
+    QCOMPARE(FaultyCalls::count(FaultyCalls::Flushing), 0);
+}
+
+void tst_TreeFaults::fullDiskLeavesNoPartOfAFile()
+{
+    const SmallDisk disk(m_target, "size=1m");
+    if (!disk.isMounted)
+        QSKIP("only root can make a small disk; a size limit takes its place");
+    for (int i = 0; i < 40; ++i)
+        write(m_source + "/file" + QByteArray::number(i), QByteArray(i == 20 ? 700000 : 30000, 'x'));
+    const Tree before = content(m_source);
+    QVERIFY(!transfer(m_source, m_target, false));
+    QCOMPARE(broken(before, content(m_target)), QList<QByteArray>());
+    QVERIFY(!transfer(m_source, m_target, true));
+    QCOMPARE(broken(before, content(m_target)), QList<QByteArray>());
+    QCOMPARE(lost(before, content(m_source), content(m_target)), QList<QByteArray>());
+}
+
+void tst_TreeFaults::sizeLimitLeavesNoPartOfAFile()
+{
+    write(m_source + "/folder/large", QByteArray(300000, 'x'));
+    const Tree before = content(m_source);
+    struct rlimit was { };
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &was), 0);
+    std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit limit = was;
+    limit.rlim_cur = 100000;
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    const bool copied = transfer(m_source, m_target, false);
+    const bool moved = transfer(m_source, m_target, true);
+    setrlimit(RLIMIT_FSIZE, &was);
+    std::signal(SIGXFSZ, SIG_DFL);
+    QVERIFY(!copied);
+    QVERIFY(!moved);
+    QCOMPARE(content(m_source), before);
+    QCOMPARE(content(m_target), Tree({{"folder", "folder"}}));
+}
+
+// Removed one after the other, the sources make the room that the next files need.
+void tst_TreeFaults::moveWithinAFullDiskSucceeds()
+{
+    const QByteArray root = QFile::encodeName(m_folder->path()) + "/small";
+    const SmallDisk disk(root, "size=2m");
+    if (!disk.isMounted)
+        QSKIP("only root can make a small disk");
+    for (int i = 0; i < 60; ++i)
+        write(root + "/source/file" + QByteArray::number(i), QByteArray(30000, 'x'));
+    const Tree before = content(root + "/source");
+    QVERIFY(transfer(root + "/source", root + "/target", true));
+    QCOMPARE(content(root + "/target"), before);
+    QVERIFY(content(root + "/source").isEmpty());
+}
+
+void tst_TreeFaults::killedCopyLeavesNoPartOfAFile_data()
+{
+    QTest::addColumn<QString>("manner");
+    QTest::newRow("copy") << QStringLiteral("--copy");
+    QTest::newRow("move") << QStringLiteral("--move");
+}
+
+void tst_TreeFaults::killedCopyLeavesNoPartOfAFile()
+{
+    QFETCH(QString, manner);
+    QTemporaryDir disk; // on a disk, where a large file takes a while
+    const QByteArray root = QFile::encodeName(disk.path());
+    makeFolder(root + "/source");
+    QFile large(QFile::decodeName(root + "/source/large"));
+    QVERIFY(large.open(QIODevice::WriteOnly));
+    const QByteArray block(1 << 20, 'x');
+    for (int i = 0; i < 512; ++i)
+        QCOMPARE(large.write(block), qint64(block.size()));
+    large.close();
+
+    QProcess copier;
+    copier.start(QCoreApplication::applicationFilePath(),
+                 {manner, QFile::decodeName(root + "/source"), QFile::decodeName(root + "/target")});
+    QVERIFY(copier.waitForStarted());
+    // In the middle of the file is when the nameless copy is open.
+    const QString handles = QStringLiteral("/proc/%1/fd").arg(copier.processId());
+    const auto isCopying = [&handles, &root] {
+        const QFileInfoList open = QDir(handles).entryInfoList(QDir::AllEntries | QDir::System);
+        return std::any_of(open.cbegin(), open.cend(), [&root](const QFileInfo& info) {
+            return info.symLinkTarget().startsWith(QFile::decodeName(root + "/target/#"));
+        });
+    };
+    while (!isCopying() && copier.state() == QProcess::Running)
+        copier.waitForFinished(1);
+    copier.kill();
+    copier.waitForFinished();
+    QCOMPARE(copier.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(QDir(QFile::decodeName(root + "/target"))
+                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
+    QCOMPARE(QFileInfo(large).size(), qint64(512) << 20);
+}
+
+int main(int argc, char** argv)
+{
+    if (argc == 4)
+        return transfer(argv[2], argv[3], qstrcmp(argv[1], "--move") == 0) ? 0 : 1;
+    const QCoreApplication application(argc, argv);
+    tst_TreeFaults test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_treefaults.moc"
