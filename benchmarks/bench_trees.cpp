@@ -148,7 +148,8 @@ bool removeFolder(const QString& source, const QString& /*target*/)
 
 using Source = std::function<QString(Place&)>;
 
-void add(const std::string& row, const std::string& who, Place& (*place)(), const Source& source, const Work& work)
+void add(const std::string& row, const std::string& who, Place& (*place)(), const Source& source,
+         const Work& work)
 {
     const auto run = [=](benchmark::State& state) {
         for (auto _ : state) {
@@ -211,7 +212,9 @@ void addRemovals(const std::string& row, Place& (*place)(), const Source& source
 void addAll()
 {
     const auto files = [](int count) { return [count](const QString& path) { makeFiles(path, count); }; };
-    const auto nested = [](int levels) { return [levels](const QString& path) { makeNested(path, levels); }; };
+    const auto nested = [](int levels) {
+        return [levels](const QString& path) { makeNested(path, levels); };
+    };
     const auto big = [](const QString& path) {
         QDir().mkpath(path);
         writeFile(path + QStringLiteral("/big"), qint64(2) << 30);

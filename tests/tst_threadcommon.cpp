@@ -95,7 +95,7 @@ void tst_ThreadCommon::init()
     m_messages = std::make_unique<MessageLog>();
     m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
     m_root = QFile::encodeName(m_folder->path());
-    m_source = m_root + "/work";
+    m_source = m_root + "/project";
     m_target = m_root + "/output";
     makeFolder(m_source);
 }
@@ -323,11 +323,11 @@ void tst_ThreadCommon::foldersOfTheOutputStay()
 
 void tst_ThreadCommon::siblingWithTheSameBeginningIsTakenForInner()
 {
-    m_target = m_root + "/work2";
+    m_target = m_root + "/project2";
     write(m_source + "/file", "1");
     Worker worker;
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(true));
-    QCOMPARE(worker.m_exceptDir, QFile::decodeName(m_root + "/work22"));
+    QCOMPARE(worker.m_exceptDir, QFile::decodeName(m_root + "/project22"));
     QCOMPARE(TreeFiles::content(m_target), Tree({{"file", "file 1"}}));
 }
 
@@ -439,8 +439,8 @@ void tst_ThreadCommon::exceptCutSparesFoldersOfExceptDir()
 void tst_ThreadCommon::runawayEndsWithoutLoss_data()
 {
     QTest::addColumn<QByteArray>("dest");
-    QTest::newRow("trailing slash") << QByteArray("/work/out/");
-    QTest::newRow("detour") << QByteArray("/work/./out");
+    QTest::newRow("trailing slash") << QByteArray("/project/out/");
+    QTest::newRow("detour") << QByteArray("/project/./out");
 }
 
 void tst_ThreadCommon::runawayEndsWithoutLoss()

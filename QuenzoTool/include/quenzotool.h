@@ -108,43 +108,49 @@ public:
     /**
      * Copies or moves the content of a folder into another folder, which is made if its parent exists.
      *
-     * Ends at the first entry that fails, in the order in which the file system lists them; what was copied by then
-     * stays, what was moved by then is gone from the source. A file arrives whole or not at all, with the permission
-     * bits that QFile::copy gives, and in a move goes from the source when its data are on the disk. Folders are made
-     * with the process's default rights. The source folder itself always stays.
+     * Ends at the first entry that fails, in the order in which the file system lists them; what was copied
+     * by then stays, what was moved by then is gone from the source. A file arrives whole or not at all, with
+     * the permission bits that QFile::copy gives, and in a move goes from the source when its data are on the
+     * disk. Folders are made with the process's default rights. The source folder itself always stays.
      *
-     * - A link to a file is copied as that file. A link to a folder is walked as a folder: a move empties what it
-     *   leads to, and a link to a parent is followed some forty times, until the system refuses (false).
-     * - Links that lead nowhere, pipes, sockets, devices and folders that cannot be read are not copied (false).
-     * - With the target inside the source nothing is touched (false). A file is never copied onto itself (false).
+     * - A link to a file is copied as that file. A link to a folder is walked as a folder: a move empties
+     * what it leads to, and a link to a parent is followed some forty times, until the system refuses
+     * (false).
+     * - Links that lead nowhere, pipes, sockets, devices and folders that cannot be read are not copied
+     * (false).
+     * - With the target inside the source nothing is touched (false). A file is never copied onto itself
+     * (false).
      * - Folders of Qt's resource system count as missing.
      *
      * Blocks the calling thread.
      *
      * @param source the folder
      * @param target the folder for its content
-     * @param overwrite whether existing files are replaced; each goes before its replacement is copied. With false
-     *        the first one that exists fails.
-     * @param deleteSource whether to move: files and subfolders that cannot be removed stay, which is no failure
+     * @param overwrite whether existing files are replaced; each goes before its replacement is copied. With
+     * false the first one that exists fails.
+     * @param deleteSource whether to move: files and subfolders that cannot be removed stay, which is no
+     * failure
      * @return true when everything was copied
      */
     static bool copyDirectory(const QDir& source, const QDir& target, bool overwrite, bool deleteSource);
 
     /**
-     * Gives every file in a folder, at every depth, the permission QFileDevice::WriteOther and no other: this clears
-     * the read-only attribute on Windows. On POSIX the mode is 0002 then, and a plain user is locked out of the file.
-     * Links are followed, so files outside the folder are changed too. Folders keep their rights.
+     * Gives every file in a folder, at every depth, the permission QFileDevice::WriteOther and no other: this
+     * clears the read-only attribute on Windows. On POSIX the mode is 0002 then, and a plain user is locked
+     * out of the file. Links are followed, so files outside the folder are changed too. Folders keep their
+     * rights.
      *
-     * Every file and folder is named in Qt's message log, at debug level. The spelling is kept: hosts call it.
+     * Every file and folder is named in Qt's message log, at debug level. The spelling is kept: hosts call
+     * it.
      *
      * @return true, also when the folder does not exist
      */
     static bool changePermessionRecursively(QDir& folder);
 
     /**
-     * Deletes a folder with everything in it, after changePermessionRecursively() for the sake of read-only files:
-     * which changes files that links in it lead to, outside the folder too. The links themselves are removed, not
-     * what they lead to.
+     * Deletes a folder with everything in it, after changePermessionRecursively() for the sake of read-only
+     * files: which changes files that links in it lead to, outside the folder too. The links themselves are
+     * removed, not what they lead to.
      *
      * @return true when the folder is gone, or was not there
      */

@@ -148,7 +148,8 @@ bool OutputCut::wasTargetSince(int visit, const TreeFolder& folder) const
     return m_targets.contains(folder.id()) || m_targetVisits.value(folder.id()) > visit;
 }
 
-// A folder that stays gets its new rights now, since they bear on what comes next; one that goes can go later.
+// A folder that stays gets its new rights now, since they bear on what comes next; one that goes can go
+// later.
 OutputCut::Result OutputCut::removeMoved(const TreeFolder& parent, const TreeEntry& entry, Result result,
                                          bool mayHoldMore)
 {

@@ -24,7 +24,8 @@ void require(bool done, const char* what, const QByteArray& path)
 
 void collect(const QByteArray& root, const QByteArray& prefix, QMap<QByteArray, QByteArray>& found)
 {
-    const QByteArray listed = QByteArray(root + '/' + prefix).chopped(1); // the longest path has no room for a final slash
+    const QByteArray listed =
+        QByteArray(root + '/' + prefix).chopped(1); // the longest path has no room for a final slash
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(listed.constData()), closedir);
     require(folder != nullptr, "list", listed);
     while (const dirent* const entry = readdir(folder.get())) {
