@@ -15,6 +15,9 @@ QtMessageHandler handlerBefore = nullptr;
 
 void keep(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
+    // Qt says so to whoever draws outside a desktop's session; nothing of ours is kept there.
+    if (text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+        return;
     if (type != QtDebugMsg
         || !QString::fromUtf8(context.file).startsWith(QLatin1String("QuenzoTool/source/"))) {
         handlerBefore(type, context, text);
