@@ -63,14 +63,17 @@ public:
     // A text that names an entry of a folder, and nothing above or below it.
     QString fileName(const QString& key, const QString& otherwise) const
     {
-        const QString name = text(key, otherwise);
+        QString name = text(key, otherwise);
         const auto isForbidden = [](QChar letter) {
             return letter == QLatin1Char('/') || letter == QLatin1Char('\\') || letter.unicode() < 0x20;
         };
+        const QJsonValue value = m_values.value(key);
+        if (!value.isString() && !value.isNull() && !value.isUndefined())
+            return {}; // said already
         if (name.isEmpty())
             complain(Channels::tr("\"%1\" is missing or empty").arg(key));
         else if (name == QLatin1String(".") || name == QLatin1String(".."))
-            complain(Channels::tr("\"%1\" is \"%2\", which is no name of a folder").arg(key, name));
+            complain(Channels::tr(R"("%1" is "%2", which is no name of a folder)").arg(key, name));
         else if (std::any_of(name.cbegin(), name.cend(), isForbidden))
             complain(Channels::tr("\"%1\" holds a slash, a backslash or a control character").arg(key));
         else if (name.toUtf8().size() > longestName)

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr off_t smallSize = 64 * 1024;
+constexpr off_t smallSize = off_t{64} << 10U;
 constexpr std::size_t chunk = 1U << 30U;
 
 bool meansUnsupported(int error)
@@ -37,7 +37,7 @@ bool writeAll(int target, const char* data, std::size_t length)
 // Both files go on from where they stand.
 bool readAndWrite(int source, int target)
 {
-    constexpr std::size_t size = 256 * 1024;
+    constexpr std::size_t size = 256U << 10U;
     const std::unique_ptr<char[]> buffer(new char[size]); // NOLINT(modernize-avoid-c-arrays)
     while (true) {
         const ssize_t length = read(source, buffer.get(), size);

@@ -76,8 +76,8 @@ short paeth(short left, short above, short corner)
 // The picture's rows, each in the best of its five filtered forms behind that form's number.
 std::vector<Byte> filteredRows(const QImage& picture, int pixel)
 {
-    const auto length = static_cast<std::size_t>(picture.width() * pixel);
     const auto margin = static_cast<std::size_t>(pixel);
+    const std::size_t length = static_cast<std::size_t>(picture.width()) * margin;
     std::vector<Byte> current(margin + length);
     std::vector<Byte> above(margin + length);
     std::array<std::vector<Byte>, 5> forms;

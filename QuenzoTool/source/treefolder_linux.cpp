@@ -119,7 +119,7 @@ bool TreeFolder::list(QVector<TreeEntry>& entries, Links links) const
         entry.kind = kindFrom(status.st_mode);
         entry.isLink = S_ISLNK(status.st_mode);
     };
-    constexpr std::size_t size = 64 * 1024;
+    constexpr std::size_t size = 64U << 10U;
     const std::unique_ptr<char[]> buffer(new char[size]); // NOLINT(modernize-avoid-c-arrays)
     ssize_t length = 0;
     while ((length = getdents64(m_handle, buffer.get(), size)) > 0) {
