@@ -7,6 +7,7 @@
 #include "treefiles.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -226,11 +227,11 @@ void tst_ThreadCommon::finishedComesAfterTheResult()
 {
     write(m_source + "/file");
     Worker worker;
-    QSignalSpy finished(&worker, &QThread::finished);
+    QEventLoop loop;
+    connect(&worker, &QThread::finished, &loop, &QEventLoop::quit);
     worker.StartOperate(OPERATE_COPY, folders());
-    QCOMPARE(finished.count(), 0);
     worker.start();
-    QVERIFY(finished.wait());
+    loop.exec();
     QCOMPARE(worker.getResult(), QVariant(true));
 }
 

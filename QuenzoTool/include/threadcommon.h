@@ -9,6 +9,8 @@
 #include <QThread>
 #include <QVariant>
 
+#include <atomic>
+
 QT_BEGIN_NAMESPACE
 class QDir;
 QT_END_NAMESPACE
@@ -118,6 +120,10 @@ protected:
     QStringList m_filterList;
     QString m_outputDir; ///< "dest" of the last cut for output, as it was given
     QString m_exceptDir; ///< see exceptCut()
+
+private:
+    // Its release at the end of run() publishes what the worker wrote, however the host learns of that end.
+    std::atomic<bool> m_published {false};
 };
 
 #endif

@@ -41,10 +41,14 @@ ThreadCommon::ThreadCommon(QObject* parent)
 {
 }
 
-ThreadCommon::~ThreadCommon() = default;
+ThreadCommon::~ThreadCommon()
+{
+    m_published.load(std::memory_order_acquire);
+}
 
 bool ThreadCommon::StartOperate(THREAD_OPERATE operate, const QVariant& param)
 {
+    m_published.load(std::memory_order_acquire);
     m_operate = operate;
     m_param = param;
     return true;
@@ -52,6 +56,7 @@ bool ThreadCommon::StartOperate(THREAD_OPERATE operate, const QVariant& param)
 
 const QVariant& ThreadCommon::getResult()
 {
+    m_published.load(std::memory_order_acquire);
     return m_result;
 }
 
@@ -68,6 +73,7 @@ void ThreadCommon::run()
         execCutOutput();
         break;
     }
+    m_published.store(true, std::memory_order_release);
 }
 
 void ThreadCommon::execCopy()
