@@ -15,21 +15,24 @@
 
 namespace {
 
-// The fields of a result in the order of a row's map; of fields with the same name the last one.
-struct Field {
-    QString name;
-    int index;
+// A row without its values, and where these stand in the result: of fields with the same name the last one
+// counts.
+struct RowPattern {
+    QMap<QString, QVariant> row;
+    QVector<int> indexes; // in the row's order
 };
 
-QVector<Field> fieldsOf(const QSqlRecord& record)
+RowPattern patternOf(const QSqlRecord& record)
 {
     QMap<QString, int> indexes;
     for (int i = 0; i < record.count(); ++i)
         indexes.insert(record.fieldName(i), i);
-    QVector<Field> fields;
-    for (auto field = indexes.cbegin(); field != indexes.cend(); ++field)
-        fields.append({field.key(), field.value()});
-    return fields;
+    RowPattern pattern;
+    for (auto field = indexes.cbegin(); field != indexes.cend(); ++field) {
+        pattern.row.insert(field.key(), QVariant());
+        pattern.indexes.append(field.value());
+    }
+    return pattern;
 }
 
 // Qt looks a placeholder up by its name for each value. The values themselves are for drivers to read;
@@ -112,11 +115,13 @@ bool DBStatement::execute(const QMap<QString, QVariant>& row)
 bool DBStatement::fetch(QList<QVariant>& rows)
 {
     const ConnectionLock lock;
-    const QVector<Field> fields = fieldsOf(m_query->record());
+    const RowPattern pattern = patternOf(m_query->record());
     while (m_query->next()) {
-        QMap<QString, QVariant> row;
-        for (const Field& field : fields)
-            row.insert(row.cend(), field.name, m_query->value(field.index));
+        // Copying a map costs less than sorting each name in anew.
+        QMap<QString, QVariant> row = pattern.row;
+        auto value = row.begin();
+        for (const int index : pattern.indexes)
+            *value++ = m_query->value(index);
         rows.append(row);
     }
     // Reading may fail on the way, in a damaged file for one.
