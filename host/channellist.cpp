@@ -67,6 +67,9 @@ public:
         const auto isForbidden = [](QChar letter) {
             return letter == QLatin1Char('/') || letter == QLatin1Char('\\') || letter.unicode() < 0x20;
         };
+        const QJsonValue value = m_values.value(key);
+        if (!value.isString() && !value.isNull() && !value.isUndefined())
+            return {}; // said already
         if (name.isEmpty())
             complain(Channels::tr("\"%1\" is missing or empty").arg(key));
         else if (name == QLatin1String(".") || name == QLatin1String(".."))
