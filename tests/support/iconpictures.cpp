@@ -49,11 +49,11 @@ QImage IconPictures::marked(QImage icon, const QImage& mark, int x, int y)
     return icon;
 }
 
-QByteArray IconPictures::savedByQt(const QImage& image)
+QByteArray IconPictures::savedByQt(const QImage& image, int quality)
 {
     QByteArray content;
     QBuffer buffer(&content);
-    return image.save(&buffer, "PNG") ? content : QByteArray();
+    return image.save(&buffer, "PNG", quality) ? content : QByteArray();
 }
 
 QList<QPair<QByteArray, QByteArray>> IconPictures::chunksBesideData(const QByteArray& png)

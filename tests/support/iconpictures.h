@@ -22,8 +22,9 @@ QImage mark(int side, const QColor& colour);
 /** The icon with the mark as drawn by a painter; a picture that painters refuse is made paintable first. */
 QImage marked(QImage icon, const QImage& mark, int x, int y);
 
-/** The content of the PNG file that QImage::save writes. */
-QByteArray savedByQt(const QImage& image);
+/** The content of the PNG file that QImage::save writes. Qt's @p quality changes nothing but its size and the
+ * time it takes: 100 is the quickest. */
+QByteArray savedByQt(const QImage& image, int quality = -1);
 
 /** The chunks of a PNG file but for the picture's data, in order, each as type and data. */
 QList<QPair<QByteArray, QByteArray>> chunksBesideData(const QByteArray& png);
