@@ -18,7 +18,8 @@ def read_medians(paths):
             for entry in json.load(results)["benchmarks"]:
                 if entry.get("error_occurred"):
                     sys.exit("%s: %s" % (entry["name"], entry.get("error_message")))
-                if entry.get("aggregate_name") == "median":
+                # A single repetition is its own median, and has no other.
+                if entry.get("aggregate_name") == "median" or entry.get("repetitions") == 1:
                     row, who = entry["run_name"].split("/")[:2]
                     rows.setdefault(row, {})[who] = entry["real_time"] * NANOSECONDS[entry["time_unit"]]
     return rows
