@@ -279,20 +279,20 @@ QVector<Command> treeCommands()
 {
     Command output =
         treeCommand(QStringLiteral("output"),
-                    TreeCommands::tr("Moves a folder's content into an output folder, which may lie inside."),
+                    TreeCommands::tr("moves a folder's content into an output folder, which may lie inside"),
                     OPERATE_CUT_OUTPUT);
     output.options.append({QStringLiteral("leave"),
                            TreeCommands::tr("Names directly in SRC that stay, in any case: Log,build"),
                            QStringLiteral("NAME,...")});
     const Argument folder{QStringLiteral("FOLDER"), TreeCommands::tr("The folder."), Argument::Once};
     return {
-        treeCommand(QStringLiteral("copy"),
-                    TreeCommands::tr("Copies a folder's content into another folder."), OPERATE_COPY),
-        treeCommand(QStringLiteral("cut"), TreeCommands::tr("Moves a folder's content into another folder."),
+        treeCommand(QStringLiteral("copy"), TreeCommands::tr("copies a folder's content into another folder"),
+                    OPERATE_COPY),
+        treeCommand(QStringLiteral("cut"), TreeCommands::tr("moves a folder's content into another folder"),
                     OPERATE_CUT),
         output,
         {QStringLiteral("remove"),
-         TreeCommands::tr("Removes a folder with everything in it, read-only files too."),
+         TreeCommands::tr("removes a folder with everything in it, read-only files too"),
          {folder},
          {},
          removeFolder},
