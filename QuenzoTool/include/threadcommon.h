@@ -123,7 +123,7 @@ protected:
 
 private:
     // Its release at the end of run() publishes what the worker wrote, however the host learns of that end.
-    std::atomic<bool> m_published {false};
+    std::atomic<bool> m_published{false};
 };
 
 #endif
