@@ -56,7 +56,7 @@ TreeFolder TreeFolder::open(const QByteArray& path, Purpose purpose)
 TreeFolder TreeFolder::openChild(const QByteArray& name, Purpose purpose, Links links) const
 {
     if (!isOpen() || (links == LinksKept && QFileInfo(entryPath(*this, name)).isSymLink()))
-        return {};
+        return {-1, pathOf(name)};
     return open(pathOf(name), purpose);
 }
 
