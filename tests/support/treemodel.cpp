@@ -330,7 +330,7 @@ QMap<QString, QByteArray> TreeModel::contentOnDisk(const QString& path)
         if (!isFolder && !file.open(QIODevice::ReadOnly))
             qFatal("cannot read %s", qUtf8Printable(entry));
         const QByteArray content = isFolder ? QByteArray() : file.readAll();
-        found.insert(entry, described(isFolder, status.st_mode & 0777, content));
+        found.insert(entry, described(isFolder, static_cast<int>(status.st_mode & 0777), content));
         if (!isFolder)
             continue;
         chmod(qUtf8Printable(entry), 0755);
