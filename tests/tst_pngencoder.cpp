@@ -144,11 +144,13 @@ void tst_PngEncoder::setsAreHardlyLargerThanThroughQt_data()
     QTest::newRow("rgb") << photograph(512, 512);
     QTest::newRow("rgba") << photograph(512, 512, true);
     QTest::newRow("grey") << photograph(512, 512).convertToFormat(QImage::Format_Grayscale8);
+    QTest::newRow("sample") << QImage(QStringLiteral(SAMPLE_ICONS "/icon.png"));
 }
 
 void tst_PngEncoder::setsAreHardlyLargerThanThroughQt()
 {
     QFETCH(QImage, icon);
+    QVERIFY(!icon.isNull());
     qint64 ours = 0;
     qint64 theirs = 0;
     for (const int side : {29, 36, 40, 50, 57, 58, 72, 76, 80, 87, 100, 114, 120, 144, 152, 180, 192, 512}) {

@@ -9,15 +9,14 @@ class QImage;
 QT_END_NAMESPACE
 
 /**
- * Writes pictures as PNG, deflated by libdeflate where the build has it: a fifth of the usual time.
+ * Writes pictures as PNG, deflated by libdeflate where the build has it: in a fifth of the usual time.
  *
  * Pixels, colour type and every chunk beside the image data are those that QImage::save writes. Safe from
  * every thread.
  */
 namespace PngEncoder {
 
-/** The content of a PNG file with @p image, empty when there is none: a null picture, or one that Qt cannot
- * write. */
+/** The content of a PNG file with @p image, empty for a null picture and for one that Qt cannot write. */
 QByteArray encode(const QImage& image);
 
 /** What QImage::save writes with its default quality; encode() falls back on it. */
