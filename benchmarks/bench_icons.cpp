@@ -284,7 +284,7 @@ std::vector<Stream> distinctStreams(const Job& job)
 // Gives the sum of the deflated sizes.
 qint64 deflateOnAllCores(const std::vector<Stream>& streams)
 {
-    constexpr int level = 6; // the library's
+    constexpr int level = 5; // the library's
     std::atomic<std::size_t> next{0};
     std::atomic<qint64> bytes{0};
     std::vector<std::thread> threads;
