@@ -15,7 +15,7 @@
 
 #include <atomic>
 #include <deque>
-#include <memory>
+#include <optional>
 
 /** What a queued command does. Any other value is taken from the queue and ignored. */
 enum DB_COMMAND : int {
@@ -270,13 +270,13 @@ protected:
 
 private:
     bool deliver(DBCommandEvent& event);
-    std::unique_ptr<ST_DB_COMMAND> takeCommand();
+    std::optional<ST_DB_COMMAND> takeCommand();
     void perform(ST_DB_COMMAND& command);
     void commit();
 
     static DBHelper* singleInstance;
     QMutex m_mutex;
-    std::deque<std::unique_ptr<ST_DB_COMMAND>> m_lsCommand;
+    std::deque<ST_DB_COMMAND> m_lsCommand;
     std::atomic<bool> m_bRunning{false};
     std::atomic<bool> m_bTransaction{false};
     std::atomic<int> m_nEventCount{1};

@@ -203,12 +203,11 @@ void DBHelper::customEvent(QEvent* event)
     // Not by its number alone, which others may have chosen, too.
     if (event == nullptr || typeid(*event) != typeid(DBCommandEvent))
         return;
-    // Moved, since copies of its texts and rows would be most of the cost of queuing; the event ends with the
-    // call.
-    auto command = std::make_unique<ST_DB_COMMAND>(std::move(static_cast<DBCommandEvent*>(event)->m_command));
     const QMutexLocker locker(&m_mutex);
     const int queued = m_nQueued.load(std::memory_order_acquire);
-    m_lsCommand.push_back(std::move(command));
+    // Moved, since copies of its texts and rows would be most of the cost of queuing; the event ends with the
+    // call.
+    m_lsCommand.push_back(std::move(static_cast<DBCommandEvent*>(event)->m_command));
     m_nQueued.store(queued + 1, std::memory_order_release);
     m_nEventCount.store(m_nEventCount.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
 }
@@ -232,20 +231,20 @@ void DBHelper::commandExec()
         m_db.transaction();
         m_bTransaction.store(true, std::memory_order_release);
     }
-    if (const std::unique_ptr<ST_DB_COMMAND> command = takeCommand())
+    if (std::optional<ST_DB_COMMAND> command = takeCommand())
         perform(*command);
     if (m_nQueued.load(std::memory_order_acquire) == 0)
         commit();
 }
 
-std::unique_ptr<ST_DB_COMMAND> DBHelper::takeCommand()
+std::optional<ST_DB_COMMAND> DBHelper::takeCommand()
 {
     const QMutexLocker locker(&m_mutex);
     const int queued = m_nQueued.load(std::memory_order_acquire);
     if (queued == 0)
-        return nullptr;
+        return std::nullopt;
     m_bRunning.store(true, std::memory_order_release);
-    std::unique_ptr<ST_DB_COMMAND> command = std::move(m_lsCommand.front());
+    std::optional<ST_DB_COMMAND> command = std::move(m_lsCommand.front());
     m_lsCommand.pop_front();
     m_nQueued.store(queued - 1, std::memory_order_release);
     return command;

@@ -2,6 +2,7 @@
 #include "dbstatement.h"
 
 #include "connectionlock.h"
+#include "directrun.h"
 #include "statementtext.h"
 
 #include <QSqlDriver>
@@ -106,7 +107,12 @@ bool DBStatement::execute(const QMap<QString, QVariant>& row)
             m_database.isOpenError() ? m_database.lastError().text() : QStringLiteral("Database not open");
         return false;
     }
-    const bool done = (rebind(row) || prepare(row)) && m_query->exec();
+    const bool again = rebind(row);
+    const DirectRun run =
+        again ? runDirectly(*m_query, BoundValues::of(*m_query), m_error) : DirectRun::NotTried;
+    if (run != DirectRun::NotTried)
+        return run == DirectRun::Done;
+    const bool done = (again || prepare(row)) && m_query->exec();
     if (!done)
         m_error = m_query->lastError().text();
     return done;
