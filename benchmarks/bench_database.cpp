@@ -349,11 +349,12 @@ void selectByTableModel(benchmark::State& state)
 
 // A command as a host's line of code queues one: the texts are made at the call, the row was there before.
 // Its number is none that the worker knows, so that taking it off again is cheap.
-template <typename Queue> void queueSomething(Queue queue)
+template <typename Queue, typename Append> void queueSomething(Queue& queue, Append append)
 {
     static QVariantMap row = rows().at(0).toMap();
-    queue(static_cast<DB_COMMAND>(-1), QString::fromLatin1("channel"), row, QString::fromLatin1("id"),
-          QVariant(QString::fromLatin1("7")), false, QString::fromLatin1("tag"));
+    (queue.*append)(static_cast<DB_COMMAND>(-1), QString::fromLatin1("channel"), row,
+                    QString::fromLatin1("id"), QVariant(QString::fromLatin1("7")), false,
+                    QString::fromLatin1("tag"));
 }
 
 // The seconds that a command takes while as many as the benchmark's argument are queued before it.
@@ -377,21 +378,21 @@ void measureQueue(benchmark::State& state, const std::function<void()>& queueOne
 
 void queueCommand(benchmark::State& state)
 {
+    using Append = bool (DBHelper::*)(DB_COMMAND, QString, QVariantMap&, QString, QVariant, bool, QString);
     Stepped helper;
-    const auto queue = [&helper](auto&&... arguments) {
-        helper.threadToDatabase(std::forward<decltype(arguments)>(arguments)...);
-    };
     measureQueue(
-        state, [&queue] { queueSomething(queue); }, [&helper] { helper.commandExec(); });
+        state, [&helper] { queueSomething(helper, Append(&DBHelper::threadToDatabase)); },
+        [&helper] { helper.commandExec(); });
 }
 
 // The same command put behind a plain list under a mutex.
-void appendToLockedList(benchmark::State& state)
-{
-    QMutex mutex;
-    QList<ST_DB_COMMAND*> list;
-    const auto append = [&](DB_COMMAND command, QString tableName, QVariantMap& row, QString key,
-                            QVariant value, bool encode, QString tag) {
+class LockedList {
+public:
+    ~LockedList() { qDeleteAll(m_list); }
+
+    bool append(DB_COMMAND command, QString tableName, QVariantMap& row, QString key, QVariant value,
+                bool encode, QString tag)
+    {
         Q_UNUSED(key)
         Q_UNUSED(value)
         auto record = std::make_unique<ST_DB_COMMAND>();
@@ -400,12 +401,23 @@ void appendToLockedList(benchmark::State& state)
         record->mapValue = row;
         record->bEncode = encode;
         record->usrExt = std::move(tag);
-        const QMutexLocker locker(&mutex);
-        list.append(record.release());
-    };
+        const QMutexLocker locker(&m_mutex);
+        m_list.append(record.release());
+        return true;
+    }
+
+    void takeFirst() { delete m_list.takeFirst(); }
+
+private:
+    QMutex m_mutex;
+    QList<ST_DB_COMMAND*> m_list;
+};
+
+void appendToLockedList(benchmark::State& state)
+{
+    LockedList list;
     measureQueue(
-        state, [&append] { queueSomething(append); }, [&list] { delete list.takeFirst(); });
-    qDeleteAll(list);
+        state, [&list] { queueSomething(list, &LockedList::append); }, [&list] { list.takeFirst(); });
 }
 
 void registerInsertions()

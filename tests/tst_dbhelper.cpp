@@ -47,6 +47,7 @@ private Q_SLOTS:
     void commandsOfOtherThreadsAreQueued();
     void otherEventsAreDropped();
     void commandEventCarriesItsCommand();
+    void commandEventsOfHostsStayAsTheyAre();
 
     void oneConditionFormRejectsUpdate();
     void noConditionFormRejectsWriting_data();
@@ -265,6 +266,22 @@ void tst_DBHelper::commandEventCarriesItsCommand()
     m_database->customEvent(&event);
     m_database->runBurst();
     QCOMPARE(m_database->committedIds(), QVariantList{1});
+}
+
+void tst_DBHelper::commandEventsOfHostsStayAsTheyAre()
+{
+    struct HostsEvent : DBCommandEvent {
+    } event;
+    event.m_command.command = DB_INSERT;
+    event.m_command.tableName = table;
+    for (const int id : {1, 2}) {
+        event.m_command.mapValue = row(id, 0);
+        m_database->customEvent(&event);
+        QCOMPARE(event.m_command.tableName, table);
+        QCOMPARE(event.m_command.mapValue, row(id, 0));
+    }
+    m_database->runBurst();
+    QCOMPARE(m_database->committedIds(), (QVariantList{1, 2}));
 }
 
 void tst_DBHelper::oneConditionFormRejectsUpdate()

@@ -41,7 +41,7 @@ struct ST_DB_COMMAND {
 /** The event type of DBCommandEvent. */
 constexpr QEvent::Type DB_EVENT_TYPE = static_cast<QEvent::Type>(QEvent::User + 1028);
 
-/** Carries one command to DBHelper, which takes it out, on the stack of the call that queues it. */
+/** Carries one command to DBHelper, on the stack of the call that queues it. */
 class QUENZOTOOL_EXPORT DBCommandEvent : public QEvent {
 public:
     DBCommandEvent();
@@ -259,7 +259,7 @@ Q_SIGNALS:
 protected:
     DBHelper();
 
-    /** Takes the command of a DBCommandEvent into the queue, on the caller's thread. Drops other events. */
+    /** Queues the command of a DBCommandEvent, on the caller's thread. Drops other events. */
     void customEvent(QEvent* event) override;
 
     /** Runs queued commands; looks once a second when there are none. Never returns. */
@@ -270,6 +270,7 @@ protected:
 
 private:
     bool deliver(DBCommandEvent& event);
+    void enqueue(ST_DB_COMMAND&& command);
     std::optional<ST_DB_COMMAND> takeCommand();
     void perform(ST_DB_COMMAND& command);
     void commit();

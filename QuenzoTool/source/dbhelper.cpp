@@ -44,6 +44,9 @@ void fill(ST_DB_COMMAND& record, DB_COMMAND command, QString& tableName, QString
     record.usrExt = std::move(usrExt);
 }
 
+// An event of our own call, which ends with it.
+class QueuingEvent : public DBCommandEvent { };
+
 } // namespace
 
 DBHelper* DBHelper::singleInstance = nullptr;
@@ -146,7 +149,7 @@ bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QMap<QStr
                                 QString key, QVariant value, bool bEncode, QString usrExt)
 {
     m_bRunning.store(true, std::memory_order_release);
-    DBCommandEvent event;
+    QueuingEvent event;
     fill(event.m_command, command, tableName, key, value, bEncode, usrExt);
     event.m_command.mapValue = mapValue;
     return deliver(event);
@@ -155,7 +158,7 @@ bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QMap<QStr
 bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QList<QVariant>& lsRecord, QString key,
                                 QVariant value, bool bEncode, QString usrExt)
 {
-    DBCommandEvent event;
+    QueuingEvent event;
     fill(event.m_command, command, tableName, key, value, bEncode, usrExt);
     event.m_command.lsRecord = lsRecord;
     return deliver(event);
@@ -200,14 +203,21 @@ bool DBHelper::deliver(DBCommandEvent& event)
 
 void DBHelper::customEvent(QEvent* event)
 {
-    // Not by its number alone, which others may have chosen, too.
-    if (event == nullptr || typeid(*event) != typeid(DBCommandEvent))
+    if (event == nullptr)
         return;
+    // Copies of texts and rows would be most of the cost of queuing.
+    if (typeid(*event) == typeid(QueuingEvent))
+        enqueue(std::move(static_cast<QueuingEvent*>(event)->m_command));
+    // Not by its number alone, which others may have chosen, too.
+    else if (const auto* const carrier = dynamic_cast<DBCommandEvent*>(event))
+        enqueue(ST_DB_COMMAND(carrier->m_command));
+}
+
+void DBHelper::enqueue(ST_DB_COMMAND&& command)
+{
     const QMutexLocker locker(&m_mutex);
     const int queued = m_nQueued.load(std::memory_order_acquire);
-    // Moved, since copies of its texts and rows would be most of the cost of queuing; the event ends with the
-    // call.
-    m_lsCommand.push_back(std::move(static_cast<DBCommandEvent*>(event)->m_command));
+    m_lsCommand.push_back(std::move(command));
     m_nQueued.store(queued + 1, std::memory_order_release);
     m_nEventCount.store(m_nEventCount.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
 }
