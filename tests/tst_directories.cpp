@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -113,6 +114,8 @@ private Q_SLOTS:
     void removalLeavesWhatLinksLeadTo();
     void removalThroughALinkIsFalse();
     void removalReportsWhatStays();
+    void removalWithoutFreeHandlesIsFalse();
+    void removalTakesFoldersOfManyFiles();
 
 private:
     bool copy(bool overwrite = true)
@@ -671,6 +674,29 @@ void tst_Directories::removalReportsWhatStays()
     QVERIFY(!exists(m_source + "/free/file"));
     QVERIFY(exists(m_source + "/locked/file"));
     setMode(m_source + "/locked", 0755);
+}
+
+void tst_Directories::removalWithoutFreeHandlesIsFalse()
+{
+    write(m_source + "/file");
+    rlimit before{};
+    QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{3, before.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
+    QDir source = folder(m_source);
+    const bool removed = QuenzoTool::removeRecursively(source);
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &before), 0);
+    QVERIFY(!removed);
+    QVERIFY(exists(m_source + "/file"));
+}
+
+void tst_Directories::removalTakesFoldersOfManyFiles()
+{
+    for (int i = 0; i < 1001; ++i)
+        write(m_source + "/folder" + QByteArray::number(i % 3) + "/file" + QByteArray::number(i));
+    QDir source = folder(m_source);
+    QVERIFY(QuenzoTool::removeRecursively(source));
+    QVERIFY(!exists(m_source));
 }
 
 QTEST_GUILESS_MAIN(tst_Directories)
