@@ -3,6 +3,7 @@
 
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 #include <string>
@@ -17,7 +18,63 @@ void write(std::FILE* stream, const QString& text)
     std::fflush(stream);
 }
 
+// C0, DEL and C1, all of which terminals act upon.
+bool isControl(QChar letter)
+{
+    return letter.unicode() < 0x20 || (letter.unicode() >= 0x7f && letter.unicode() < 0xa0);
+}
+
+QString escaped(QChar control)
+{
+    switch (control.unicode()) {
+    case '\n':
+        return QStringLiteral("\\n");
+    case '\r':
+        return QStringLiteral("\\r");
+    case '\t':
+        return QStringLiteral("\\t");
+    default:
+        return QStringLiteral("\\x%1").arg(control.unicode(), 2, 16, QLatin1Char('0'));
+    }
+}
+
+QString withoutControls(const QString& text, const QString& kept)
+{
+    if (std::none_of(text.cbegin(), text.cend(), isControl))
+        return text;
+    QString result;
+    result.reserve(text.size());
+    for (const QChar letter : text) {
+        if (isControl(letter) && !kept.contains(letter))
+            result += escaped(letter);
+        else
+            result += letter;
+    }
+    return result;
+}
+
+// Inside its strings JSON can name every character by its number, and outside of them there are no controls.
+QString jsonLine(const QJsonObject& values)
+{
+    QString line;
+    const QString text = QString::fromUtf8(QJsonDocument(values).toJson(QJsonDocument::Compact));
+    if (std::none_of(text.cbegin(), text.cend(), isControl))
+        return text;
+    for (const QChar letter : text) {
+        if (isControl(letter))
+            line += QStringLiteral("\\u%1").arg(letter.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            line += letter;
+    }
+    return line;
+}
+
 } // namespace
+
+QString Console::shown(const QString& text)
+{
+    return withoutControls(text, {});
+}
 
 bool Console::isInteractive()
 {
@@ -34,7 +91,8 @@ void Console::print(const QString& line)
     if (m_json)
         return;
     clearProgress();
-    write(stdout, line + QLatin1Char('\n'));
+    const QString text = outputIsTerminal() ? withoutControls(line, QStringLiteral("\n\t")) : line;
+    write(stdout, text + QLatin1Char('\n'));
 }
 
 void Console::set(const QString& key, const QJsonValue& value)
@@ -42,27 +100,30 @@ void Console::set(const QString& key, const QJsonValue& value)
     m_values.insert(key, value);
 }
 
-void Console::error(const QString& text)
+void Console::error(const QString& text, const QStringList& lines)
 {
-    m_values.insert(QStringLiteral("error"), text);
-    writeDiagnostic(text);
+    m_values.insert(QStringLiteral("error"), (QStringList(text) + lines).join(QLatin1Char('\n')));
+    writeDiagnostic(text, lines);
 }
 
-void Console::warn(const QString& text)
+void Console::warn(const QString& text, const QStringList& lines)
 {
-    writeDiagnostic(text);
+    writeDiagnostic(text, lines);
 }
 
-void Console::writeDiagnostic(const QString& text)
+void Console::writeDiagnostic(const QString& text, const QStringList& lines)
 {
     clearProgress();
-    write(stderr, QStringLiteral("quenzo: ") + text + QLatin1Char('\n'));
+    QString whole = QStringLiteral("quenzo: ") + shown(text) + QLatin1Char('\n');
+    for (const QString& line : lines)
+        whole += shown(line) + QLatin1Char('\n');
+    write(stderr, whole);
 }
 
 QString Console::ask(const QString& question)
 {
     clearProgress();
-    write(stderr, question + QLatin1Char(' '));
+    write(stderr, shown(question) + QLatin1Char(' '));
     std::string line;
     std::getline(std::cin, line);
     return QString::fromStdString(line).trimmed();
@@ -72,7 +133,7 @@ void Console::showProgress(const QString& text)
 {
     if (isatty(STDERR_FILENO) == 0)
         return;
-    write(stderr, QStringLiteral("\r\033[K") + text);
+    write(stderr, QStringLiteral("\r\033[K") + shown(text));
     m_progressShown = true;
 }
 
@@ -91,6 +152,5 @@ void Console::finish(const QString& command, bool ok)
         return;
     m_values.insert(QStringLiteral("command"), command);
     m_values.insert(QStringLiteral("ok"), ok);
-    write(stdout,
-          QString::fromUtf8(QJsonDocument(m_values).toJson(QJsonDocument::Compact)) + QLatin1Char('\n'));
+    write(stdout, jsonLine(m_values) + QLatin1Char('\n'));
 }

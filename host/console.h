@@ -4,6 +4,7 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 
 /** Where a command reports: results on the standard output, diagnostics and progress on the standard error.
  */
@@ -14,6 +15,12 @@ public:
     {
     }
 
+    /**
+     * A text in which nothing steers a terminal: control characters stand as \n, \r, \t or like \x1b.
+     * Names of files may hold them. What is handed to error(), warn() and the like needs no call of this.
+     */
+    static QString shown(const QString& text);
+
     /** Whether one JSON object is wanted in the place of the result's text. */
     bool json() const { return m_json; }
 
@@ -23,17 +30,20 @@ public:
     /** Whether a person reads the results. */
     static bool outputIsTerminal();
 
-    /** A line of the result for people; nothing with JSON. */
+    /**
+     * A result for people; nothing with JSON. It is printed as it stands, but for a terminal, where only line
+     * feeds and tabs keep their effect: names in it may need shown().
+     */
     void print(const QString& line);
 
     /** A value of the result for machines; nothing without JSON. */
     void set(const QString& key, const QJsonValue& value);
 
-    /** A diagnostic; with JSON also the value of "error". */
-    void error(const QString& text);
+    /** A diagnostic, with further lines below it; with JSON also the value of "error". */
+    void error(const QString& text, const QStringList& lines = {});
 
     /** A diagnostic that leaves the operation's success alone. */
-    void warn(const QString& text);
+    void warn(const QString& text, const QStringList& lines = {});
 
     /** Asks the person at the terminal; empty at the end of the input. */
     QString ask(const QString& question);
@@ -46,7 +56,7 @@ public:
     void finish(const QString& command, bool ok);
 
 private:
-    void writeDiagnostic(const QString& text);
+    void writeDiagnostic(const QString& text, const QStringList& lines);
 
     bool m_json;
     bool m_progressShown = false;

@@ -87,12 +87,12 @@ QString packageOf(const QString& apk, Console& console)
     return name;
 }
 
-QString numberedList(const QStringList& serials)
+QStringList numberedList(const QStringList& serials)
 {
-    QString text;
+    QStringList lines;
     for (int i = 0; i < serials.size(); ++i)
-        text += QStringLiteral("\n  %1  %2").arg(i + 1).arg(serials.at(i));
-    return text;
+        lines.append(QStringLiteral("  %1  %2").arg(i + 1).arg(serials.at(i)));
+    return lines;
 }
 
 // The device asked for, the only one, or the person's choice; empty, with the reason reported, when there is
@@ -107,19 +107,19 @@ QString chooseDevice(const QString& wanted, Console& console)
     if (!wanted.isEmpty()) {
         if (serials.contains(wanted))
             return wanted;
-        console.error(
-            DeviceCommands::tr("the device %1 is not ready. Ready:%2").arg(wanted, numberedList(serials)));
+        console.error(DeviceCommands::tr("the device %1 is not ready. Ready:").arg(wanted),
+                      numberedList(serials));
         return {};
     }
     if (serials.size() == 1)
         return serials.first();
 
     if (!Console::isInteractive()) {
-        console.error(DeviceCommands::tr("several devices are ready: choose one by --device.%1")
-                          .arg(numberedList(serials)));
+        console.error(DeviceCommands::tr("several devices are ready: choose one by --device."),
+                      numberedList(serials));
         return {};
     }
-    console.warn(DeviceCommands::tr("several devices are ready:%1").arg(numberedList(serials)));
+    console.warn(DeviceCommands::tr("several devices are ready:"), numberedList(serials));
     while (true) {
         const QString answer = console.ask(DeviceCommands::tr("Number of the device:"));
         if (answer.isEmpty())

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "diagnostics.h"
 
+#include "console.h"
+
 #include <QMutex>
 #include <QStringList>
 
@@ -20,7 +22,7 @@ void keep(QtMsgType type, const QMessageLogContext& context, const QString& text
         return;
     if (type != QtDebugMsg
         || !QString::fromUtf8(context.file).startsWith(QLatin1String("QuenzoTool/source/"))) {
-        handlerBefore(type, context, text);
+        handlerBefore(type, context, Console::shown(text));
         return;
     }
     const QMutexLocker locker(&mutex);

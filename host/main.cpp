@@ -64,7 +64,7 @@ QString overview(const QVector<Command>& commands)
 
 ExitCode usageError(const QString& text, const QString& command = {})
 {
-    writeLine(stderr, QStringLiteral("quenzo: ") + text);
+    writeLine(stderr, QStringLiteral("quenzo: ") + Console::shown(text));
     const QString help = command.isEmpty() ? QStringLiteral("--help") : command + QStringLiteral(" --help");
     writeLine(stderr, Program::tr("Try: quenzo %1").arg(help));
     return ExitUsage;

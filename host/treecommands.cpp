@@ -192,7 +192,7 @@ ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Conso
     }
     const QString text =
         operate == OPERATE_COPY ? TreeCommands::tr("Copied %1 to %2") : TreeCommands::tr("Moved %1 to %2");
-    console.print(text.arg(summaryOf(moved), paths.target));
+    console.print(text.arg(summaryOf(moved), Console::shown(paths.target)));
     return ExitDone;
 }
 
@@ -256,7 +256,7 @@ ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
         console.error(TreeCommands::tr("not everything in '%1' could be removed").arg(path));
         return ExitFailed;
     }
-    console.print(TreeCommands::tr("Removed %1: %2").arg(path, summaryOf(gone)));
+    console.print(TreeCommands::tr("Removed %1: %2").arg(Console::shown(path), summaryOf(gone)));
     return ExitDone;
 }
 

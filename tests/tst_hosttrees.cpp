@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The tree commands of the program "quenzo", as a user runs them.
+#include "terminal.h"
 #include "treefiles.h"
 
 #include <QDir>
@@ -43,6 +44,10 @@ private Q_SLOTS:
     void failedOutputNamesTheFileFromTheLog();
     void failedCopyNamesTheEntry();
     void namesWithAColonAreFilesAndNotResources();
+    void controlCharactersAreShownEscaped_data();
+    void controlCharactersAreShownEscaped();
+    void unknownCommandsAreShownEscaped();
+    void resultsSteerNoTerminal();
 
 private:
     Outcome run(const QStringList& words) const;
@@ -216,6 +221,64 @@ void tst_HostTrees::namesWithAColonAreFilesAndNotResources()
     write(m_root + "/:source/:x", "content");
     QCOMPARE(run({QStringLiteral("cut"), QStringLiteral(":source"), QStringLiteral(":target")}).code, 0);
     QCOMPARE(TreeFiles::read(m_root + "/:target/:x"), QByteArray("content"));
+}
+
+void tst_HostTrees::controlCharactersAreShownEscaped_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("shown");
+    const auto row = [](const char* tag, const QString& name, const char* shown) {
+        QTest::newRow(tag) << name << QString::fromLatin1(shown);
+    };
+    row("escape", QStringLiteral("a\x1b[31mred"), R"(a\x1b[31mred)");
+    row("C1 control", QStringLiteral("a") + QChar(0x9b) + QStringLiteral("2J"), R"(a\x9b2J)");
+    row("DEL", QStringLiteral("a\x7f"), R"(a\x7f)");
+    row("line", QStringLiteral("a\r\nquenzo: b"), R"(a\r\nquenzo: b)");
+    row("tab and bell", QStringLiteral("a\t\x07"), R"(a\t\x07)");
+    row("others stay", QStringLiteral("\u00a0\u00e9\u4e2d\\n"), "\\n");
+}
+
+void tst_HostTrees::controlCharactersAreShownEscaped()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, shown);
+    const Outcome failed =
+        run({QStringLiteral("copy"), name, QStringLiteral("target"), QStringLiteral("--json")});
+    QCOMPARE(failed.code, 1);
+    QVERIFY2(failed.error.contains(shown + QLatin1Char('\'')), qPrintable(failed.error));
+    QCOMPARE(failed.error.count(QLatin1Char('\n')), 1);
+    QCOMPARE(failed.json().value(QStringLiteral("source")).toString(),
+             m_folder->path() + QLatin1Char('/') + name);
+
+    write(m_root + "/source/file");
+    const Outcome done = run({QStringLiteral("copy"), QStringLiteral("source"), name});
+    QCOMPARE(done.code, 0);
+    QVERIFY2(done.output.endsWith(shown + QLatin1Char('\n')), qPrintable(done.output));
+    QCOMPARE(done.output.count(QLatin1Char('\n')), 1);
+}
+
+void tst_HostTrees::unknownCommandsAreShownEscaped()
+{
+    const Outcome outcome = run({QStringLiteral("copy\x1b]0;title\x07")});
+    QCOMPARE(outcome.code, 2);
+    QVERIFY2(outcome.error.contains(QLatin1String(R"('copy\x1b]0;title\x07')")), qPrintable(outcome.error));
+}
+
+void tst_HostTrees::resultsSteerNoTerminal()
+{
+    const QString text = QStringLiteral("two\nlines \x1b[2J ") + QChar(0x9b) + QStringLiteral("2J");
+    const QString scrambled = run({QStringLiteral("encode"), text}).output.trimmed();
+    QCOMPARE(run({QStringLiteral("decode"), scrambled}).output, text + QLatin1Char('\n'));
+    const Outcome json = run({QStringLiteral("decode"), QStringLiteral("--json"), scrambled});
+    QCOMPARE(json.json().value(QStringLiteral("text")).toString(), text);
+    QVERIFY(!json.output.contains(QChar(0x9b)));
+
+    Terminal terminal;
+    QProcess process;
+    process.setStandardOutputFile(terminal.path());
+    process.start(QStringLiteral(QUENZO_PROGRAM), {QStringLiteral("decode"), scrambled});
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(terminal.shown(), QByteArray("two\r\nlines \\x1b[2J \\x9b2J\r\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_HostTrees)
