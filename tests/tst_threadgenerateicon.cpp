@@ -190,6 +190,8 @@ private Q_SLOTS:
     void everyOtherPlatformIsIos();
     void unscaledFileKeepsItsNameAtAnySize();
     void oblongIconKeepsItsShape();
+    void markKeepsItsColoursOnAPalette_data();
+    void markKeepsItsColoursOnAPalette();
     void noMarkSurvivesIntoTheNextChannel();
     void laterChannelOfAFolderWins_data();
     void laterChannelOfAFolderWins();
@@ -496,6 +498,50 @@ void tst_ThreadGenerateIcon::oblongIconKeepsItsShape()
     job.run({channel("None", "a")});
     QCOMPARE(QImage(job.out(QStringLiteral("a/icon192x192.png"))).size(), QSize(192, 96));
     QCOMPARE(job.produced("a").size(), QSize(512, 256));
+}
+
+void tst_ThreadGenerateIcon::markKeepsItsColoursOnAPalette_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<QImage::Format>("loadedAs");
+    QTest::addColumn<QColor>("ground");
+    const auto row = [](const char* title, const char* format, QImage::Format loadedAs,
+                        const QColor& ground) {
+        QTest::newRow(title) << QByteArray(format) << loadedAs << ground;
+    };
+    row("black and white", "PNG", QImage::Format_Mono, Qt::white);
+    row("two colours", "PNG", QImage::Format_Mono, Qt::darkCyan);
+    row("one of two transparent", "PNG", QImage::Format_Mono, Qt::transparent);
+    row("least bit first", "XBM", QImage::Format_MonoLSB, Qt::white);
+    row("palette", "PNG", QImage::Format_Indexed8, Qt::darkCyan);
+}
+
+void tst_ThreadGenerateIcon::markKeepsItsColoursOnAPalette()
+{
+    QFETCH(const QByteArray, format);
+    QFETCH(const QImage::Format, loadedAs);
+    QFETCH(const QColor, ground);
+    Job job;
+    QImage master(100, 100, loadedAs);
+    master.setColorTable({ground.rgba(), qRgb(0, 0, 0)});
+    master.fill(0);
+    for (int i = 0; i < 50; ++i)
+        master.setPixel(99, i, 1);
+    job.icon = job.path(QStringLiteral("game.") + QString::fromLatin1(format).toLower());
+    job.writePicture(job.icon, master, format.constData());
+    QCOMPARE(QImage(job.icon).format(), loadedAs);
+    QImage red(20, 20, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    job.writePicture(job.markPath(QStringLiteral("red"), QStringLiteral("left-top")), red);
+    job.run({channel("red", "a", 0, 30, -40)});
+
+    QImage expected(100, 100, QImage::Format_ARGB32);
+    expected.fill(ground);
+    for (int i = 0; i < 50; ++i)
+        expected.setPixelColor(99, i, Qt::black);
+    for (int i = 0; i < 20 * 20; ++i)
+        expected.setPixelColor(30 + i % 20, 40 + i / 20, Qt::red);
+    QCOMPARE(job.produced("a").convertToFormat(QImage::Format_ARGB32), expected);
 }
 
 void tst_ThreadGenerateIcon::noMarkSurvivesIntoTheNextChannel()

@@ -57,8 +57,8 @@ void drawMark(QImage& icon, const QImage& mark, const Decoration& decoration)
         left < icon.width() && left + mark.width() > 0 && top < icon.height() && top + mark.height() > 0;
     if (icon.isNull() || mark.isNull() || !visible)
         return;
-    // QPainter refuses indexed pictures.
-    if (icon.format() == QImage::Format_Indexed8)
+    // QPainter refuses pictures with a table of colours, or paints with the nearest of two.
+    if (icon.pixelFormat().colorModel() == QPixelFormat::Indexed)
         icon = icon.convertToFormat(icon.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     QPainter painter(&icon);
     painter.drawImage(static_cast<int>(left), static_cast<int>(top), mark);

@@ -41,7 +41,7 @@ QImage IconPictures::mark(int side, const QColor& colour)
 
 QImage IconPictures::marked(QImage icon, const QImage& mark, int x, int y)
 {
-    if (icon.format() == QImage::Format_Indexed8)
+    if (icon.colorCount() > 0)
         icon = icon.convertToFormat(icon.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     QPainter painter(&icon);
     painter.drawImage(x, -y, mark);
