@@ -204,6 +204,7 @@ private Q_SLOTS:
     void brokenIconGivesFoldersWithoutFiles();
     void missingOrBrokenMarkLeavesTheIconUnmarked();
     void fileThatCannotBeWrittenIsPassedOver();
+    void filesNamedLikeUnfinishedOnesStay();
     void halfWrittenFileIsTakenAway_data();
     void halfWrittenFileIsTakenAway();
     void fullDiskEndsWithWholeFilesOnly();
@@ -660,15 +661,39 @@ void tst_ThreadGenerateIcon::fileThatCannotBeWrittenIsPassedOver()
     Job job;
     job.write(job.out(QStringLiteral("file")), "in the way of a folder");
     QVERIFY(QDir().mkpath(job.out(QStringLiteral("b/icon72x72.png"))));
-    QVERIFY(QDir().mkpath(job.out(QStringLiteral("b/icon96x96.png.part"))));
     job.thread.setClearDirFirst(false);
     job.run({channel("None", "file"), channel("None", "b"), channel("None", "c")});
     QStringList expected = namesOf(android);
     expected.removeOne(QStringLiteral("icon72x72.png"));
-    expected.removeOne(QStringLiteral("icon96x96.png"));
     QCOMPARE(job.filesIn(QStringLiteral("b")), expected);
     QCOMPARE(job.filesIn(QStringLiteral("c")), namesOf(android));
     QVERIFY(QFileInfo(job.out(QStringLiteral("file"))).isFile());
+}
+
+void tst_ThreadGenerateIcon::filesNamedLikeUnfinishedOnesStay()
+{
+    Job job;
+    const QString precious = job.path(QStringLiteral("precious"));
+    job.write(precious, "precious");
+    job.write(job.out(QStringLiteral("a/icon36x36.png.part")), "precious");
+    job.write(job.out(QStringLiteral("a/icon36x36.png.part1")), "precious");
+    QVERIFY(QFile::link(precious, job.out(QStringLiteral("a/icon48x48.png.part"))));
+    QVERIFY(QFile::link(job.path(QStringLiteral("absent")), job.out(QStringLiteral("a/icon72x72.png.part"))));
+    QVERIFY(QDir().mkpath(job.out(QStringLiteral("a/icon96x96.png.part"))));
+    job.thread.setClearDirFirst(false);
+    job.run({channel("None", "a")});
+    for (const char* file :
+         {"precious", "out/a/icon36x36.png.part", "out/a/icon36x36.png.part1", "out/a/icon48x48.png.part"}) {
+        QFile kept(job.path(QString::fromUtf8(file)));
+        QVERIFY2(kept.open(QIODevice::ReadOnly), file);
+        QCOMPARE(kept.readAll(), QByteArray("precious"));
+    }
+    QVERIFY(!QFileInfo::exists(job.path(QStringLiteral("absent"))));
+    for (const char* name :
+         {"icon36x36.png.part", "icon36x36.png.part1", "icon48x48.png.part", "icon72x72.png.part"})
+        QVERIFY2(QFile::remove(job.out(QStringLiteral("a/") + QString::fromUtf8(name))), name);
+    QVERIFY(QDir().rmdir(job.out(QStringLiteral("a/icon96x96.png.part"))));
+    QCOMPARE(differencesFrom(QImage(job.icon), job.out(QStringLiteral("a")), android), QString());
 }
 
 void tst_ThreadGenerateIcon::halfWrittenFileIsTakenAway_data()

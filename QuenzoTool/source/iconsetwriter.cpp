@@ -4,6 +4,7 @@
 #include "pngencoder.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cstdio>
 #include <new>
@@ -15,11 +16,10 @@ namespace {
 // memory.
 constexpr std::size_t mostWaiting = 16;
 
-bool writeContent(const QString& path, const QByteArray& content)
+// Fills a file that was just opened. What cannot be written whole is taken away, and emptied before: its
+// folder may take no changes, or its name be a link.
+bool fill(QFile& file, const QByteArray& content)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return false;
     const bool complete = file.write(content) == content.size();
     file.close();
     if (complete && file.error() == QFileDevice::NoError)
@@ -28,19 +28,36 @@ bool writeContent(const QString& path, const QByteArray& content)
     return false;
 }
 
+// Makes a file beside the path, of a name that nothing has: neither a file that stays nor a link to one.
+bool openBeside(QFile& file, const QString& path)
+{
+    for (int number = 0;; ++number) {
+        const QString suffix = number == 0 ? QString() : QString::number(number);
+        file.setFileName(path + QStringLiteral(".part") + suffix);
+        if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
+            return true;
+        const QFileInfo taken(file.fileName());
+        if (!taken.exists() && !taken.isSymLink())
+            return false;
+    }
+}
+
 // A new file gets its name once it is whole. One that is there is overwritten in place: it may be a link,
 // have rights of its own or stand in a folder that takes no new files.
 void writeFile(const QString& path, const QByteArray& content)
 {
-    if (QFile::exists(path)) {
-        writeContent(path, content);
+    QFile file(path);
+    const QFileInfo present(path);
+    if (present.exists()) {
+        // Opening a pipe would wait for someone to read it.
+        if (present.isFile() && file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+            fill(file, content);
         return;
     }
-    const QString part = path + QStringLiteral(".part");
-    if (!writeContent(part, content))
+    if (!openBeside(file, path) || !fill(file, content))
         return;
-    if (std::rename(QFile::encodeName(part).constData(), QFile::encodeName(path).constData()) != 0)
-        QFile::remove(part);
+    if (std::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(path).constData()) != 0)
+        file.remove();
 }
 
 } // namespace
