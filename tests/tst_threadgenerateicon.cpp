@@ -207,6 +207,7 @@ private Q_SLOTS:
     void filesNamedLikeUnfinishedOnesStay();
     void halfWrittenFileIsTakenAway_data();
     void halfWrittenFileIsTakenAway();
+    void halfWrittenFileBehindALinkIsEmptied();
     void fullDiskEndsWithWholeFilesOnly();
     void overwritingGoesThroughLinks();
     void memoryStaysFlat();
@@ -711,16 +712,7 @@ void tst_ThreadGenerateIcon::halfWrittenFileIsTakenAway()
     if (overwriting)
         job.write(job.out(QStringLiteral("a/icon512x512.png")), "old");
     job.thread.setClearDirFirst(false);
-
-    const auto handlerBefore = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
-    rlimit small = before;
-    small.rlim_cur = 70000;
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
-    job.run({channel("None", "a")});
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
-    std::signal(SIGXFSZ, handlerBefore);
+    runWithSmallFilesOnly(job);
 
     QStringList expected = namesOf(android);
     expected.removeOne(QStringLiteral("icon512x512.png"));

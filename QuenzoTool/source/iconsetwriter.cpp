@@ -24,6 +24,7 @@ bool fill(QFile& file, const QByteArray& content)
     file.close();
     if (complete && file.error() == QFileDevice::NoError)
         return true;
+    file.resize(0);
     file.remove();
     return false;
 }
