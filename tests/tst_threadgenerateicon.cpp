@@ -14,6 +14,7 @@
 #include <csignal>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace IconPictures;
 
@@ -46,6 +47,12 @@ QStringList namesOf(int platform)
 ST_CHANNEL_ICON channel(const char* mark, const char* folder, int corner = 0, int x = 0, int y = 0)
 {
     return {x, y, corner, QString::fromUtf8(mark), QString::fromUtf8(folder)};
+}
+
+void makePipe(const QString& path)
+{
+    if (mkfifo(QFile::encodeName(path).constData(), 0600) != 0)
+        qFatal("cannot make the pipe %s", qPrintable(path));
 }
 
 // Runs the class in a folder of its own with the marks "red" and "blue", whose corners differ.
@@ -131,6 +138,21 @@ public:
     int defaultY = -9;
 };
 
+// A limit on the size of files breaks off writing as a full disk does.
+void runWithSmallFilesOnly(Job& job)
+{
+    const auto handlerBefore = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit small = before;
+    small.rlim_cur = 70000;
+    if (setrlimit(RLIMIT_FSIZE, &small) != 0)
+        qFatal("cannot limit the size of files");
+    job.run({channel("None", "a")});
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handlerBefore);
+}
+
 // Whether the folder holds exactly one set, each file as Qt alone makes it of @p icon.
 QString differencesFrom(const QImage& icon, const QString& folder, int platform)
 {
@@ -203,6 +225,8 @@ private Q_SLOTS:
 
     void brokenIconGivesFoldersWithoutFiles();
     void missingOrBrokenMarkLeavesTheIconUnmarked();
+    void pipeIsNoPicture();
+    void pipeIsNoFileToWrite();
     void fileThatCannotBeWrittenIsPassedOver();
     void filesNamedLikeUnfinishedOnesStay();
     void halfWrittenFileIsTakenAway_data();
@@ -657,6 +681,34 @@ void tst_ThreadGenerateIcon::missingOrBrokenMarkLeavesTheIconUnmarked()
         QCOMPARE(differencesFrom(QImage(job.icon), job.out(QString::fromUtf8(folder)), android), QString());
 }
 
+void tst_ThreadGenerateIcon::pipeIsNoPicture()
+{
+    Job job;
+    const QString picture = job.markPath(QStringLiteral("pipe"), QStringLiteral("left-top"));
+    QVERIFY(QDir().mkpath(QFileInfo(picture).path()));
+    makePipe(picture);
+    job.run({channel("pipe", "a"), channel("red", "b")});
+    QVERIFY(job.produced("a") == QImage(job.icon));
+    QCOMPARE(job.filesIn(QStringLiteral("b")), namesOf(android));
+
+    job.icon = picture;
+    job.run({channel("None", "a")});
+    QVERIFY(QDir(job.out(QStringLiteral("a"))).exists());
+    QVERIFY(QDir(job.out(QStringLiteral("a"))).isEmpty());
+}
+
+void tst_ThreadGenerateIcon::pipeIsNoFileToWrite()
+{
+    Job job;
+    QVERIFY(QDir().mkpath(job.out(QStringLiteral("a"))));
+    makePipe(job.out(QStringLiteral("a/icon48x48.png")));
+    job.thread.setClearDirFirst(false);
+    job.run({channel("None", "a")});
+    QStringList expected = namesOf(android);
+    expected.removeOne(QStringLiteral("icon48x48.png"));
+    QCOMPARE(job.filesIn(QStringLiteral("a")), expected);
+}
+
 void tst_ThreadGenerateIcon::fileThatCannotBeWrittenIsPassedOver()
 {
     Job job;
@@ -704,7 +756,6 @@ void tst_ThreadGenerateIcon::halfWrittenFileIsTakenAway_data()
     QTest::newRow("file that was there") << true;
 }
 
-// A limit on the size of files breaks off writing as a full disk does.
 void tst_ThreadGenerateIcon::halfWrittenFileIsTakenAway()
 {
     QFETCH(bool, overwriting);
@@ -717,6 +768,20 @@ void tst_ThreadGenerateIcon::halfWrittenFileIsTakenAway()
     QStringList expected = namesOf(android);
     expected.removeOne(QStringLiteral("icon512x512.png"));
     QCOMPARE(job.filesIn(QStringLiteral("a")), expected);
+}
+
+void tst_ThreadGenerateIcon::halfWrittenFileBehindALinkIsEmptied()
+{
+    Job job;
+    QVERIFY(QDir().mkpath(job.out(QStringLiteral("a"))));
+    const QString file = job.path(QStringLiteral("shared.png"));
+    job.write(file, "old");
+    // What is taken away is the link; the file stays.
+    QVERIFY(QFile::link(file, job.out(QStringLiteral("a/icon512x512.png"))));
+    job.thread.setClearDirFirst(false);
+    runWithSmallFilesOnly(job);
+    QVERIFY(QFileInfo::exists(file));
+    QCOMPARE(QFileInfo(file).size(), qint64(0));
 }
 
 void tst_ThreadGenerateIcon::fullDiskEndsWithWholeFilesOnly()

@@ -46,7 +46,7 @@ struct ST_CHANNEL_ICON {
  * Nothing is reported, by design: QThread::finished ends the run, and hosts look at the files. A folder that
  * cannot be made, a mark that cannot be loaded (the icon stays unmarked) and a file that cannot be written
  * are passed over. A file that could not be written whole is taken away, or left empty where its folder takes
- * no changes.
+ * no changes. What is no regular file, like a pipe, is neither read nor written.
  *
  * Threads: the object is driven from the thread that made it, and left alone while it runs. run() encodes on
  * all cores; a thread pool of its own takes no room from the host's. Equal decorations are encoded once in a

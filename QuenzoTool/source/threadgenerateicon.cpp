@@ -41,9 +41,13 @@ QVector<IconFile> iconFiles(const std::array<int, count>& sides, Name name)
     return files;
 }
 
-// The device pixel ratio that Qt reads out of a name like icon@2x.png would double the mark and its position.
+// What is no file counts as no picture: a pipe would be waited for. The device pixel ratio that Qt reads out
+// of a name like icon@2x.png would double the mark and its position.
 QImage loadPicture(const QString& path)
 {
+    const QFileInfo file(path);
+    if (file.exists() && !file.isFile())
+        return {};
     QImage picture(path);
     picture.setDevicePixelRatio(1);
     return picture;
