@@ -9,16 +9,11 @@
 #include <QString>
 #include <QThread>
 
-class IconPlan;
-class IconSetWriter;
-struct Decoration;
-
 /** One channel's decoration of the game's icon. */
 struct ST_CHANNEL_ICON {
     int nOffsetX = 0; ///< the mark's distance from the icon's left edge, in pixels
     int nOffsetY = 0; ///< the mark's height over the icon's top edge, in pixels: negative values move it down
-    int nCorner =
-        0; ///< 0 left top, 1 left bottom, 2 right top, 3 right bottom, 4 the game's corner and position
+    int nCorner = 0; ///< 0 left top, 1 left bottom, 2 right top, 3 right bottom, 4 as setGameInfo() says
     QString strMarkName; ///< the mark's folder in the mark root; exactly "None" means no mark
     QString strChannelDir; ///< the channel's folder in the output root
 };
@@ -29,9 +24,13 @@ struct ST_CHANNEL_ICON {
  *
  * @code
  * auto* thread = new ThreadGenerateIcon(this);
- * thread->setGameInfo(gameIcon, 3, 320, -320, 0); // right bottom, 320 pixels from the left and from the top,
- * Android thread->setInfo(markRoot, channels); thread->setOutputDir(outputDir + "/"); // deleted first, with
- * all it holds connect(thread, &QThread::finished, this, &Window::showIcons); thread->start();
+ * // Right bottom, 320 pixels from the left and from the top, Android.
+ * thread->setGameInfo(gameIcon, 3, 320, -320, 0);
+ * thread->setInfo(markRoot, channels);
+ * // Deleted first, with all it holds.
+ * thread->setOutputDir(outputDir + "/");
+ * connect(thread, &QThread::finished, this, &Window::showIcons);
+ * thread->start();
  * @endcode
  *
  * Pictures: each mark's folder holds a folder "icon" with left-top.png, left-bottom.png, right-top.png and
@@ -49,7 +48,8 @@ struct ST_CHANNEL_ICON {
  * no changes. What is no regular file, like a pipe, is neither read nor written.
  *
  * Threads: the object is driven from the thread that made it, and left alone while it runs. run() encodes on
- * all cores; a thread pool of its own takes no room from the host's. Equal decorations are encoded once in a
+ * all cores, on threads of its own. Qt scales large pictures in the global thread pool, so a run waits while
+ * the host's tasks fill that pool: let none of them wait for a run. Equal decorations are encoded once in a
  * run, and files appear in any order; where channels share a folder the later one's stay. The pictures must
  * not change during a run.
  *
@@ -107,9 +107,10 @@ private:
     void generateAndroidIcon(QString channelDir);
     void generateIOSIcon(QString channelDir);
 
-    QString makeChannelDir(const QString& name) const;
-    Decoration decorationOf(const ST_CHANNEL_ICON& channel) const;
-    void produce(IconPlan& plan);
+    struct Production;
+
+    ST_CHANNEL_ICON withDefaults(ST_CHANNEL_ICON channel) const;
+    void produce();
 
     QList<ST_CHANNEL_ICON> m_lsChannelIcon;
     QString m_strOutputDir;
@@ -121,7 +122,7 @@ private:
     int m_nDefaultX = 0;
     int m_nDefaultY = 0;
     QString m_strMarkRoot;
-    IconSetWriter* m_writer = nullptr; // of the run at work
+    Production* m_production = nullptr; // the run at work
 };
 
 #endif

@@ -53,6 +53,24 @@ QImage loadPicture(const QString& path)
     return picture;
 }
 
+// The channel's folder in its canonical form, made if need be; empty when it cannot be.
+QString makeFolder(const QString& path)
+{
+    QDir folder(path);
+    if (!folder.exists())
+        folder.mkdir(path);
+    return folder.exists() ? folder.canonicalPath() : QString();
+}
+
+Decoration decorationOf(const ST_CHANNEL_ICON& channel, const QString& markRoot)
+{
+    if (channel.strMarkName == QLatin1String("None"))
+        return {};
+    const QString markPath = markRoot + QLatin1Char('/') + channel.strMarkName + QLatin1String("/icon/")
+        + cornerFile(channel.nCorner);
+    return {markPath, channel.nOffsetX, channel.nOffsetY};
+}
+
 void drawMark(QImage& icon, const QImage& mark, const Decoration& decoration)
 {
     const qint64 left = decoration.x;
@@ -69,6 +87,11 @@ void drawMark(QImage& icon, const QImage& mark, const Decoration& decoration)
 }
 
 } // namespace
+
+struct ThreadGenerateIcon::Production {
+    IconPlan plan;
+    IconSetWriter writer;
+};
 
 ThreadGenerateIcon::ThreadGenerateIcon(QObject* parent)
     : QThread(parent)
@@ -113,52 +136,40 @@ void ThreadGenerateIcon::run()
         root.removeRecursively();
     root.mkpath(m_strOutputDir);
 
-    IconSetWriter writer;
-    m_writer = &writer;
+    Production production;
+    m_production = &production;
     const QString gameIconDir = QFileInfo(QFileInfo(m_strGameIcon).canonicalFilePath()).path();
-    IconPlan plan;
     for (const ST_CHANNEL_ICON& channel : qAsConst(m_lsChannelIcon)) {
         // Such a folder may have the name of a file that is still to be written, and then cannot be made.
         if (channel.strChannelDir.contains(QLatin1String(".png")))
-            produce(plan);
-        const QString folder = makeChannelDir(channel.strChannelDir);
-        plan.add(decorationOf(channel), folder);
+            produce();
+        const QString folder = makeFolder(m_strOutputDir + channel.strChannelDir + QLatin1Char('/'));
+        production.plan.add(decorationOf(withDefaults(channel), m_strMarkRoot), folder);
         // Its files may replace the game's icon, which the channels after it then get.
         if (folder == gameIconDir)
-            produce(plan);
+            produce();
     }
-    produce(plan);
-    m_writer = nullptr;
+    produce();
+    m_production = nullptr;
 }
 
-QString ThreadGenerateIcon::makeChannelDir(const QString& name) const
+ST_CHANNEL_ICON ThreadGenerateIcon::withDefaults(ST_CHANNEL_ICON channel) const
 {
-    const QString path = m_strOutputDir + name + QLatin1Char('/');
-    QDir folder(path);
-    if (!folder.exists())
-        folder.mkdir(path);
-    return folder.exists() ? folder.canonicalPath() : QString();
+    if (channel.nCorner != cornerDefault)
+        return channel;
+    channel.nCorner = m_nDefaultCorner == cornerDefault ? cornerRightBottom : m_nDefaultCorner;
+    channel.nOffsetX = m_nDefaultX;
+    channel.nOffsetY = m_nDefaultY;
+    return channel;
 }
 
-Decoration ThreadGenerateIcon::decorationOf(const ST_CHANNEL_ICON& channel) const
+// Makes the icons that are planned so far.
+void ThreadGenerateIcon::produce()
 {
-    if (channel.strMarkName == QLatin1String("None"))
-        return {};
-    const bool byDefault = channel.nCorner == cornerDefault;
-    int corner = channel.nCorner;
-    if (byDefault)
-        corner = m_nDefaultCorner == cornerDefault ? cornerRightBottom : m_nDefaultCorner;
-    const QString markPath =
-        m_strMarkRoot + QLatin1Char('/') + channel.strMarkName + QLatin1String("/icon/") + cornerFile(corner);
-    return {markPath, byDefault ? m_nDefaultX : channel.nOffsetX, byDefault ? m_nDefaultY : channel.nOffsetY};
-}
-
-void ThreadGenerateIcon::produce(IconPlan& plan)
-{
-    if (plan.isEmpty())
+    if (m_production->plan.isEmpty())
         return;
     const QImage icon = loadPicture(m_strGameIcon);
-    const QVector<IconPlan::Group> groups = plan.take();
+    const QVector<IconPlan::Group> groups = m_production->plan.take();
     for (const IconPlan::Group& group : groups) {
         m_imgIcon = icon;
         if (!group.decoration.markPath.isEmpty())
@@ -170,29 +181,30 @@ void ThreadGenerateIcon::produce(IconPlan& plan)
                 generateIOSIcon(folder + QLatin1Char('/'));
         }
     }
-    m_writer->wait();
+    m_production->writer.wait();
 }
 
 void ThreadGenerateIcon::generateAndroidIcon(QString channelDir)
 {
     static constexpr std::array<int, 6> sides{36, 48, 72, 96, 144, 192};
-    m_writer->write(m_imgIcon,
-                    iconFiles(sides,
-                              [](const QString& side) {
-                                  return QString(QLatin1String("icon") + side + QLatin1Char('x') + side
-                                                 + QLatin1String(".png"));
-                              }),
-                    channelDir);
+    m_production->writer.write(m_imgIcon,
+                               iconFiles(sides,
+                                         [](const QString& side) {
+                                             return QString(QLatin1String("icon") + side + QLatin1Char('x')
+                                                            + side + QLatin1String(".png"));
+                                         }),
+                               channelDir);
 }
 
 void ThreadGenerateIcon::generateIOSIcon(QString channelDir)
 {
     static constexpr std::array<int, 15> sides{29, 40,  50,  57,  58,  72,  76, 80,
                                                87, 100, 114, 120, 144, 152, 180};
-    m_writer->write(m_imgIcon,
-                    iconFiles(sides,
-                              [](const QString& side) {
-                                  return QString(QLatin1String("Icon-") + side + QLatin1String(".png"));
-                              }),
-                    channelDir);
+    m_production->writer.write(m_imgIcon,
+                               iconFiles(sides,
+                                         [](const QString& side) {
+                                             return QString(QLatin1String("Icon-") + side
+                                                            + QLatin1String(".png"));
+                                         }),
+                               channelDir);
 }
