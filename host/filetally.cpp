@@ -7,15 +7,17 @@
 
 namespace {
 
+// Invalid for what is no file, and for an empty one, which the library leaves where it could write no more.
 QDateTime changeOf(const QString& path)
 {
     const QFileInfo file(path);
-    return file.isFile() ? file.lastModified() : QDateTime();
+    return file.isFile() && file.size() > 0 ? file.lastModified() : QDateTime();
 }
 
 } // namespace
 
 FileTally::FileTally(const QStringList& paths)
+    : m_start(QDateTime::currentDateTime())
 {
     for (const QString& path : paths)
         m_expected.append({path, changeOf(path)});
@@ -24,7 +26,8 @@ FileTally::FileTally(const QStringList& paths)
 
 int FileTally::seen()
 {
-    m_unseen.erase(std::remove_if(m_unseen.begin(), m_unseen.end(), isWritten), m_unseen.end());
+    const auto written = [this](const Expected& file) { return isWritten(file); };
+    m_unseen.erase(std::remove_if(m_unseen.begin(), m_unseen.end(), written), m_unseen.end());
     return m_expected.size() - m_unseen.size();
 }
 
@@ -38,8 +41,11 @@ QStringList FileTally::missing() const
     return paths;
 }
 
-bool FileTally::isWritten(const Expected& file)
+bool FileTally::isWritten(const Expected& file) const
 {
     const QDateTime change = changeOf(file.path);
-    return change.isValid() && change != file.changedBefore;
+    if (!change.isValid() || change != file.changedBefore)
+        return change.isValid();
+    // Some file systems count whole seconds: a file that is written twice within one keeps its time.
+    return change.time().msec() == 0 && change.addSecs(1) > m_start;
 }

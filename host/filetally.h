@@ -18,7 +18,7 @@ public:
     /** How many were seen by now. What was seen is not looked at again: a file may yet be taken away. */
     int seen();
 
-    /** Those that are not there, or not replaced. */
+    /** Those that are not there, empty, or not replaced. */
     QStringList missing() const;
 
 private:
@@ -26,8 +26,9 @@ private:
         QString path;
         QDateTime changedBefore; // invalid when there was no file
     };
-    static bool isWritten(const Expected& file);
+    bool isWritten(const Expected& file) const;
 
+    const QDateTime m_start;
     QVector<Expected> m_expected;
     QVector<Expected> m_unseen;
 };
