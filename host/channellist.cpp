@@ -76,6 +76,8 @@ public:
             complain(Channels::tr(R"("%1" is "%2", which is no name of a folder)").arg(key, name));
         else if (std::any_of(name.cbegin(), name.cend(), isForbidden))
             complain(Channels::tr("\"%1\" holds a slash, a backslash or a control character").arg(key));
+        else if (!name.isValidUtf16())
+            complain(Channels::tr("\"%1\" holds half of a surrogate pair, which no file name can").arg(key));
         else if (name.toUtf8().size() > longestName)
             complain(Channels::tr("\"%1\" is longer than %2 bytes").arg(key).arg(longestName));
         return name;

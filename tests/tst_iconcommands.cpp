@@ -559,6 +559,8 @@ void tst_IconCommands::listMistakesAreNamedAndNothingIsTouched_data()
     row("folder itself", R"([{"folder": "."}])", "is \".\", which is no name of a folder");
     row("folder and above", R"([{"folder": "../out"}])", "\"folder\" holds a slash");
     row("long folder", R"([{"folder": ")" + QByteArray(256, 'a') + R"("}])", "is longer than 255 bytes");
+    row("folder with half a pair", R"([{"folder": "\ud800"}])", "\"folder\" holds half of a surrogate pair");
+    row("mark with half a pair", R"([{"folder": "a", "mark": "b\udc00"}])", "\"mark\" holds half of a");
     row("mark above", R"([{"folder": "a", "mark": ".."}])", "\"mark\" is \"..\"");
     row("mark with a slash", R"([{"folder": "a", "mark": "red/icon"}])", "\"mark\" holds a slash");
     row("empty mark", R"([{"folder": "a", "mark": ""}])", "\"mark\" is missing or empty");
