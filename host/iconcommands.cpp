@@ -120,7 +120,7 @@ void reportMissing(const IconJob& job, const QStringList& missing, Console& cons
     console.set(QStringLiteral("missing"), QJsonArray::fromStringList(missing));
     if (!missing.isEmpty())
         console.error(
-            IconCommands::tr("%1 of %2 files were not written").arg(missing.size()).arg(job.files().size()));
+            IconCommands::tr("not written: %1 of %2 files").arg(missing.size()).arg(job.files().size()));
 }
 
 bool writeSheet(const IconJob& job, const QString& path, Console& console)
@@ -131,7 +131,7 @@ bool writeSheet(const IconJob& job, const QString& path, Console& console)
     for (const ListedChannel& channel : job.channels)
         entries.append({channel.name, job.folderOf(channel) + shown});
     const QString platform = job.platform == 0 ? QStringLiteral("Android") : QStringLiteral("iOS");
-    const QString title = IconCommands::tr("%1 channels, %2").arg(entries.size()).arg(platform);
+    const QString title = IconCommands::tr("%1, channels: %2").arg(platform).arg(entries.size());
     QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&file, "PNG")
         && file.commit()) {
@@ -164,11 +164,11 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
     console.set(QStringLiteral("expected"), tally.expected());
     console.set(QStringLiteral("written"), written);
     console.set(QStringLiteral("out"), job.out);
-    console.print(IconCommands::tr("%1 of %2 files for %3 channels in %4 s: %5")
+    console.print(IconCommands::tr("%1 of %2 files in %3 s, channels: %4, folder: %5")
                       .arg(written)
                       .arg(tally.expected())
-                      .arg(job.channels.size())
                       .arg(static_cast<double>(time.elapsed()) / 1000, 0, 'f', 1)
+                      .arg(job.channels.size())
                       .arg(job.out));
     const QString sheet = parser.value(QStringLiteral("sheet"));
     const bool sheetDone = sheet.isEmpty() || writeSheet(job, sheet, console);

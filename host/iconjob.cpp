@@ -47,10 +47,7 @@ QString faultOfMark(const IconJob& job, const ST_CHANNEL_ICON& icon, const QSize
     const qint64 x = byDefault ? job.defaultX : icon.nOffsetX;
     const qint64 y = -qint64(byDefault ? job.defaultY : icon.nOffsetY);
     if (x >= iconSize.width() || y >= iconSize.height() || x + mark.width() <= 0 || y + mark.height() <= 0)
-        return Job::tr("the mark lies outside the icon, its top left corner %1 pixels right of and %2 below "
-                       "the icon's")
-            .arg(x)
-            .arg(y);
+        return Job::tr("the mark lies outside the icon: its top left corner is at (%1, %2)").arg(x).arg(y);
     return {};
 }
 

@@ -66,6 +66,7 @@ private Q_SLOTS:
     void relativeOutputFolderIsBelowTheCurrentOne();
     void emptyListGivesAnEmptyFolder();
     void sheetShowsEveryIcon();
+    void countsReadWellForOneChannel();
     void jsonTellsAllOfARun();
 
     void faultOfAMarkIsWarnedOf_data();
@@ -181,8 +182,7 @@ void tst_IconCommands::sampleGivesWholeSetsOfTheRightSizes()
     QCOMPARE(ended.error, QByteArray());
     QCOMPARE(ended.code, 0);
     const QByteArray count = QByteArray::number(6 * (sides.size() + 1));
-    QVERIFY2(ended.output.startsWith(count + " of " + count + " files for 6 channels in "),
-             ended.output.constData());
+    QVERIFY2(ended.output.startsWith(count + " of " + count + " files in "), ended.output.constData());
 
     const QStringList channels = words("harbor meadow nimbus official quartz tideway");
     QCOMPARE(QDir(out()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name), channels);
@@ -337,6 +337,15 @@ void tst_IconCommands::sheetShowsEveryIcon()
     }
 }
 
+void tst_IconCommands::countsReadWellForOneChannel()
+{
+    const Ended ended = icons(R"([{"folder": "a"}])");
+    const QString output = QString::fromLocal8Bit(ended.output);
+    const QRegularExpression form(
+        QStringLiteral("^7 of 7 files in \\d+\\.\\d s, channels: 1, folder: /.*/out\n$"));
+    QVERIFY2(form.match(output).hasMatch(), ended.output.constData());
+}
+
 void tst_IconCommands::jsonTellsAllOfARun()
 {
     write(out(QStringLiteral("b")), "in the way");
@@ -356,8 +365,7 @@ void tst_IconCommands::jsonTellsAllOfARun()
     QCOMPARE(told.value(QStringLiteral("missing")).toArray().first().toString(),
              QDir(m_folder->path()).canonicalPath() + QStringLiteral("/out/b/icon36x36.png"));
     QCOMPARE(told.value(QStringLiteral("warnings")).toArray().size(), 1);
-    QCOMPARE(told.value(QStringLiteral("error")).toString(),
-             QStringLiteral("7 of 14 files were not written"));
+    QCOMPARE(told.value(QStringLiteral("error")).toString(), QStringLiteral("not written: 7 of 14 files"));
     QCOMPARE(told.value(QStringLiteral("out")).toString(),
              QDir(m_folder->path()).canonicalPath() + QStringLiteral("/out"));
     QCOMPARE(told.value(QStringLiteral("sheet")).toString(), QStringLiteral("sheet.png"));
@@ -408,7 +416,7 @@ void tst_IconCommands::folderGivenTwiceIsWarnedOf()
     const Ended ended = icons(R"([{"folder": "a"}, {"folder": "a", "mark": "red"}])");
     QCOMPARE(ended.code, 0);
     QVERIFY2(ended.error.contains("the folder 'a' is given twice"), ended.error.constData());
-    QVERIFY2(ended.output.startsWith("7 of 7 files for 2 channels"), ended.output.constData());
+    QVERIFY2(ended.output.startsWith("7 of 7 files in "), ended.output.constData());
     QCOMPARE(produced(QStringLiteral("a")), marked(master(), markPicture(3), 0, 0));
 }
 
@@ -419,8 +427,8 @@ void tst_IconCommands::fileInTheWayOfAFolderIsReported()
         icons(R"([{"folder": "a"}, {"folder": "b"}, {"folder": "c"}])", words("--keep --sheet sheet.png"));
     QCOMPARE(ended.code, 1);
     QVERIFY2(ended.error.contains("/out/b could not be made\n"), ended.error.constData());
-    QVERIFY2(ended.error.contains("7 of 21 files were not written\n"), ended.error.constData());
-    QVERIFY2(ended.output.startsWith("14 of 21 files for 3 channels"), ended.output.constData());
+    QVERIFY2(ended.error.contains("not written: 7 of 21 files\n"), ended.error.constData());
+    QVERIFY2(ended.output.startsWith("14 of 21 files in "), ended.output.constData());
     QCOMPARE(produced(QStringLiteral("c")), master());
     QVERIFY(QFileInfo(out(QStringLiteral("b"))).isFile());
     // The sheet is drawn all the same, with a red cross in the middle tile.
@@ -436,7 +444,7 @@ void tst_IconCommands::folderInTheWayOfAFileIsReported()
     const Ended ended = icons(R"([{"folder": "a"}])", words("--keep"));
     QCOMPARE(ended.code, 1);
     QVERIFY2(ended.error.contains("/out/a: icon72x72.png\n"), ended.error.constData());
-    QVERIFY2(ended.error.contains("1 of 7 files were not written\n"), ended.error.constData());
+    QVERIFY2(ended.error.contains("not written: 1 of 7 files\n"), ended.error.constData());
 }
 
 void tst_IconCommands::fileThatCannotBeFilledIsReported()
