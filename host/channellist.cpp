@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -158,6 +159,11 @@ QString ChannelList::formatHelp()
 
 QVector<ListedChannel> ChannelList::read(const QString& path, QStringList& errors)
 {
+    const QFileInfo found(path);
+    if (found.exists() && !found.isFile()) {
+        errors.append(Channels::tr("%1 is not a regular file").arg(path));
+        return {};
+    }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         errors.append(Channels::tr("%1 cannot be read: %2").arg(path, file.errorString()));

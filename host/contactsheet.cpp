@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "contactsheet.h"
 
+#include <QFileInfo>
 #include <QFont>
 #include <QPainter>
 
@@ -44,7 +45,8 @@ void drawCross(QPainter& painter, const QRect& area)
 
 void drawEntry(QPainter& painter, const QRect& area, const SheetEntry& entry)
 {
-    QImage picture(entry.path);
+    // What is no file, like a pipe, would be waited for.
+    QImage picture = QFileInfo(entry.path).isFile() ? QImage(entry.path) : QImage();
     picture.setDevicePixelRatio(1);
     if (picture.isNull()) {
         drawCross(painter, area);

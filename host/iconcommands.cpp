@@ -37,6 +37,7 @@ QString readOptions(const QCommandLineParser& parser, IconJob& job)
     job.marks = parser.value(QStringLiteral("marks"));
     job.out = QDir::cleanPath(QDir::current().absoluteFilePath(parser.value(QStringLiteral("out"))));
     job.list = parser.positionalArguments().at(1);
+    job.sheet = parser.value(QStringLiteral("sheet"));
     job.keep = parser.isSet(QStringLiteral("keep"));
 
     job.defaultCorner = ChannelList::cornerOf(parser.value(QStringLiteral("default-corner")));
@@ -51,32 +52,32 @@ QString readOptions(const QCommandLineParser& parser, IconJob& job)
                       : IconCommands::tr("--default-x and --default-y take whole numbers of pixels");
 }
 
-// Looks at everything the library would pass over in silence; false after an error.
-bool isReady(const QCommandLineParser& parser, IconJob& job, Console& console)
+// Why the icon cannot be read; empty when it can.
+QString faultOfIcon(const QString& path)
+{
+    const QFileInfo file(path);
+    if (file.exists() && !file.isFile())
+        return IconCommands::tr("it is not a regular file");
+    QImageReader icon(path);
+    return icon.read().isNull() ? icon.errorString() : QString();
+}
+
+// Looks at everything that would make the run fail, or destroy something; false after an error.
+bool isReady(IconJob& job, Console& console)
 {
     QStringList errors;
-    QImageReader icon(job.icon);
-    if (icon.read().isNull())
-        errors.append(IconCommands::tr("the icon '%1' cannot be read: %2").arg(job.icon, icon.errorString()));
+    const QString fault = faultOfIcon(job.icon);
+    if (!fault.isEmpty())
+        errors.append(IconCommands::tr("the icon '%1' cannot be read: %2").arg(job.icon, fault));
     if (!QFileInfo(job.marks).isDir())
         errors.append(IconCommands::tr("the marks' folder '%1' does not exist").arg(job.marks));
     job.channels = ChannelList::read(job.list, errors);
-    if (errors.isEmpty() && !job.danger().isEmpty())
-        errors.append(job.danger());
-    const QString sheet = parser.value(QStringLiteral("sheet"));
-    for (const QString& read : {job.icon, job.list}) {
-        if (!sheet.isEmpty() && QFileInfo(sheet) == QFileInfo(read))
-            errors.append(IconCommands::tr("the sheet would replace '%1'").arg(read));
-    }
+    const QString danger = errors.isEmpty() ? job.danger() : QString();
+    if (!danger.isEmpty())
+        errors.append(danger);
     for (const QString& error : qAsConst(errors))
         console.error(error);
-    if (!errors.isEmpty())
-        return false;
-    const QStringList warnings = job.warnings();
-    for (const QString& warning : warnings)
-        console.warn(warning);
-    console.set(QStringLiteral("warnings"), QJsonArray::fromStringList(warnings));
-    return true;
+    return errors.isEmpty();
 }
 
 QString progressBar(int done, int all)
@@ -123,7 +124,7 @@ void reportMissing(const IconJob& job, const QStringList& missing, Console& cons
             IconCommands::tr("not written: %1 of %2 files").arg(missing.size()).arg(job.files().size()));
 }
 
-bool writeSheet(const IconJob& job, const QString& path, Console& console)
+bool writeSheet(const IconJob& job, Console& console)
 {
     const QString shown =
         job.platform == 0 ? QStringLiteral("/icon144x144.png") : QStringLiteral("/Icon-144.png");
@@ -132,31 +133,20 @@ bool writeSheet(const IconJob& job, const QString& path, Console& console)
         entries.append({channel.name, job.folderOf(channel) + shown});
     const QString platform = job.platform == 0 ? QStringLiteral("Android") : QStringLiteral("iOS");
     const QString title = IconCommands::tr("%1, channels: %2").arg(platform).arg(entries.size());
-    QSaveFile file(path);
+    QSaveFile file(job.sheet);
     if (file.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&file, "PNG")
         && file.commit()) {
-        console.set(QStringLiteral("sheet"), path);
+        console.set(QStringLiteral("sheet"), job.sheet);
         return true;
     }
-    console.error(IconCommands::tr("the sheet '%1' cannot be written: %2").arg(path, file.errorString()));
+    console.error(
+        IconCommands::tr("the sheet '%1' cannot be written: %2").arg(job.sheet, file.errorString()));
     return false;
 }
 
-ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
+// False when a file is missing.
+bool reportFiles(const IconJob& job, const FileTally& tally, const QElapsedTimer& time, Console& console)
 {
-    IconJob job;
-    const QString fault = readOptions(parser, job);
-    if (!fault.isEmpty()) {
-        console.error(fault);
-        return ExitUsage;
-    }
-    if (!isReady(parser, job, console))
-        return ExitFailed;
-
-    QElapsedTimer time;
-    time.start();
-    FileTally tally(job.files());
-    produce(job, tally, console);
     const QStringList missing = tally.missing();
     const int written = tally.expected() - missing.size();
     reportMissing(job, missing, console);
@@ -170,9 +160,31 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
                       .arg(static_cast<double>(time.elapsed()) / 1000, 0, 'f', 1)
                       .arg(job.channels.size())
                       .arg(job.out));
-    const QString sheet = parser.value(QStringLiteral("sheet"));
-    const bool sheetDone = sheet.isEmpty() || writeSheet(job, sheet, console);
-    return missing.isEmpty() && sheetDone ? ExitDone : ExitFailed;
+    return missing.isEmpty();
+}
+
+ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
+{
+    IconJob job;
+    const QString fault = readOptions(parser, job);
+    if (!fault.isEmpty()) {
+        console.error(fault);
+        return ExitUsage;
+    }
+    if (!isReady(job, console))
+        return ExitFailed;
+    const QStringList warnings = job.warnings();
+    for (const QString& warning : warnings)
+        console.warn(warning);
+    console.set(QStringLiteral("warnings"), QJsonArray::fromStringList(warnings));
+
+    QElapsedTimer time;
+    time.start();
+    FileTally tally(job.files());
+    produce(job, tally, console);
+    const bool complete = reportFiles(job, tally, time, console);
+    const bool sheetDone = job.sheet.isEmpty() || writeSheet(job, console);
+    return complete && sheetDone ? ExitDone : ExitFailed;
 }
 
 } // namespace

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "iconjob.h"
 
+#include "fileidentity.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
 #include <QImageReader>
 #include <QSet>
 
@@ -23,13 +26,118 @@ bool holds(const QString& folder, const QString& path)
         && (inner == folder || folder == QLatin1String("/") || inner.startsWith(folder + QLatin1Char('/')));
 }
 
+QStringList cornerFiles()
+{
+    return {QStringLiteral("left-top.png"), QStringLiteral("left-bottom.png"),
+            QStringLiteral("right-top.png"), QStringLiteral("right-bottom.png")};
+}
+
+QString markPath(const IconJob& job, const QString& mark, const QString& cornerFile)
+{
+    return job.marks + QLatin1Char('/') + mark + QLatin1String("/icon/") + cornerFile;
+}
+
 QString markPath(const IconJob& job, const ST_CHANNEL_ICON& icon)
 {
-    static const QStringList corners{QStringLiteral("left-top"), QStringLiteral("left-bottom"),
-                                     QStringLiteral("right-top"), QStringLiteral("right-bottom")};
     const int corner = icon.nCorner == 4 ? job.defaultCorner : icon.nCorner;
-    return job.marks + QLatin1Char('/') + icon.strMarkName + QLatin1String("/icon/")
-        + corners.at(qMin(corner, 3)) + QLatin1String(".png");
+    return markPath(job, icon.strMarkName, cornerFiles().at(qMin(corner, 3)));
+}
+
+bool isMarked(const ListedChannel& channel)
+{
+    return channel.icon.strMarkName != QLatin1String("None");
+}
+
+struct Input {
+    QString path;
+    QString title;
+};
+
+// The files that must stay as they are; among them the pictures of marks that no channel uses.
+QVector<Input> inputsOf(const IconJob& job)
+{
+    QVector<Input> inputs{{job.icon, Job::tr("the icon '%1'").arg(job.icon)},
+                          {job.list, Job::tr("the channel list '%1'").arg(job.list)}};
+    QStringList marks = QDir(job.marks).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
+    // A folder that may be entered, but not listed, shows none of them.
+    for (const ListedChannel& channel : job.channels)
+        marks.append(channel.icon.strMarkName);
+    marks.removeDuplicates();
+    for (const QString& mark : qAsConst(marks)) {
+        for (const QString& file : cornerFiles()) {
+            const QString path = markPath(job, mark, file);
+            inputs.append({path, Job::tr("the mark picture '%1'").arg(path)});
+        }
+    }
+    return inputs;
+}
+
+// A mark that is no file, like a pipe, would be waited for.
+QString faultOfMarkFiles(const IconJob& job)
+{
+    for (const ListedChannel& channel : job.channels) {
+        const QFileInfo mark(markPath(job, channel.icon));
+        if (isMarked(channel) && mark.exists() && !mark.isFile())
+            return Job::tr("the mark picture '%1' is not a regular file").arg(mark.filePath());
+    }
+    return {};
+}
+
+QString faultOfIcons(const IconJob& job)
+{
+    QHash<FileIdentity, QString> titles;
+    for (const Input& input : inputsOf(job))
+        titles.insert(identityOf(input.path), input.title);
+    titles.remove({});
+    for (const QString& file : job.files()) {
+        const QString title = titles.value(identityOf(file));
+        if (!title.isEmpty())
+            return Job::tr("%1 is one of the files to be written").arg(title);
+    }
+    return {};
+}
+
+QString faultOfSheet(const IconJob& job)
+{
+    if (job.sheet.isEmpty())
+        return {};
+    const FileIdentity identity = identityOf(job.sheet);
+    const QString place = placeOf(job.sheet);
+    const auto isSheet = [&](const QString& path) {
+        return placeOf(path) == place || (identity != FileIdentity() && identityOf(path) == identity);
+    };
+    for (const Input& input : inputsOf(job)) {
+        if (isSheet(input.path))
+            return Job::tr("the sheet would replace %1").arg(input.title);
+    }
+    for (const QString& file : job.files()) {
+        if (isSheet(file))
+            return Job::tr("the sheet would replace '%1', one of the files to be written").arg(file);
+    }
+    return {};
+}
+
+QString faultOfClearing(const IconJob& job)
+{
+    const QFileInfo root(job.out);
+    if (job.keep || !root.exists())
+        return {};
+    const std::initializer_list<std::pair<QString, QString>> kept{
+        {QDir::rootPath(), Job::tr("the whole file system")},
+        {QDir::homePath(), Job::tr("your home folder")},
+        {QDir::currentPath(), Job::tr("the current folder")},
+        {QCoreApplication::applicationDirPath(), Job::tr("this program")},
+        {job.icon, Job::tr("the icon")},
+        {job.marks, Job::tr("the marks")},
+        {job.list, Job::tr("the channel list")},
+    };
+    for (const auto& [path, what] : kept) {
+        if (holds(root.canonicalFilePath(), path))
+            return Job::tr(
+                       "the output folder '%1' is deleted first, and it holds %2 (--keep deletes nothing)")
+                .arg(job.out, what);
+    }
+    return {};
 }
 
 // What is wrong with a mark on the way to the icon; empty when it will be seen.
@@ -89,27 +197,10 @@ QString IconJob::danger() const
     const QFileInfo root(out);
     if (root.exists() && !root.isDir())
         return Job::tr("the output folder '%1' is not a folder").arg(out);
-    const QString iconFile = QFileInfo(icon).canonicalFilePath();
-    for (const QString& file : files()) {
-        if (QFileInfo(file).canonicalFilePath() == iconFile)
-            return Job::tr("the icon '%1' is one of the files to be written").arg(icon);
-    }
-    if (keep || !root.exists())
-        return {};
-    const std::initializer_list<std::pair<QString, QString>> kept{
-        {QDir::rootPath(), Job::tr("the whole file system")},
-        {QDir::homePath(), Job::tr("your home folder")},
-        {QDir::currentPath(), Job::tr("the current folder")},
-        {QCoreApplication::applicationDirPath(), Job::tr("this program")},
-        {icon, Job::tr("the icon")},
-        {marks, Job::tr("the marks")},
-        {list, Job::tr("the channel list")},
-    };
-    for (const auto& [path, what] : kept) {
-        if (holds(root.canonicalFilePath(), path))
-            return Job::tr(
-                       "the output folder '%1' is deleted first, and it holds %2 (--keep deletes nothing)")
-                .arg(out, what);
+    for (const auto& faultOf : {faultOfMarkFiles, faultOfIcons, faultOfSheet, faultOfClearing}) {
+        QString fault = faultOf(*this);
+        if (!fault.isEmpty())
+            return fault;
     }
     return {};
 }
@@ -125,9 +216,7 @@ QStringList IconJob::warnings() const
             texts.append(
                 Job::tr("the folder '%1' is given twice; the later channel's icons stay").arg(folder));
         folders.insert(folder);
-        const QString fault = channel.icon.strMarkName == QLatin1String("None")
-            ? QString()
-            : faultOfMark(*this, channel.icon, iconSize);
+        const QString fault = isMarked(channel) ? faultOfMark(*this, channel.icon, iconSize) : QString();
         if (!fault.isEmpty())
             texts.append(Job::tr("channel '%1': %2").arg(channel.name, fault));
     }

@@ -14,6 +14,7 @@ struct IconJob {
     QString marks;
     QString out; ///< absolute, without a separator at the end
     QString list;
+    QString sheet; ///< empty when none is wanted
     int platform = 0;
     int defaultCorner = 3;
     int defaultX = 0;

@@ -10,7 +10,14 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
 #include <memory>
+
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace IconPictures;
 
@@ -36,6 +43,41 @@ QString nameOf(const QString& platform, int side)
 QStringList words(const char* text)
 {
     return QString::fromUtf8(text).split(QLatin1Char(' '));
+}
+
+// A process that the rights of files bind even when root runs the tests.
+class BoundProcess : public QProcess {
+public:
+    rlim_t largestFile = RLIM_INFINITY; // bytes
+
+protected:
+    void setupChildProcess() override
+    {
+        prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{largestFile, RLIM_INFINITY};
+        if (largestFile != RLIM_INFINITY && setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            _exit(127);
+    }
+};
+
+Ended endOf(QProcess& process)
+{
+    process.closeWriteChannel();
+    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
+        qFatal("quenzo did not end by itself: %s", process.readAllStandardError().constData());
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+void makePipe(const QString& path)
+{
+    if (mkfifo(QFile::encodeName(path).constData(), 0600) != 0)
+        qFatal("cannot make the pipe %s", qPrintable(path));
+}
+
+bool linkHard(const QString& from, const QString& to)
+{
+    return link(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
 bool isBlank(const QImage& picture)
@@ -79,9 +121,14 @@ private Q_SLOTS:
 
     void whatItReadsIsNeverCleared_data();
     void whatItReadsIsNeverCleared();
-    void iconIsNeverOverwritten();
+    void whatItReadsIsNeverOverwritten_data();
+    void whatItReadsIsNeverOverwritten();
     void sheetNeverReplacesWhatIsRead_data();
     void sheetNeverReplacesWhatIsRead();
+    void sheetNeverReplacesAnIcon_data();
+    void sheetNeverReplacesAnIcon();
+    void pipesAreNotRead_data();
+    void pipesAreNotRead();
     void listMistakesAreNamedAndNothingIsTouched_data();
     void listMistakesAreNamedAndNothingIsTouched();
     void allMistakesAreNamedAtOnce();
@@ -103,6 +150,7 @@ private:
     {
         return QImage(out(folder) + QStringLiteral("/icon512x512.png"));
     }
+    static QByteArray contentOf(const QString& file);
     QStringList filesBelow(const QString& folder) const;
     Ended quenzo(const QStringList& arguments) const;
     Ended icons(const QByteArray& list, const QStringList& further = {},
@@ -131,6 +179,14 @@ void tst_IconCommands::write(const QString& file, const QByteArray& content) con
         qFatal("cannot write %s", qPrintable(file));
 }
 
+QByteArray tst_IconCommands::contentOf(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(path));
+    return file.readAll();
+}
+
 QStringList tst_IconCommands::filesBelow(const QString& folder) const
 {
     QStringList files;
@@ -146,10 +202,7 @@ Ended tst_IconCommands::quenzo(const QStringList& arguments) const
     QProcess process;
     process.setWorkingDirectory(m_folder->path());
     process.start(QStringLiteral(QUENZO), arguments);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
-        qFatal("quenzo did not end by itself: %s", process.readAllStandardError().constData());
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return endOf(process);
 }
 
 Ended tst_IconCommands::icons(const QByteArray& list, const QStringList& further, const QString& outDir) const
@@ -513,32 +566,130 @@ void tst_IconCommands::whatItReadsIsNeverCleared()
     QCOMPARE(filesBelow(m_folder->path()).size(), before.size() + 16);
 }
 
-void tst_IconCommands::iconIsNeverOverwritten()
+void tst_IconCommands::whatItReadsIsNeverOverwritten_data()
 {
+    QTest::addColumn<QString>("read");
+    QTest::addColumn<bool>("hard");
+    QTest::addColumn<QByteArray>("error");
+    const auto rows = [](const char* title, const char* read, const char* error) {
+        for (const bool hard : {false, true})
+            QTest::addRow("%s by a %s link", title, hard ? "hard" : "symbolic")
+                << QString::fromUtf8(read) << hard << QByteArray(error);
+    };
+    rows("icon", "game.png", "the icon 'game.png' is one of the files");
+    rows("list", "channels.json", "the channel list 'channels.json' is one of the files");
+    rows("mark", "marks/red/icon/right-bottom.png",
+         "the mark picture 'marks/red/icon/right-bottom.png' is one of the files");
+    rows("unused mark", "marks/red/icon/left-top.png",
+         "the mark picture 'marks/red/icon/left-top.png' is one of the files");
+}
+
+void tst_IconCommands::whatItReadsIsNeverOverwritten()
+{
+    QFETCH(const QString, read);
+    QFETCH(const bool, hard);
+    QFETCH(const QByteArray, error);
+    const QByteArray list = R"([{"folder": "a", "mark": "red"}])";
+    write(path(QStringLiteral("channels.json")), list);
     QVERIFY(QDir().mkpath(out(QStringLiteral("a"))));
-    QVERIFY(QFile::link(path(QStringLiteral("game.png")), out(QStringLiteral("a/icon36x36.png"))));
-    const QImage before = master();
-    const Ended ended = icons(R"([{"folder": "a"}])", words("--keep"));
+    const QString icon = out(QStringLiteral("a/icon36x36.png"));
+    QVERIFY(hard ? linkHard(path(read), icon) : QFile::link(path(read), icon));
+    const QByteArray before = contentOf(path(read));
+    const Ended ended = icons(list, words("--keep"));
     QCOMPARE(ended.code, 1);
-    QVERIFY2(ended.error.contains("the icon 'game.png' is one of the files to be written"),
-             ended.error.constData());
-    QCOMPARE(master(), before);
+    QVERIFY2(ended.error.contains(error), ended.error.constData());
+    QCOMPARE(contentOf(path(read)), before);
+    QCOMPARE(filesBelow(out()), words("a/icon36x36.png"));
 }
 
 void tst_IconCommands::sheetNeverReplacesWhatIsRead_data()
 {
     QTest::addColumn<QString>("sheet");
-    QTest::newRow("icon") << QStringLiteral("marks/../game.png");
-    QTest::newRow("list") << QStringLiteral("channels.json");
+    QTest::addColumn<QByteArray>("what");
+    const auto row = [](const char* title, const char* sheet, const char* what) {
+        QTest::newRow(title) << QString::fromUtf8(sheet) << QByteArray(what);
+    };
+    row("icon", "marks/../game.png", "the icon 'game.png'");
+    row("list", "channels.json", "the channel list 'channels.json'");
+    row("mark", "marks/red/icon/right-bottom.png", "the mark picture");
+    row("unused mark", "marks/red/icon/left-top.png", "the mark picture");
+    row("mark by a link", "link.png", "the mark picture");
+    row("mark by a hard link", "hard.png", "the mark picture");
 }
 
 void tst_IconCommands::sheetNeverReplacesWhatIsRead()
 {
     QFETCH(const QString, sheet);
+    QFETCH(const QByteArray, what);
+    const QString used = path(QStringLiteral("marks/red/icon/right-bottom.png"));
+    QVERIFY(QFile::link(used, path(QStringLiteral("link.png"))));
+    QVERIFY(linkHard(used, path(QStringLiteral("hard.png"))));
+    const QByteArray list = R"([{"folder": "a", "mark": "red"}])";
+    write(path(QStringLiteral("channels.json")), list);
+    const QByteArray before = contentOf(path(sheet));
+    const Ended ended = icons(list, {QStringLiteral("--sheet"), sheet});
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("the sheet would replace " + what), ended.error.constData());
+    QCOMPARE(contentOf(path(sheet)), before);
+    QVERIFY(!QFileInfo::exists(out()));
+}
+
+void tst_IconCommands::sheetNeverReplacesAnIcon_data()
+{
+    QTest::addColumn<QString>("sheet");
+    QTest::addColumn<bool>("there");
+    for (const bool there : {false, true}) {
+        const char* title = there ? "file that is there" : "file to come";
+        QTest::addRow("%s", title) << QStringLiteral("out/a/icon36x36.png") << there;
+        QTest::addRow("%s, there and back", title) << QStringLiteral("out/../out/a/icon36x36.png") << there;
+        QTest::addRow("%s, linked folder", title) << QStringLiteral("linked/out/a/icon36x36.png") << there;
+        QTest::addRow("%s, link", title) << QStringLiteral("link.png") << there;
+    }
+    QTest::newRow("hard link") << QStringLiteral("hard.png") << true;
+}
+
+void tst_IconCommands::sheetNeverReplacesAnIcon()
+{
+    QFETCH(const QString, sheet);
+    QFETCH(const bool, there);
+    const QString icon = out(QStringLiteral("a/icon36x36.png"));
+    if (there) {
+        write(icon, "old");
+        QVERIFY(linkHard(icon, path(QStringLiteral("hard.png"))));
+    }
+    QVERIFY(QFile::link(m_folder->path(), path(QStringLiteral("linked"))));
+    QVERIFY(QFile::link(icon, path(QStringLiteral("link.png"))));
     const Ended ended = icons(R"([{"folder": "a"}])", {QStringLiteral("--sheet"), sheet});
     QCOMPARE(ended.code, 1);
-    QVERIFY2(ended.error.contains("the sheet would replace"), ended.error.constData());
-    QVERIFY(!master().isNull());
+    QVERIFY2(ended.error.contains("/out/a/icon36x36.png', one of the files to be written"),
+             ended.error.constData());
+    QCOMPARE(QFileInfo::exists(icon), there);
+
+    const Ended beside = icons(R"([{"folder": "a"}])", words("--sheet out/a/sheet.png"));
+    QCOMPARE(beside.error, QByteArray());
+    QCOMPARE(beside.code, 0);
+}
+
+void tst_IconCommands::pipesAreNotRead_data()
+{
+    QTest::addColumn<QString>("pipe");
+    QTest::newRow("icon") << QStringLiteral("game.png");
+    QTest::newRow("list") << QStringLiteral("channels.json");
+    QTest::newRow("mark") << QStringLiteral("marks/red/icon/right-bottom.png");
+}
+
+void tst_IconCommands::pipesAreNotRead()
+{
+    QFETCH(const QString, pipe);
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a", "mark": "red"}])");
+    QVERIFY(QFile::remove(path(pipe)));
+    makePipe(path(QStringLiteral("pipe")));
+    QVERIFY(QFile::link(path(QStringLiteral("pipe")), path(pipe)));
+    const Ended ended =
+        quenzo(words("icons --icon game.png --marks marks --out out --platform android channels.json"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains(pipe.toUtf8()), ended.error.constData());
+    QVERIFY2(ended.error.endsWith(" is not a regular file\n"), ended.error.constData());
     QVERIFY(!QFileInfo::exists(out()));
 }
 
@@ -628,8 +779,9 @@ void tst_IconCommands::missingInputIsNamed()
     QFETCH(const QStringList, arguments);
     QFETCH(const QByteArray, error);
     write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
-    const Ended ended = quenzo(words("icons --platform android") + arguments);
+    const Ended ended = quenzo(words("icons --platform android --sheet sheet.png") + arguments);
     QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.error.count("quenzo: "), 1);
     QVERIFY2(ended.error.contains(error), ended.error.constData());
     QVERIFY(!QFileInfo::exists(out()));
     QVERIFY(!master().isNull());
