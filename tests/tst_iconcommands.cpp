@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "iconpictures.h"
+#include "terminal.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -110,6 +111,7 @@ private Q_SLOTS:
     void sheetShowsEveryIcon();
     void countsReadWellForOneChannel();
     void jsonTellsAllOfARun();
+    void progressIsShownOnATerminal();
 
     void faultOfAMarkIsWarnedOf_data();
     void faultOfAMarkIsWarnedOf();
@@ -430,6 +432,38 @@ void tst_IconCommands::jsonTellsAllOfARun()
     QVERIFY(good.value(QStringLiteral("missing")).isArray());
     QVERIFY(good.value(QStringLiteral("missing")).toArray().isEmpty());
     QVERIFY(!good.contains(QStringLiteral("error")));
+}
+
+void tst_IconCommands::progressIsShownOnATerminal()
+{
+    // One file that takes long enough for the bar to be drawn several times.
+    QVERIFY(photograph(300, 300)
+                .scaled(3000, 3000, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                .save(path(QStringLiteral("game.png")), nullptr, 100));
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    Terminal terminal;
+    QProcess process;
+    process.setWorkingDirectory(m_folder->path());
+    process.setStandardErrorFile(terminal.path());
+    process.start(QStringLiteral(QUENZO),
+                  words("icons --icon game.png --marks marks --out out --platform android channels.json"));
+    QCOMPARE(endOf(process).code, 0);
+
+    const QString shown = QString::fromLocal8Bit(terminal.shown());
+    QRegularExpressionMatchIterator bars =
+        QRegularExpression(QStringLiteral(R"(\r\x1b\[K[-|/\\] \[(#*)(\.*)\] (\d) of 7 files)"))
+            .globalMatch(shown);
+    QVERIFY2(bars.hasNext(), terminal.shown().constData());
+    int before = 0;
+    while (bars.hasNext()) {
+        const QRegularExpressionMatch bar = bars.next();
+        const int done = bar.captured(3).toInt();
+        QVERIFY(done >= before && done <= 7);
+        QCOMPARE(bar.capturedLength(1), done * 30 / 7);
+        QCOMPARE(bar.capturedLength(2), 30 - done * 30 / 7);
+        before = done;
+    }
+    QVERIFY2(shown.endsWith(QStringLiteral("files\r\x1b[K")), "the bar stays");
 }
 
 void tst_IconCommands::faultOfAMarkIsWarnedOf_data()
