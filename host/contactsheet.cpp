@@ -3,6 +3,7 @@
 
 #include <QFileInfo>
 #include <QFont>
+#include <QFontMetrics>
 #include <QPainter>
 
 #include <cmath>
@@ -66,6 +67,12 @@ void drawEntry(QPainter& painter, const QRect& area, const SheetEntry& entry)
 }
 
 } // namespace
+
+bool canWriteOnSheets()
+{
+    // Families are named even where there is no font.
+    return QFontMetrics(fontOf(captionPixels, false)).inFont(QLatin1Char('0'));
+}
 
 QImage drawContactSheet(const QString& title, const QVector<SheetEntry>& entries)
 {

@@ -19,4 +19,7 @@ struct SheetEntry {
  */
 QImage drawContactSheet(const QString& title, const QVector<SheetEntry>& entries);
 
+/** Whether there is a font; without one a sheet has neither title nor names. */
+bool canWriteOnSheets();
+
 #endif

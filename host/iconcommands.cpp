@@ -80,6 +80,26 @@ bool isReady(IconJob& job, Console& console)
     return errors.isEmpty();
 }
 
+// What is worth a look although the run goes on.
+class Warnings {
+public:
+    explicit Warnings(Console& console)
+        : m_console(console)
+    {
+    }
+    void add(const QStringList& texts)
+    {
+        for (const QString& text : texts)
+            m_console.warn(text);
+        m_texts += texts;
+        m_console.set(QStringLiteral("warnings"), QJsonArray::fromStringList(m_texts));
+    }
+
+private:
+    Console& m_console;
+    QStringList m_texts;
+};
+
 QString progressBar(int done, int all)
 {
     constexpr int width = 30;
@@ -144,6 +164,17 @@ bool writeSheet(const IconJob& job, Console& console)
     return false;
 }
 
+QStringList warningsAfter(const IconJob& job)
+{
+    QStringList texts;
+    const QStringList leftovers = job.leftovers();
+    if (!leftovers.isEmpty())
+        texts.append(IconCommands::tr("not deleted: %1").arg(leftovers.join(QStringLiteral(", "))));
+    if (!job.sheet.isEmpty() && !canWriteOnSheets())
+        texts.append(IconCommands::tr("no font was found; the sheet has neither a title nor names"));
+    return texts;
+}
+
 // False when a file is missing.
 bool reportFiles(const IconJob& job, const FileTally& tally, const QElapsedTimer& time, Console& console)
 {
@@ -173,16 +204,15 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
     }
     if (!isReady(job, console))
         return ExitFailed;
-    const QStringList warnings = job.warnings();
-    for (const QString& warning : warnings)
-        console.warn(warning);
-    console.set(QStringLiteral("warnings"), QJsonArray::fromStringList(warnings));
+    Warnings warnings(console);
+    warnings.add(job.warnings());
 
     QElapsedTimer time;
     time.start();
     FileTally tally(job.files());
     produce(job, tally, console);
     const bool complete = reportFiles(job, tally, time, console);
+    warnings.add(warningsAfter(job));
     const bool sheetDone = job.sheet.isEmpty() || writeSheet(job, console);
     return complete && sheetDone ? ExitDone : ExitFailed;
 }

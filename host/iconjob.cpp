@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QHash>
 #include <QImageReader>
@@ -203,6 +204,31 @@ QString IconJob::danger() const
             return fault;
     }
     return {};
+}
+
+QStringList IconJob::leftovers() const
+{
+    if (keep)
+        return {};
+    QSet<QString> own;
+    QStringList folders{out};
+    for (const ListedChannel& channel : channels)
+        folders.append(folderOf(channel));
+    for (const QString& path : files() + folders)
+        own.insert(path);
+    folders.removeDuplicates();
+
+    QStringList others;
+    for (const QString& folder : qAsConst(folders)) {
+        QDirIterator entries(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        while (entries.hasNext()) {
+            const QString path = entries.next();
+            if (!own.contains(path))
+                others.append(path);
+        }
+    }
+    others.sort();
+    return others;
 }
 
 QStringList IconJob::warnings() const

@@ -33,6 +33,9 @@ struct IconJob {
     /** Why the job must not be run, since it would destroy what it must not; empty when it may. */
     QString danger() const;
 
+    /** What of the output folder's earlier content is still there after a run that was to clear it. */
+    QStringList leftovers() const;
+
     /** What the library would pass over in silence although it can be known beforehand. */
     QStringList warnings() const;
 };

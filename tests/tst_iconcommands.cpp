@@ -119,7 +119,11 @@ private Q_SLOTS:
     void fileInTheWayOfAFolderIsReported();
     void folderInTheWayOfAFileIsReported();
     void fileThatCannotBeFilledIsReported();
+    void fileLeftEmptyIsReported();
+    void pipeInTheWayOfAFileIsReported();
+    void whatCannotBeClearedIsWarnedOf();
     void sheetThatCannotBeWrittenFails();
+    void sheetWithoutFontsIsWarnedOf();
 
     void whatItReadsIsNeverCleared_data();
     void whatItReadsIsNeverCleared();
@@ -545,6 +549,84 @@ void tst_IconCommands::fileThatCannotBeFilledIsReported()
     QCOMPARE(ended.code, 1);
     QVERIFY2(ended.error.contains("/out/a: icon48x48.png\n"), ended.error.constData());
     QVERIFY(QFileInfo::exists(QStringLiteral("/dev/full")));
+}
+
+void tst_IconCommands::fileLeftEmptyIsReported()
+{
+    write(out(QStringLiteral("a/icon512x512.png")), "old");
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    // The file can be written, but neither to its end nor be taken away.
+    QVERIFY(QFile::setPermissions(out(QStringLiteral("a")), QFile::ReadOwner | QFile::ExeOwner));
+    BoundProcess process;
+    process.largestFile = 10000;
+    process.setWorkingDirectory(m_folder->path());
+    process.start(
+        QStringLiteral(QUENZO),
+        words("icons --icon game.png --marks marks --out out --platform android --keep channels.json"));
+    const Ended ended = endOf(process);
+    QVERIFY(QFile::setPermissions(out(QStringLiteral("a")),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(filesBelow(out()), words("a/icon512x512.png"));
+    QCOMPARE(QFileInfo(out(QStringLiteral("a/icon512x512.png"))).size(), qint64(0));
+    QVERIFY2(ended.output.startsWith("0 of 7 files in "), ended.output.constData());
+    QVERIFY2(ended.error.contains(", icon512x512.png\n"), ended.error.constData());
+}
+
+void tst_IconCommands::pipeInTheWayOfAFileIsReported()
+{
+    QVERIFY(QDir().mkpath(out(QStringLiteral("a"))));
+    makePipe(out(QStringLiteral("a/icon144x144.png")));
+    const Ended ended = icons(R"([{"folder": "a"}])", words("--keep --sheet sheet.png"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("/out/a: icon144x144.png\n"), ended.error.constData());
+    QCOMPARE(QImage(path(QStringLiteral("sheet.png"))).pixelColor(20 + 72, 44 + 72), QColor(Qt::red));
+}
+
+void tst_IconCommands::whatCannotBeClearedIsWarnedOf()
+{
+    write(out(QStringLiteral("old/notes.txt")), "old");
+    write(out(QStringLiteral("a/notes.txt")), "old");
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    for (const char* name : {"a/icon36x36.png", "a/icon48x48.png", "a/icon72x72.png", "a/icon96x96.png",
+                             "a/icon144x144.png", "a/icon192x192.png", "a/icon512x512.png"})
+        write(out(QString::fromUtf8(name)), "old");
+    for (const char* name : {"old", "a"})
+        QVERIFY(QFile::setPermissions(out(QString::fromUtf8(name)), QFile::ReadOwner | QFile::ExeOwner));
+    BoundProcess process;
+    process.setWorkingDirectory(m_folder->path());
+    process.start(
+        QStringLiteral(QUENZO),
+        words("icons --icon game.png --marks marks --out out --platform android --json channels.json"));
+    const Ended ended = endOf(process);
+    for (const char* name : {"old", "a"})
+        QVERIFY(QFile::setPermissions(out(QString::fromUtf8(name)),
+                                      QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QCOMPARE(ended.code, 0);
+    const QString root = QDir(m_folder->path()).canonicalPath() + QStringLiteral("/out/");
+    const QString warning = QStringLiteral("not deleted: ") + root + QStringLiteral("a/notes.txt, ") + root
+        + QStringLiteral("old");
+    QCOMPARE(ended.error, QByteArray("quenzo: " + warning.toUtf8() + '\n'));
+    QCOMPARE(QJsonDocument::fromJson(ended.output).object().value(QStringLiteral("warnings")).toArray(),
+             QJsonArray({warning}));
+}
+
+void tst_IconCommands::sheetWithoutFontsIsWarnedOf()
+{
+    write(path(QStringLiteral("fonts.conf")), "<?xml version=\"1.0\"?>\n<fontconfig></fontconfig>\n");
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("FONTCONFIG_FILE"), path(QStringLiteral("fonts.conf")));
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(m_folder->path());
+    process.start(
+        QStringLiteral(QUENZO),
+        words("icons --icon game.png --marks marks --out out --platform ios --sheet s.png channels.json"));
+    const Ended ended = endOf(process);
+    QCOMPARE(ended.code, 0);
+    QVERIFY2(ended.error.contains("quenzo: no font was found; "), ended.error.constData());
+    QVERIFY(!QImage(path(QStringLiteral("s.png"))).isNull());
 }
 
 void tst_IconCommands::sheetThatCannotBeWrittenFails()
