@@ -65,8 +65,10 @@ private Q_SLOTS:
 
     void deleteWithTableOnlyEmptiesIt();
     void deleteWithSeveralConditionsNeedsAll();
+    void deleteWithOneConditionBindsText();
     void encodedDeleteComparesWithScrambledValues();
 
+    void conditionsAreTakenInAscendingOrderOfTheirNames();
     void integerSelectBindsText();
     void selectDecodesItsConditionsAndReturnsValuesAsStored();
     void fieldsOfTheSameNameYieldTheLastOne();
@@ -314,6 +316,15 @@ void tst_DBStatements::deleteWithSeveralConditionsNeedsAll()
     QCOMPARE(m_database->committedIds(), QVariantList{1});
 }
 
+void tst_DBStatements::deleteWithOneConditionBindsText()
+{
+    QList<QVariant> rows{row(5, QStringLiteral("number")), row(QStringLiteral("5"), QStringLiteral("text"))};
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
+    QVERIFY(m_database->deleteFromDatabase(table, QStringLiteral("id"), 5, false));
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT name FROM channel")),
+             QVariantList{QStringLiteral("number")});
+}
+
 void tst_DBStatements::encodedDeleteComparesWithScrambledValues()
 {
     Row values = row(1, QStringLiteral("hello world"));
@@ -322,6 +333,18 @@ void tst_DBStatements::encodedDeleteComparesWithScrambledValues()
     QVERIFY(
         m_database->deleteFromDatabase(table, QStringLiteral("name"), QStringLiteral("hello world"), true));
     QCOMPARE(m_database->committedIds(), QVariantList{1});
+}
+
+void tst_DBStatements::conditionsAreTakenInAscendingOrderOfTheirNames()
+{
+    QMap<QString, QVariant> conditions;
+    for (const char* name : {"b", "a", "_c", "B"})
+        conditions.insert(QLatin1String(name), 1);
+    const QString clause = QStringLiteral(" FROM missing WHERE B = :B and _c = :_c and a = :a and b = :b;");
+    QVERIFY(!m_database->deleteFromDatabase(QStringLiteral("missing"), conditions, false));
+    QCOMPARE(m_log->takeDebugTexts().value(0), QStringLiteral("DELETE") + clause);
+    QVERIFY(m_database->selectFromDatabase(QStringLiteral("missing"), conditions, false).isEmpty());
+    QCOMPARE(m_log->takeDebugTexts().value(0), QStringLiteral("SELECT *") + clause);
 }
 
 void tst_DBStatements::integerSelectBindsText()
