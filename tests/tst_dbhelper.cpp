@@ -62,6 +62,7 @@ private Q_SLOTS:
     void mapInsertIsWrittenAsOneRow();
     void mapIsWrittenBehindTheRowsOfItsCommand();
     void updateTakesItsConditionAlong();
+    void encodingIsTakenAlong();
     void updateWithoutConditionIsBuiltFromEmptyTexts_data();
     void updateWithoutConditionIsBuiltFromEmptyTexts();
     void unknownCommandsAreIgnored();
@@ -69,6 +70,7 @@ private Q_SLOTS:
 
     void burstIsOneTransaction();
     void failedInsertRollsBackTheWholeBurst();
+    void failedLaterRowOfAListRollsBackTheWholeBurst();
     void failedUpdatesDeletesAndSelectsLeaveTheBurst();
     void failedCommitGoesToTheLog();
     void closingLeavesTheTransactionFlag();
@@ -425,6 +427,37 @@ void tst_DBHelper::updateTakesItsConditionAlong()
              QVariantList{QStringLiteral("new2")});
 }
 
+void tst_DBHelper::encodingIsTakenAlong()
+{
+    QSignalSpy selected(m_database.get(), &DBHelper::onSelectFinish);
+    const QString name = QStringLiteral("name");
+    const QVariant plain = QStringLiteral("hello world");
+    const QVariant scrambled = QStringLiteral("GasVGbg82d9ybGQ=");
+    const QString names = QStringLiteral("SELECT name FROM channel ORDER BY rowid");
+
+    QVERIFY(m_database->threadToDatabase(DB_INSERT, table, name, plain, true, QString()));
+    m_database->runBurst();
+    QCOMPARE(m_database->outside(names), QVariantList{scrambled});
+
+    Row values{{name, plain}};
+    QVERIFY(m_database->insertToDatabase(table, QStringLiteral("id"), 7, false));
+    QVERIFY(m_database->threadToDatabase(DB_UPDATE, table, values, QStringLiteral("id"), 7, true, QString()));
+    m_database->runBurst();
+    QCOMPARE(m_database->outside(names), (QVariantList{scrambled, scrambled}));
+
+    QVERIFY(m_database->insertToDatabase(table, values, false));
+    QVERIFY(m_database->threadToDatabase(DB_SELECT, table, name, scrambled, true, QString()));
+    m_database->runBurst();
+    QCOMPARE(selected.size(), 1);
+    const QVariantList found = selected.first().at(1).toList();
+    QCOMPARE(found.size(), 1);
+    QCOMPARE(found.first().toMap().value(name), plain);
+
+    QVERIFY(m_database->threadToDatabase(DB_DELETE, table, name, plain, true, QString()));
+    m_database->runBurst();
+    QCOMPARE(m_database->outside(names), QVariantList{plain});
+}
+
 void tst_DBHelper::updateWithoutConditionIsBuiltFromEmptyTexts_data()
 {
     QTest::addColumn<QString>("key");
@@ -511,6 +544,29 @@ void tst_DBHelper::failedInsertRollsBackTheWholeBurst()
     QCOMPARE(m_database->committedIds(), (QVariantList{3, 4}));
     m_database->commandExec();
     QCOMPARE(m_database->committedIds(), (QVariantList{3, 4, 5, 6}));
+}
+
+void tst_DBHelper::failedLaterRowOfAListRollsBackTheWholeBurst()
+{
+    QVERIFY(m_database->queueRow(1, QString()));
+    QList<QVariant> rows{row(2, 0), row(3, 0), row(3, 0), row(4, 0)};
+    QVERIFY(m_database->threadToDatabase(DB_INSERT, table, rows, QString(), QVariant(), false, QString()));
+    QVERIFY(m_database->queueRow(5, QString()));
+    QVERIFY(m_database->queueRow(6, QString()));
+    m_database->commandExec();
+    m_database->commandExec();
+    QCOMPARE(m_database->committedIds(), QVariantList());
+    QCOMPARE(m_log->takeDebugTexts(),
+             (QStringList{QStringLiteral("INSERT INTO channel(id, name) VALUES(:id, :name);"),
+                          QStringLiteral("Error at insert channel"),
+                          QStringLiteral("UNIQUE constraint failed: channel.id Unable to fetch row")}));
+    m_database->commandExec();
+    QVERIFY2(m_database->committedIds() == QVariantList{5}, "without a transaction each row is committed");
+    QCOMPARE(RunRoot::log(), QByteArray());
+    m_database->commandExec();
+    QCOMPARE(m_database->committedIds(), (QVariantList{5, 6}));
+    QVERIFY2(RunRoot::log().contains("cannot commit - no transaction is active"), RunRoot::log().constData());
+    QCOMPARE(RunRoot::log().count('\n'), 1);
 }
 
 void tst_DBHelper::failedUpdatesDeletesAndSelectsLeaveTheBurst()
