@@ -9,8 +9,10 @@
 #include <QUuid>
 #include <QtTest>
 
+#include <atomic>
 #include <limits>
 #include <memory>
+#include <thread>
 
 // Rows of a list that have the columns of the row before take a shorter way into the file than the first one.
 class tst_DBLists : public QObject {
@@ -26,6 +28,7 @@ private Q_SLOTS:
     void valuesOfLaterRowsAreEncodedToo();
     void failureInALaterRowReadsAsThatOfASingleRow_data();
     void failureInALaterRowReadsAsThatOfASingleRow();
+    void nobodySeesAFailedRowBeforeItsRollback();
     void updatesOfLaterRowsTakeTheirOwnValues();
     void rowsAreTakenAfterALaterRowFailed();
     void textsThatAreTooLongFailInALaterRowToo();
@@ -163,6 +166,44 @@ void tst_DBLists::failureInALaterRowReadsAsThatOfASingleRow()
     QVERIFY(!m_database->insertToDatabase(strict, bad, false));
     QCOMPARE(ofList, m_log->takeDebugTexts());
     QCOMPARE(kept, m_database->outside(QStringLiteral("SELECT id FROM strict")));
+}
+
+void tst_DBLists::nobodySeesAFailedRowBeforeItsRollback()
+{
+    constexpr int rounds = 300;
+    createStrictTable(); // whose trigger fails at 14, yet leaves that row to the rollback
+    m_database->outside(QStringLiteral("CREATE TABLE onlooker(id, looks)"));
+    m_database->outside(QStringLiteral("INSERT INTO onlooker VALUES('1', 0)"));
+    m_database->outside(QStringLiteral("CREATE TRIGGER seen BEFORE UPDATE ON onlooker WHEN 14 IN "
+                                       "(SELECT id FROM strict) BEGIN SELECT RAISE(FAIL, 'seen'); END"));
+    std::atomic<bool> ended{false};
+    std::atomic<int> looks{0};
+    std::atomic<int> seen{0};
+    // Waits for the connection most of the time, and is thus the next one at each row of the other thread.
+    std::thread onlooker([&] {
+        QList<QVariant> rows;
+        for (int i = 0; i < 100; ++i)
+            rows.append(QVariantMap{{QStringLiteral("looks"), i}});
+        while (!ended) {
+            seen +=
+                m_database->updateToDatabase(QStringLiteral("onlooker"), QStringLiteral("id"), 1, rows, false)
+                ? 0
+                : 1;
+            ++looks;
+        }
+    });
+    for (int round = 0; round < rounds; ++round) {
+        QList<QVariant> rows{row(1, 1), row(14, 1)};
+        m_database->threadToDatabase(DB_INSERT, QStringLiteral("strict"), rows, QString(), QVariant(), false,
+                                     QString());
+        m_database->runBurst();
+    }
+    ended = true;
+    onlooker.join();
+    QVERIFY(looks > 0);
+    QCOMPARE(seen.load(), 0);
+    QCOMPARE(m_log->takeDebugTexts().size(), 3 * rounds);
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT id FROM strict")), QVariantList());
 }
 
 void tst_DBLists::updatesOfLaterRowsTakeTheirOwnValues()
