@@ -18,6 +18,7 @@ namespace {
 const QString table = QStringLiteral("records");
 
 constexpr int commandsOfACaller = 50000;
+constexpr int recordsOfAWriter = 2000;
 
 QVariantMap record(int caller, int number)
 {
@@ -40,11 +41,14 @@ private Q_SLOTS:
     void receiversOfOtherThreadsGetTheirRowsQueued();
     void load_data();
     void load();
+    void directWritersAndTheWorkerLoseNothing_data();
+    void directWritersAndTheWorkerLoseNothing();
 
 private:
     void open(const QString& journal = QStringLiteral("delete"));
     void waitUntilDrained();
     int count(const QString& condition);
+    bool writeDirectly(int writer);
 
     std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -221,6 +225,78 @@ void tst_DBWorker::load()
         const auto caller = static_cast<std::size_t>(values.value(QStringLiteral("caller")).toInt());
         QCOMPARE(values.value(QStringLiteral("number")).toInt(), next.at(caller)++);
     }
+    QCOMPARE(m_log->takeDebugTexts(), QStringList());
+}
+
+// Each record is written, marked, and its twin deleted again.
+bool tst_DBWorker::writeDirectly(int writer)
+{
+    const QString written = QStringLiteral("written");
+    const QString id = QStringLiteral("id");
+    bool done = true;
+    for (int number = 0; number < recordsOfAWriter && done; ++number) {
+        const QString name = QStringLiteral("%1-%2").arg(writer).arg(number);
+        const QString twin = name + QStringLiteral("-twin");
+        QList<QVariant> rows{QVariantMap{{id, name}}, QVariantMap{{id, twin}}};
+        QVariantMap mark{{QStringLiteral("mark"), number}};
+        done = m_database->insertToDatabase(written, rows, false)
+            && m_database->updateToDatabase(written, id, name, mark, false)
+            && m_database->selectFromDatabase(written, id, twin, false).size() == 1
+            && m_database->deleteFromDatabase(written, id, twin, false);
+    }
+    return done;
+}
+
+void tst_DBWorker::directWritersAndTheWorkerLoseNothing_data()
+{
+    load_data();
+}
+
+void tst_DBWorker::directWritersAndTheWorkerLoseNothing()
+{
+    QFETCH(const QString, journal);
+    constexpr int writers = 3;
+    m_database->closeDB();
+    DBHelper::removeDatabase();
+    open(journal);
+    {
+        QSqlQuery query(QSqlDatabase::database(QStringLiteral("Quenzo")));
+        QVERIFY(query.exec(QStringLiteral("PRAGMA synchronous = OFF")));
+        QVERIFY(query.exec(QStringLiteral("CREATE TABLE written(id TEXT UNIQUE, mark INTEGER)")));
+    }
+    QVERIFY(m_database->StartThread());
+
+    std::atomic<int> atWork{writers};
+    std::atomic<int> failed{0};
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < writers; ++writer) {
+        threads.emplace_back([&, writer] {
+            failed += writeDirectly(writer) ? 0 : 1;
+            --atWork;
+        });
+    }
+    // The worker has work, and an open transaction, for as long as they write.
+    int queued = 0;
+    while (atWork > 0) {
+        QList<QVariant> rows{record(0, queued), record(0, queued + 1)};
+        QVERIFY(
+            m_database->threadToDatabase(DB_INSERT, table, rows, QString(), QVariant(), false, QString()));
+        queued += 2;
+        if (queued % 100 == 0)
+            QThread::msleep(1);
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    waitUntilDrained();
+
+    QCOMPARE(failed.load(), 0);
+    QVERIFY2(queued > 100, "the writers hardly met the worker");
+    QCOMPARE(m_database->selectFromDatabase(table, false).size(), queued);
+    QCOMPARE(m_database->selectFromDatabase(QStringLiteral("written"), false).size(),
+             writers * recordsOfAWriter);
+    QCOMPARE(
+        m_database->selectFromDatabase(QStringLiteral("written WHERE id GLOB ('?-' || mark)"), false).size(),
+        writers * recordsOfAWriter);
     QCOMPARE(m_log->takeDebugTexts(), QStringList());
 }
 
