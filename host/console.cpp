@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "console.h"
 
+#include "standardstreams.h"
+
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -9,14 +11,9 @@
 #include <string>
 #include <unistd.h>
 
-namespace {
+using StandardStreams::write;
 
-void write(std::FILE* stream, const QString& text)
-{
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
-}
+namespace {
 
 // C0, DEL and C1, all of which terminals act upon.
 bool isControl(QChar letter)

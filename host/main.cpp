@@ -2,6 +2,7 @@
 #include "command.h"
 #include "console.h"
 #include "diagnostics.h"
+#include "standardstreams.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -48,7 +49,7 @@ QVector<Command> allCommands()
 
 void writeLine(std::FILE* stream, const QString& text)
 {
-    std::fprintf(stream, "%s\n", qUtf8Printable(text));
+    StandardStreams::write(stream, text + QLatin1Char('\n'));
 }
 
 QString overview(const QVector<Command>& commands)
@@ -147,18 +148,8 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, const 
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+ExitCode run(const QStringList& words)
 {
-    ensureUtf8Locale();
-    isolateInterpreter();
-    Diagnostics::install();
-    QStringList words;
-    for (int i = 1; i < argc; ++i)
-        words.append(QString::fromLocal8Bit(argv[i]));
-    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, words);
-    QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
     const QVector<Command> commands = allCommands();
 
     if (words.isEmpty())
@@ -177,4 +168,29 @@ int main(int argc, char* argv[])
     if (command == commands.cend())
         return usageError(Program::tr("unknown command '%1'").arg(name));
     return runCommand(*command, words);
+}
+
+// What a command has done is of no use to a caller that gets only half of the answer.
+ExitCode checkedForOutput(ExitCode code)
+{
+    const QString error = StandardStreams::outputError();
+    if (error.isEmpty())
+        return code;
+    writeLine(stderr, Program::tr("quenzo: the standard output cannot be written: %1").arg(error));
+    return code == ExitDone ? ExitFailed : code;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    ensureUtf8Locale();
+    isolateInterpreter();
+    Diagnostics::install();
+    QStringList words;
+    for (int i = 1; i < argc; ++i)
+        words.append(QString::fromLocal8Bit(argv[i]));
+    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, words);
+    QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
+    return checkedForOutput(run(words));
 }
