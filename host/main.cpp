@@ -184,6 +184,7 @@ ExitCode checkedForOutput(ExitCode code)
 
 int main(int argc, char* argv[])
 {
+    StandardStreams::ensureOpen();
     ensureUtf8Locale();
     isolateInterpreter();
     Diagnostics::install();

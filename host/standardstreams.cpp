@@ -3,6 +3,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -15,6 +17,15 @@ void keepError()
 }
 
 } // namespace
+
+void StandardStreams::ensureOpen()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest free number is the one that is given.
+        if (fcntl(descriptor, F_GETFD) == -1)
+            open("/dev/null", O_RDONLY);
+    }
+}
 
 void StandardStreams::write(std::FILE* stream, const QString& text)
 {

@@ -6,8 +6,14 @@
 
 #include <cstdio>
 
-/** What goes to the standard output, and whether results have arrived. */
+/** The descriptors 0, 1 and 2, and whether results have arrived. */
 namespace StandardStreams {
+
+/**
+ * Opens those that the program was started without, before anything else is given their numbers: reading from
+ * them comes to an end at once, writing fails. To be called first.
+ */
+void ensureOpen();
 
 /** Writes at once; what fails on the standard output is kept for outputError(). */
 void write(std::FILE* stream, const QString& text);

@@ -25,7 +25,7 @@ QStringList words(const char* text)
 
 } // namespace
 
-// The program with standard streams that are full.
+// The program with standard streams that are full, or missing.
 class tst_HostStreams : public QObject {
     Q_OBJECT
 
@@ -34,6 +34,9 @@ private Q_SLOTS:
     void fullOutputIsAFailure_data();
     void fullOutputIsAFailure();
     void wrongWordsStayWrongWords();
+    void closedOutputIsAFailure();
+    void closedInputIsAtItsEnd();
+    void closedStreamsHarmNothing();
 
 private:
     QString path() const { return m_folder.filePath(QStringLiteral("records.db")); }
@@ -96,6 +99,33 @@ void tst_HostStreams::fullOutputIsAFailure()
 void tst_HostStreams::wrongWordsStayWrongWords()
 {
     QCOMPARE(quenzo(words("nonsense"), QStringLiteral(">/dev/full")).code, 2);
+}
+
+void tst_HostStreams::closedOutputIsAFailure()
+{
+    const Ended ended = quenzo(words("db --file records.db select channel"), QStringLiteral(">&-"));
+    QVERIFY2(ended.error.startsWith("quenzo: the standard output cannot be written: "),
+             ended.error.constData());
+    QCOMPARE(ended.code, 1);
+}
+
+void tst_HostStreams::closedInputIsAtItsEnd()
+{
+    const Ended ended = quenzo(words("db --file records.db insert channel"), QStringLiteral("<&-"));
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.output, QByteArray("inserted into channel, rows: 0\n"));
+    QCOMPARE(ended.code, 0);
+}
+
+void tst_HostStreams::closedStreamsHarmNothing()
+{
+    const Ended ended =
+        quenzo(words("db --file records.db insert channel name=closed"), QStringLiteral("<&- >&- 2>&-"));
+    QCOMPARE(ended.code, 1);
+    const Ended selected =
+        quenzo(words("db --file records.db select channel --where name=closed"), QStringLiteral("2>&- <&-"));
+    QCOMPARE(selected.output, QByteArray("{\"id\":null,\"name\":\"closed\"}\n"));
+    QCOMPARE(selected.code, 0);
 }
 
 QTEST_GUILESS_MAIN(tst_HostStreams)
