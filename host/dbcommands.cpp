@@ -165,10 +165,11 @@ Command dbCommand()
                       "plain; select unscrambles its conditions.")),
          option("decode", C::tr("Unscrambles this column of what select has read; may be repeated."),
                 QStringLiteral("COLUMN")),
-         option(
-             "direct",
-             C::tr("Goes without the queue, whose commands are one transaction: each row that is written is "
-                   "committed by itself, and those before a failed one stay.")),
+         option("direct",
+                C::tr("Goes without the queue: each row is committed by itself, and those before a failed "
+                      "one stay. "
+                      "The queue writes all rows of an insert or none; of an update, what the rows before a "
+                      "failed one changed stays with it, too.")),
          option("csv",
                 C::tr("Prints rows as CSV; otherwise as a table on a terminal, elsewhere as JSON lines."))},
         runDatabase};

@@ -11,6 +11,8 @@
 #include <QSqlError>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace {
 
 struct DBSession {
@@ -72,24 +74,89 @@ QVariantList waitUntilDrained(DBHelper& database, Console& console)
     return rows;
 }
 
-QVariantList runDirectly(DBHelper& database, DBRequest& request)
+bool writeRow(DBHelper& database, const DBRequest& request, QVariantMap row)
 {
+    if (request.command == DB_INSERT)
+        return database.insertToDatabase(request.table, row, request.encode);
     const QString column = conditionColumn(request);
+    return database.updateToDatabase(request.table, column, request.conditions.value(column), row,
+                                     request.encode);
+}
+
+// Row by row: a list's failure does not tell how far it came.
+void runDirectly(DBHelper& database, DBRequest& request, DBOutcome& outcome)
+{
+    if (request.command == DB_SELECT) {
+        outcome.rows = database.selectFromDatabase(request.table, request.conditions, request.encode);
+    } else if (request.command == DB_DELETE) {
+        database.deleteFromDatabase(request.table, request.conditions, request.encode);
+    } else {
+        const auto failed =
+            std::find_if(request.rows.cbegin(), request.rows.cend(),
+                         [&](const QVariant& row) { return !writeRow(database, request, row.toMap()); });
+        outcome.written = int(failed - request.rows.cbegin());
+    }
+}
+
+QString failureText(const DBRequest& request, const QString& cause)
+{
     switch (request.command) {
     case DB_INSERT:
-        database.insertToDatabase(request.table, request.rows, request.encode);
-        break;
+        return DBSession::tr("cannot insert into %1: %2.").arg(request.table, cause);
     case DB_UPDATE:
-        database.updateToDatabase(request.table, column, request.conditions.value(column), request.rows,
-                                  request.encode);
-        break;
+        return DBSession::tr("cannot update %1: %2.").arg(request.table, cause);
     case DB_DELETE:
-        database.deleteFromDatabase(request.table, request.conditions, request.encode);
-        break;
+        return DBSession::tr("cannot delete from %1: %2.").arg(request.table, cause);
     case DB_SELECT:
-        return database.selectFromDatabase(request.table, request.conditions, request.encode);
+        break;
     }
-    return {};
+    return DBSession::tr("cannot select from %1: %2.").arg(request.table, cause);
+}
+
+// What a failed statement has left in the file.
+QString remainsText(const DBRequest& request, int written)
+{
+    if (request.rows.size() < 2)
+        return {};
+    if (request.direct) {
+        return DBSession::tr("This is row %1 of %2; those before it stay written.")
+            .arg(QString::number(written + 1), QString::number(request.rows.size()));
+    }
+    return request.command == DB_INSERT
+        ? DBSession::tr("No row is written.")
+        : DBSession::tr("What the rows before this one changed stays written.");
+}
+
+// The driver adds what it was doing, in words of its own.
+QString causeOf(QString text)
+{
+    for (const char* doing :
+         {"Unable to fetch row", "Unable to execute statement", "Parameter count mismatch",
+          "Unable to commit transaction", "Error opening database"}) {
+        if (text.endsWith(QLatin1String(doing)) && text.size() > int(qstrlen(doing)))
+            text.chop(int(qstrlen(doing)));
+    }
+    return text.trimmed();
+}
+
+QString errorOf(const DBRequest& request, const DBOutcome& outcome)
+{
+    // A failed statement gives three messages: its text, the operation and the cause.
+    const QStringList messages = Diagnostics::takeAll();
+    if (messages.size() >= 3) {
+        QStringList sentences{failureText(request, causeOf(messages.at(2)))};
+        const QString remains = remainsText(request, outcome.written);
+        if (!remains.isEmpty())
+            sentences.append(remains);
+        sentences.append(DBSession::tr("The statement: %1").arg(messages.at(0)));
+        return sentences.join(QLatin1Char(' '));
+    }
+    // A failed commit goes to the tool's log, beside the connection.
+    const QString cause = connectionError();
+    if (!messages.isEmpty() || cause.isEmpty())
+        return messages.join(QStringLiteral("; "));
+    return DBSession::tr("the transaction on %1 cannot be committed: %2. Nothing is written.")
+        .arg(request.table, causeOf(cause));
 }
 
 } // namespace
@@ -99,20 +166,17 @@ DBOutcome runRequest(DBRequest request, Console& console)
     DBOutcome outcome;
     DBHelper& database = *DBHelper::getInstance();
     if (!database.initDatabase(request.file)) {
-        outcome.error = QStringLiteral("%1 (%2)").arg(Diagnostics::take(), connectionError());
+        outcome.error = DBSession::tr("the database '%1' cannot be opened: %2")
+                            .arg(request.file, causeOf(connectionError()));
         return outcome;
     }
     if (request.direct) {
-        outcome.rows = runDirectly(database, request);
+        runDirectly(database, request, outcome);
     } else {
         queueRequest(database, request);
         outcome.rows = waitUntilDrained(database, console);
     }
-    // Statements tell of their failure by messages; a failed commit goes to the tool's log, beside the
-    // connection.
-    outcome.error = Diagnostics::take();
-    if (outcome.error.isEmpty())
-        outcome.error = connectionError();
+    outcome.error = errorOf(request, outcome);
     database.closeDB();
     DBHelper::removeDatabase();
     return outcome;

@@ -11,7 +11,8 @@ struct DBRequest;
 /** What came of a request. */
 struct DBOutcome {
     QVariantList rows; ///< of a select
-    QString error; ///< in the database's words; empty when all went well
+    int written = 0; ///< rows that were written directly, up to the first that failed
+    QString error; ///< what failed and why, and what is written; empty when all went well
 };
 
 /** Runs one request on its database file, through the queue or directly; the process's only one. */

@@ -4,7 +4,6 @@
 #include "console.h"
 
 #include <QMutex>
-#include <QStringList>
 
 #include <utility>
 
@@ -36,8 +35,13 @@ void Diagnostics::install()
     handlerBefore = qInstallMessageHandler(keep);
 }
 
-QString Diagnostics::take()
+QStringList Diagnostics::takeAll()
 {
     const QMutexLocker locker(&mutex);
-    return std::exchange(texts, {}).join(QStringLiteral("; "));
+    return std::exchange(texts, {});
+}
+
+QString Diagnostics::take()
+{
+    return takeAll().join(QStringLiteral("; "));
 }

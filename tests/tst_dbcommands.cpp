@@ -43,7 +43,10 @@ private Q_SLOTS:
     void failureExitsWithOneAndTheDatabasesWords_data();
     void failureExitsWithOneAndTheDatabasesWords();
     void failedQueuedInsertLeavesNoRow();
-    void failedDirectInsertLeavesTheRowsBefore();
+    void failedQueuedUpdateSaysWhatStays();
+    void failedDirectWritingNamesTheRow_data();
+    void failedDirectWritingNamesTheRow();
+    void fileThatIsNoDatabaseIsNamed();
     void failedCommitIsReported();
     void badUsageExitsWithTwo_data();
     void badUsageExitsWithTwo();
@@ -267,22 +270,75 @@ void tst_DBCommands::failureExitsWithOneAndTheDatabasesWords()
     ask(QStringLiteral("INSERT INTO channel(id) VALUES('1')"));
     const Ended ended = db(arguments);
     QCOMPARE(ended.code, 1);
-    QVERIFY2(ended.error.contains(cause), ended.error.constData());
+    QVERIFY2(ended.error.contains(": " + cause + ". The statement: "), ended.error.constData());
     QCOMPARE(ended.output, QByteArray());
 }
 
 void tst_DBCommands::failedQueuedInsertLeavesNoRow()
 {
-    QCOMPARE(db(words("insert channel"), "{\"id\": 1}\n{\"id\": 2}\n{\"id\": 2}\n{\"id\": 3}\n").code, 1);
+    const Ended ended = db(words("insert channel"), "{\"id\": 1}\n{\"id\": 2}\n{\"id\": 2}\n{\"id\": 3}\n");
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.error,
+             QByteArray("quenzo: cannot insert into channel: UNIQUE constraint failed: channel.id. No row is "
+                        "written. The statement: INSERT INTO channel(id) VALUES(:id);\n"));
     QCOMPARE(ask(QStringLiteral("SELECT id FROM channel")), QStringList());
 }
 
-void tst_DBCommands::failedDirectInsertLeavesTheRowsBefore()
+void tst_DBCommands::failedQueuedUpdateSaysWhatStays()
 {
+    ask(QStringLiteral("INSERT INTO channel(id) VALUES('1')"));
+    const Ended ended = db(words("update channel --where id=1"),
+                           "{\"name\": \"one\"}\n{\"nme\": \"typo\"}\n{\"state\": 1}\n");
+    QCOMPARE(ended.code, 1);
     QCOMPARE(
-        db(words("insert channel --direct"), "{\"id\": 1}\n{\"id\": 2}\n{\"id\": 2}\n{\"id\": 3}\n").code, 1);
-    QCOMPARE(ask(QStringLiteral("SELECT id FROM channel")),
-             (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
+        ended.error,
+        QByteArray("quenzo: cannot update channel: no such column: nme. What the rows before this one "
+                   "changed stays written. The statement: UPDATE channel SET nme = :nme WHERE id = :id;\n"));
+    QCOMPARE(ask(QStringLiteral("SELECT name || ifnull(state, '-') FROM channel")),
+             QStringList{QStringLiteral("one-")});
+    const QByteArray help = db({QStringLiteral("--help")}).output.simplified();
+    QVERIFY2(help.contains("of an update, what the rows before a failed one changed stays"),
+             help.constData());
+}
+
+void tst_DBCommands::failedDirectWritingNamesTheRow_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<QByteArray>("message");
+    QTest::newRow("insert") << words("insert channel --direct")
+                            << QByteArray("{\"id\": 1}\n{\"id\": 2}\n{\"id\": 2}\n{\"id\": 3}\n")
+                            << QByteArray("This is row 3 of 4; those before it stay written.");
+    QTest::newRow("update") << words("update channel --direct --where id=0")
+                            << QByteArray("{\"name\": 1}\n{\"nme\": 2}\n")
+                            << QByteArray("This is row 2 of 2; those before it stay written.");
+}
+
+void tst_DBCommands::failedDirectWritingNamesTheRow()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const QByteArray, input);
+    QFETCH(const QByteArray, message);
+    ask(QStringLiteral("INSERT INTO channel(id) VALUES('0')"));
+    const Ended ended = db(arguments, input);
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains(message), ended.error.constData());
+    const QStringList left = arguments.contains(QLatin1String("insert"))
+        ? QStringList{QStringLiteral("0-"), QStringLiteral("1-"), QStringLiteral("2-")}
+        : QStringList{QStringLiteral("01")};
+    QCOMPARE(ask(QStringLiteral("SELECT id || ifnull(name, '-') FROM channel")), left);
+}
+
+void tst_DBCommands::fileThatIsNoDatabaseIsNamed()
+{
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(4096, 'x'));
+    file.close();
+    const Ended ended = db(words("select channel"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("file is not a database"), ended.error.constData());
+    QVERIFY2(!ended.error.contains(";;"), ended.error.constData());
 }
 
 void tst_DBCommands::failedCommitIsReported()
@@ -300,7 +356,10 @@ void tst_DBCommands::failedCommitIsReported()
     }
     QSqlDatabase::removeDatabase(QStringLiteral("reader"));
     QCOMPARE(ended.code, 1);
-    QVERIFY2(ended.error.contains("database is locked"), ended.error.constData());
+    QCOMPARE(
+        ended.error,
+        QByteArray("quenzo: the transaction on channel cannot be committed: database is locked. Nothing is "
+                   "written.\n"));
     QCOMPARE(ask(QStringLiteral("SELECT id FROM channel")), QStringList{QStringLiteral("1")});
 }
 
