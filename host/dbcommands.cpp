@@ -94,7 +94,7 @@ ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
         QFile input;
         if (!input.open(stdin, QIODevice::ReadOnly))
             return fail(console, DBCommands::tr("the standard input cannot be read"));
-        request.rows = DBRequests::rowsFromJsonLines(input, error);
+        request.rows = DBRequests::rowsFromJsonLines(input, request.conditionColumn(), error);
         if (!error.isEmpty())
             return fail(console, error);
     }

@@ -67,10 +67,22 @@ QString conditionsError(const DBRequest& request, bool all)
     return {};
 }
 
-QString rowError(const QVariantMap& row)
+// A statement has one placeholder for a column's name as it is spelt, and would bind the condition's value to
+// it.
+QString conditionAmongValues(const QString& column)
+{
+    const QString other = column == column.toUpper() ? column.toLower() : column.toUpper();
+    return DBRequestTexts::tr(
+               "the condition's column '%1' cannot be written under the same name; '%2' would do")
+        .arg(column, other);
+}
+
+QString rowError(const QVariantMap& row, const QString& conditionColumn)
 {
     if (row.isEmpty())
         return DBRequestTexts::tr("a row needs a column");
+    if (row.contains(conditionColumn))
+        return conditionAmongValues(conditionColumn);
     for (auto value = row.cbegin(); value != row.cend(); ++value) {
         if (!isName(value.key()))
             return badName(value.key());
@@ -110,10 +122,12 @@ DBRequest DBRequests::fromCommandLine(const QCommandLineParser& parser, QString&
         error = DBRequestTexts::tr("conditions are given as --where COLUMN=VALUE");
     else
         error = conditionsError(request, parser.isSet(QStringLiteral("all")));
+    if (error.isEmpty() && !row.isEmpty())
+        error = rowError(row, request.conditionColumn());
     return request;
 }
 
-QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, QString& error)
+QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, const QString& conditionColumn, QString& error)
 {
     QVariantList rows;
     for (int number = 1; !input.atEnd(); ++number) {
@@ -123,7 +137,7 @@ QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, QString& error)
         QJsonParseError parseError;
         const QJsonDocument document = QJsonDocument::fromJson(line, &parseError);
         const QVariantMap row = document.object().toVariantMap();
-        QString problem = rowError(row);
+        QString problem = rowError(row, conditionColumn);
         if (parseError.error != QJsonParseError::NoError)
             problem = parseError.errorString();
         else if (!document.isObject())

@@ -25,6 +25,9 @@ struct DBRequest {
     bool direct = false;
 
     bool writes() const { return command == DB_INSERT || command == DB_UPDATE; }
+
+    /** The one column of an update's condition; empty without conditions. */
+    QString conditionColumn() const { return conditions.isEmpty() ? QString() : conditions.firstKey(); }
 };
 
 namespace DBRequests {
@@ -39,9 +42,10 @@ DBRequest fromCommandLine(const QCommandLineParser& parser, QString& error);
 /**
  * Reads one row from each line, a JSON object of names to texts, numbers, true, false and null.
  *
+ * @param conditionColumn of an update; a row must not have it
  * @param[out] error why a line is no row; there are no rows then
  */
-QVariantList rowsFromJsonLines(QIODevice& input, QString& error);
+QVariantList rowsFromJsonLines(QIODevice& input, const QString& conditionColumn, QString& error);
 
 } // namespace DBRequests
 

@@ -28,15 +28,10 @@ QString connectionError()
     return QSqlDatabase::database(QStringLiteral("Quenzo"), false).lastError().text();
 }
 
-QString conditionColumn(const DBRequest& request)
-{
-    return request.conditions.isEmpty() ? QString() : request.conditions.firstKey();
-}
-
 void queueRequest(DBHelper& database, DBRequest& request)
 {
     if (request.writes()) {
-        const QString column = conditionColumn(request);
+        const QString column = request.conditionColumn();
         database.threadToDatabase(request.command, request.table, request.rows, column,
                                   request.conditions.value(column), request.encode, QString());
     } else {
@@ -78,7 +73,7 @@ bool writeRow(DBHelper& database, const DBRequest& request, QVariantMap row)
 {
     if (request.command == DB_INSERT)
         return database.insertToDatabase(request.table, row, request.encode);
-    const QString column = conditionColumn(request);
+    const QString column = request.conditionColumn();
     return database.updateToDatabase(request.table, column, request.conditions.value(column), row,
                                      request.encode);
 }

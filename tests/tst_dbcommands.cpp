@@ -33,6 +33,7 @@ private Q_SLOTS:
     void brokenInputWritesNothing_data();
     void brokenInputWritesNothing();
     void updateNeedsOneCondition();
+    void updateOfTheConditionsColumnNeedsAnotherSpelling();
     void updateReadsRowsFromTheInput();
     void deleteNeedsAConditionOrAll();
     void selectPrintsJsonLinesIntoAPipe();
@@ -164,6 +165,24 @@ void tst_DBCommands::updateNeedsOneCondition()
     QCOMPARE(db(words("update channel name=new")).code, 2);
     QCOMPARE(db(words("update channel --where id= name=new")).code, 2);
     QCOMPARE(db(words("update channel --where id=1 --where name=a name=new")).code, 2);
+}
+
+void tst_DBCommands::updateOfTheConditionsColumnNeedsAnotherSpelling()
+{
+    ask(QStringLiteral("INSERT INTO channel(id) VALUES('1')"));
+    const QByteArray refusal(
+        "the condition's column 'id' cannot be written under the same name; 'ID' would do");
+    const Ended ended = db(words("update channel --where id=1 id=2"));
+    QCOMPARE(ended.code, 2);
+    QVERIFY2(ended.error.contains(refusal), ended.error.constData());
+    const Ended fromInput = db(words("update channel --where id=1"), "{\"name\": 1}\n{\"id\": \"2\"}\n");
+    QCOMPARE(fromInput.code, 1);
+    QVERIFY2(fromInput.error.contains("line 2 of the input: " + refusal), fromInput.error.constData());
+    QCOMPARE(ask(QStringLiteral("SELECT id || ifnull(name, '-') FROM channel")),
+             QStringList{QStringLiteral("1-")});
+
+    QCOMPARE(db(words("update channel --where id=1 ID=2")).code, 0);
+    QCOMPARE(ask(QStringLiteral("SELECT id FROM channel")), QStringList{QStringLiteral("2")});
 }
 
 void tst_DBCommands::updateReadsRowsFromTheInput()
