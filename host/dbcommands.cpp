@@ -172,7 +172,14 @@ Command dbCommand()
                       "failed one changed stays with it, too.")),
          option("csv",
                 C::tr("Prints rows as CSV; otherwise as a table on a terminal, elsewhere as JSON lines."))},
-        runDatabase};
+        runDatabase,
+        C::tr("A row of the input whose values would not be kept as they are is refused, and nothing is "
+              "written:\n"
+              "one with a column given twice, an integer beyond 64 bits, or half a surrogate pair.\n"
+              "JSON shows reals without a fraction as whole numbers, bytes as Base64, and integers beyond "
+              "2^53\n"
+              "and infinite numbers (9e999) as text. Inserted again, the latter are numbers in columns of a\n"
+              "numeric type, and text in others.")};
 }
 
 } // namespace

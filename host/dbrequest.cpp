@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "dbrequest.h"
 
+#include "jsonrow.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QIODevice>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QRegularExpression>
+
+#include <algorithm>
 
 namespace {
 
@@ -25,6 +27,14 @@ QString badName(const QString& name)
     return DBRequestTexts::tr("'%1' is no name: letters, digits and underscores of ASCII make one").arg(name);
 }
 
+// SQLite knows columns by their names in whatever capitals.
+bool containsColumn(const QVariantMap& values, const QString& name)
+{
+    return std::any_of(values.keyBegin(), values.keyEnd(), [&name](const QString& other) {
+        return other.compare(name, Qt::CaseInsensitive) == 0;
+    });
+}
+
 QVariantMap pairs(const QStringList& words, QString& error)
 {
     QVariantMap values;
@@ -35,7 +45,7 @@ QVariantMap pairs(const QStringList& words, QString& error)
             error = DBRequestTexts::tr("'%1' is not of the form COLUMN=VALUE").arg(word);
         else if (!isName(name))
             error = badName(name);
-        else if (values.contains(name))
+        else if (containsColumn(values, name))
             error = DBRequestTexts::tr("the column '%1' is given twice").arg(name);
         values.insert(name, word.mid(equals + 1));
     }
@@ -86,9 +96,6 @@ QString rowError(const QVariantMap& row, const QString& conditionColumn)
     for (auto value = row.cbegin(); value != row.cend(); ++value) {
         if (!isName(value.key()))
             return badName(value.key());
-        if (value->type() == QVariant::Map || value->type() == QVariant::List)
-            return DBRequestTexts::tr("'%1' holds neither text, number, true, false nor null")
-                .arg(value.key());
     }
     return {};
 }
@@ -134,14 +141,10 @@ QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, const QString& cond
         const QByteArray line = input.readLine().trimmed();
         if (line.isEmpty())
             continue;
-        QJsonParseError parseError;
-        const QJsonDocument document = QJsonDocument::fromJson(line, &parseError);
-        const QVariantMap row = document.object().toVariantMap();
-        QString problem = rowError(row, conditionColumn);
-        if (parseError.error != QJsonParseError::NoError)
-            problem = parseError.errorString();
-        else if (!document.isObject())
-            problem = DBRequestTexts::tr("a row is one JSON object");
+        QString problem;
+        const QVariantMap row = JsonRow::parse(line, problem);
+        if (problem.isEmpty())
+            problem = rowError(row, conditionColumn);
         if (!problem.isEmpty()) {
             error = DBRequestTexts::tr("line %1 of the input: %2").arg(QString::number(number), problem);
             return {};

@@ -4,6 +4,7 @@
 #include <QVector>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -49,11 +50,14 @@ QString aligned(const QStringList& cells, const QVector<int>& widths)
 }
 
 // Qt writes JSON numbers as doubles: whole numbers that these cannot hold go as text, lest they be rounded.
+// JSON has no infinite ones; the text is one that SQLite takes for such a number.
 QJsonValue jsonValue(const QVariant& value)
 {
     constexpr qint64 greatestExact = Q_INT64_C(1) << 53;
     if (value.isNull())
         return QJsonValue::Null;
+    if (value.type() == QVariant::Double && std::isinf(value.toDouble()))
+        return value.toDouble() > 0 ? QStringLiteral("9e999") : QStringLiteral("-9e999");
     const bool isRounded = value.type() == QVariant::LongLong
         && (value.toLongLong() > greatestExact || value.toLongLong() < -greatestExact);
     return isBytes(value) || isRounded ? QJsonValue(cell(value)) : QJsonValue::fromVariant(value);

@@ -30,6 +30,7 @@ private Q_SLOTS:
 
     void pairsAreInsertedAsText();
     void jsonLinesAreInsertedWithTheirTypes();
+    void selectedJsonLinesComeBackInNumericColumns();
     void brokenInputWritesNothing_data();
     void brokenInputWritesNothing();
     void updateNeedsOneCondition();
@@ -134,6 +135,19 @@ void tst_DBCommands::jsonLinesAreInsertedWithTheirTypes()
                           QStringLiteral("integer9007199254740993null"), QStringLiteral("real2.5integer1")}));
 }
 
+void tst_DBCommands::selectedJsonLinesComeBackInNumericColumns()
+{
+    ask(QStringLiteral("CREATE TABLE numbers(i INTEGER, r REAL)"));
+    ask(QStringLiteral("INSERT INTO numbers VALUES(9223372036854775807, 9e999), (-1, -9e999), (NULL, 0.1)"));
+    const QString all = QStringLiteral("SELECT typeof(i) || ifnull(i, '') || typeof(r) || r FROM numbers");
+    const QStringList before = ask(all);
+    const QByteArray lines = db(words("select numbers")).output;
+    QCOMPARE(lines.count('\n'), 3);
+    QCOMPARE(db(words("delete numbers --all")).code, 0);
+    QCOMPARE(db(words("insert numbers"), lines).code, 0);
+    QCOMPARE(ask(all), before);
+}
+
 void tst_DBCommands::brokenInputWritesNothing_data()
 {
     QTest::addColumn<QByteArray>("line");
@@ -142,6 +156,11 @@ void tst_DBCommands::brokenInputWritesNothing_data()
     QTest::newRow("array") << QByteArray("[1]") << QByteArray("one JSON object");
     QTest::newRow("nested") << QByteArray("{\"id\": [1]}") << QByteArray("'id' holds neither");
     QTest::newRow("empty") << QByteArray("{}") << QByteArray("needs a column");
+    QTest::newRow("too large") << QByteArray("{\"id\": 12345678901234567890}")
+                               << QByteArray("beyond 64 bits");
+    QTest::newRow("twice") << QByteArray("{\"id\": 5, \"id\": 6}") << QByteArray("'id' is given twice");
+    QTest::newRow("no character") << QByteArray("{\"id\": \"\\ud83d\"}")
+                                  << QByteArray("half a surrogate pair");
     QTest::newRow("bad name") << QByteArray("{\"id) --\": 1}") << QByteArray("is no name");
 }
 
@@ -316,6 +335,7 @@ void tst_DBCommands::failedQueuedUpdateSaysWhatStays()
     QCOMPARE(ask(QStringLiteral("SELECT name || ifnull(state, '-') FROM channel")),
              QStringList{QStringLiteral("one-")});
     const QByteArray help = db({QStringLiteral("--help")}).output.simplified();
+    QVERIFY2(help.contains("integers beyond 2^53 and infinite numbers (9e999) as text"), help.constData());
     QVERIFY2(help.contains("of an update, what the rows before a failed one changed stays"),
              help.constData());
 }
@@ -391,6 +411,7 @@ void tst_DBCommands::badUsageExitsWithTwo_data()
     QTest::newRow("column's name") << words("insert channel 1d=1");
     QTest::newRow("no pair") << words("insert channel id");
     QTest::newRow("column twice") << words("insert channel id=1 id=2");
+    QTest::newRow("column twice in capitals") << words("insert channel id=1 ID=2");
     QTest::newRow("condition of an insert") << words("insert channel id=1 --where id=1");
     QTest::newRow("values of a select") << words("select channel id=1");
     QTest::newRow("all of a select") << words("select channel --all");

@@ -91,6 +91,10 @@ void tst_RowFormat::jsonKeepsTypes_data()
                               << QStringLiteral("{\"v\":\"9223372036854775807\"}");
     QTest::newRow("exact") << QVariant(-9007199254740992LL) << QStringLiteral("{\"v\":-9007199254740992}");
     QTest::newRow("real") << QVariant(2.5) << QStringLiteral("{\"v\":2.5}");
+    QTest::newRow("infinite") << QVariant(std::numeric_limits<double>::infinity())
+                              << QStringLiteral("{\"v\":\"9e999\"}");
+    QTest::newRow("negative infinite")
+        << QVariant(-std::numeric_limits<double>::infinity()) << QStringLiteral("{\"v\":\"-9e999\"}");
     QTest::newRow("bytes") << QVariant(QByteArray("\0\xff", 2)) << QStringLiteral("{\"v\":\"AP8=\"}");
 }
 
