@@ -95,6 +95,8 @@ ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
         if (!input.open(stdin, QIODevice::ReadOnly))
             return fail(console, DBCommands::tr("the standard input cannot be read"));
         request.rows = DBRequests::rowsFromJsonLines(input, request.conditionColumn(), error);
+        if (std::ferror(stdin) != 0)
+            error = DBCommands::tr("the standard input cannot be read");
         if (!error.isEmpty())
             return fail(console, error);
     }

@@ -138,7 +138,10 @@ QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, const QString& cond
 {
     QVariantList rows;
     for (int number = 1; !input.atEnd(); ++number) {
-        const QByteArray line = input.readLine().trimmed();
+        const QByteArray text = input.readLine();
+        if (text.isEmpty())
+            break; // what cannot be read has no end
+        const QByteArray line = text.trimmed();
         if (line.isEmpty())
             continue;
         QString problem;

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void closedOutputIsAFailure();
     void closedInputIsAtItsEnd();
     void closedStreamsHarmNothing();
+    void inputThatCannotBeReadIsAFailure();
 
 private:
     QString path() const { return m_folder.filePath(QStringLiteral("records.db")); }
@@ -126,6 +127,13 @@ void tst_HostStreams::closedStreamsHarmNothing()
         quenzo(words("db --file records.db select channel --where name=closed"), QStringLiteral("2>&- <&-"));
     QCOMPARE(selected.output, QByteArray("{\"id\":null,\"name\":\"closed\"}\n"));
     QCOMPARE(selected.code, 0);
+}
+
+void tst_HostStreams::inputThatCannotBeReadIsAFailure()
+{
+    const Ended ended = quenzo(words("db --file records.db insert channel"), QStringLiteral("< ."));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("the standard input cannot be read"), ended.error.constData());
 }
 
 QTEST_GUILESS_MAIN(tst_HostStreams)
