@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "rowformat.h"
 
+#include "console.h"
+
 #include <QVector>
 
 #include <algorithm>
@@ -18,15 +20,16 @@ QString cell(const QVariant& value)
     return isBytes(value) ? QString::fromLatin1(value.toByteArray().toBase64()) : value.toString();
 }
 
-QString shown(const QVariant& value)
+// Besides what steers a terminal there is what turns the direction of writing, or takes no place.
+QString shown(const QString& text)
 {
     constexpr int widest = 60;
-    QString text = cell(value);
-    for (QChar& letter : text) {
+    QString result = Console::shown(text);
+    for (QChar& letter : result) {
         if (!letter.isPrint() && !letter.isSurrogate())
             letter = QChar(QChar::ReplacementCharacter);
     }
-    return text.size() <= widest ? text : text.left(widest - 1) + QChar(0x2026);
+    return result.size() <= widest ? result : result.left(widest - 1) + QChar(0x2026);
 }
 
 QString csvField(const QVariant& value)
@@ -75,12 +78,16 @@ QStringList RowFormat::table(const QVariantList& rows)
 {
     if (rows.isEmpty())
         return {};
-    QVector<QStringList> lines{columns(rows)};
+    QStringList names;
+    const QStringList allNames = columns(rows);
+    for (const QString& name : allNames)
+        names.append(shown(name));
+    QVector<QStringList> lines{names};
     for (const QVariant& row : rows) {
         QStringList cells;
         const QVariantMap values = row.toMap();
         for (const QVariant& value : values)
-            cells.append(shown(value));
+            cells.append(value.isNull() ? QStringLiteral("<null>") : shown(cell(value)));
         lines.append(cells);
     }
     QVector<int> widths(lines.first().size(), 0);

@@ -13,7 +13,7 @@
 namespace RowFormat {
 
 /** Columns side by side under their names, for a terminal: one line a row, with nothing that could steer it.
- */
+ * What is null shows as <null>. */
 QStringList table(const QVariantList& rows);
 
 /** A line of names and one a row; what is null is empty, what is an empty text is quoted. */
