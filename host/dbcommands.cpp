@@ -42,6 +42,16 @@ void decodeColumns(QVariantList& rows, const QStringList& columns)
     }
 }
 
+// Of no rows the columns are not known.
+void warnOfMissingColumns(Console& console, const QVariantList& rows, const QStringList& columns)
+{
+    const QVariantMap row = rows.value(0).toMap();
+    for (const QString& column : columns) {
+        if (!row.isEmpty() && !row.contains(column))
+            console.warn(DBCommands::tr("there is no column '%1' to unscramble").arg(column));
+    }
+}
+
 QString jsonLine(const QVariant& row)
 {
     return QString::fromUtf8(QJsonDocument(RowFormat::json(row.toMap())).toJson(QJsonDocument::Compact));
@@ -108,7 +118,9 @@ ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
         reportWritten(console, request);
         return ExitDone;
     }
-    decodeColumns(outcome.rows, parser.values(QStringLiteral("decode")));
+    const QStringList scrambled = parser.values(QStringLiteral("decode"));
+    warnOfMissingColumns(console, outcome.rows, scrambled);
+    decodeColumns(outcome.rows, scrambled);
     reportRows(console, outcome.rows, parser.isSet(QStringLiteral("csv")));
     return ExitDone;
 }

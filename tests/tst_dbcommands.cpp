@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "terminal.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -41,6 +43,8 @@ private Q_SLOTS:
     void selectPrintsCsv();
     void selectPrintsOneJsonObject();
     void encodedRecordsAreReadWithDecode();
+    void unknownColumnToDecodeIsWarnedOf();
+    void terminalShowsATable();
     void directCallsDoTheSame();
     void failureExitsWithOneAndTheDatabasesWords_data();
     void failureExitsWithOneAndTheDatabasesWords();
@@ -272,6 +276,46 @@ void tst_DBCommands::encodedRecordsAreReadWithDecode()
                  .code,
              0);
     QCOMPARE(ask(QStringLiteral("SELECT name FROM channel")), QStringList());
+}
+
+void tst_DBCommands::unknownColumnToDecodeIsWarnedOf()
+{
+    QCOMPARE(db(words("select channel --decode nme")).error, QByteArray());
+    ask(QStringLiteral("INSERT INTO channel(id, name) VALUES(1, 'WYJjZA==')"));
+    const Ended ended = db(words("select channel --decode nme --decode name"));
+    QCOMPARE(ended.error, QByteArray("quenzo: there is no column 'nme' to unscramble\n"));
+    QCOMPARE(ended.output, QByteArray("{\"id\":1,\"name\":\"abcd\",\"state\":null}\n"));
+    QCOMPARE(ended.code, 0);
+}
+
+void tst_DBCommands::terminalShowsATable()
+{
+    ask(QStringLiteral("CREATE TABLE shown(\"a\x1b[2Jb\", \"c\")"));
+    ask(QStringLiteral("INSERT INTO shown VALUES('x\x1by', NULL), ('', 12)"));
+    const auto shownOn = [this](const char* line) {
+        Terminal terminal;
+        QProcess process;
+        process.setStandardOutputFile(terminal.path());
+        process.start(QStringLiteral(QUENZO),
+                      QStringList{QStringLiteral("db"), QStringLiteral("--file"), path()} + words(line));
+        return process.waitForFinished(60000) && process.exitCode() == 0 ? terminal.shown()
+                                                                         : QByteArray("failed");
+    };
+    const QByteArray table = shownOn("select shown");
+    const QList<QByteArray> lines = table.split('\n');
+    QCOMPARE(lines.size(), 6);
+    QVERIFY2(!table.contains('\x1b'), table.constData());
+    QCOMPARE(lines.at(0), QByteArray("a\\x1b[2Jb  c\r"));
+    QCOMPARE(lines.at(1), QByteArray("---------  ------\r"));
+    QCOMPARE(lines.at(2), QByteArray("x\\x1by     <null>\r"));
+    QCOMPARE(lines.at(3), QByteArray("           12\r"));
+    QCOMPARE(lines.at(4), QByteArray("rows: 2\r"));
+
+    QCOMPARE(shownOn("select channel"), QByteArray("rows: 0\r\n"));
+    QVERIFY(!shownOn("select shown --csv").contains("rows: "));
+    const QByteArray intoAPipe = db(words("select shown")).output;
+    QCOMPARE(intoAPipe.count('\n'), 2);
+    QVERIFY(!intoAPipe.contains("rows: "));
 }
 
 void tst_DBCommands::directCallsDoTheSame()
