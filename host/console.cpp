@@ -54,7 +54,7 @@ QString withoutControls(const QString& text, const QString& kept)
 QString jsonLine(const QJsonObject& values)
 {
     QString line;
-    const QString text = QString::fromUtf8(QJsonDocument(values).toJson(QJsonDocument::Compact));
+    QString text = QString::fromUtf8(QJsonDocument(values).toJson(QJsonDocument::Compact));
     if (std::none_of(text.cbegin(), text.cend(), isControl))
         return text;
     for (const QChar letter : text) {
