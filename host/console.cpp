@@ -78,6 +78,11 @@ bool Console::isInteractive()
     return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
 }
 
+bool Console::showsProgress()
+{
+    return isatty(STDERR_FILENO) != 0;
+}
+
 bool Console::outputIsTerminal()
 {
     return isatty(STDOUT_FILENO) != 0;
@@ -128,7 +133,7 @@ QString Console::ask(const QString& question)
 
 void Console::showProgress(const QString& text)
 {
-    if (isatty(STDERR_FILENO) == 0)
+    if (!showsProgress())
         return;
     write(stderr, QStringLiteral("\r\033[K") + shown(text));
     m_progressShown = true;

@@ -27,6 +27,9 @@ public:
     /** Whether a person watches the diagnostics, and thus wants progress and may be asked. */
     static bool isInteractive();
 
+    /** Whether there is a terminal for the state of work at hand. */
+    static bool showsProgress();
+
     /** Whether a person reads the results. */
     static bool outputIsTerminal();
 

@@ -20,6 +20,7 @@ struct ScriptCommands {
 };
 
 struct Outcome {
+    bool began = true; // what kept it from beginning has been reported
     bool reported = false;
     bool succeeded = false;
     QVariantMap values;
@@ -44,7 +45,7 @@ Outcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap
                              outcome.values = *values;
                      });
     thread.StartOperate(operate, parameters);
-    runWorker(thread, console, [&doing] { return doing; });
+    outcome.began = runWorker(thread, console, [&doing] { return doing; });
     // The signal was queued before the thread's end was.
     outcome.diagnostics = Diagnostics::take();
     return outcome;
@@ -52,6 +53,8 @@ Outcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap
 
 ExitCode fail(Console& console, const QString& what, const Outcome& outcome)
 {
+    if (!outcome.began)
+        return ExitFailed;
     console.error(outcome.diagnostics.isEmpty() ? what
                                                 : what + QStringLiteral(" (%1)").arg(outcome.diagnostics));
     return ExitFailed;
