@@ -2,24 +2,24 @@
 #include "command.h"
 #include "console.h"
 #include "treecount.h"
-#include "treerightskeeper.h"
+#include "treeoperation.h"
+#include "treepaths.h"
+#include "treeprogress.h"
 #include "worker.h"
 
-#include <quenzobase.h>
 #include <quenzotool.h>
-#include <threadcommon.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
-#include <QFileInfo>
 #include <QLocale>
 #include <QLoggingCategory>
 #include <QThread>
 
+#include <cerrno>
 #include <memory>
+#include <unistd.h>
 
 namespace {
 
@@ -27,236 +27,131 @@ struct TreeCommands {
     Q_DECLARE_TR_FUNCTIONS(TreeCommands)
 };
 
-struct Paths {
-    QString source;
-    QString target;
-};
-
-QString absolute(const QString& path)
-{
-    // Joined by hand: Qt takes a leading colon for the name of a built-in resource.
-    return QDir::cleanPath(path.startsWith(QLatin1Char('/')) ? path
-                                                             : QDir::currentPath() + QLatin1Char('/') + path);
-}
-
-// Where a folder that need not exist yet really is.
-QString real(const QString& path)
-{
-    const QFileInfo info(path);
-    if (info.exists())
-        return info.canonicalFilePath();
-    return QDir::cleanPath(real(info.path()) + QLatin1Char('/') + info.fileName());
-}
-
-bool isInside(const QString& inner, const QString& outer)
-{
-    const QString beginning = outer.endsWith(QLatin1Char('/')) ? outer : outer + QLatin1Char('/');
-    return inner.startsWith(beginning);
-}
-
 QString summaryOf(const TreeCount& count)
 {
-    return TreeCommands::tr("%1 files, %2")
-        .arg(QLocale().toString(count.files), QLocale().formattedDataSize(count.bytes));
+    return TreeCommands::tr("files: %1, bytes: %2")
+        .arg(QLocale().toString(count.files), QLocale().toString(count.bytes));
 }
 
-// What speaks against the operation before anything is touched; empty if nothing does.
-QString objection(const Paths& paths, THREAD_OPERATE operate)
+void setCount(Console& console, const TreeCount& count)
 {
-    const QFileInfo source(paths.source);
-    const QFileInfo target(paths.target);
-    if (!source.exists())
-        return TreeCommands::tr("there is no folder '%1'").arg(paths.source);
-    if (!source.isDir())
-        return TreeCommands::tr("'%1' is not a folder").arg(paths.source);
-    if (!source.isReadable() || !source.isExecutable())
-        return TreeCommands::tr("the folder '%1' cannot be read").arg(paths.source);
-    if (target.exists() && !target.isDir())
-        return TreeCommands::tr("'%1' is not a folder").arg(paths.target);
-    if (target.exists() && !target.isWritable())
-        return TreeCommands::tr("the folder '%1' cannot be written to").arg(paths.target);
-    if (operate != OPERATE_COPY && !target.exists() && !QFileInfo(target.path()).isDir())
-        return TreeCommands::tr("the folder '%1', in which '%2' is to be made, does not exist")
-            .arg(target.path(), target.fileName());
-    if (real(paths.source) == real(paths.target))
-        return TreeCommands::tr("'%1' and '%2' are the same folder").arg(paths.source, paths.target);
-    if (operate != OPERATE_CUT_OUTPUT && isInside(real(paths.target), real(paths.source)))
-        return TreeCommands::tr("'%1' is inside '%2'").arg(paths.target, paths.source);
-    return {};
+    console.set(QStringLiteral("files"), count.files);
+    console.set(QStringLiteral("bytes"), count.bytes);
 }
 
-/** What the operation writes to the tool's log, where it tells which file could not be copied. */
-class LogReader {
-public:
-    LogReader()
-        : m_file(QuenzoBase::getRunPath() + QStringLiteral("/../log/quenzotool.log"))
-        , m_before(m_file.size())
-    {
-    }
-
-    /** The last failed copy since then, in words; empty when there is none. */
-    QString failedCopy()
-    {
-        if (!m_file.open(QIODevice::ReadOnly) || !m_file.seek(m_before))
-            return {};
-        const QString text = QString::fromUtf8(m_file.readAll());
-        const QString opening = QStringLiteral("Copy Fail:\r\nSrc:");
-        const QString middle = QStringLiteral("\r\nDest:");
-        const int from = text.lastIndexOf(opening);
-        const int to = text.indexOf(middle, from);
-        const int end = text.indexOf(QStringLiteral("\r\n"), to + middle.size());
-        if (from < 0 || to < 0 || end < 0)
-            return {};
-        return TreeCommands::tr("'%1' could not be copied to '%2'")
-            .arg(text.mid(from + opening.size(), to - from - opening.size()),
-                 text.mid(to + middle.size(), end - to - middle.size()));
-    }
-
-private:
-    QFile m_file;
-    const qint64 m_before;
-};
-
-// The first entry that is in the source and not as large in the target. Nothing is logged by a copy or a cut.
-QString firstMissing(const Paths& paths)
+ExitCode fail(Console& console, const QString& error)
 {
-    QDirIterator walk(paths.source, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                      QDirIterator::Subdirectories);
-    while (walk.hasNext()) {
-        const QString entry = walk.next();
-        const QFileInfo info = walk.fileInfo();
-        const QFileInfo copied(paths.target + entry.mid(paths.source.size()));
-        if (info.isDir()) {
-            if (!info.isReadable() || !info.isExecutable())
-                return TreeCommands::tr("the folder '%1' cannot be read").arg(entry);
-            continue;
-        }
-        if (info.isSymLink() && !info.exists())
-            return TreeCommands::tr("the link '%1' leads nowhere").arg(entry);
-        if (!info.isFile())
-            return TreeCommands::tr("'%1' is neither a file nor a folder").arg(entry);
-        if (!info.isReadable())
-            return TreeCommands::tr("the file '%1' cannot be read").arg(entry);
-        if (!copied.exists() || copied.size() != info.size())
-            return TreeCommands::tr("'%1' could not be copied to '%2'").arg(entry, copied.filePath());
-    }
-    return TreeCommands::tr("not everything could be copied to '%1'").arg(paths.target);
+    console.error(error);
+    return ExitFailed;
 }
 
 ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Console& console)
 {
     const QStringList arguments = parser.positionalArguments();
-    const Paths paths{absolute(arguments.at(1)), absolute(arguments.at(2))};
+    const TreePaths paths(arguments.at(1), arguments.at(2));
     console.set(QStringLiteral("source"), paths.source);
     console.set(QStringLiteral("dest"), paths.target);
-    const QString against = objection(paths, operate);
-    if (!against.isEmpty()) {
-        console.error(against);
-        return ExitFailed;
-    }
+    const QString objection = paths.objection(operate);
+    if (!objection.isEmpty())
+        return fail(console, objection);
 
-    QVariantMap map{{QStringLiteral("src"), paths.source}, {QStringLiteral("dest"), paths.target}};
+    QStringList left;
     if (operate == OPERATE_CUT_OUTPUT && parser.isSet(QStringLiteral("leave")))
-        map.insert(QStringLiteral("filter"), parser.value(QStringLiteral("leave")));
-    const bool isOutput = operate == OPERATE_CUT_OUTPUT;
-    const QString apart = isOutput ? paths.target : QString();
-    const TreeCount before = TreeCount::of(paths.source, apart);
-    const std::unique_ptr<TreeRightsKeeper> rights =
-        isOutput ? std::make_unique<TreeRightsKeeper>(paths.source) : nullptr;
-    LogReader log;
-
-    ThreadCommon worker;
-    TreeWatch watch(paths.target);
-    worker.StartOperate(operate, map);
-    const TreeCount there = TreeCount::of(paths.target, {});
-    runWorker(worker, console, [&] {
-        TreeCount arrived = watch.seen();
-        arrived -= there;
-        return TreeCommands::tr("%1 of %2").arg(summaryOf(arrived), summaryOf(before));
-    });
-    if (rights)
-        rights->restore();
-
-    const bool done = worker.getResult().toBool();
-    TreeCount moved = before;
-    if (operate != OPERATE_COPY)
-        moved -= TreeCount::of(paths.source, apart);
-    if (done || operate != OPERATE_COPY) {
-        console.set(QStringLiteral("files"), moved.files);
-        console.set(QStringLiteral("bytes"), moved.bytes);
-    }
-    if (!done) {
-        const QString logged = log.failedCopy();
-        console.error(logged.isEmpty() ? firstMissing(paths) : logged);
+        left = parser.value(QStringLiteral("leave")).split(QLatin1Char(','));
+    TreeOperation operation(operate, paths, left);
+    const bool done = operation.run(console);
+    const TreeCount handled = operation.handled();
+    if (done || operate != OPERATE_COPY)
+        setCount(console, handled);
+    if (!done)
         return ExitFailed;
-    }
     const QString text =
-        operate == OPERATE_COPY ? TreeCommands::tr("Copied %1 to %2") : TreeCommands::tr("Moved %1 to %2");
-    console.print(text.arg(summaryOf(moved), Console::shown(paths.target)));
+        operate == OPERATE_COPY ? TreeCommands::tr("Copied to %1: %2") : TreeCommands::tr("Moved to %1: %2");
+    console.print(text.arg(Console::shown(paths.target), summaryOf(handled)));
     return ExitDone;
 }
 
-// What the library's way of removing would change outside: links are followed before they are removed.
-void removeLinks(const QString& path)
+// Removes what the library would follow out of the tree to change rights there: links, and files that have
+// other names, too. Counts the tree; returns an error, for which nothing more may be done.
+QString removeTiesToOutside(const TreeScope& tree, TreeCount& count)
 {
-    QStringList links;
-    QDirIterator walk(path, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                      QDirIterator::Subdirectories);
-    while (walk.hasNext()) {
-        const QString entry = walk.next();
-        if (walk.fileInfo().isSymLink())
-            links.append(entry);
-    }
-    for (const QString& link : qAsConst(links))
-        QFile::remove(link);
+    QString error;
+    tree.walk([&](const WalkedEntry& entry) {
+        count.add(entry);
+        const bool isTie = entry.isLink || (!entry.isFolder() && entry.status.st_nlink > 1);
+        const QByteArray path = tree.top + '/' + entry.path;
+        if (!isTie || unlink(path.constData()) == 0 || errno == ENOENT)
+            return TreeScope::GoOn;
+        const QString reason = qt_error_string(errno);
+        const QString text = entry.isLink
+            ? TreeCommands::tr("the link '%1' could not be removed (%2); it and what comes after it stay")
+            : TreeCommands::tr(
+                "'%1', which has other names, could not be removed (%2); it and what comes after "
+                "it stay");
+        error = text.arg(QFile::decodeName(path), reason);
+        return TreeScope::Stop;
+    });
+    return error;
 }
 
-QString objectionToRemoval(const QString& path)
+// False when it could not even begin.
+bool removeTree(const TreeScope& tree, Console& console)
 {
-    const QFileInfo info(path);
-    if (info.isSymLink())
-        return TreeCommands::tr("'%1' is a link; name the folder that it leads to").arg(path);
-    if (!info.exists())
-        return TreeCommands::tr("there is no folder '%1'").arg(path);
-    if (!info.isDir())
-        return TreeCommands::tr("'%1' is not a folder").arg(path);
-    const QString current = QDir(QDir::currentPath()).canonicalPath();
-    if (info.isRoot() || current == real(path) || isInside(current, real(path)))
-        return TreeCommands::tr("'%1' holds the current folder and is not removed").arg(path);
-    return {};
+    TreeProgress progress(tree);
+    const auto isGone = [&tree](const QByteArray& path) {
+        struct stat status { };
+        return lstat(QByteArray(tree.top + '/' + path).constData(), &status) != 0;
+    };
+    // The message of every single file is for those who look for an error.
+    QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, false);
+    const std::unique_ptr<QThread> worker(QThread::create([&tree] {
+        QDir folder(QFile::decodeName(tree.top));
+        QuenzoTool::removeRecursively(folder);
+    }));
+    const bool began = runWorker(*worker, console, [&] {
+        const QLocale locale;
+        return TreeCommands::tr("files: %1 of %2")
+            .arg(locale.toString(progress.done(isGone).files), locale.toString(progress.all().files));
+    });
+    QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, true);
+    return began;
+}
+
+// What is left of a tree: something that keeps the rest.
+QString remainder(const TreeScope& tree)
+{
+    QByteArray path = tree.top;
+    tree.walk([&](const WalkedEntry& entry) {
+        path = tree.top + '/' + entry.path;
+        return entry.isFolder() ? TreeScope::GoOn : TreeScope::Stop;
+    });
+    return QFile::decodeName(path);
 }
 
 ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
 {
-    const QString path = absolute(parser.positionalArguments().at(1));
-    console.set(QStringLiteral("folder"), path);
-    const QString against = objectionToRemoval(path);
-    if (!against.isEmpty()) {
-        console.error(against);
-        return ExitFailed;
-    }
-    const TreeCount before = TreeCount::of(path, {});
-    TreeWatch watch(path);
-    bool removed = false;
-    // The message of every single file is for those who look for an error.
-    QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, false);
-    const std::unique_ptr<QThread> worker(QThread::create([&] {
-        removeLinks(path);
-        QDir folder(path);
-        removed = QuenzoTool::removeRecursively(folder);
-    }));
-    runWorker(*worker, console, [&] { return TreeCommands::tr("%1 left").arg(summaryOf(watch.seen())); });
-    QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, true);
+    const RemovalPath path(parser.positionalArguments().at(1));
+    console.set(QStringLiteral("folder"), path.folder);
+    const QString objection = path.objection();
+    if (!objection.isEmpty())
+        return fail(console, objection);
 
-    TreeCount gone = before;
-    gone -= TreeCount::of(path, {});
-    console.set(QStringLiteral("files"), gone.files);
-    console.set(QStringLiteral("bytes"), gone.bytes);
-    if (!removed) {
-        console.error(TreeCommands::tr("not everything in '%1' could be removed").arg(path));
+    const TreeScope tree{QFile::encodeName(path.realFolder), TreeScope::Kept};
+    console.showProgress(TreeCommands::tr("counting"));
+    TreeCount gone;
+    const QString tie = removeTiesToOutside(tree, gone);
+    if (!tie.isEmpty())
+        return fail(console, tie);
+    if (!removeTree(tree, console))
         return ExitFailed;
+    gone -= TreeCount::of(tree);
+    setCount(console, gone);
+    if (QDir(path.realFolder).exists()) {
+        return fail(console,
+                    TreeCommands::tr("not everything in '%1' could be removed: there is still '%2'")
+                        .arg(path.folder, remainder(tree)));
     }
-    console.print(TreeCommands::tr("Removed %1: %2").arg(Console::shown(path), summaryOf(gone)));
+    console.print(TreeCommands::tr("Removed %1: %2").arg(Console::shown(path.folder), summaryOf(gone)));
     return ExitDone;
 }
 

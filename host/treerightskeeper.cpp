@@ -1,31 +1,34 @@
 // SPDX-License-Identifier: MIT
 #include "treerightskeeper.h"
 
-#include <QDirIterator>
-#include <QFile>
-
 namespace {
 
-// What the file system holds, without what it means for this process.
-constexpr QFileDevice::Permissions stored = QFileDevice::Permissions(0x7077);
+constexpr mode_t allBits = 07777;
+
+bool isLocked(const QByteArray& folder)
+{
+    struct stat status { };
+    return stat(folder.constData(), &status) == 0 && S_ISDIR(status.st_mode)
+        && (status.st_mode & allBits) == S_IWOTH;
+}
 
 } // namespace
 
-TreeRightsKeeper::TreeRightsKeeper(const QString& path)
+TreeRightsKeeper::TreeRightsKeeper(const QByteArray& path)
 {
-    QDirIterator walk(path, QDir::Dirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                      QDirIterator::Subdirectories);
-    while (walk.hasNext()) {
-        const QString folder = walk.next();
-        m_rights.insert(folder, QFile::permissions(folder) & stored);
-    }
+    TreeScope scope{path};
+    scope.filesToo = false;
+    scope.walk([&](const WalkedEntry& entry) {
+        if (entry.isFolder())
+            m_folders.append({path + '/' + entry.path, entry.status.st_mode & allBits});
+        return TreeScope::GoOn;
+    });
 }
 
 void TreeRightsKeeper::restore() const
 {
-    for (auto folder = m_rights.cbegin(); folder != m_rights.cend(); ++folder) {
-        const QFileDevice::Permissions now = QFile::permissions(folder.key()) & stored;
-        if (now == QFileDevice::WriteOther)
-            QFile::setPermissions(folder.key(), folder.value());
+    for (const Folder& folder : m_folders) {
+        if (isLocked(folder.path))
+            chmod(folder.path.constData(), folder.mode);
     }
 }

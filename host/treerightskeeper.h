@@ -2,9 +2,9 @@
 #ifndef TREERIGHTSKEEPER_H
 #define TREERIGHTSKEEPER_H
 
-#include <QFileDevice>
-#include <QMap>
-#include <QString>
+#include "treewalk.h"
+
+#include <QVector>
 
 /**
  * Gives folders that a cut for output left behind, with rights under which their owner cannot enter them, the
@@ -13,12 +13,17 @@
 class TreeRightsKeeper {
 public:
     /** Notes the rights of every folder in a folder, and of those that links in it lead to. */
-    explicit TreeRightsKeeper(const QString& path);
+    explicit TreeRightsKeeper(const QByteArray& path);
 
+    /** May be called from any thread, and as often as is wanted. */
     void restore() const;
 
 private:
-    QMap<QString, QFileDevice::Permissions> m_rights; // by path: a folder comes before those in it
+    struct Folder {
+        QByteArray path;
+        mode_t mode;
+    };
+    QVector<Folder> m_folders; // each before those in it, which cannot be reached without it
 };
 
 #endif
