@@ -17,6 +17,13 @@ void TreeCount::add(const WalkedEntry& entry)
     bytes += S_ISREG(entry.status.st_mode) ? entry.status.st_size : 0;
 }
 
+TreeCount& TreeCount::operator+=(const TreeCount& other)
+{
+    files += other.files;
+    bytes += other.bytes;
+    return *this;
+}
+
 TreeCount& TreeCount::operator-=(const TreeCount& other)
 {
     files = qMax<qint64>(files - other.files, 0);

@@ -14,6 +14,8 @@ struct TreeCount {
     /** Counts everything but folders; only what is, or leads to, a regular file has bytes. */
     void add(const WalkedEntry& entry);
 
+    TreeCount& operator+=(const TreeCount& other);
+
     /** What is more than in another count, at least nothing. */
     TreeCount& operator-=(const TreeCount& other);
 };

@@ -2,6 +2,7 @@
 #include "treeprogress.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -40,44 +41,42 @@ struct timespec moment()
 
 TreeProgress::TreeProgress(const TreeScope& scope)
 {
-    scope.walk([this](const WalkedEntry& entry) {
+    constexpr int most = 2048;
+    TreeCount share;
+    scope.walk([&](const WalkedEntry& entry) {
         m_all.add(entry);
-        if (!entry.isFolder() && m_all.files % m_stride == 0)
-            remember(entry);
+        share.add(entry);
+        if (share.files < m_stride)
+            return TreeScope::GoOn;
+        m_samples.append({entry.path, std::exchange(share, {})});
+        if (m_samples.size() == most)
+            thinOut();
         return TreeScope::GoOn;
     });
 }
 
-void TreeProgress::remember(const WalkedEntry& entry)
+void TreeProgress::thinOut()
 {
-    constexpr int most = 4096;
-    m_waypoints.append({entry.path, m_all});
-    if (m_waypoints.size() < most)
-        return;
-    for (int i = 0; i < most / 2; ++i)
-        m_waypoints[i] = m_waypoints.at(2 * i + 1);
-    m_waypoints.resize(most / 2);
+    const int half = m_samples.size() / 2;
+    for (int i = 0; i < half; ++i) {
+        const TreeCount first = m_samples.at(2 * i).share;
+        m_samples[i] = m_samples.at(2 * i + 1);
+        m_samples[i].share += first;
+    }
+    m_samples.resize(half);
     m_stride *= 2;
 }
 
 TreeCount TreeProgress::done(const std::function<bool(const QByteArray&)>& isDone)
 {
-    // From where it was before, in growing steps, so that little is asked when little has happened.
-    const int count = m_waypoints.size();
-    int step = 1;
-    while (m_reached + step <= count && isDone(m_waypoints.at(m_reached + step - 1).path)) {
-        m_reached += step;
-        step *= 2;
-    }
-    int beyond = std::min(m_reached + step, count + 1);
-    while (beyond - m_reached > 1) {
-        const int middle = m_reached + (beyond - m_reached) / 2;
-        if (isDone(m_waypoints.at(middle - 1).path))
-            m_reached = middle;
-        else
-            beyond = middle;
-    }
-    return m_reached == 0 ? TreeCount() : m_waypoints.at(m_reached - 1).passed;
+    const auto isOver = [&](const Sample& sample) {
+        const bool over = isDone(sample.path);
+        if (over)
+            m_done += sample.share;
+        return over;
+    };
+    m_samples.erase(std::remove_if(m_samples.begin(), m_samples.end(), isOver), m_samples.end());
+    return m_done;
 }
 
 TreeArrival::TreeArrival(const QVector<QByteArray>& targets)

@@ -10,8 +10,8 @@
 #include <functional>
 
 /**
- * Tells from outside how far an operation has come that goes through a tree in order: some of its files,
- * evenly spread, are remembered, and the last of them that is done is searched for by halves.
+ * Tells from outside how far an operation on a tree has come, whatever its order: some of the files, evenly
+ * spread, are looked at, and each stands for its neighbours.
  */
 class TreeProgress {
 public:
@@ -20,20 +20,20 @@ public:
 
     const TreeCount& all() const { return m_all; }
 
-    /** @param isDone whether the file of this path in the tree is done; asked of a few files */
+    /** @param isDone whether the file of this path in the tree is done; never asked again once it is */
     TreeCount done(const std::function<bool(const QByteArray& path)>& isDone);
 
 private:
-    struct Waypoint {
+    struct Sample {
         QByteArray path;
-        TreeCount passed;
+        TreeCount share; // the file itself and those before it, back to the sample before
     };
-    void remember(const WalkedEntry& entry);
+    void thinOut();
 
     TreeCount m_all;
-    qint64 m_stride = 1; // how many files lie between two waypoints
-    QVector<Waypoint> m_waypoints;
-    int m_reached = 0;
+    TreeCount m_done;
+    int m_stride = 1; // how many files a sample stands for
+    QVector<Sample> m_samples; // those that are not done
 };
 
 /** What has arrived in a target since this object was made. */

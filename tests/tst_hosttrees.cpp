@@ -719,7 +719,7 @@ void tst_HostTrees::progressIsShownOnATerminal()
     QCOMPARE(process.exitCode(), 0);
     const QString shown = QString::fromUtf8(terminal.shown());
     // Somewhere on the way there is a figure from the way.
-    QRegularExpression figure(QStringLiteral("files: ([0-9,]+) of 40,?000"));
+    const QRegularExpression figure(QStringLiteral("files: ([0-9,]+) of 40,?000"));
     QRegularExpressionMatchIterator found = figure.globalMatch(shown);
     QVector<int> figures;
     while (found.hasNext())
