@@ -57,7 +57,7 @@ QString jsonLine(const QJsonObject& values)
     QString text = QString::fromUtf8(QJsonDocument(values).toJson(QJsonDocument::Compact));
     if (std::none_of(text.cbegin(), text.cend(), isControl))
         return text;
-    for (const QChar letter : text) {
+    for (const QChar letter : qAsConst(text)) {
         if (isControl(letter))
             line += QStringLiteral("\\u%1").arg(letter.unicode(), 4, 16, QLatin1Char('0'));
         else
