@@ -30,6 +30,13 @@ bool transfer(const QByteArray& source, const QByteArray& target, bool move)
                                      move);
 }
 
+// Two parts with a hole between them.
+void writeSparse(const QByteArray& path)
+{
+    TreeFiles::writeAt(path, 0, QByteArray(100000, 'b'));
+    TreeFiles::writeAt(path, 400000, QByteArray(100000, 'e'));
+}
+
 /** A small file system in memory; as root only. */
 class SmallDisk {
 public:
@@ -86,6 +93,9 @@ private Q_SLOTS:
 
     void failedCallsLoseNothing_data();
     void failedCallsLoseNothing();
+    void copyingNothingIsNoEnd();
+    void sourceThatShrinksIsCopiedAsItIsOrNotAtAll_data();
+    void sourceThatShrinksIsCopiedAsItIsOrNotAtAll();
     void fileSystemsWithoutUnnamedFilesServe_data();
     void fileSystemsWithoutUnnamedFilesServe();
     void failedFlushKeepsTheSources();
@@ -163,6 +173,66 @@ void tst_TreeFaults::failedCallsLoseNothing()
     }
     QVERIFY2(!hit, "there were more calls than expected");
     QVERIFY2(failed, "no call ever failed");
+}
+
+// Files of some network and user-space file systems are copied by reading alone.
+void tst_TreeFaults::copyingNothingIsNoEnd()
+{
+    write(m_source + "/small", QByteArray(5000, 's'));
+    write(m_source + "/dense", QByteArray(300000, 'd'));
+    writeSparse(m_source + "/sparse");
+    const Tree before = content(m_source);
+    bool hit = true;
+    for (int n = 1; hit; ++n) {
+        for (const bool move : {false, true}) {
+            FaultyCalls::failFromNth(FaultyCalls::Copying, n, FaultyCalls::nothingDone);
+            QVERIFY(transfer(m_source, m_target, move));
+            hit = FaultyCalls::wasHit();
+            FaultyCalls::heal();
+            QCOMPARE(content(m_target), before);
+        }
+        QVERIFY(content(m_source).isEmpty());
+        QVERIFY(transfer(m_target, m_source, true));
+    }
+}
+
+void tst_TreeFaults::sourceThatShrinksIsCopiedAsItIsOrNotAtAll_data()
+{
+    QTest::addColumn<bool>("sparse");
+    QTest::addColumn<int>("size");
+    QTest::newRow("dense, nothing left") << false << 0;
+    QTest::newRow("dense, half left") << false << 100000;
+    QTest::newRow("sparse, nothing left") << true << 0;
+    QTest::newRow("sparse, less than the first part left") << true << 50000;
+    QTest::newRow("sparse, part of the hole left") << true << 300000;
+    QTest::newRow("sparse, part of the end left") << true << 450000;
+}
+
+void tst_TreeFaults::sourceThatShrinksIsCopiedAsItIsOrNotAtAll()
+{
+    QFETCH(bool, sparse);
+    QFETCH(int, size);
+    const QByteArray file = m_source + "/file";
+    bool hit = true;
+    for (int n = 1; hit; ++n) {
+        for (const bool move : {false, true}) {
+            write(file, QByteArray(sparse ? 0 : 200000, 'd'));
+            if (sparse)
+                writeSparse(file);
+            const Tree before = content(m_source);
+            FaultyCalls::actBeforeNth(FaultyCalls::Copying, n,
+                                      [&] { QCOMPARE(truncate(file.constData(), size), 0); });
+            const bool done = transfer(m_source, m_target, move);
+            hit = FaultyCalls::wasHit();
+            const Tree target = content(m_target);
+            QCOMPARE(target.contains("file"), done);
+            const Tree shrunk{{"file", before.value("file").left(5 + size)}};
+            QVERIFY(!done || target == before || (hit && target == shrunk));
+            QVERIFY(hit || done);
+            QDir rest(QFile::decodeName(m_target));
+            QVERIFY(QuenzoTool::removeRecursively(rest));
+        }
+    }
 }
 
 void tst_TreeFaults::fileSystemsWithoutUnnamedFilesServe_data()

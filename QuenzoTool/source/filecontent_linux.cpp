@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "filecontent_linux.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <limits>
 #include <linux/fs.h>
 #include <memory>
 #include <sys/ioctl.h>
 #include <sys/sendfile.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -34,20 +37,25 @@ bool writeAll(int target, const char* data, std::size_t length)
     return true;
 }
 
-// Both files go on from where they stand.
-bool readAndWrite(int source, int target)
+// Both files go on from where they stand, to the source's end or for so many bytes; how many there were, or
+// -1.
+off_t readAndWrite(int source, int target, off_t most = std::numeric_limits<off_t>::max())
 {
-    constexpr std::size_t size = 256U << 10U;
+    constexpr off_t size = off_t{256} << 10U;
     const std::unique_ptr<char[]> buffer(new char[size]); // NOLINT(modernize-avoid-c-arrays)
-    while (true) {
-        const ssize_t length = read(source, buffer.get(), size);
+    off_t done = 0;
+    while (done < most) {
+        const ssize_t length =
+            read(source, buffer.get(), static_cast<std::size_t>(std::min(size, most - done)));
         if (length < 0 && errno == EINTR)
             continue;
-        if (length <= 0)
-            return length == 0;
-        if (!writeAll(target, buffer.get(), static_cast<std::size_t>(length)))
-            return false;
+        if (length < 0 || !writeAll(target, buffer.get(), static_cast<std::size_t>(length)))
+            return -1;
+        if (length == 0)
+            break;
+        done += length;
     }
+    return done;
 }
 
 // To the end that the source itself tells, since a file may grow meanwhile.
@@ -61,7 +69,7 @@ bool copyDense(int source, int target)
             return false;
         // Files that the kernel makes up as they are read may seem to end at once.
         if (length <= 0)
-            return readAndWrite(source, target);
+            return readAndWrite(source, target) >= 0;
     }
 }
 
@@ -72,7 +80,14 @@ bool copySmall(int source, int target, off_t size)
         return true;
     if (length < 0 && !meansUnsupported(errno) && errno != EINTR)
         return false;
-    return readAndWrite(source, target);
+    return readAndWrite(source, target) >= 0;
+}
+
+// Zeros would take the place of what is missing.
+bool refuseAsCutShort()
+{
+    errno = EIO;
+    return false;
 }
 
 bool copyRange(int source, int target, off_t from, off_t to)
@@ -84,17 +99,13 @@ bool copyRange(int source, int target, off_t from, off_t to)
             copy_file_range(source, &in, target, &out, static_cast<std::size_t>(to - from), 0);
         if (length < 0 && errno == EINTR)
             continue;
-        if (length == 0)
-            break;
-        if (length < 0) {
-            if (!meansUnsupported(errno) || lseek(target, from, SEEK_SET) < 0)
+        if (length < 0 && !meansUnsupported(errno))
+            return false;
+        if (length <= 0) {
+            if (lseek(source, from, SEEK_SET) < 0 || lseek(target, from, SEEK_SET) < 0)
                 return false;
-            in = from;
-            const ssize_t sent = sendfile(target, source, &in, static_cast<std::size_t>(to - from));
-            if (sent <= 0)
-                return sent == 0;
-            from += sent;
-            continue;
+            const off_t read = readAndWrite(source, target, to - from);
+            return read == to - from || (read >= 0 && refuseAsCutShort());
         }
         from += length;
     }
@@ -113,7 +124,10 @@ bool copySparse(int source, int target, off_t size)
             return false;
         from = end;
     }
-    return ftruncate(target, size) == 0;
+    struct stat status { };
+    if (fstat(source, &status) != 0)
+        return false;
+    return status.st_size < size ? refuseAsCutShort() : ftruncate(target, size) == 0;
 }
 
 } // namespace

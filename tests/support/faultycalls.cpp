@@ -8,7 +8,9 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/sendfile.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -17,7 +19,9 @@ std::atomic<int> faultyCall{-1};
 std::atomic<int> remaining{0};
 std::atomic<int> errorNumber{0};
 std::atomic<bool> hit{false};
-std::array<std::atomic<int>, 7> counts{};
+std::atomic<bool> isLasting{false};
+std::function<void()> pendingAction;
+std::array<std::atomic<int>, FaultyCalls::CallCount> counts{};
 std::atomic<int> linksAtFlush{0};
 std::atomic<int> removalsAtFlush{0};
 
@@ -27,8 +31,21 @@ bool fails(FaultyCalls::Call call)
     if (faultyCall != call || --remaining > 0)
         return false;
     hit = true;
+    if (!isLasting)
+        faultyCall = -1;
+    if (pendingAction) {
+        pendingAction();
+        return false;
+    }
     errno = errorNumber;
     return true;
+}
+
+void prepare(FaultyCalls::Call call, int n)
+{
+    hit = false;
+    remaining = n;
+    faultyCall = call;
 }
 
 template <typename Function> Function real(const char* name)
@@ -56,10 +73,25 @@ mode_t modeFrom(int flags, va_list arguments)
 
 void FaultyCalls::failFromNth(Call call, int n, int error)
 {
-    hit = false;
-    remaining = n;
+    pendingAction = nullptr;
     errorNumber = error;
-    faultyCall = call;
+    isLasting = true;
+    prepare(call, n);
+}
+
+void FaultyCalls::failNth(Call call, int n, int error)
+{
+    pendingAction = nullptr;
+    errorNumber = error;
+    isLasting = false;
+    prepare(call, n);
+}
+
+void FaultyCalls::actBeforeNth(Call call, int n, const std::function<void()>& action)
+{
+    pendingAction = action;
+    isLasting = false;
+    prepare(call, n);
 }
 
 bool FaultyCalls::wasHit()
@@ -127,7 +159,7 @@ __attribute__((visibility("default"))) ssize_t sendfile64(int target, int source
                                                           size_t size) noexcept
 {
     if (fails(FaultyCalls::Copying))
-        return -1;
+        return errno == FaultyCalls::nothingDone ? 0 : -1;
     return real<ssize_t (*)(int, int, off64_t*, size_t)>("sendfile64")(target, source, offset, size);
 }
 
@@ -135,7 +167,7 @@ __attribute__((visibility("default"))) ssize_t copy_file_range(int source, off64
                                                                off64_t* out, size_t size, unsigned flags)
 {
     if (fails(FaultyCalls::Copying))
-        return -1;
+        return errno == FaultyCalls::nothingDone ? 0 : -1;
     return real<ssize_t (*)(int, off64_t*, int, off64_t*, size_t, unsigned)>("copy_file_range")(
         source, in, target, out, size, flags);
 }
@@ -158,8 +190,25 @@ __attribute__((visibility("default"))) int syncfs(int file) noexcept
 
 __attribute__((visibility("default"))) int unlinkat(int folder, const char* path, int flags) noexcept
 {
-    ++counts.at(FaultyCalls::Removing);
+    if (fails(FaultyCalls::Removing))
+        return -1;
     return real<int (*)(int, const char*, int)>("unlinkat")(folder, path, flags);
+}
+
+__attribute__((visibility("default"))) int fchmod(int file, mode_t mode) noexcept
+{
+    if (fails(FaultyCalls::ChangingMode))
+        return -1;
+    return real<int (*)(int, mode_t)>("fchmod")(file, mode);
+}
+
+__attribute__((visibility("default"))) int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                                                          void* (*function)(void*), void* argument) noexcept
+{
+    if (fails(FaultyCalls::StartingThread))
+        return errno;
+    return real<int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)>("pthread_create")(
+        thread, attributes, function, argument);
 }
 // NOLINTEND
 }

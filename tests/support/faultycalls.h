@@ -2,16 +2,40 @@
 #ifndef FAULTYCALLS_H
 #define FAULTYCALLS_H
 
+#include <functional>
+
 /**
  * System calls that fail when a test wants them to, or are counted. A program that is linked with this has
  * them in the place of the C library's own, for the libraries it loads too.
  */
 namespace FaultyCalls {
 
-enum Call { Opening, OpeningUnnamed, Copying, Linking, Listing, Flushing, Removing };
+enum Call {
+    Opening,
+    OpeningUnnamed,
+    Copying,
+    Linking,
+    Listing,
+    Flushing,
+    Removing,
+    ChangingMode,
+    StartingThread,
+    CallCount
+};
+
+/** In the place of an error number: a call that copies then says that it has copied nothing. */
+constexpr int nothingDone = 0;
 
 /** Lets the n-th call of a kind, and those after it, fail with an error number. */
 void failFromNth(Call call, int n, int error);
+
+/** The same with the n-th alone. */
+void failNth(Call call, int n, int error);
+
+/** Does something before the n-th call of a kind, on its thread. */
+void actBeforeNth(Call call, int n, const std::function<void()>& action);
+
+/** Whether what was last asked for has come about. */
 bool wasHit();
 
 /** Lets every call succeed again. */

@@ -62,6 +62,16 @@ void TreeFiles::write(const QByteArray& path, const QByteArray& content)
     close(handle);
 }
 
+void TreeFiles::writeAt(const QByteArray& path, qint64 offset, const QByteArray& content)
+{
+    const int handle = open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    require(handle >= 0, "make", path);
+    require(pwrite64(handle, content.constData(), static_cast<std::size_t>(content.size()), offset)
+                == content.size(),
+            "write", path);
+    close(handle);
+}
+
 void TreeFiles::makeFolder(const QByteArray& path)
 {
     if (exists(path))

@@ -14,6 +14,8 @@ namespace TreeFiles {
 
 /** Writes a file, with the folders above it; ends the test program when that fails. */
 void write(const QByteArray& path, const QByteArray& content = "content");
+/** Writes into a file, which is made as long as that takes: with a hole before it. */
+void writeAt(const QByteArray& path, qint64 offset, const QByteArray& content);
 void makeFolder(const QByteArray& path);
 void makeLink(const QByteArray& target, const QByteArray& path);
 
