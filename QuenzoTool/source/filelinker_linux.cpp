@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -52,7 +53,11 @@ int giveName(const UnnamedFile& file)
 FileLinker::FileLinker()
 {
     const SignalsBlocked blocked;
-    m_thread = std::thread([this] { work(); });
+    try {
+        m_thread = std::thread([this] { work(); });
+    } catch (const std::system_error&) {
+        // There may be no more threads: add() does the work then.
+    }
 }
 
 FileLinker::~FileLinker()
@@ -63,7 +68,8 @@ FileLinker::~FileLinker()
         m_stopping = true;
     }
     m_changed.notify_all();
-    m_thread.join();
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 bool FileLinker::add(const UnnamedFile& file)
@@ -72,6 +78,10 @@ bool FileLinker::add(const UnnamedFile& file)
     m_gathered.push_back(file);
     if (m_gathered.size() < batch)
         return true;
+    if (!m_thread.joinable()) {
+        processGathered();
+        return !m_failed;
+    }
     std::unique_lock<std::mutex> lock(m_mutex);
     m_changed.wait(lock, [this] { return m_handedOver.empty(); });
     m_handedOver.swap(m_gathered);
@@ -85,8 +95,7 @@ FileLinker::Outcome FileLinker::drain()
     m_changed.wait(lock, [this] { return m_handedOver.empty() && !m_working; });
     // The rest is not worth waking the thread for.
     lock.unlock();
-    process(m_gathered);
-    m_gathered.clear();
+    processGathered();
     m_failed = false;
     return std::exchange(m_outcome, {});
 }
@@ -109,6 +118,12 @@ void FileLinker::work()
         m_working = false;
         m_changed.notify_all();
     }
+}
+
+void FileLinker::processGathered()
+{
+    process(m_gathered);
+    m_gathered.clear();
 }
 
 void FileLinker::process(const std::vector<UnnamedFile>& files)

@@ -24,7 +24,7 @@ int giveName(const UnnamedFile& file);
 
 /**
  * Links files on a thread of its own, in order and up to the first failure, while the next ones are being
- * copied.
+ * copied; on the caller's thread when the system has no other to give.
  *
  * The kernel spends as long on the names of small files as on their content.
  */
@@ -49,6 +49,7 @@ public:
 
 private:
     void work();
+    void processGathered();
     void process(const std::vector<UnnamedFile>& files);
 
     std::vector<UnnamedFile> m_gathered;
