@@ -2,8 +2,10 @@
 // Copies and moves in a world that breaks: system calls that fail, a disk that is full, a process that is
 // killed.
 #include <quenzotool.h>
+#include <threadcommon.h>
 
 #include "faultycalls.h"
+#include "runroot.h"
 #include "treefiles.h"
 
 #include <QDir>
@@ -11,9 +13,12 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <array>
 #include <csignal>
+#include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using TreeFiles::content;
@@ -22,12 +27,44 @@ using TreeFiles::makeFolder;
 using TreeFiles::write;
 using Tree = QMap<QByteArray, QByteArray>;
 
+enum Manner { Copy, Move, CutForOutput };
+Q_DECLARE_METATYPE(Manner)
+
 namespace {
 
-bool transfer(const QByteArray& source, const QByteArray& target, bool move)
+struct Way {
+    Manner manner;
+    const char* name;
+};
+
+constexpr std::array<Way, 3> everyWay{{{Copy, "copy"}, {Move, "move"}, {CutForOutput, "output"}}};
+
+bool transfer(const QByteArray& source, const QByteArray& target, Manner manner)
 {
-    return QuenzoTool::copyDirectory(QDir(QFile::decodeName(source)), QDir(QFile::decodeName(target)), true,
-                                     move);
+    const QString from = QFile::decodeName(source);
+    const QString to = QFile::decodeName(target);
+    if (manner != CutForOutput)
+        return QuenzoTool::copyDirectory(QDir(from), QDir(to), true, manner == Move);
+    ThreadCommon thread;
+    thread.StartOperate(OPERATE_CUT_OUTPUT,
+                        QVariantMap{{QStringLiteral("src"), from}, {QStringLiteral("dest"), to}});
+    thread.start();
+    thread.wait();
+    return thread.getResult() == QVariant(true);
+}
+
+void addEveryWay()
+{
+    QTest::addColumn<Manner>("manner");
+    for (const auto& [manner, what] : everyWay)
+        QTest::newRow(what) << manner;
+}
+
+void addEveryMove()
+{
+    QTest::addColumn<Manner>("manner");
+    QTest::newRow("move") << Move;
+    QTest::newRow("output") << CutForOutput;
 }
 
 // Two parts with a hole between them.
@@ -99,10 +136,16 @@ private Q_SLOTS:
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll();
     void fileSystemsWithoutUnnamedFilesServe_data();
     void fileSystemsWithoutUnnamedFilesServe();
+    void failedFlushKeepsTheSources_data();
     void failedFlushKeepsTheSources();
+    void flushComesBeforeRemoval_data();
     void flushComesBeforeRemoval();
+    void sourceThatChangedSinceItsCopyStays_data();
+    void sourceThatChangedSinceItsCopyStays();
+    void fullDiskLeavesNoPartOfAFile_data();
     void fullDiskLeavesNoPartOfAFile();
     void sizeLimitLeavesNoPartOfAFile();
+    void moveWithinAFullDiskSucceeds_data();
     void moveWithinAFullDiskSucceeds();
     void killedCopyLeavesNoPartOfAFile_data();
     void killedCopyLeavesNoPartOfAFile();
@@ -115,6 +158,7 @@ private:
 
 void tst_TreeFaults::init()
 {
+    RunRoot::clear();
     m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
     m_source = QFile::encodeName(m_folder->path()) + "/source";
     m_target = QFile::encodeName(m_folder->path()) + "/target";
@@ -125,17 +169,16 @@ void tst_TreeFaults::failedCallsLoseNothing_data()
 {
     QTest::addColumn<int>("call");
     QTest::addColumn<int>("error");
-    QTest::addColumn<bool>("move");
+    QTest::addColumn<Manner>("manner");
     using namespace FaultyCalls;
-    for (const bool move : {false, true}) {
-        const char* const what = move ? "move" : "copy";
-        QTest::addRow("%s, opening", what) << int(Opening) << EIO << move;
-        QTest::addRow("%s, too many files", what) << int(Opening) << EMFILE << move;
-        QTest::addRow("%s, copying", what) << int(Copying) << EIO << move;
-        QTest::addRow("%s, copying without room", what) << int(Copying) << ENOSPC << move;
-        QTest::addRow("%s, linking", what) << int(Linking) << EIO << move;
-        QTest::addRow("%s, linking without room", what) << int(Linking) << ENOSPC << move;
-        QTest::addRow("%s, listing", what) << int(Listing) << EIO << move;
+    for (const auto& [manner, what] : everyWay) {
+        QTest::addRow("%s, opening", what) << int(Opening) << EIO << manner;
+        QTest::addRow("%s, too many files", what) << int(Opening) << EMFILE << manner;
+        QTest::addRow("%s, copying", what) << int(Copying) << EIO << manner;
+        QTest::addRow("%s, copying without room", what) << int(Copying) << ENOSPC << manner;
+        QTest::addRow("%s, linking", what) << int(Linking) << EIO << manner;
+        QTest::addRow("%s, linking without room", what) << int(Linking) << ENOSPC << manner;
+        QTest::addRow("%s, listing", what) << int(Listing) << EIO << manner;
     }
 }
 
@@ -144,7 +187,7 @@ void tst_TreeFaults::failedCallsLoseNothing()
 {
     QFETCH(int, call);
     QFETCH(int, error);
-    QFETCH(bool, move);
+    QFETCH(Manner, manner);
     for (int i = 0; i < 40; ++i)
         write(m_source + "/folder/file" + QByteArray::number(i), QByteArray(i * 50, 'x'));
     write(m_source + "/large", QByteArray(200000, 'y'));
@@ -153,7 +196,7 @@ void tst_TreeFaults::failedCallsLoseNothing()
     bool failed = false;
     for (int n = 1; hit && n < 300; ++n) {
         FaultyCalls::failFromNth(static_cast<FaultyCalls::Call>(call), n, error);
-        const bool done = transfer(m_source, m_target, move);
+        const bool done = transfer(m_source, m_target, manner);
         hit = FaultyCalls::wasHit();
         FaultyCalls::heal();
         failed = failed || !done;
@@ -164,10 +207,10 @@ void tst_TreeFaults::failedCallsLoseNothing()
         QCOMPARE(broken(before, target), QList<QByteArray>());
         if (done)
             QCOMPARE(target, before);
-        if (!move)
+        if (manner == Copy)
             QCOMPARE(source, before);
         // As it was at the beginning, for the next call.
-        QVERIFY(transfer(m_target, m_source, true) || !exists(m_target));
+        QVERIFY(transfer(m_target, m_source, Move) || !exists(m_target));
         QDir rest(QFile::decodeName(m_target));
         QVERIFY(QuenzoTool::removeRecursively(rest));
         QCOMPARE(content(m_source), before);
@@ -181,12 +224,12 @@ void tst_TreeFaults::copyGoesOnWithoutAFurtherThread()
     for (int i = 0; i < 300; ++i)
         write(m_source + "/file" + QByteArray::number(i), QByteArray(i * 50, 'x'));
     const Tree before = content(m_source);
-    for (const bool move : {false, true}) {
+    for (const Manner manner : {Copy, Move}) {
         FaultyCalls::failFromNth(FaultyCalls::StartingThread, 1, EAGAIN);
-        QVERIFY(transfer(m_source, m_target, move));
+        QVERIFY(transfer(m_source, m_target, manner));
         QVERIFY(FaultyCalls::wasHit());
         QCOMPARE(content(m_target), before);
-        QCOMPARE(content(m_source), move ? Tree() : before);
+        QCOMPARE(content(m_source), manner == Copy ? before : Tree());
         QVERIFY(QDir(QFile::decodeName(m_target)).removeRecursively());
     }
 }
@@ -200,15 +243,15 @@ void tst_TreeFaults::copyingNothingIsNoEnd()
     const Tree before = content(m_source);
     bool hit = true;
     for (int n = 1; hit; ++n) {
-        for (const bool move : {false, true}) {
+        for (const Manner manner : {Copy, Move}) {
             FaultyCalls::failFromNth(FaultyCalls::Copying, n, FaultyCalls::nothingDone);
-            QVERIFY(transfer(m_source, m_target, move));
+            QVERIFY(transfer(m_source, m_target, manner));
             hit = FaultyCalls::wasHit();
             FaultyCalls::heal();
             QCOMPARE(content(m_target), before);
         }
         QVERIFY(content(m_source).isEmpty());
-        QVERIFY(transfer(m_target, m_source, true));
+        QVERIFY(transfer(m_target, m_source, Move));
     }
 }
 
@@ -231,14 +274,14 @@ void tst_TreeFaults::sourceThatShrinksIsCopiedAsItIsOrNotAtAll()
     const QByteArray file = m_source + "/file";
     bool hit = true;
     for (int n = 1; hit; ++n) {
-        for (const bool move : {false, true}) {
+        for (const Manner manner : {Copy, Move}) {
             write(file, QByteArray(sparse ? 0 : 200000, 'd'));
             if (sparse)
                 writeSparse(file);
             const Tree before = content(m_source);
             FaultyCalls::actBeforeNth(FaultyCalls::Copying, n,
                                       [&] { QCOMPARE(truncate(file.constData(), size), 0); });
-            const bool done = transfer(m_source, m_target, move);
+            const bool done = transfer(m_source, m_target, manner);
             hit = FaultyCalls::wasHit();
             const Tree target = content(m_target);
             QCOMPARE(target.contains("file"), done);
@@ -270,55 +313,128 @@ void tst_TreeFaults::fileSystemsWithoutUnnamedFilesServe()
     write(m_source + "/large", QByteArray(200000, 'y'));
     const Tree before = content(m_source);
     FaultyCalls::failFromNth(static_cast<FaultyCalls::Call>(call), 1, error);
-    QVERIFY(transfer(m_source, m_target, false));
+    QVERIFY(transfer(m_source, m_target, Copy));
     QCOMPARE(content(m_target), before);
     // Where files of these names are already, and may not be replaced.
     QVERIFY(!QuenzoTool::copyDirectory(QDir(QFile::decodeName(m_source)), QDir(QFile::decodeName(m_target)),
                                        false, false));
-    QVERIFY(transfer(m_source, m_target, true));
+    QVERIFY(transfer(m_source, m_target, Move));
     QCOMPARE(content(m_target), before);
     QVERIFY(content(m_source).isEmpty());
 }
 
+void tst_TreeFaults::failedFlushKeepsTheSources_data()
+{
+    addEveryMove();
+}
+
 void tst_TreeFaults::failedFlushKeepsTheSources()
 {
+    QFETCH(Manner, manner);
     for (int i = 0; i < 60; ++i)
         write(m_source + "/folder/file" + QByteArray::number(i), "kept");
     const Tree before = content(m_source);
     FaultyCalls::failFromNth(FaultyCalls::Flushing, 1, EIO);
-    QVERIFY(!transfer(m_source, m_target, true));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(content(m_source), before);
 }
 
+void tst_TreeFaults::flushComesBeforeRemoval_data()
+{
+    addEveryMove();
+}
+
 void tst_TreeFaults::flushComesBeforeRemoval()
 {
+    QFETCH(Manner, manner);
     for (int i = 0; i < 60; ++i)
         write(m_source + "/file" + QByteArray::number(i));
     FaultyCalls::startCounting();
-    QVERIFY(transfer(m_source, m_target, true));
+    QVERIFY(transfer(m_source, m_target, manner));
     QCOMPARE(FaultyCalls::count(FaultyCalls::Flushing), 1);
     QCOMPARE(FaultyCalls::linksBeforeFlush(), 60);
     QCOMPARE(FaultyCalls::removalsBeforeFlush(), 0);
     QCOMPARE(FaultyCalls::count(FaultyCalls::Removing), 60);
     FaultyCalls::startCounting();
-    QVERIFY(transfer(m_target, m_source, false));
+    QVERIFY(transfer(m_target, m_source, Copy));
     QCOMPARE(FaultyCalls::count(FaultyCalls::Flushing), 0);
+}
+
+void tst_TreeFaults::sourceThatChangedSinceItsCopyStays_data()
+{
+    QTest::addColumn<Manner>("manner");
+    QTest::addColumn<QByteArray>("change");
+    for (const auto& [manner, what] : {everyWay[1], everyWay[2]}) {
+        for (const char* change : {"appended", "overwritten", "replaced", "cut short"})
+            QTest::addRow("%s, %s", what, change) << manner << QByteArray(change);
+    }
+}
+
+// Between the copy of a file and its removal is a flush, which takes its time.
+void tst_TreeFaults::sourceThatChangedSinceItsCopyStays()
+{
+    QFETCH(Manner, manner);
+    QFETCH(QByteArray, change);
+    for (int i = 0; i < 60; ++i)
+        write(m_source + "/folder/file" + QByteArray::number(i), "as it was");
+    const QByteArray file = m_source + "/folder/file7";
+    const Tree before = content(m_source);
+    QTest::qWait(20); // the file system's clock may tick that slowly
+    FaultyCalls::actBeforeNth(FaultyCalls::Flushing, 1, [&] {
+        if (change == "appended") {
+            TreeFiles::writeAt(file, 9, ", and more");
+        } else if (change == "overwritten") {
+            TreeFiles::writeAt(file, 0, "AS");
+        } else if (change == "cut short") {
+            QCOMPARE(truncate(file.constData(), 2), 0);
+        } else {
+            // By one of the same size and time.
+            struct stat status { };
+            QCOMPARE(stat(file.constData(), &status), 0);
+            const QByteArray other = m_folder->path().toUtf8() + "/other";
+            write(other, "is others");
+            const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
+            QCOMPARE(utimensat(AT_FDCWD, other.constData(), times.data(), 0), 0);
+            QCOMPARE(rename(other.constData(), file.constData()), 0);
+        }
+    });
+    QVERIFY(transfer(m_source, m_target, manner));
+    QVERIFY(FaultyCalls::wasHit());
+    // A cut for output forces other rights upon a folder that stays.
+    QVERIFY(chmod(QByteArray(m_source + "/folder").constData(), 0755) == 0);
+    const Tree left = content(m_source);
+    QCOMPARE(left.keys(), QList<QByteArray>({"folder", "folder/file7"}));
+    const QMap<QByteArray, QByteArray> changed{{"appended", "as it was, and more"},
+                                               {"overwritten", "AS it was"},
+                                               {"replaced", "is others"},
+                                               {"cut short", "as"}};
+    QCOMPARE(left.value("folder/file7"), "file " + changed.value(change));
+    QCOMPARE(content(m_target), before);
+}
+
+void tst_TreeFaults::fullDiskLeavesNoPartOfAFile_data()
+{
+    addEveryWay();
 }
 
 void tst_TreeFaults::fullDiskLeavesNoPartOfAFile()
 {
+    QFETCH(Manner, manner);
     const SmallDisk disk(m_target, "size=1m");
     if (!disk.isMounted)
         QSKIP("only root can make a small disk; a size limit takes its place");
     for (int i = 0; i < 40; ++i)
         write(m_source + "/file" + QByteArray::number(i), QByteArray(i == 20 ? 700000 : 30000, 'x'));
     const Tree before = content(m_source);
-    QVERIFY(!transfer(m_source, m_target, false));
-    QCOMPARE(broken(before, content(m_target)), QList<QByteArray>());
-    QVERIFY(!transfer(m_source, m_target, true));
-    QCOMPARE(broken(before, content(m_target)), QList<QByteArray>());
-    QCOMPARE(lost(before, content(m_source), content(m_target)), QList<QByteArray>());
+    for (int tries = 0; tries < 2; ++tries) {
+        QVERIFY(!transfer(m_source, m_target, manner));
+        QCOMPARE(broken(before, content(m_target)), QList<QByteArray>());
+        QCOMPARE(lost(before, content(m_source), content(m_target)), QList<QByteArray>());
+    }
+    if (manner == Copy)
+        QCOMPARE(content(m_source), before);
+    QCOMPARE(RunRoot::log().count("Copy Fail:"), manner == CutForOutput ? 2 : 0);
 }
 
 void tst_TreeFaults::sizeLimitLeavesNoPartOfAFile()
@@ -331,19 +447,27 @@ void tst_TreeFaults::sizeLimitLeavesNoPartOfAFile()
     struct rlimit limit = was;
     limit.rlim_cur = 100000;
     QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    const bool copied = transfer(m_source, m_target, false);
-    const bool moved = transfer(m_source, m_target, true);
+    const bool copied = transfer(m_source, m_target, Copy);
+    const bool moved = transfer(m_source, m_target, Move);
+    const bool cut = transfer(m_source, m_target, CutForOutput);
     setrlimit(RLIMIT_FSIZE, &was);
     std::signal(SIGXFSZ, SIG_DFL);
     QVERIFY(!copied);
     QVERIFY(!moved);
+    QVERIFY(!cut);
     QCOMPARE(content(m_source), before);
     QCOMPARE(content(m_target), Tree({{"folder", "folder"}}));
+}
+
+void tst_TreeFaults::moveWithinAFullDiskSucceeds_data()
+{
+    addEveryMove();
 }
 
 // Removed one after the other, the sources make the room that the next files need.
 void tst_TreeFaults::moveWithinAFullDiskSucceeds()
 {
+    QFETCH(Manner, manner);
     const QByteArray root = QFile::encodeName(m_folder->path()) + "/small";
     const SmallDisk disk(root, "size=2m");
     if (!disk.isMounted)
@@ -351,21 +475,19 @@ void tst_TreeFaults::moveWithinAFullDiskSucceeds()
     for (int i = 0; i < 60; ++i)
         write(root + "/source/file" + QByteArray::number(i), QByteArray(30000, 'x'));
     const Tree before = content(root + "/source");
-    QVERIFY(transfer(root + "/source", root + "/target", true));
+    QVERIFY(transfer(root + "/source", root + "/target", manner));
     QCOMPARE(content(root + "/target"), before);
     QVERIFY(content(root + "/source").isEmpty());
 }
 
 void tst_TreeFaults::killedCopyLeavesNoPartOfAFile_data()
 {
-    QTest::addColumn<QString>("manner");
-    QTest::newRow("copy") << QStringLiteral("--copy");
-    QTest::newRow("move") << QStringLiteral("--move");
+    addEveryWay();
 }
 
 void tst_TreeFaults::killedCopyLeavesNoPartOfAFile()
 {
-    QFETCH(QString, manner);
+    QFETCH(Manner, manner);
     QTemporaryDir disk; // on a disk, where a large file takes a while
     const QByteArray root = QFile::encodeName(disk.path());
     makeFolder(root + "/source");
@@ -377,8 +499,9 @@ void tst_TreeFaults::killedCopyLeavesNoPartOfAFile()
     large.close();
 
     QProcess copier;
-    copier.start(QCoreApplication::applicationFilePath(),
-                 {manner, QFile::decodeName(root + "/source"), QFile::decodeName(root + "/target")});
+    copier.start(
+        QCoreApplication::applicationFilePath(),
+        {QString::number(manner), QFile::decodeName(root + "/source"), QFile::decodeName(root + "/target")});
     QVERIFY(copier.waitForStarted());
     // In the middle of the file is when the nameless copy is open.
     const QString handles = QStringLiteral("/proc/%1/fd").arg(copier.processId());
@@ -401,9 +524,9 @@ void tst_TreeFaults::killedCopyLeavesNoPartOfAFile()
 
 int main(int argc, char** argv)
 {
-    if (argc == 4)
-        return transfer(argv[2], argv[3], qstrcmp(argv[1], "--move") == 0) ? 0 : 1;
     const QCoreApplication application(argc, argv);
+    if (argc == 4)
+        return transfer(argv[2], argv[3], static_cast<Manner>(QByteArray(argv[1]).toInt())) ? 0 : 1;
     tst_TreeFaults test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -128,8 +128,8 @@ public:
      * @param target the folder for its content
      * @param overwrite whether existing files are replaced; each goes before its replacement is copied. With
      * false the first one that exists fails.
-     * @param deleteSource whether to move: files and subfolders that cannot be removed stay, which is no
-     * failure
+     * @param deleteSource whether to move: files and subfolders that cannot be removed stay, and so does a
+     * file that somebody wrote to after it was copied; neither is a failure
      * @return true when everything was copied
      */
     static bool copyDirectory(const QDir& source, const QDir& target, bool overwrite, bool deleteSource);

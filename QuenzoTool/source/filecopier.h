@@ -16,7 +16,7 @@ class FileCopier {
 public:
     enum Durability {
         LeftToSystem,
-        Flushable ///< remembers what flush() then has to wait for
+        Flushable ///< remembers what flush() then has to wait for, and the sources
     };
     enum Trouble {
         NoTrouble,
@@ -36,6 +36,12 @@ public:
 
     /** Copies files in order, under their own names, up to the first that meets trouble. */
     Outcome copy(const TreeFolder& from, const TreeEntry* files, int count, const TreeFolder& to);
+
+    /**
+     * What the sources that arrived by the last copy() were like just before they were copied, in order:
+     * whether one was written to since can be told by that. Of a copier that is Flushable.
+     */
+    const QVector<FileState>& sources() const;
 
     /** How many bytes were copied since the last flush. */
     qint64 unflushedBytes() const;

@@ -3,6 +3,7 @@
 
 #include "filecontent_linux.h"
 #include "filelinker_linux.h"
+#include "treefolder_linux.h"
 
 #include <QRandomGenerator>
 
@@ -111,10 +112,12 @@ public:
     bool flush();
 
     qint64 unflushed = 0;
+    QVector<FileState> sources;
 
 private:
     int copyUnnamed(UnnamedFile& file, const struct stat& status, const TreeFolder& to);
     int copyThroughTemporary(const UnnamedFile& file, const struct stat& status, const TreeFolder& to);
+    void rememberSource(const struct stat& status);
     void remember(int target, const TreeFolder& to);
     void closeFlushHandles();
 
@@ -143,9 +146,11 @@ int FileCopier::Private::copyOne(const TreeFolder& from, const TreeEntry& file, 
     if (!m_unnamedFilesWork)
         error = copyThroughTemporary(opened, status, to);
     close(opened.source);
-    if (error == 0)
-        unflushed += opened.size;
-    return error;
+    if (error != 0)
+        return error;
+    unflushed += opened.size;
+    rememberSource(status);
+    return 0;
 }
 
 int FileCopier::Private::copyUnnamed(UnnamedFile& file, const struct stat& status, const TreeFolder& to)
@@ -196,6 +201,7 @@ int FileCopier::Private::copyMany(const TreeFolder& from, const TreeEntry* files
 {
     if (!m_linker)
         m_linker = std::make_unique<FileLinker>();
+    const int before = sources.size();
     for (int i = 0; i < count; ++i) {
         struct stat status { };
         UnnamedFile file{};
@@ -211,12 +217,21 @@ int FileCopier::Private::copyMany(const TreeFolder& from, const TreeEntry* files
             close(file.source);
             break;
         }
+        rememberSource(status);
         if (!m_linker->add(file))
             break;
     }
     const FileLinker::Outcome outcome = m_linker->drain();
     unflushed += outcome.bytes;
+    if (m_durability == Flushable)
+        sources.resize(before + outcome.linked);
     return outcome.linked;
+}
+
+void FileCopier::Private::rememberSource(const struct stat& status)
+{
+    if (m_durability == Flushable)
+        sources.append(stateFrom(status));
 }
 
 void FileCopier::Private::remember(int target, const TreeFolder& to)
@@ -260,6 +275,7 @@ FileCopier::Outcome FileCopier::copy(const TreeFolder& from, const TreeEntry* fi
 {
     constexpr int worthAThread = 24;
     int copied = 0;
+    d->sources.clear();
     while (copied < count) {
         if (count - copied >= worthAThread && d->isProven())
             copied += d->copyMany(from, files + copied, count - copied, to);
@@ -270,6 +286,11 @@ FileCopier::Outcome FileCopier::copy(const TreeFolder& from, const TreeEntry* fi
         ++copied;
     }
     return {copied, NoTrouble};
+}
+
+const QVector<FileState>& FileCopier::sources() const
+{
+    return d->sources;
 }
 
 qint64 FileCopier::unflushedBytes() const

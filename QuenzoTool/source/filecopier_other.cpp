@@ -8,6 +8,7 @@
 class FileCopier::Private {
 public:
     qint64 unflushed = 0;
+    QVector<FileState> sources;
 };
 
 FileCopier::FileCopier(Durability /*durability*/)
@@ -20,6 +21,7 @@ FileCopier::~FileCopier() = default;
 FileCopier::Outcome FileCopier::copy(const TreeFolder& from, const TreeEntry* files, int count,
                                      const TreeFolder& to)
 {
+    d->sources.clear();
     for (int i = 0; i < count; ++i) {
         const QString source = TreeFolder::text(from.pathOf(files[i].name));
         const QString target = TreeFolder::text(to.pathOf(files[i].name));
@@ -28,11 +30,18 @@ FileCopier::Outcome FileCopier::copy(const TreeFolder& from, const TreeEntry* fi
         if (QFileInfo::exists(target) || QFileInfo(target).isSymLink())
             return {i, NameTaken};
         QFile file(source);
+        const FileState state = from.stateOf(files[i].name);
         if (!file.copy(target))
             return {i, NoRoom}; // which is one of the causes that Qt does not tell apart
         d->unflushed += file.size();
+        d->sources.append(state);
     }
     return {count, NoTrouble};
+}
+
+const QVector<FileState>& FileCopier::sources() const
+{
+    return d->sources;
 }
 
 qint64 FileCopier::unflushedBytes() const

@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "sourceremoval.h"
 
-void SourceRemoval::addFiles(const TreeFolder& folder, const TreeEntry* files, int count)
+void SourceRemoval::addFiles(const TreeFolder& folder, const TreeEntry* files,
+                             const QVector<FileState>& states)
 {
-    if (count == 0)
+    if (states.isEmpty())
         return;
     Group& group = groupOf(folder);
-    for (int i = 0; i < count; ++i)
-        group.items.append({files[i].name, false, AsItIs});
-    m_count += count;
+    for (int i = 0; i < states.size(); ++i)
+        group.items.append({files[i].name, false, AsItIs, states.at(i)});
+    m_count += states.size();
 }
 
 void SourceRemoval::addFolder(const TreeFolder& folder, const QByteArray& name, Manner manner)
 {
-    groupOf(folder).items.append({name, true, manner});
+    groupOf(folder).items.append({name, true, manner, {}});
     ++m_count;
 }
 
@@ -26,7 +27,7 @@ void SourceRemoval::perform()
         for (const Item& item : group.items) {
             if (item.isFolder)
                 removeFolder(folder, item.name, item.manner);
-            else
+            else if (folder.stateOf(item.name) == item.state)
                 folder.removeFile(item.name);
         }
     }

@@ -11,13 +11,15 @@
  * What a move has copied and has yet to remove from its source, in order: so that one flush serves many
  * files.
  *
- * Nobody can tell as long as everything is removed before one of the folders concerned is looked at again.
+ * The walk cannot tell as long as everything is removed before one of the folders concerned is looked at
+ * again. Somebody else may write to a file meanwhile: it stays then.
  */
 class SourceRemoval {
 public:
     enum Manner { AsItIs, Forced }; ///< Forced: a folder that resists gets other rights first
 
-    void addFiles(const TreeFolder& folder, const TreeEntry* files, int count);
+    /** @param states what the files were like when they were copied */
+    void addFiles(const TreeFolder& folder, const TreeEntry* files, const QVector<FileState>& states);
     void addFolder(const TreeFolder& folder, const QByteArray& name, Manner manner);
 
     int count() const { return m_count; }
@@ -33,6 +35,7 @@ private:
         QByteArray name;
         bool isFolder;
         Manner manner;
+        FileState state;
     };
     struct Group {
         QByteArray path;

@@ -9,6 +9,18 @@
 /** Which folder or file something is, however it was reached; empty when that is not known. */
 using TreeId = QByteArray;
 
+/** What a file was like at one time: two that are equal are the same file, not written to in between. */
+struct FileState {
+    TreeId id; ///< empty when there was no file to be found
+    qint64 size = -1;
+    qint64 modified = 0; ///< in the finest unit that the platform has
+
+    bool operator==(const FileState& other) const
+    {
+        return !id.isEmpty() && id == other.id && size == other.size && modified == other.modified;
+    }
+};
+
 /** One entry of a folder. */
 struct TreeEntry {
     enum Kind : quint8 {
@@ -61,6 +73,9 @@ public:
 
     /** The file or folder that an entry is, or leads to. */
     TreeId idOf(const QByteArray& name, Links links) const;
+
+    /** The file that an entry is, or leads to. */
+    FileState stateOf(const QByteArray& name) const;
 
     /** This folder and those above it, up to the root. */
     QVector<TreeId> lineage() const;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "treefolder.h"
+#include "treefolder_linux.h"
 
 #include <QFile>
 
@@ -45,6 +45,12 @@ TreeEntry::Kind kindFrom(mode_t mode)
 
 } // namespace
 
+FileState stateFrom(const struct stat& status)
+{
+    constexpr qint64 nanoseconds = 1000000000;
+    return {idFrom(status), status.st_size, status.st_mtim.tv_sec * nanoseconds + status.st_mtim.tv_nsec};
+}
+
 QByteArray TreeFolder::nativePath(const QString& path)
 {
     return QFile::encodeName(path);
@@ -83,6 +89,12 @@ TreeId TreeFolder::idOf(const QByteArray& name, Links links) const
     const int flags = links == LinksKept ? AT_SYMLINK_NOFOLLOW : 0;
     struct stat status { };
     return fstatat(m_handle, name.constData(), &status, flags) == 0 ? idFrom(status) : TreeId();
+}
+
+FileState TreeFolder::stateOf(const QByteArray& name) const
+{
+    struct stat status { };
+    return fstatat(m_handle, name.constData(), &status, 0) == 0 ? stateFrom(status) : FileState();
 }
 
 QVector<TreeId> TreeFolder::lineage() const

@@ -2,6 +2,7 @@
 // Qt's portable means: paths as UTF-8, folders told apart by their canonical path.
 #include "treefolder.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -71,6 +72,12 @@ TreeId TreeFolder::idOf(const QByteArray& name, Links links) const
 {
     const QString path = entryPath(*this, name);
     return links == LinksKept && QFileInfo(path).isSymLink() ? path.toUtf8() : idAt(path);
+}
+
+FileState TreeFolder::stateOf(const QByteArray& name) const
+{
+    const QFileInfo info(entryPath(*this, name));
+    return {info.canonicalFilePath().toUtf8(), info.size(), info.lastModified().toMSecsSinceEpoch()};
 }
 
 QVector<TreeId> TreeFolder::lineage() const

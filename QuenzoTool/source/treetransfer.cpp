@@ -76,7 +76,7 @@ int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int c
         }
         const int run = runLength(from, files + done, count - done, to);
         const FileCopier::Outcome outcome = m_copier.copy(from, files + done, run, to.folder);
-        note(from, files + done, outcome.copied);
+        note(from, files + done);
         done += outcome.copied;
         // A name can be taken by one that differs in case only, or that somebody else made meanwhile.
         const bool taken = outcome.trouble == FileCopier::NameTaken && m_options.testFlag(Replacing);
@@ -113,13 +113,13 @@ bool TreeTransfer::settle()
 }
 
 // Neither the sources nor the data that await their flush are to become too many.
-void TreeTransfer::note(const TreeFolder& from, const TreeEntry* files, int count)
+void TreeTransfer::note(const TreeFolder& from, const TreeEntry* files)
 {
     constexpr int mostSources = 32 * 1024;
     constexpr qint64 mostBytes = 1 << 30;
     if (!m_options.testFlag(Moving))
         return;
-    m_removal.addFiles(from, files, count);
+    m_removal.addFiles(from, files, m_copier.sources());
     if (m_removal.count() >= mostSources || m_copier.unflushedBytes() >= mostBytes)
         settle();
 }

@@ -27,8 +27,9 @@ struct TransferTarget {
 /**
  * Copies or moves files and folders one after the other, as a walk through a tree comes upon them.
  *
- * In a move the sources go a while later, when their copies are on the disk. Until then the tree differs from
- * one in which each went at once, but whoever could see that is served by a removal first.
+ * In a move the sources go a while later, when their copies are on the disk; but for those that were written
+ * to by then. Until then the tree differs from one in which each went at once, and where the walk itself
+ * could see that, they are removed first.
  */
 class TreeTransfer {
 public:
@@ -64,7 +65,7 @@ public:
     bool settleBefore(const TreeFolder& folder) { return !m_removal.concerns(folder) || settle(); }
 
 private:
-    void note(const TreeFolder& from, const TreeEntry* files, int count);
+    void note(const TreeFolder& from, const TreeEntry* files);
     int runLength(const TreeFolder& from, const TreeEntry* files, int count, const TransferTarget& to) const;
     static bool isItself(const TreeFolder& from, const TreeEntry& file, const TreeFolder& to);
     static void removeExisting(const TreeFolder& folder, const QByteArray& name);
