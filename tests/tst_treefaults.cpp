@@ -131,6 +131,8 @@ private Q_SLOTS:
     void failedCallsLoseNothing_data();
     void failedCallsLoseNothing();
     void copyGoesOnWithoutAFurtherThread();
+    void copyGoesOnWithoutModes_data();
+    void copyGoesOnWithoutModes();
     void copyingNothingIsNoEnd();
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll_data();
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll();
@@ -232,6 +234,34 @@ void tst_TreeFaults::copyGoesOnWithoutAFurtherThread()
         QCOMPARE(content(m_source), manner == Copy ? before : Tree());
         QVERIFY(QDir(QFile::decodeName(m_target)).removeRecursively());
     }
+}
+
+void tst_TreeFaults::copyGoesOnWithoutModes_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::addColumn<bool>("unnamed");
+    for (const int error : {EOPNOTSUPP, EPERM}) {
+        QTest::addRow("error %d, unnamed files", error) << error << true;
+        QTest::addRow("error %d, temporary files", error) << error << false;
+    }
+}
+
+// Some file systems know no permission bits.
+void tst_TreeFaults::copyGoesOnWithoutModes()
+{
+    QFETCH(int, error);
+    QFETCH(bool, unnamed);
+    FaultyCalls::allowUnnamedFiles(unnamed);
+    for (int i = 0; i < 60; ++i)
+        write(m_source + "/file" + QByteArray::number(i), QByteArray(i * 50, 'x'));
+    const Tree before = content(m_source);
+    for (const Manner manner : {Copy, Move}) {
+        FaultyCalls::failFromNth(FaultyCalls::ChangingMode, 1, error);
+        QVERIFY(transfer(m_source, m_target, manner));
+        QVERIFY(FaultyCalls::wasHit());
+        QCOMPARE(content(m_target), before);
+    }
+    QVERIFY(content(m_source).isEmpty());
 }
 
 // Files of some network and user-space file systems are copied by reading alone.

@@ -184,7 +184,8 @@ int FileCopier::Private::copyThroughTemporary(const UnnamedFile& file, const str
     } while (target < 0 && errno == EEXIST);
     if (target < 0)
         return errno;
-    int error = copyContent(file.source, target, status) && fchmod(target, file.mode) == 0 ? 0 : errno;
+    int error = copyContent(file.source, target, status) ? 0 : errno;
+    fchmod(target, file.mode); // which file systems without modes refuse
     if (error == 0)
         error = renameIfFree(file.folder, name.constData(), file.name);
     if (error == 0)

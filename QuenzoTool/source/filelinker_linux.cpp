@@ -47,7 +47,8 @@ private:
 
 int giveName(const UnnamedFile& file)
 {
-    return fchmod(file.target, file.mode) == 0 ? linkInPlace(file) : errno;
+    fchmod(file.target, file.mode);
+    return linkInPlace(file);
 }
 
 FileLinker::FileLinker()

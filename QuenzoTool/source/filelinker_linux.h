@@ -19,7 +19,7 @@ struct UnnamedFile {
     const char* name;
 };
 
-/** Gives an unnamed file its mode and name; an error number, or 0. */
+/** Gives an unnamed file its mode, where the file system knows such, and its name; an error number, or 0. */
 int giveName(const UnnamedFile& file);
 
 /**

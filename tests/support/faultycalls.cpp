@@ -20,6 +20,7 @@ std::atomic<int> remaining{0};
 std::atomic<int> errorNumber{0};
 std::atomic<bool> hit{false};
 std::atomic<bool> isLasting{false};
+std::atomic<bool> unnamedFiles{true};
 std::function<void()> pendingAction;
 std::array<std::atomic<int>, FaultyCalls::CallCount> counts{};
 std::atomic<int> linksAtFlush{0};
@@ -58,6 +59,10 @@ int openReally(const char* name, int folder, const char* path, int flags, mode_t
     const bool isUnnamed = (flags & O_TMPFILE) == O_TMPFILE;
     if (isUnnamed && fails(FaultyCalls::OpeningUnnamed))
         return -1;
+    if (isUnnamed && !unnamedFiles) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
     const bool isFile = (flags & (O_DIRECTORY | O_PATH)) == 0 || isUnnamed;
     if (isFile && fails(FaultyCalls::Opening))
         return -1;
@@ -94,6 +99,11 @@ void FaultyCalls::actBeforeNth(Call call, int n, const std::function<void()>& ac
     prepare(call, n);
 }
 
+void FaultyCalls::allowUnnamedFiles(bool allow)
+{
+    unnamedFiles = allow;
+}
+
 bool FaultyCalls::wasHit()
 {
     return hit;
@@ -102,6 +112,7 @@ bool FaultyCalls::wasHit()
 void FaultyCalls::heal()
 {
     faultyCall = -1;
+    unnamedFiles = true;
 }
 
 void FaultyCalls::startCounting()

@@ -35,6 +35,9 @@ void failNth(Call call, int n, int error);
 /** Does something before the n-th call of a kind, on its thread. */
 void actBeforeNth(Call call, int n, const std::function<void()>& action);
 
+/** Whether the file system knows files without a name, in addition to all of the above. */
+void allowUnnamedFiles(bool allow);
+
 /** Whether what was last asked for has come about. */
 bool wasHit();
 
