@@ -106,6 +106,7 @@ private Q_SLOTS:
 
     void changeOfMissingFolderIsTrue();
     void changeTellsEveryStep();
+    void changeTellsOfReadOnlyFiles();
     void changeFollowsLinks();
     void changeEndsInLoopsOfLinks();
 
@@ -248,19 +249,9 @@ void tst_Directories::existingFilesStopACopyWithoutOverwrite()
 void tst_Directories::everyNameGetsThrough_data()
 {
     QTest::addColumn<QByteArray>("name");
-    for (int byte = 1; byte < 256; ++byte) {
-        if (byte != '/')
-            QTest::addRow("byte %d", byte) << QByteArray("a") + static_cast<char>(byte) + "b";
-    }
-    QTest::newRow("longest") << QByteArray(255, 'n');
-    QTest::newRow("place marker") << QByteArray("%2%1");
-    QTest::newRow("quotation mark") << QByteArray("it's");
-    QTest::newRow("drive") << QByteArray("C:");
-    QTest::newRow("three dots") << QByteArray("...");
-    QTest::newRow("blank") << QByteArray(" ");
-    QTest::newRow("resource") << QByteArray(":x");
-    QTest::newRow("composed") << QByteArray("\xc3\xa9\xe2\x82\xac");
-    QTest::newRow("cut short") << QByteArray("\xe2\x82");
+    const auto names = TreeFiles::hardNames();
+    for (const auto& [what, name] : names)
+        QTest::newRow(what.constData()) << name;
 }
 
 void tst_Directories::everyNameGetsThrough()
@@ -597,6 +588,19 @@ void tst_Directories::changeTellsEveryStep()
     }
     const QString path = QFile::decodeName(m_source) + QStringLiteral("/folder");
     QCOMPARE(texts, QStringList({path, path + QStringLiteral("/\"file\""), QStringLiteral("true")}));
+}
+
+void tst_Directories::changeTellsOfReadOnlyFiles()
+{
+    write(m_source + "/file");
+    setMode(m_root, 0777);
+    setMode(m_source + "/file", 0444);
+    QVERIFY(TreeFiles::asPlainUser([this] {
+        QDir source = folder(m_source);
+        const QString path = QFile::decodeName(m_source) + QStringLiteral("/file");
+        return QuenzoTool::changePermessionRecursively(source)
+            && m_messages->takeDebugTexts() == QStringList({path, QStringLiteral("false")});
+    }));
 }
 
 void tst_Directories::changeFollowsLinks()

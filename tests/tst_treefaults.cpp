@@ -142,6 +142,12 @@ private Q_SLOTS:
     void failedFlushKeepsTheSources();
     void flushComesBeforeRemoval_data();
     void flushComesBeforeRemoval();
+    void sourcesThatCannotBeRemovedStay_data();
+    void sourcesThatCannotBeRemovedStay();
+    void existingFileThatResistsIsForced_data();
+    void existingFileThatResistsIsForced();
+    void existingFileThatCannotBeRemovedIsFalse_data();
+    void existingFileThatCannotBeRemovedIsFalse();
     void sourceThatChangedSinceItsCopyStays_data();
     void sourceThatChangedSinceItsCopyStays();
     void fullDiskLeavesNoPartOfAFile_data();
@@ -389,6 +395,67 @@ void tst_TreeFaults::flushComesBeforeRemoval()
     FaultyCalls::startCounting();
     QVERIFY(transfer(m_target, m_source, Copy));
     QCOMPARE(FaultyCalls::count(FaultyCalls::Flushing), 0);
+}
+
+void tst_TreeFaults::sourcesThatCannotBeRemovedStay_data()
+{
+    addEveryMove();
+}
+
+void tst_TreeFaults::sourcesThatCannotBeRemovedStay()
+{
+    QFETCH(Manner, manner);
+    for (int i = 0; i < 60; ++i)
+        write(m_source + "/file" + QByteArray::number(i), "copied");
+    const Tree before = content(m_source);
+    FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EPERM);
+    QVERIFY(transfer(m_source, m_target, manner));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(content(m_source), before);
+    QCOMPARE(content(m_target), before);
+}
+
+void tst_TreeFaults::existingFileThatResistsIsForced_data()
+{
+    addEveryWay();
+}
+
+// As a read-only file does on some systems.
+void tst_TreeFaults::existingFileThatResistsIsForced()
+{
+    QFETCH(Manner, manner);
+    write(m_source + "/file", "new");
+    write(m_target + "/file", "old");
+    const QByteArray file = m_target + "/file";
+    const QByteArray kept = m_target + "/kept";
+    QCOMPARE(link(file.constData(), kept.constData()), 0);
+    FaultyCalls::failNth(FaultyCalls::Removing, 1, EACCES);
+    QVERIFY(transfer(m_source, m_target, manner));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(TreeFiles::read(file), QByteArray("new"));
+    QCOMPARE(TreeFiles::mode(file), 0644);
+    QCOMPARE(TreeFiles::mode(kept), 0002);
+}
+
+void tst_TreeFaults::existingFileThatCannotBeRemovedIsFalse_data()
+{
+    addEveryWay();
+}
+
+void tst_TreeFaults::existingFileThatCannotBeRemovedIsFalse()
+{
+    QFETCH(Manner, manner);
+    write(m_source + "/file", "new");
+    write(m_target + "/file", "old");
+    const QByteArray file = m_target + "/file";
+    FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EACCES);
+    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(TreeFiles::mode(file), 0002);
+    QVERIFY(chmod(file.constData(), 0644) == 0);
+    QCOMPARE(content(m_target), Tree({{"file", "file old"}}));
+    QCOMPARE(content(m_source), Tree({{"file", "file new"}}));
+    QCOMPARE(RunRoot::log().count("Copy Fail:"), manner == CutForOutput ? 1 : 0);
 }
 
 void tst_TreeFaults::sourceThatChangedSinceItsCopyStays_data()

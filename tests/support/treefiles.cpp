@@ -85,6 +85,25 @@ void TreeFiles::makeLink(const QByteArray& target, const QByteArray& path)
     require(symlink(target.constData(), path.constData()) == 0, "make", path);
 }
 
+QVector<QPair<QByteArray, QByteArray>> TreeFiles::hardNames()
+{
+    QVector<QPair<QByteArray, QByteArray>> names{{"longest", QByteArray(255, 'n')},
+                                                 {"place marker", "%2%1"},
+                                                 {"quotation mark", "it's"},
+                                                 {"drive", "C:"},
+                                                 {"three dots", "..."},
+                                                 {"blank", " "},
+                                                 {"resource", ":x"},
+                                                 {"composed", "\xc3\xa9\xe2\x82\xac"},
+                                                 {"cut short", "\xe2\x82"}};
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '/')
+            names.append(
+                {"byte " + QByteArray::number(byte), "a" + QByteArray(1, static_cast<char>(byte)) + "b"});
+    }
+    return names;
+}
+
 QByteArray TreeFiles::read(const QByteArray& path)
 {
     QByteArray content;

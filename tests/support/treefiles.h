@@ -4,7 +4,9 @@
 
 #include <QByteArray>
 #include <QMap>
+#include <QPair>
 #include <QString>
+#include <QVector>
 
 #include <functional>
 
@@ -18,6 +20,10 @@ void write(const QByteArray& path, const QByteArray& content = "content");
 void writeAt(const QByteArray& path, qint64 offset, const QByteArray& content);
 void makeFolder(const QByteArray& path);
 void makeLink(const QByteArray& target, const QByteArray& path);
+
+/** Names that carelessness with bytes, separators, places to fill in or lengths would break, each after what
+ * it is. */
+QVector<QPair<QByteArray, QByteArray>> hardNames();
 
 QByteArray read(const QByteArray& path);
 bool exists(const QByteArray& path);
