@@ -163,6 +163,7 @@ void tst_Directories::missingSourceIsFalse()
     m_source = m_root + "/missing";
     QVERIFY(!copy());
     QVERIFY(!move());
+    QVERIFY(!exists(m_target));
 }
 
 void tst_Directories::targetThatIsAFileIsFalse()

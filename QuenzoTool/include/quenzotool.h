@@ -118,8 +118,8 @@ public:
      * (false).
      * - Links that lead nowhere, pipes, sockets, devices and folders that cannot be read are not copied
      * (false).
-     * - With the target inside the source nothing is touched (false). A file is never copied onto itself
-     * (false).
+     * - With the target inside the source, or a source that is missing or cannot be read, nothing is touched
+     * (false). A file is never copied onto itself (false).
      * - Folders of Qt's resource system count as missing.
      *
      * Blocks the calling thread.

@@ -24,7 +24,7 @@ TreeCopy::TreeCopy(const QByteArray& source, const QByteArray& target, bool over
 bool TreeCopy::perform()
 {
     TreeFolder source = TreeFolder::open(m_sourcePath, TreeFolder::Listing);
-    if (source.isOpen() && targetIsInside(source))
+    if (!source.isOpen() || targetIsInside(source))
         return false;
     TransferTarget target = TransferTarget::reach(m_targetPath);
     const bool copied = target.folder.isOpen() && copyContent(source, target);
