@@ -80,6 +80,7 @@ private Q_SLOTS:
     void everyNameGetsThrough_data();
     void everyNameGetsThrough();
     void namesOfResourcesStayInTheTree();
+    void foldersOfResourcesCountAsMissing();
     void permissionBitsAreThoseOfQtsCopy();
     void plainUsersPermissionBitsAreThoseOfQtsCopy();
     void linkToFileIsCopiedAsFile();
@@ -281,6 +282,33 @@ void tst_Directories::namesOfResourcesStayInTheTree()
     QDir::setCurrent(before);
     QVERIFY(moved);
     QCOMPARE(TreeFiles::read(m_target + "/:x"), QByteArray("resource"));
+}
+
+// Also where a folder of that name is in the working folder.
+void tst_Directories::foldersOfResourcesCountAsMissing()
+{
+    write(m_source + "/:/x/file", "kept");
+    makeFolder(m_source + "/:y");
+    const auto before = TreeFiles::content(m_source);
+    const QString workingFolder = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(QFile::decodeName(m_source)));
+    const QDir target = folder(m_target);
+    bool done = false;
+    bool kept = true;
+    for (const char* path : {":/x", ":/", ":y", ":/missing"}) {
+        QDir resource(QString::fromLatin1(path));
+        done = done || QuenzoTool::copyDirectory(resource, target, true, false)
+            || QuenzoTool::copyDirectory(resource, target, true, true)
+            || QuenzoTool::copyDirectory(target, resource, true, false);
+        kept = kept && QuenzoTool::changePermessionRecursively(resource)
+            && QuenzoTool::removeRecursively(resource);
+    }
+    QVERIFY(QDir::setCurrent(workingFolder));
+    QVERIFY(!done);
+    QVERIFY(kept);
+    QVERIFY(!exists(m_target));
+    QCOMPARE(TreeFiles::content(m_source), before);
+    QCOMPARE(TreeFiles::mode(m_source + "/:/x/file"), 0644);
 }
 
 void tst_Directories::permissionBitsAreThoseOfQtsCopy()

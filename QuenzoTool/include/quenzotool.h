@@ -120,7 +120,7 @@ public:
      * (false).
      * - With the target inside the source, or a source that is missing or cannot be read, nothing is touched
      * (false). A file is never copied onto itself (false).
-     * - Folders of Qt's resource system count as missing.
+     * - Folders of Qt's resource system (":/name") count as missing, here and below.
      *
      * Blocks the calling thread.
      *

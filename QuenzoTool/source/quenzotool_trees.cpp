@@ -7,18 +7,10 @@
 
 #include <QDir>
 
-namespace {
-
-QByteArray absolutePath(const QDir& folder)
-{
-    return TreeFolder::nativePath(folder.absolutePath());
-}
-
-} // namespace
-
 bool QuenzoTool::copyDirectory(const QDir& source, const QDir& target, bool overwrite, bool deleteSource)
 {
-    return TreeCopy(absolutePath(source), absolutePath(target), overwrite, deleteSource).perform();
+    return TreeCopy(TreeFolder::nativePath(source), TreeFolder::nativePath(target), overwrite, deleteSource)
+        .perform();
 }
 
 bool QuenzoTool::changePermessionRecursively(QDir& folder)
@@ -29,5 +21,6 @@ bool QuenzoTool::changePermessionRecursively(QDir& folder)
 
 bool QuenzoTool::removeRecursively(QDir& folder)
 {
-    return changePermessionRecursively(folder) && removeTree(absolutePath(folder));
+    const QByteArray path = TreeFolder::nativePath(folder);
+    return changePermessionRecursively(folder) && (path.isEmpty() || removeTree(path));
 }

@@ -28,11 +28,6 @@ struct Folders {
     QString target;
 };
 
-QByteArray absolutePath(const QDir& folder)
-{
-    return TreeFolder::nativePath(folder.absolutePath());
-}
-
 } // namespace
 
 ThreadCommon::ThreadCommon(QObject* parent)
@@ -118,13 +113,14 @@ void ThreadCommon::execMigrateData()
 bool ThreadCommon::cutForOutput(const QDir& fromDir, const QDir& toDir, QStringList* filterList)
 {
     OutputCut cut(m_outputDir, m_exceptDir);
-    const bool moved = cut.cut(absolutePath(fromDir), absolutePath(toDir), filterList);
+    const bool moved = cut.cut(TreeFolder::nativePath(fromDir), TreeFolder::nativePath(toDir), filterList);
     return cut.finish() && moved;
 }
 
 bool ThreadCommon::exceptCut(QString fromPath, QString toPath, QString /*exceptName*/)
 {
     OutputCut cut(m_outputDir, m_exceptDir);
-    const bool moved = cut.cutExcept(absolutePath(QDir(fromPath)), absolutePath(QDir(toPath)));
+    const bool moved =
+        cut.cutExcept(TreeFolder::nativePath(QDir(fromPath)), TreeFolder::nativePath(QDir(toPath)));
     return cut.finish() && moved;
 }

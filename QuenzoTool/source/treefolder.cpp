@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "treefolder.h"
 
+#include <QDir>
+
 #include <algorithm>
 #include <utility>
 
@@ -17,6 +19,12 @@ TreeFolder& TreeFolder::operator=(TreeFolder&& other) noexcept
     m_path.swap(other.m_path);
     m_id.swap(other.m_id);
     return *this;
+}
+
+QByteArray TreeFolder::nativePath(const QDir& folder)
+{
+    const QString path = folder.absolutePath();
+    return path.startsWith(QLatin1Char(':')) ? QByteArray() : nativePath(path);
 }
 
 QByteArray TreeFolder::parentPath(const QByteArray& path)

@@ -6,6 +6,10 @@
 #include <QString>
 #include <QVector>
 
+QT_BEGIN_NAMESPACE
+class QDir;
+QT_END_NAMESPACE
+
 /** Which folder or file something is, however it was reached; empty when that is not known. */
 using TreeId = QByteArray;
 
@@ -46,6 +50,8 @@ public:
     enum Made { MadeNew, WasThere, NotMade };
 
     static QByteArray nativePath(const QString& path);
+    /** The absolute path; none of a folder of Qt's resource system, which is no folder of the file system. */
+    static QByteArray nativePath(const QDir& folder);
     static QString text(const QByteArray& native);
     static QByteArray parentPath(const QByteArray& path);
     static QByteArray lastName(const QByteArray& path);

@@ -70,8 +70,7 @@ private:
 
 void forceTreeWriteOther(const QString& path)
 {
-    const QString absolute = QDir(path).absolutePath();
-    TreeFolder folder = TreeFolder::open(TreeFolder::nativePath(absolute), TreeFolder::Listing);
+    TreeFolder folder = TreeFolder::open(TreeFolder::nativePath(QDir(path)), TreeFolder::Listing);
     if (folder.isOpen())
         RightsWalk().visit(folder, path);
 }
