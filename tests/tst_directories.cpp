@@ -92,6 +92,9 @@ private Q_SLOTS:
     void targetInsideSourceTouchesNothing_data();
     void targetInsideSourceTouchesNothing();
     void targetReachedThroughALinkEndsTheWalk();
+    void linkIntoTheTargetEndsTheWalk_data();
+    void linkIntoTheTargetEndsTheWalk();
+    void linkToAnotherFolderOfTheTargetIsWalked();
     void folderIsNotCopiedOntoItself_data();
     void folderIsNotCopiedOntoItself();
     void linkToItsOwnTargetIsSpared();
@@ -425,6 +428,37 @@ void tst_Directories::targetReachedThroughALinkEndsTheWalk()
     makeLink("../elsewhere", m_source + "/link");
     QVERIFY(!copy());
     QVERIFY(TreeFiles::content(m_target).isEmpty());
+}
+
+void tst_Directories::linkIntoTheTargetEndsTheWalk_data()
+{
+    QTest::addColumn<bool>("isMove");
+    QTest::newRow("copy") << false;
+    QTest::newRow("move") << true;
+}
+
+// To a folder that the walk itself makes and is in: it would copy what it writes.
+void tst_Directories::linkIntoTheTargetEndsTheWalk()
+{
+    QFETCH(bool, isMove);
+    write(m_source + "/folder/inner/file", "only once");
+    makeLink("../../target/folder", m_source + "/folder/link");
+    QVERIFY(isMove ? !move() : !copy());
+    int files = 0;
+    const auto after = TreeFiles::content(m_root);
+    for (auto entry = after.cbegin(); entry != after.cend(); ++entry)
+        files += entry.value() == "file only once" ? 1 : 0;
+    QVERIFY2(files == 1 || (files == 2 && !isMove), QByteArray::number(files).constData());
+    QVERIFY(after.size() < 10);
+}
+
+void tst_Directories::linkToAnotherFolderOfTheTargetIsWalked()
+{
+    write(m_target + "/other/file", "there before");
+    makeFolder(m_source + "/folder");
+    makeLink("../../target/other", m_source + "/folder/link");
+    QVERIFY(copy());
+    QCOMPARE(TreeFiles::read(m_target + "/folder/link/file"), QByteArray("there before"));
 }
 
 void tst_Directories::folderIsNotCopiedOntoItself_data()

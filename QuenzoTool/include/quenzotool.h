@@ -115,7 +115,7 @@ public:
      *
      * - A link to a file is copied as that file. A link to a folder is walked as a folder: a move empties
      * what it leads to, and a link to a parent is followed some forty times, until the system refuses
-     * (false).
+     * (false). One to the target, or to the folder that just then is copied to, ends the operation (false).
      * - Links that lead nowhere, pipes, sockets, devices and folders that cannot be read are not copied
      * (false).
      * - With the target inside the source, or a source that is missing or cannot be read, nothing is touched

@@ -66,7 +66,8 @@ bool TreeCopy::copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTa
     if (entry.isLink)
         m_transfer.settle();
     TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
-    if (!source.canHold(entry.name) || m_targetLineage.contains(child.id()))
+    const bool leadsToTarget = entry.isLink && m_targets.contains(child.id());
+    if (!source.canHold(entry.name) || leadsToTarget || m_targetLineage.contains(child.id()))
         return false;
     TransferTarget made = m_transfer.makeFolder(target, entry.name);
     if (!made.folder.isOpen() || !copyContent(child, made))

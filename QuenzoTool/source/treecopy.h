@@ -26,8 +26,8 @@ private:
     TreeTransfer m_transfer;
     FolderChain m_sources;
     FolderChain m_targets;
-    // The target and the folders above it: a walk that came into one of them would copy what it writes, for
-    // ever.
+    // The target and the folders above it: a walk that came into one of them, or through a link into one of
+    // m_targets, would copy what it writes, for ever.
     QSet<TreeId> m_targetLineage;
 };
 
