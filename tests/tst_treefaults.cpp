@@ -140,6 +140,7 @@ private Q_SLOTS:
     void fileSystemsWithoutUnnamedFilesServe();
     void failedFlushKeepsTheSources_data();
     void failedFlushKeepsTheSources();
+    void failedFlushIsLoggedWithAFileThatAwaitedIt();
     void flushComesBeforeRemoval_data();
     void flushComesBeforeRemoval();
     void sourcesThatCannotBeRemovedStay_data();
@@ -374,6 +375,24 @@ void tst_TreeFaults::failedFlushKeepsTheSources()
     QVERIFY(!transfer(m_source, m_target, manner));
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(content(m_source), before);
+    QCOMPARE(RunRoot::log().count("Copy Fail:"), manner == CutForOutput ? 1 : 0);
+}
+
+// More files than a move keeps waiting: the flush is in their midst.
+void tst_TreeFaults::failedFlushIsLoggedWithAFileThatAwaitedIt()
+{
+    constexpr int many = 33 * 1024;
+    for (int i = 0; i < many; ++i)
+        write(m_source + "/file" + QByteArray::number(i), {});
+    FaultyCalls::failFromNth(FaultyCalls::Flushing, 1, EIO);
+    QVERIFY(!transfer(m_source, m_target, CutForOutput));
+    FaultyCalls::heal();
+    const QByteArray log = RunRoot::log();
+    QCOMPARE(log.count("Copy Fail:"), 1);
+    const QByteArray source = log.mid(log.indexOf("Src:") + 4).split('\r').first();
+    const QByteArray target = log.mid(log.indexOf("Dest:") + 5).split('\r').first();
+    QVERIFY2(exists(source) && exists(target), log.constData());
+    QCOMPARE(source.mid(m_source.size()), target.mid(m_target.size()));
 }
 
 void tst_TreeFaults::flushComesBeforeRemoval_data()

@@ -14,6 +14,12 @@ bool isNamed(const TreeEntry& entry, const QStringList& names)
                        [&lowered](const QString& name) { return name.toLower() == lowered; });
 }
 
+void logFailure(const QByteArray& source, const QByteArray& target)
+{
+    QuenzoBase::Log(QStringLiteral("Copy Fail:\r\nSrc:%1\r\nDest:%2\r\n")
+                        .arg(TreeFolder::text(source), TreeFolder::text(target)));
+}
+
 } // namespace
 
 OutputCut::OutputCut(const QString& outputDir, QString& exceptDir)
@@ -36,6 +42,15 @@ bool OutputCut::cutExcept(const QByteArray& source, const QByteArray& target)
     to.folder = TreeFolder::open(target, TreeFolder::Writing);
     TreeFolder from = TreeFolder::open(source, TreeFolder::Listing);
     return exceptFolder(from, to) != Failed;
+}
+
+bool OutputCut::finish()
+{
+    const bool flushed = m_transfer.settle();
+    const SourceRemoval::Copied& lost = m_transfer.unflushed();
+    if (!lost.source.isEmpty())
+        logFailure(lost.source, lost.target);
+    return flushed;
 }
 
 OutputCut::Result OutputCut::cutFolder(TreeFolder& source, TransferTarget& target,
@@ -136,9 +151,8 @@ bool OutputCut::moveFiles(const TreeFolder& source, const TreeEntry* files, int 
     if (moved == count)
         return true;
     const QByteArray& name = files[moved].name;
-    QuenzoBase::Log(
-        QStringLiteral("Copy Fail:\r\nSrc:%1\r\nDest:%2\r\n")
-            .arg(TreeFolder::text(source.pathOf(name)), TreeFolder::text(target.folder.pathOf(name))));
+    if (m_transfer.unflushed().source.isEmpty()) // else finish() names another file, for there was none tried
+        logFailure(source.pathOf(name), target.folder.pathOf(name));
     return false;
 }
 

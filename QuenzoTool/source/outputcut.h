@@ -30,7 +30,7 @@ public:
 
     /** Removes what remains to be removed from the source; false when copies could not be brought to the
      * disk. */
-    bool finish() { return m_transfer.settle(); }
+    bool finish();
 
 private:
     enum Result {

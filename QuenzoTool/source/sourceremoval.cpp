@@ -2,11 +2,11 @@
 #include "sourceremoval.h"
 
 void SourceRemoval::addFiles(const TreeFolder& folder, const TreeEntry* files,
-                             const QVector<FileState>& states)
+                             const QVector<FileState>& states, const TreeFolder& target)
 {
     if (states.isEmpty())
         return;
-    Group& group = groupOf(folder);
+    Group& group = groupOf(folder, target.path());
     for (int i = 0; i < states.size(); ++i)
         group.items.append({files[i].name, false, AsItIs, states.at(i)});
     m_count += states.size();
@@ -14,8 +14,19 @@ void SourceRemoval::addFiles(const TreeFolder& folder, const TreeEntry* files,
 
 void SourceRemoval::addFolder(const TreeFolder& folder, const QByteArray& name, Manner manner)
 {
-    groupOf(folder).items.append({name, true, manner, {}});
+    groupOf(folder, {}).items.append({name, true, manner, {}});
     ++m_count;
+}
+
+SourceRemoval::Copied SourceRemoval::firstFile() const
+{
+    for (const Group& group : m_groups) {
+        for (const Item& item : group.items) {
+            if (!item.isFolder)
+                return {group.path + '/' + item.name, group.targetPath + '/' + item.name};
+        }
+    }
+    return {};
 }
 
 void SourceRemoval::perform()
@@ -42,10 +53,13 @@ void SourceRemoval::removeFolder(const TreeFolder& parent, const QByteArray& nam
         parent.removeFolder(name);
 }
 
-SourceRemoval::Group& SourceRemoval::groupOf(const TreeFolder& folder)
+SourceRemoval::Group& SourceRemoval::groupOf(const TreeFolder& folder, const QByteArray& targetPath)
 {
-    if (m_groups.isEmpty() || m_groups.last().id != folder.id()) {
-        m_groups.append({folder.path(), folder.id(), {}});
+    const auto isLast = [&](const Group& last) {
+        return last.id == folder.id() && (targetPath.isEmpty() || last.targetPath == targetPath);
+    };
+    if (m_groups.isEmpty() || !isLast(m_groups.last())) {
+        m_groups.append({folder.path(), folder.id(), {}, targetPath});
         m_folders.insert(folder.id());
     }
     return m_groups.last();

@@ -18,11 +18,19 @@ class SourceRemoval {
 public:
     enum Manner { AsItIs, Forced }; ///< Forced: a folder that resists gets other rights first
 
+    /** A file and its copy, by their paths; empty for none. */
+    struct Copied {
+        QByteArray source;
+        QByteArray target;
+    };
+
     /** @param states what the files were like when they were copied */
-    void addFiles(const TreeFolder& folder, const TreeEntry* files, const QVector<FileState>& states);
+    void addFiles(const TreeFolder& folder, const TreeEntry* files, const QVector<FileState>& states,
+                  const TreeFolder& target);
     void addFolder(const TreeFolder& folder, const QByteArray& name, Manner manner);
 
     int count() const { return m_count; }
+    Copied firstFile() const;
     bool concerns(const TreeFolder& folder) const { return m_folders.contains(folder.id()); }
 
     /** Removes everything, as far as that succeeds. */
@@ -41,8 +49,9 @@ private:
         QByteArray path;
         TreeId id;
         QVector<Item> items;
+        QByteArray targetPath; // of the files
     };
-    Group& groupOf(const TreeFolder& folder);
+    Group& groupOf(const TreeFolder& folder, const QByteArray& targetPath);
 
     QVector<Group> m_groups;
     QSet<TreeId> m_folders;

@@ -76,7 +76,7 @@ int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int c
         }
         const int run = runLength(from, files + done, count - done, to);
         const FileCopier::Outcome outcome = m_copier.copy(from, files + done, run, to.folder);
-        note(from, files + done);
+        note(from, files + done, to.folder);
         done += outcome.copied;
         // A name can be taken by one that differs in case only, or that somebody else made meanwhile.
         const bool taken = outcome.trouble == FileCopier::NameTaken && m_options.testFlag(Replacing);
@@ -107,19 +107,20 @@ bool TreeTransfer::settle()
         m_removal.perform();
     } else {
         m_flushFailed = true;
+        m_unflushed = m_removal.firstFile();
         m_removal = {};
     }
     return !m_flushFailed;
 }
 
 // Neither the sources nor the data that await their flush are to become too many.
-void TreeTransfer::note(const TreeFolder& from, const TreeEntry* files)
+void TreeTransfer::note(const TreeFolder& from, const TreeEntry* files, const TreeFolder& to)
 {
     constexpr int mostSources = 32 * 1024;
     constexpr qint64 mostBytes = 1 << 30;
     if (!m_options.testFlag(Moving))
         return;
-    m_removal.addFiles(from, files, m_copier.sources());
+    m_removal.addFiles(from, files, m_copier.sources(), to);
     if (m_removal.count() >= mostSources || m_copier.unflushedBytes() >= mostBytes)
         settle();
 }

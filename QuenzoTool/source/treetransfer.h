@@ -64,8 +64,11 @@ public:
     /** The same only if something is due to go from this folder. */
     bool settleBefore(const TreeFolder& folder) { return !m_removal.concerns(folder) || settle(); }
 
+    /** One of the files whose copies could not be brought to the disk; empty as long as there is none. */
+    const SourceRemoval::Copied& unflushed() const { return m_unflushed; }
+
 private:
-    void note(const TreeFolder& from, const TreeEntry* files);
+    void note(const TreeFolder& from, const TreeEntry* files, const TreeFolder& to);
     int runLength(const TreeFolder& from, const TreeEntry* files, int count, const TransferTarget& to) const;
     static bool isItself(const TreeFolder& from, const TreeEntry& file, const TreeFolder& to);
     static void removeExisting(const TreeFolder& folder, const QByteArray& name);
@@ -74,6 +77,7 @@ private:
     FileCopier m_copier;
     SourceRemoval m_removal;
     bool m_flushFailed = false;
+    SourceRemoval::Copied m_unflushed;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(TreeTransfer::Options)
