@@ -70,6 +70,7 @@ private Q_SLOTS:
     void foldersOfTheOutputStay();
     void siblingWithTheSameBeginningIsTakenForInner();
     void equalFoldersLoseAFileAndFail();
+    void linkToItsOwnTargetLosesThatFile();
     void readOnlyFileAtTheDestinationIsReplaced();
     void missingParentOfTheDestinationMovesNothing();
     void failedCopyIsLogged();
@@ -345,6 +346,17 @@ void tst_ThreadCommon::equalFoldersLoseAFileAndFail()
     QCOMPARE(QDir(QFile::decodeName(m_source)).entryList(QDir::Files).size(), 2);
     QVERIFY(exists(m_source + "/folder/file"));
     QCOMPARE(RunRoot::log().count("Copy Fail:"), 2);
+}
+
+void tst_ThreadCommon::linkToItsOwnTargetLosesThatFile()
+{
+    write(m_target + "/file", "lost");
+    makeLink("../output/file", m_source + "/file");
+    Worker worker;
+    QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(false));
+    QVERIFY(TreeFiles::content(m_target).isEmpty());
+    QVERIFY(exists(m_source + "/file"));
+    QCOMPARE(RunRoot::log().count("Copy Fail:"), 1);
 }
 
 void tst_ThreadCommon::readOnlyFileAtTheDestinationIsReplaced()

@@ -50,11 +50,13 @@ enum THREAD_OPERATE : int {
  * level by level until the path is too long, and the result is false.
  * - Files found in a "dest" inside "src" move on into a folder of the same name inside it. Which of them are
  * still there by then depends on the order in which the file system lists them.
- * - With equal folders, files are lost: each is removed as the one to be replaced.
+ * - With equal folders, files are lost: each is removed as the one to be replaced. So is a file in "dest" to
+ * which a link in "src" leads that has its name: nothing is left that the link could be copied from.
  * - A folder of "src" that is not empty after its turn is left with the permission QFileDevice::WriteOther
  * alone. On POSIX its owner must change that to enter it again; later entries of the same run may fail for
  * it. A link to a folder passes this on to the folder it leads to.
- * - A file that cannot be copied is written to the tool's log, by QuenzoBase::Log, and ends the operation.
+ * - A file that cannot be copied is written to the tool's log, by QuenzoBase::Log, and ends the operation. So
+ * is one, of several perhaps, whose copy could not be brought to the disk.
  *
  * Threads: driven from the thread that made it; run() is on the worker. StartOperate() and getResult() are
  * not to be called while it runs.
