@@ -31,12 +31,14 @@ public:
 /** The same random tree on a disk and in the model. */
 class Scene {
 public:
-    Scene(const QString& place, const ListingOrder& order, quint32 seed)
+    Scene(const QString& above, const ListingOrder& order, quint32 seed)
         : m_random(seed)
-        , m_folder(place + QStringLiteral("/walk.XXXXXX"))
+        , m_folder(above + QStringLiteral("/walk.XXXXXX"))
         , model(order)
-        , root(m_folder.path())
+        , place(m_folder.path())
+        , root(place + QStringLiteral("/scene"))
     {
+        QDir().mkdir(root);
         model.makePath(root);
         fill(root, 3);
     }
@@ -85,6 +87,7 @@ private:
 
 public:
     TreeModel model;
+    const QString place; ///< holds the root, and what is made beside it
     const QString root;
 };
 
@@ -179,7 +182,7 @@ void tst_TreeWalks::copiesLikeTheModel()
         const QByteArray what = source.toUtf8() + " to " + target.toUtf8() + (overwrite ? " overwrite" : "")
             + (deleteSource ? " move" : "") + ", seed " + QByteArray::number(seed);
         const QByteArray different =
-            difference(TreeModel::contentOnDisk(scene.root), scene.model.content(scene.root));
+            difference(TreeModel::contentOnDisk(scene.place), scene.model.content(scene.place));
         QVERIFY2(different.isEmpty(), qPrintable(QString::fromUtf8(what + different)));
         QVERIFY2(real == expected, what.constData());
     }
@@ -228,7 +231,7 @@ void tst_TreeWalks::cutsForOutputLikeTheModel()
         const QByteArray what = source.toUtf8() + " to " + target.toUtf8() + " without '" + filter.toUtf8()
             + "', seed " + QByteArray::number(seed);
         const QByteArray different =
-            difference(TreeModel::contentOnDisk(scene.root), scene.model.content(scene.root));
+            difference(TreeModel::contentOnDisk(scene.place), scene.model.content(scene.place));
         QVERIFY2(different.isEmpty(), qPrintable(QString::fromUtf8(what + different)));
         QVERIFY2(cutter.getResult() == QVariant(expected), what.constData());
         QVERIFY2(failedCopies() == scene.model.log, what.constData());
@@ -269,7 +272,7 @@ void tst_TreeWalks::cutsAroundLikeTheModel()
         const QByteArray what = source.toUtf8() + " to " + target.toUtf8() + " around " + except.toUtf8()
             + ", seed " + QByteArray::number(seed);
         const QByteArray different =
-            difference(TreeModel::contentOnDisk(scene.root), scene.model.content(scene.root));
+            difference(TreeModel::contentOnDisk(scene.place), scene.model.content(scene.place));
         QVERIFY2(different.isEmpty(), qPrintable(QString::fromUtf8(what + different)));
         QVERIFY2(real == expected, what.constData());
         QVERIFY2(failedCopies() == scene.model.log, what.constData());
