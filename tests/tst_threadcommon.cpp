@@ -71,6 +71,7 @@ private Q_SLOTS:
     void siblingWithTheSameBeginningIsTakenForInner();
     void equalFoldersLoseAFileAndFail();
     void linkToItsOwnTargetLosesThatFile();
+    void linkGoesThoughItsTargetIsReplaced();
     void readOnlyFileAtTheDestinationIsReplaced();
     void missingParentOfTheDestinationMovesNothing();
     void failedCopyIsLogged();
@@ -357,6 +358,20 @@ void tst_ThreadCommon::linkToItsOwnTargetLosesThatFile()
     QVERIFY(TreeFiles::content(m_target).isEmpty());
     QVERIFY(exists(m_source + "/file"));
     QCOMPARE(RunRoot::log().count("Copy Fail:"), 1);
+}
+
+void tst_ThreadCommon::linkGoesThoughItsTargetIsReplaced()
+{
+    write(m_target + "/file", "old");
+    // One of them is copied before the file, in most orders of a listing.
+    makeLink("../output/file", m_source + "/first");
+    write(m_source + "/file", "new, and longer");
+    makeLink("../output/file", m_source + "/last");
+    Worker worker;
+    QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(true));
+    QVERIFY(TreeFiles::content(m_source).isEmpty());
+    QCOMPARE(TreeFiles::content(m_target).size(), 3);
+    QCOMPARE(TreeFiles::read(m_target + "/file"), QByteArray("new, and longer"));
 }
 
 void tst_ThreadCommon::readOnlyFileAtTheDestinationIsReplaced()

@@ -7,8 +7,11 @@ void SourceRemoval::addFiles(const TreeFolder& folder, const TreeEntry* files,
     if (states.isEmpty())
         return;
     Group& group = groupOf(folder, target.path());
-    for (int i = 0; i < states.size(); ++i)
-        group.items.append({files[i].name, false, AsItIs, states.at(i)});
+    for (int i = 0; i < states.size(); ++i) {
+        // What a link leads to stays, and may be written to: by the move itself, if it is in the target.
+        const FileState state = files[i].isLink ? folder.stateOf(files[i].name) : states.at(i);
+        group.items.append({files[i].name, false, AsItIs, state});
+    }
     m_count += states.size();
 }
 

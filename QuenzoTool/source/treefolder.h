@@ -80,7 +80,7 @@ public:
     /** The file or folder that an entry is, or leads to. */
     TreeId idOf(const QByteArray& name, Links links) const;
 
-    /** The file that an entry is, or leads to. */
+    /** The file that an entry is; of a link, that of the link itself. */
     FileState stateOf(const QByteArray& name) const;
 
     /** This folder and those above it, up to the root. */

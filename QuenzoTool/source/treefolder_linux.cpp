@@ -94,7 +94,8 @@ TreeId TreeFolder::idOf(const QByteArray& name, Links links) const
 FileState TreeFolder::stateOf(const QByteArray& name) const
 {
     struct stat status { };
-    return fstatat(m_handle, name.constData(), &status, 0) == 0 ? stateFrom(status) : FileState();
+    const int error = fstatat(m_handle, name.constData(), &status, AT_SYMLINK_NOFOLLOW);
+    return error == 0 ? stateFrom(status) : FileState();
 }
 
 QVector<TreeId> TreeFolder::lineage() const

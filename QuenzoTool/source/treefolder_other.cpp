@@ -77,6 +77,8 @@ TreeId TreeFolder::idOf(const QByteArray& name, Links links) const
 FileState TreeFolder::stateOf(const QByteArray& name) const
 {
     const QFileInfo info(entryPath(*this, name));
+    if (info.isSymLink())
+        return {idOf(name, LinksKept), 0, 0};
     return {info.canonicalFilePath().toUtf8(), info.size(), info.lastModified().toMSecsSinceEpoch()};
 }
 
