@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <functional>
+
 #include <sys/stat.h>
 
 namespace {
@@ -135,6 +137,7 @@ private Q_SLOTS:
 
 private:
     void addSeeds(int count);
+    static void forEachScene(const std::function<void(Scene&, quint32)>& compare);
 
     std::unique_ptr<MessageLog> m_messages;
 };
@@ -159,6 +162,20 @@ void tst_TreeWalks::addSeeds(int count)
     }
 }
 
+// Stops at the first scene that differs.
+void tst_TreeWalks::forEachScene(const std::function<void(Scene&, quint32)>& compare)
+{
+    QFETCH(QString, place);
+    QFETCH(quint32, firstSeed);
+    const ListingOrder order(place, names);
+    if (!order.isKnown())
+        QSKIP("the order in which this file system lists its entries cannot be foretold");
+    for (quint32 seed = firstSeed; seed < firstSeed + 100 && !QTest::currentTestFailed(); ++seed) {
+        Scene scene(place, order, seed);
+        compare(scene, seed);
+    }
+}
+
 void tst_TreeWalks::copiesLikeTheModel_data()
 {
     addSeeds(4);
@@ -166,13 +183,7 @@ void tst_TreeWalks::copiesLikeTheModel_data()
 
 void tst_TreeWalks::copiesLikeTheModel()
 {
-    QFETCH(QString, place);
-    QFETCH(quint32, firstSeed);
-    const ListingOrder order(place, names);
-    if (!order.isKnown())
-        QSKIP("the order in which this file system lists its entries cannot be foretold");
-    for (quint32 seed = firstSeed; seed < firstSeed + 100; ++seed) {
-        Scene scene(place, order, seed);
+    forEachScene([&](Scene& scene, quint32 seed) {
         const QString source = scene.existingFolder();
         const QString target = scene.below(3) == 0 ? scene.existingFolder() : scene.path();
         const bool overwrite = scene.below(3) > 0;
@@ -185,7 +196,7 @@ void tst_TreeWalks::copiesLikeTheModel()
             difference(TreeModel::contentOnDisk(scene.place), scene.model.content(scene.place));
         QVERIFY2(different.isEmpty(), qPrintable(QString::fromUtf8(what + different)));
         QVERIFY2(real == expected, what.constData());
-    }
+    });
 }
 
 void tst_TreeWalks::cutsForOutputLikeTheModel_data()
@@ -201,13 +212,7 @@ void tst_TreeWalks::cutsForOutputLikeTheModel()
                               QStringLiteral("OUT"),
                               QStringLiteral(",work2,,"),
                               QStringLiteral("AB,O,ou")};
-    QFETCH(QString, place);
-    QFETCH(quint32, firstSeed);
-    const ListingOrder order(place, names);
-    if (!order.isKnown())
-        QSKIP("the order in which this file system lists its entries cannot be foretold");
-    for (quint32 seed = firstSeed; seed < firstSeed + 100; ++seed) {
-        Scene scene(place, order, seed);
+    forEachScene([&](Scene& scene, quint32 seed) {
         const QString source = scene.existingFolder();
         QString target = scene.path();
         const int relation = scene.below(4);
@@ -236,7 +241,7 @@ void tst_TreeWalks::cutsForOutputLikeTheModel()
         QVERIFY2(cutter.getResult() == QVariant(expected), what.constData());
         QVERIFY2(failedCopies() == scene.model.log, what.constData());
         QVERIFY2(cutter.m_exceptDir == scene.model.exceptDir, what.constData());
-    }
+    });
 }
 
 void tst_TreeWalks::cutsAroundLikeTheModel_data()
@@ -246,13 +251,7 @@ void tst_TreeWalks::cutsAroundLikeTheModel_data()
 
 void tst_TreeWalks::cutsAroundLikeTheModel()
 {
-    QFETCH(QString, place);
-    QFETCH(quint32, firstSeed);
-    const ListingOrder order(place, names);
-    if (!order.isKnown())
-        QSKIP("the order in which this file system lists its entries cannot be foretold");
-    for (quint32 seed = firstSeed; seed < firstSeed + 100; ++seed) {
-        Scene scene(place, order, seed);
+    forEachScene([&](Scene& scene, quint32 seed) {
         const QString source = scene.existingFolder();
         const QString target = scene.path();
         const QString except = scene.below(2) == 0 ? source : scene.existingFolder();
@@ -276,7 +275,7 @@ void tst_TreeWalks::cutsAroundLikeTheModel()
         QVERIFY2(different.isEmpty(), qPrintable(QString::fromUtf8(what + different)));
         QVERIFY2(real == expected, what.constData());
         QVERIFY2(failedCopies() == scene.model.log, what.constData());
-    }
+    });
 }
 
 QTEST_GUILESS_MAIN(tst_TreeWalks)
