@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "dbhelper.h"
 
-#include "connectionlock.h"
-#include "exitgate.h"
+#include "records/connectionlock.h"
+#include "records/exitgate.h"
 
 #include <quenzobase.h>
 

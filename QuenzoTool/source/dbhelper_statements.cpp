@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "dbhelper.h"
 
-#include "connectionlock.h"
-#include "dbstatement.h"
 #include "quenzotool.h"
-#include "statementtext.h"
+#include "records/connectionlock.h"
+#include "records/dbstatement.h"
+#include "records/statementtext.h"
 
 #include <QMessageLogger>
 

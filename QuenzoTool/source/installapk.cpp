@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "installapk.h"
 
+#include "devices/tooloutput.h"
 #include "quenzotool.h"
-#include "tooloutput.h"
 
 #include <QFile>
 

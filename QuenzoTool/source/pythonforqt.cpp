@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "pythonapi.h"
+#include "scripts/pythonapi.h"
 
 #include "pythonforqt.h"
 
-#include "pythonplatform.h"
-#include "pythonstatement.h"
 #include "quenzotool.h"
+#include "scripts/pythonplatform.h"
+#include "scripts/pythonstatement.h"
 
 #include <QFileInfo>
 #include <QLoggingCategory>

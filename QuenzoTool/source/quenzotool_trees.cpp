@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "quenzotool.h"
 
-#include "treecopy.h"
-#include "treeremoval.h"
-#include "treerights.h"
+#include "trees/treecopy.h"
+#include "trees/treeremoval.h"
+#include "trees/treerights.h"
 
 #include <QDir>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "threadcommon.h"
 
-#include "outputcut.h"
 #include "quenzotool.h"
+#include "trees/outputcut.h"
 
 #include <QDir>
 #include <QVariantMap>

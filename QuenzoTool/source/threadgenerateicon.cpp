@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "threadgenerateicon.h"
 
-#include "iconplan.h"
-#include "iconsetwriter.h"
+#include "icons/iconplan.h"
+#include "icons/iconsetwriter.h"
 
 #include <QDir>
 #include <QFile>

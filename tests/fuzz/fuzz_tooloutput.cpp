@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What adb and aapt print comes from devices and files of strangers.
-#include "tooloutput.h"
+#include "devices/tooloutput.h"
 
 #include <cstddef>
 #include <cstdint>

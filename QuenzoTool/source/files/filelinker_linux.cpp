@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+#include "files/filelinker_linux.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+int linkInPlace(const UnnamedFile& file)
+{
+    if (linkat(file.target, "", file.folder, file.name, AT_EMPTY_PATH) == 0)
+        return 0;
+    // Older kernels ask for a privilege here, and say that there is no such file.
+    if (errno != ENOENT && errno != EPERM && errno != EINVAL)
+        return errno;
+    std::array<char, 32> path{};
+    std::snprintf(path.data(), path.size(), "/proc/self/fd/%d", file.target);
+    const bool linked = linkat(AT_FDCWD, path.data(), file.folder, file.name, AT_SYMLINK_FOLLOW) == 0;
+    return linked ? 0 : errno;
+}
+
+// The host's signals are handled on the host's threads.
+class SignalsBlocked {
+public:
+    SignalsBlocked()
+    {
+        sigset_t all{};
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+private:
+    sigset_t m_before{};
+};
+
+} // namespace
+
+int giveName(const UnnamedFile& file)
+{
+    fchmod(file.target, file.mode);
+    return linkInPlace(file);
+}
+
+FileLinker::FileLinker()
+{
+    const SignalsBlocked blocked;
+    try {
+        m_thread = std::thread([this] { work(); });
+    } catch (const std::system_error&) {
+        // There may be no more threads: add() does the work then.
+    }
+}
+
+FileLinker::~FileLinker()
+{
+    drain();
+    {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        m_stopping = true;
+    }
+    m_changed.notify_all();
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+bool FileLinker::add(const UnnamedFile& file)
+{
+    constexpr std::size_t batch = 16;
+    m_gathered.push_back(file);
+    if (m_gathered.size() < batch)
+        return true;
+    if (!m_thread.joinable()) {
+        processGathered();
+        return !m_failed;
+    }
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_handedOver.empty(); });
+    m_handedOver.swap(m_gathered);
+    m_changed.notify_all();
+    return !m_failed;
+}
+
+FileLinker::Outcome FileLinker::drain()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_handedOver.empty() && !m_working; });
+    // The rest is not worth waking the thread for.
+    lock.unlock();
+    processGathered();
+    m_failed = false;
+    return std::exchange(m_outcome, {});
+}
+
+void FileLinker::work()
+{
+    std::vector<UnnamedFile> files;
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (true) {
+        m_changed.wait(lock, [this] { return m_stopping || !m_handedOver.empty(); });
+        if (m_handedOver.empty())
+            return;
+        files.swap(m_handedOver);
+        m_working = true;
+        m_changed.notify_all();
+        lock.unlock();
+        process(files);
+        files.clear();
+        lock.lock();
+        m_working = false;
+        m_changed.notify_all();
+    }
+}
+
+void FileLinker::processGathered()
+{
+    process(m_gathered);
+    m_gathered.clear();
+}
+
+void FileLinker::process(const std::vector<UnnamedFile>& files)
+{
+    for (const UnnamedFile& file : files) {
+        if (!m_failed && giveName(file) == 0) {
+            ++m_outcome.linked;
+            m_outcome.bytes += file.size;
+        } else {
+            m_failed = true;
+        }
+        close(file.source);
+        close(file.target);
+    }
+}

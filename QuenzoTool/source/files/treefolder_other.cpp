@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+// Qt's portable means: paths as UTF-8, folders told apart by their canonical path.
+#include "files/treefolder.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+constexpr int opened = 0;
+
+TreeId idAt(const QString& path)
+{
+    return QFileInfo(path).canonicalFilePath().toUtf8();
+}
+
+QString entryPath(const TreeFolder& folder, const QByteArray& name)
+{
+    return TreeFolder::text(folder.pathOf(name));
+}
+
+TreeEntry::Kind kindOf(const QFileInfo& info)
+{
+    if (info.isDir())
+        return TreeEntry::Folder;
+    return info.isFile() || info.isSymLink() ? TreeEntry::File : TreeEntry::Special;
+}
+
+} // namespace
+
+QByteArray TreeFolder::nativePath(const QString& path)
+{
+    return path.toUtf8();
+}
+
+QString TreeFolder::text(const QByteArray& native)
+{
+    return QString::fromUtf8(native);
+}
+
+TreeFolder::TreeFolder(int handle, const QByteArray& path)
+    : m_handle(handle)
+    , m_path(path)
+    , m_id(handle >= 0 ? idAt(text(path)) : TreeId())
+{
+}
+
+TreeFolder TreeFolder::open(const QByteArray& path, Purpose purpose)
+{
+    const QFileInfo info(text(path));
+    const bool serves = info.isDir() && (purpose == Writing || info.isReadable());
+    return {serves ? opened : -1, path};
+}
+
+TreeFolder TreeFolder::openChild(const QByteArray& name, Purpose purpose, Links links) const
+{
+    if (!isOpen() || (links == LinksKept && QFileInfo(entryPath(*this, name)).isSymLink()))
+        return {-1, pathOf(name)};
+    return open(pathOf(name), purpose);
+}
+
+bool TreeFolder::canHold(const QByteArray& name) const
+{
+    // Above what any platform takes; below it the system itself refuses.
+    constexpr int longest = 32767;
+    return m_path.size() + 1 + name.size() < longest;
+}
+
+TreeId TreeFolder::idOf(const QByteArray& name, Links links) const
+{
+    const QString path = entryPath(*this, name);
+    return links == LinksKept && QFileInfo(path).isSymLink() ? path.toUtf8() : idAt(path);
+}
+
+FileState TreeFolder::stateOf(const QByteArray& name) const
+{
+    const QFileInfo info(entryPath(*this, name));
+    if (info.isSymLink())
+        return {idOf(name, LinksKept), 0, 0};
+    return {info.canonicalFilePath().toUtf8(), info.size(), info.lastModified().toMSecsSinceEpoch()};
+}
+
+QVector<TreeId> TreeFolder::lineage() const
+{
+    QVector<TreeId> ids{m_id};
+    QString path = QString::fromUtf8(m_id);
+    while (!QDir(path).isRoot() && !path.isEmpty()) {
+        path = QFileInfo(path).path();
+        ids.append(path.toUtf8());
+    }
+    return ids;
+}
+
+bool TreeFolder::list(QVector<TreeEntry>& entries, Links links) const
+{
+    const QDir::Filters all = QDir::Dirs | QDir::Files | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    const QFileInfoList infos = QDir(text(m_path)).entryInfoList(all, QDir::Unsorted);
+    for (const QFileInfo& info : infos) {
+        const bool kept = info.isSymLink() && links == LinksKept;
+        entries.append({info.fileName().toUtf8(), kept ? TreeEntry::File : kindOf(info), info.isSymLink()});
+    }
+    return isOpen();
+}
+
+TreeFolder::Made TreeFolder::makeFolder(const QByteArray& name) const
+{
+    if (!isOpen() || !canHold(name))
+        return NotMade;
+    const QString path = entryPath(*this, name);
+    if (QFileInfo(path).isDir())
+        return WasThere;
+    return QDir().mkdir(path) ? MadeNew : NotMade;
+}
+
+bool TreeFolder::removeFile(const QByteArray& name) const
+{
+    const QFileInfo info(entryPath(*this, name));
+    return isOpen() && ((!info.exists() && !info.isSymLink()) || QFile::remove(info.filePath()));
+}
+
+bool TreeFolder::removeFolder(const QByteArray& name) const
+{
+    return isOpen() && QDir().rmdir(entryPath(*this, name));
+}
+
+bool TreeFolder::forceWriteOther(const QByteArray& name) const
+{
+    return isOpen() && QFile::setPermissions(entryPath(*this, name), QFileDevice::WriteOther);
+}
+
+bool TreeFolder::isWritable(const QByteArray& name) const
+{
+    return QFileInfo(entryPath(*this, name)).isWritable();
+}
+
+void TreeFolder::suspend()
+{
+    m_handle = -1;
+}
+
+bool TreeFolder::resume(const TreeFolder& /*child*/)
+{
+    m_handle = opened;
+    return true;
+}

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: MIT
+#include "trees/outputcut.h"
+
+#include <quenzobase.h>
+
+#include <algorithm>
+
+namespace {
+
+bool isNamed(const TreeEntry& entry, const QStringList& names)
+{
+    const QString lowered = TreeFolder::text(entry.name).toLower();
+    return std::any_of(names.cbegin(), names.cend(),
+                       [&lowered](const QString& name) { return name.toLower() == lowered; });
+}
+
+void logFailure(const QByteArray& source, const QByteArray& target)
+{
+    QuenzoBase::Log(QStringLiteral("Copy Fail:\r\nSrc:%1\r\nDest:%2\r\n")
+                        .arg(TreeFolder::text(source), TreeFolder::text(target)));
+}
+
+} // namespace
+
+OutputCut::OutputCut(const QString& outputDir, QString& exceptDir)
+    : m_outputPath(TreeFolder::nativePath(outputDir))
+    , m_exceptDir(exceptDir)
+    , m_transfer(TreeTransfer::Replacing | TreeTransfer::Moving)
+{
+}
+
+bool OutputCut::cut(const QByteArray& source, const QByteArray& target, const QStringList* leftBehind)
+{
+    TransferTarget to = TransferTarget::reach(target);
+    TreeFolder from = TreeFolder::open(source, TreeFolder::Listing);
+    return to.folder.isOpen() && cutFolder(from, to, leftBehind) != Failed;
+}
+
+bool OutputCut::cutExcept(const QByteArray& source, const QByteArray& target)
+{
+    TransferTarget to;
+    to.folder = TreeFolder::open(target, TreeFolder::Writing);
+    TreeFolder from = TreeFolder::open(source, TreeFolder::Listing);
+    return exceptFolder(from, to) != Failed;
+}
+
+bool OutputCut::finish()
+{
+    const bool flushed = m_transfer.settle();
+    const SourceRemoval::Copied& lost = m_transfer.unflushed();
+    if (!lost.source.isEmpty())
+        logFailure(lost.source, lost.target);
+    return flushed;
+}
+
+OutputCut::Result OutputCut::cutFolder(TreeFolder& source, TransferTarget& target,
+                                       const QStringList* leftBehind)
+{
+    const FolderChain::Visit sourceVisit(m_sources, source);
+    const FolderChain::Visit targetVisit(m_targets, target.folder);
+    m_targetVisits.insert(target.folder.id(), ++m_visits);
+    if (target.folder.path().startsWith(source.path())) {
+        const QByteArray relative = target.folder.path().mid(source.path().size());
+        const QByteArray inner = target.folder.path() + relative;
+        m_exceptDir = TreeFolder::text(inner);
+        m_transfer.settleBefore(TreeFolder::open(TreeFolder::parentPath(inner), TreeFolder::Writing));
+        cutExcept(target.folder.path(), inner);
+        target.namesKnown = false;
+    }
+
+    QVector<TreeEntry> entries;
+    if (!m_transfer.list(source, entries))
+        return Failed;
+    bool allMoved = true;
+    if (leftBehind != nullptr) {
+        const auto stays = [leftBehind](const TreeEntry& entry) { return isNamed(entry, *leftBehind); };
+        const auto end = std::remove_if(entries.begin(), entries.end(), stays);
+        allMoved = end == entries.end();
+        entries.erase(end, entries.end());
+    }
+    const Result result = moveEntries(source, entries, target, &OutputCut::cutSubfolder);
+    return result == Emptied && !allMoved ? Stays : result;
+}
+
+OutputCut::Result OutputCut::cutSubfolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target)
+{
+    // The folder that holds the entry is compared, and not the entry: all folders of the output folder stay.
+    if (source.path() == m_outputPath)
+        return Stays;
+    if (!source.canHold(entry.name))
+        return Failed;
+    TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
+    TransferTarget made = m_transfer.makeFolder(target, entry.name);
+    if (!made.folder.isOpen())
+        return Failed;
+    const int before = m_visits;
+    const Result result = cutFolder(child, made, nullptr);
+    return removeMoved(source, entry, result, wasTargetSince(before, child));
+}
+
+OutputCut::Result OutputCut::exceptFolder(TreeFolder& source, TransferTarget& target)
+{
+    const FolderChain::Visit sourceVisit(m_sources, source);
+    const FolderChain::Visit targetVisit(m_targets, target.folder);
+    m_targetVisits.insert(target.folder.id(), ++m_visits);
+    QVector<TreeEntry> entries;
+    if (!m_transfer.list(source, entries))
+        return Failed;
+    return moveEntries(source, entries, target, &OutputCut::exceptSubfolder);
+}
+
+OutputCut::Result OutputCut::exceptSubfolder(TreeFolder& source, const TreeEntry& entry,
+                                             TransferTarget& target)
+{
+    if (source.path() == TreeFolder::nativePath(m_exceptDir))
+        return Stays;
+    if (!source.canHold(entry.name) || !target.folder.canHold(entry.name))
+        return Failed;
+    TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
+    TransferTarget within;
+    within.folder = target.folder.openChild(entry.name, TreeFolder::Writing);
+    const int before = m_visits;
+    const Result result = exceptFolder(child, within);
+    return removeMoved(source, entry, result, wasTargetSince(before, child));
+}
+
+OutputCut::Result OutputCut::moveEntries(TreeFolder& source, const QVector<TreeEntry>& entries,
+                                         TransferTarget& target, FolderStep folderStep)
+{
+    bool allMoved = true;
+    for (int i = 0; i < entries.size();) {
+        int files = 0;
+        while (i + files < entries.size() && entries.at(i + files).kind != TreeEntry::Folder)
+            ++files;
+        if (!moveFiles(source, entries.constData() + i, files, target))
+            return Failed;
+        i += files;
+        if (i == entries.size())
+            break;
+        const Result result = (this->*folderStep)(source, entries.at(i++), target);
+        if (result == Failed)
+            return Failed;
+        allMoved = allMoved && result == Emptied;
+    }
+    return allMoved ? Emptied : Stays;
+}
+
+bool OutputCut::moveFiles(const TreeFolder& source, const TreeEntry* files, int count, TransferTarget& target)
+{
+    const int moved = m_transfer.transfer(source, files, count, target);
+    if (moved == count)
+        return true;
+    const QByteArray& name = files[moved].name;
+    if (m_transfer.unflushed().source.isEmpty()) // else finish() names another file, for there was none tried
+        logFailure(source.pathOf(name), target.folder.pathOf(name));
+    return false;
+}
+
+// Whether a folder may have got something since its entries were read.
+bool OutputCut::wasTargetSince(int visit, const TreeFolder& folder) const
+{
+    return m_targets.contains(folder.id()) || m_targetVisits.value(folder.id()) > visit;
+}
+
+// A folder that stays gets its new rights now, since they bear on what comes next; one that goes can go
+// later.
+OutputCut::Result OutputCut::removeMoved(const TreeFolder& parent, const TreeEntry& entry, Result result,
+                                         bool mayHoldMore)
+{
+    if (result == Failed)
+        return Failed;
+    if (result == Emptied && !entry.isLink && !mayHoldMore) {
+        m_transfer.removeFolder(parent, entry.name, SourceRemoval::Forced);
+        return Emptied;
+    }
+    m_transfer.settle();
+    SourceRemoval::removeFolder(parent, entry.name, SourceRemoval::Forced);
+    return Stays;
+}

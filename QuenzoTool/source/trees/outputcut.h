@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#ifndef OUTPUTCUT_H
+#define OUTPUTCUT_H
+
+#include "trees/treetransfer.h"
+
+#include <QHash>
+#include <QStringList>
+
+/**
+ * The two walks that move a project into an output folder, which may lie inside the project.
+ *
+ * Which folders stay is decided by comparing paths as texts, odd as that is for folders whose names merely
+ * begin alike.
+ */
+class OutputCut {
+public:
+    /**
+     * @param outputDir the output folder as the host named it: folders directly inside stay
+     * @param[in,out] exceptDir the folder whose folders the inner walk leaves alone; set for each target
+     * below its source
+     */
+    OutputCut(const QString& outputDir, QString& exceptDir);
+
+    /** Moves the content of one folder into another, but for the names in @p leftBehind, if not null. */
+    bool cut(const QByteArray& source, const QByteArray& target, const QStringList* leftBehind);
+
+    /** Moves the content of one folder into another, which is not made, but for the folders in exceptDir. */
+    bool cutExcept(const QByteArray& source, const QByteArray& target);
+
+    /** Removes what remains to be removed from the source; false when copies could not be brought to the
+     * disk. */
+    bool finish();
+
+private:
+    enum Result {
+        Failed,
+        Stays, ///< the folder still holds, or may hold, something
+        Emptied ///< everything in it is moved, and is removed from it sooner or later
+    };
+    using FolderStep = Result (OutputCut::*)(TreeFolder& source, const TreeEntry& entry,
+                                             TransferTarget& target);
+
+    Result cutFolder(TreeFolder& source, TransferTarget& target, const QStringList* leftBehind);
+    Result cutSubfolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);
+    Result exceptFolder(TreeFolder& source, TransferTarget& target);
+    Result exceptSubfolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);
+    Result moveEntries(TreeFolder& source, const QVector<TreeEntry>& entries, TransferTarget& target,
+                       FolderStep folderStep);
+    bool moveFiles(const TreeFolder& source, const TreeEntry* files, int count, TransferTarget& target);
+    bool wasTargetSince(int visit, const TreeFolder& folder) const;
+    Result removeMoved(const TreeFolder& parent, const TreeEntry& entry, Result result, bool mayHoldMore);
+
+    const QByteArray m_outputPath;
+    QString& m_exceptDir;
+    TreeTransfer m_transfer;
+    FolderChain m_sources;
+    FolderChain m_targets;
+    QHash<TreeId, int> m_targetVisits; // the last one of each
+    int m_visits = 0;
+};
+
+#endif

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#include "trees/sourceremoval.h"
+
+void SourceRemoval::addFiles(const TreeFolder& folder, const TreeEntry* files,
+                             const QVector<FileState>& states, const TreeFolder& target)
+{
+    if (states.isEmpty())
+        return;
+    Group& group = groupOf(folder, target.path());
+    for (int i = 0; i < states.size(); ++i) {
+        // What a link leads to stays, and may be written to: by the move itself, if it is in the target.
+        const FileState state = files[i].isLink ? folder.stateOf(files[i].name) : states.at(i);
+        group.items.append({files[i].name, false, AsItIs, state});
+    }
+    m_count += states.size();
+}
+
+void SourceRemoval::addFolder(const TreeFolder& folder, const QByteArray& name, Manner manner)
+{
+    groupOf(folder, {}).items.append({name, true, manner, {}});
+    ++m_count;
+}
+
+SourceRemoval::Copied SourceRemoval::firstFile() const
+{
+    for (const Group& group : m_groups) {
+        for (const Item& item : group.items) {
+            if (!item.isFolder)
+                return {group.path + '/' + item.name, group.targetPath + '/' + item.name};
+        }
+    }
+    return {};
+}
+
+void SourceRemoval::perform()
+{
+    for (const Group& group : qAsConst(m_groups)) {
+        const TreeFolder folder = TreeFolder::open(group.path, TreeFolder::Writing);
+        if (folder.id() != group.id)
+            continue; // somebody put another folder in its place
+        for (const Item& item : group.items) {
+            if (item.isFolder)
+                removeFolder(folder, item.name, item.manner);
+            else if (folder.stateOf(item.name) == item.state)
+                folder.removeFile(item.name);
+        }
+    }
+    m_groups.clear();
+    m_folders.clear();
+    m_count = 0;
+}
+
+void SourceRemoval::removeFolder(const TreeFolder& parent, const QByteArray& name, Manner manner)
+{
+    if (!parent.removeFolder(name) && manner == Forced && parent.forceWriteOther(name))
+        parent.removeFolder(name);
+}
+
+SourceRemoval::Group& SourceRemoval::groupOf(const TreeFolder& folder, const QByteArray& targetPath)
+{
+    const auto isLast = [&](const Group& last) {
+        return last.id == folder.id() && (targetPath.isEmpty() || last.targetPath == targetPath);
+    };
+    if (m_groups.isEmpty() || !isLast(m_groups.last())) {
+        m_groups.append({folder.path(), folder.id(), {}, targetPath});
+        m_folders.insert(folder.id());
+    }
+    return m_groups.last();
+}

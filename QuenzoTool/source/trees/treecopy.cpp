@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "trees/treecopy.h"
+
+namespace {
+
+TreeTransfer::Options options(bool overwrite, bool deleteSource)
+{
+    TreeTransfer::Options chosen = TreeTransfer::SparingItself;
+    chosen.setFlag(TreeTransfer::Replacing, overwrite);
+    chosen.setFlag(TreeTransfer::Moving, deleteSource);
+    return chosen;
+}
+
+} // namespace
+
+TreeCopy::TreeCopy(const QByteArray& source, const QByteArray& target, bool overwrite, bool deleteSource)
+    : m_sourcePath(source)
+    , m_targetPath(target)
+    , m_deleteSource(deleteSource)
+    , m_transfer(options(overwrite, deleteSource))
+{
+}
+
+bool TreeCopy::perform()
+{
+    TreeFolder source = TreeFolder::open(m_sourcePath, TreeFolder::Listing);
+    if (!source.isOpen() || targetIsInside(source))
+        return false;
+    TransferTarget target = TransferTarget::reach(m_targetPath);
+    const bool copied = target.folder.isOpen() && copyContent(source, target);
+    return m_transfer.settle() && copied;
+}
+
+bool TreeCopy::targetIsInside(const TreeFolder& source)
+{
+    const TreeFolder target = TreeFolder::open(m_targetPath, TreeFolder::Writing);
+    const TreeFolder parent = TreeFolder::open(TreeFolder::parentPath(m_targetPath), TreeFolder::Writing);
+    const QVector<TreeId> lineage = target.isOpen() ? target.lineage() : parent.lineage();
+    m_targetLineage = QSet<TreeId>(lineage.cbegin(), lineage.cend());
+    return m_targetLineage.contains(source.id()) && source.id() != target.id();
+}
+
+bool TreeCopy::copyContent(TreeFolder& source, TransferTarget& target)
+{
+    const FolderChain::Visit sourceVisit(m_sources, source);
+    const FolderChain::Visit targetVisit(m_targets, target.folder);
+    QVector<TreeEntry> entries;
+    if (!m_transfer.list(source, entries))
+        return false;
+    for (int i = 0; i < entries.size();) {
+        int files = 0;
+        while (i + files < entries.size() && entries.at(i + files).kind != TreeEntry::Folder)
+            ++files;
+        if (m_transfer.transfer(source, entries.constData() + i, files, target) < files)
+            return false;
+        i += files;
+        if (i < entries.size() && !copyFolder(source, entries.at(i++), target))
+            return false;
+    }
+    return true;
+}
+
+bool TreeCopy::copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target)
+{
+    // What a link leads to may hold files that are due to go.
+    if (entry.isLink)
+        m_transfer.settle();
+    TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
+    const bool leadsToTarget = entry.isLink && m_targets.contains(child.id());
+    if (!source.canHold(entry.name) || leadsToTarget || m_targetLineage.contains(child.id()))
+        return false;
+    TransferTarget made = m_transfer.makeFolder(target, entry.name);
+    if (!made.folder.isOpen() || !copyContent(child, made))
+        return false;
+    if (m_deleteSource)
+        m_transfer.removeFolder(source, entry.name, SourceRemoval::AsItIs);
+    return true;
+}

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#ifndef TREECOPY_H
+#define TREECOPY_H
+
+#include "trees/treetransfer.h"
+
+#include <QSet>
+
+/** One copy or move of a folder's content into another folder. */
+class TreeCopy {
+public:
+    /** Takes absolute paths. */
+    TreeCopy(const QByteArray& source, const QByteArray& target, bool overwrite, bool deleteSource);
+
+    /** False as soon as something could not be copied; what was copied by then stays. */
+    bool perform();
+
+private:
+    bool targetIsInside(const TreeFolder& source);
+    bool copyContent(TreeFolder& source, TransferTarget& target);
+    bool copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);
+
+    const QByteArray m_sourcePath;
+    const QByteArray m_targetPath;
+    const bool m_deleteSource;
+    TreeTransfer m_transfer;
+    FolderChain m_sources;
+    FolderChain m_targets;
+    // The target and the folders above it: a walk that came into one of them, or through a link into one of
+    // m_targets, would copy what it writes, for ever.
+    QSet<TreeId> m_targetLineage;
+};
+
+#endif

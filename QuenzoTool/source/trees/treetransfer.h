@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#ifndef TREETRANSFER_H
+#define TREETRANSFER_H
+
+#include "files/filecopier.h"
+#include "files/treefolder.h"
+#include "trees/sourceremoval.h"
+
+#include <QSet>
+#include <QVector>
+
+/** A folder that files are copied to, and what is known of the names in it. */
+struct TransferTarget {
+    /** The folder at an absolute path, made if its parent is there; not open when neither succeeds. */
+    static TransferTarget reach(const QByteArray& path);
+
+    TreeFolder folder;
+    bool namesKnown = false; ///< whether no other names are in use
+    QSet<QByteArray> names;
+
+    bool mayHold(const QByteArray& name) const { return !namesKnown || names.contains(name); }
+    /** Reads the names in use, when so many files are to come that this costs less than asking for each of
+     * them. */
+    void learnNames(int files);
+};
+
+/**
+ * Copies or moves files and folders one after the other, as a walk through a tree comes upon them.
+ *
+ * In a move the sources go a while later, when their copies are on the disk; but for those that were written
+ * to by then. Until then the tree differs from one in which each went at once, and where the walk itself
+ * could see that, they are removed first.
+ */
+class TreeTransfer {
+public:
+    enum Option {
+        Replacing = 1, ///< existing files go first
+        Moving = 2,
+        SparingItself = 4 ///< a file is not copied onto itself, not even with Replacing
+    };
+    Q_DECLARE_FLAGS(Options, Option)
+
+    explicit TreeTransfer(Options options);
+
+    /** Lists a folder of the source, after what is due to be removed from it is gone. */
+    bool list(const TreeFolder& folder, QVector<TreeEntry>& entries);
+
+    /** Makes a folder in the target and opens it; an object that is not open when that fails. */
+    TransferTarget makeFolder(TransferTarget& parent, const QByteArray& name);
+
+    /** Copies or moves files in order and up to the first that fails; returns how many succeeded. */
+    int transfer(const TreeFolder& from, const TreeEntry* files, int count, TransferTarget& to);
+
+    /** Removes a folder of the source when its turn comes, if it is empty by then. */
+    void removeFolder(const TreeFolder& parent, const QByteArray& name, SourceRemoval::Manner manner);
+
+    /**
+     * Brings the source up to date, at the end at the latest.
+     *
+     * @return false when this time, or earlier, copies could not be brought to the disk: their sources stay
+     */
+    bool settle();
+
+    /** The same only if something is due to go from this folder. */
+    bool settleBefore(const TreeFolder& folder) { return !m_removal.concerns(folder) || settle(); }
+
+    /** One of the files whose copies could not be brought to the disk; empty as long as there is none. */
+    const SourceRemoval::Copied& unflushed() const { return m_unflushed; }
+
+private:
+    void note(const TreeFolder& from, const TreeEntry* files, const TreeFolder& to);
+    int runLength(const TreeFolder& from, const TreeEntry* files, int count, const TransferTarget& to) const;
+    static bool isItself(const TreeFolder& from, const TreeEntry& file, const TreeFolder& to);
+    static void removeExisting(const TreeFolder& folder, const QByteArray& name);
+
+    const Options m_options;
+    FileCopier m_copier;
+    SourceRemoval m_removal;
+    bool m_flushFailed = false;
+    SourceRemoval::Copied m_unflushed;
+};
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(TreeTransfer::Options)
+
+#endif

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+#include "console/console.h"
+
+#include "console/standardstreams.h"
+
+#include <QJsonDocument>
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <unistd.h>
+
+using StandardStreams::write;
+
+namespace {
+
+// C0, DEL and C1, all of which terminals act upon.
+bool isControl(QChar letter)
+{
+    return letter.unicode() < 0x20 || (letter.unicode() >= 0x7f && letter.unicode() < 0xa0);
+}
+
+QString escaped(QChar control)
+{
+    switch (control.unicode()) {
+    case '\n':
+        return QStringLiteral("\\n");
+    case '\r':
+        return QStringLiteral("\\r");
+    case '\t':
+        return QStringLiteral("\\t");
+    default:
+        return QStringLiteral("\\x%1").arg(control.unicode(), 2, 16, QLatin1Char('0'));
+    }
+}
+
+QString withoutControls(const QString& text, const QString& kept)
+{
+    if (std::none_of(text.cbegin(), text.cend(), isControl))
+        return text;
+    QString result;
+    result.reserve(text.size());
+    for (const QChar letter : text) {
+        if (isControl(letter) && !kept.contains(letter))
+            result += escaped(letter);
+        else
+            result += letter;
+    }
+    return result;
+}
+
+// Inside its strings JSON can name every character by its number, and outside of them there are no controls.
+QString jsonLine(const QJsonObject& values)
+{
+    QString line;
+    QString text = QString::fromUtf8(QJsonDocument(values).toJson(QJsonDocument::Compact));
+    if (std::none_of(text.cbegin(), text.cend(), isControl))
+        return text;
+    for (const QChar letter : qAsConst(text)) {
+        if (isControl(letter))
+            line += QStringLiteral("\\u%1").arg(letter.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            line += letter;
+    }
+    return line;
+}
+
+} // namespace
+
+QString Console::shown(const QString& text)
+{
+    return withoutControls(text, {});
+}
+
+bool Console::isInteractive()
+{
+    return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
+}
+
+bool Console::showsProgress()
+{
+    return isatty(STDERR_FILENO) != 0;
+}
+
+bool Console::outputIsTerminal()
+{
+    return isatty(STDOUT_FILENO) != 0;
+}
+
+void Console::print(const QString& line)
+{
+    if (m_json)
+        return;
+    clearProgress();
+    const QString text = outputIsTerminal() ? withoutControls(line, QStringLiteral("\n\t")) : line;
+    write(stdout, text + QLatin1Char('\n'));
+}
+
+void Console::set(const QString& key, const QJsonValue& value)
+{
+    m_values.insert(key, value);
+}
+
+void Console::error(const QString& text, const QStringList& lines)
+{
+    m_values.insert(QStringLiteral("error"), (QStringList(text) + lines).join(QLatin1Char('\n')));
+    writeDiagnostic(text, lines);
+}
+
+void Console::warn(const QString& text, const QStringList& lines)
+{
+    writeDiagnostic(text, lines);
+}
+
+void Console::writeDiagnostic(const QString& text, const QStringList& lines)
+{
+    clearProgress();
+    QString whole = QStringLiteral("quenzo: ") + shown(text) + QLatin1Char('\n');
+    for (const QString& line : lines)
+        whole += shown(line) + QLatin1Char('\n');
+    write(stderr, whole);
+}
+
+QString Console::ask(const QString& question)
+{
+    clearProgress();
+    write(stderr, shown(question) + QLatin1Char(' '));
+    std::string line;
+    std::getline(std::cin, line);
+    return QString::fromStdString(line).trimmed();
+}
+
+void Console::showProgress(const QString& text)
+{
+    if (!showsProgress())
+        return;
+    write(stderr, QStringLiteral("\r\033[K") + shown(text));
+    m_progressShown = true;
+}
+
+void Console::clearProgress()
+{
+    if (!m_progressShown)
+        return;
+    write(stderr, QStringLiteral("\r\033[K"));
+    m_progressShown = false;
+}
+
+void Console::finish(const QString& command, bool ok)
+{
+    clearProgress();
+    if (!m_json)
+        return;
+    m_values.insert(QStringLiteral("command"), command);
+    m_values.insert(QStringLiteral("ok"), ok);
+    write(stdout, jsonLine(m_values) + QLatin1Char('\n'));
+}

@@ -1,0 +1,270 @@
+// SPDX-License-Identifier: MIT
+#include "command.h"
+#include "console/console.h"
+#include "console/worker.h"
+#include "devices/devicetask.h"
+#include "devices/installerrors.h"
+#include "devices/toolcheck.h"
+
+#include <installapk.h>
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QThread>
+
+#include <memory>
+
+namespace {
+
+struct DeviceCommands {
+    Q_DECLARE_TR_FUNCTIONS(DeviceCommands)
+};
+
+const QString deviceOption = QStringLiteral("device");
+const QString timeoutOption = QStringLiteral("timeout");
+const QString yesOption = QStringLiteral("yes");
+constexpr int longestTimeout = 24 * 60 * 60;
+
+// Lets a blocking question run beside the event loop, so that a terminal shows that something happens.
+template <typename Question> auto askTool(const Question& question, Console& console, const QString& text)
+{
+    decltype(question()) answer;
+    const std::unique_ptr<QThread> worker(QThread::create([&] { answer = question(); }));
+    runWorker(*worker, console, [&text] { return text; });
+    return answer;
+}
+
+bool toolWorks(const QString& name, Console& console)
+{
+    const QString problem = toolProblem(name);
+    if (!problem.isEmpty())
+        console.error(problem);
+    return problem.isEmpty();
+}
+
+QStringList readyDevices(Console& console)
+{
+    QStringList serials =
+        askTool(CInstallApk::getDeviceLs, console, DeviceCommands::tr("asking for devices"));
+    // No serial, but a line about a device that this user may not access.
+    for (const QString& line : serials.filter(QStringLiteral("\t"))) {
+        console.warn(DeviceCommands::tr("not usable: %1")
+                         .arg(QString(line).replace(QLatin1Char('\t'), QLatin1Char(' '))));
+        serials.removeAll(line);
+    }
+    console.set(QStringLiteral("devices"), QJsonArray::fromStringList(serials));
+    return serials;
+}
+
+// The path as the library can hand it on; empty when it cannot.
+QString usableApk(const QString& given, Console& console)
+{
+    const QFileInfo file(given);
+    if (!file.isFile()) {
+        console.error(DeviceCommands::tr("%1: no such file").arg(given));
+        return {};
+    }
+    // The tools' command lines are split at quotation marks, and a backslash is no way out.
+    QString path = file.absoluteFilePath();
+    if (path.contains(QLatin1Char('"'))) {
+        console.error(
+            DeviceCommands::tr("%1: a path with a quotation mark cannot be used; rename it").arg(path));
+        return {};
+    }
+    return path;
+}
+
+QString packageOf(const QString& apk, Console& console)
+{
+    QString name = askTool([&apk] { return CInstallApk::getApkPackageName(apk); }, console,
+                           DeviceCommands::tr("reading the package name"));
+    if (name.isEmpty())
+        console.error(DeviceCommands::tr("%1: aapt finds no package name; is it an APK?").arg(apk));
+    else
+        console.set(QStringLiteral("package"), name);
+    return name;
+}
+
+QStringList numberedList(const QStringList& serials)
+{
+    QStringList lines;
+    for (int i = 0; i < serials.size(); ++i)
+        lines.append(QStringLiteral("  %1  %2").arg(i + 1).arg(serials.at(i)));
+    return lines;
+}
+
+// The device asked for, the only one, or the person's choice; empty, with the reason reported, when there is
+// none.
+QString chooseDevice(const QString& wanted, Console& console)
+{
+    const QStringList serials = readyDevices(console);
+    if (serials.isEmpty()) {
+        console.error(DeviceCommands::tr("no device is ready: connect one, unlock it and allow debugging"));
+        return {};
+    }
+    if (!wanted.isEmpty()) {
+        if (serials.contains(wanted))
+            return wanted;
+        console.error(DeviceCommands::tr("the device %1 is not ready. Ready:").arg(wanted),
+                      numberedList(serials));
+        return {};
+    }
+    if (serials.size() == 1)
+        return serials.first();
+
+    if (!Console::isInteractive()) {
+        console.error(DeviceCommands::tr("several devices are ready: choose one by --device."),
+                      numberedList(serials));
+        return {};
+    }
+    console.warn(DeviceCommands::tr("several devices are ready:"), numberedList(serials));
+    while (true) {
+        const QString answer = console.ask(DeviceCommands::tr("Number of the device:"));
+        if (answer.isEmpty())
+            break;
+        const int number = answer.toInt();
+        if (number >= 1 && number <= serials.size())
+            return serials.at(number - 1);
+    }
+    console.error(DeviceCommands::tr("no device was chosen"));
+    return {};
+}
+
+bool isConfirmed(const QString& package, const QString& serial, Console& console)
+{
+    const QString question =
+        DeviceCommands::tr("%1 and its data are removed from %2 before the install. Go on? [y/N]");
+    const QString answer = console.ask(question.arg(package, serial)).toLower();
+    if (answer == DeviceCommands::tr("y") || answer == DeviceCommands::tr("yes"))
+        return true;
+    console.error(DeviceCommands::tr("called off; nothing was changed"));
+    return false;
+}
+
+ExitCode tell(const TaskOutcome& outcome, const DeviceTask& task, Console& console)
+{
+    if (outcome.success) {
+        console.print(outcome.information);
+        return ExitDone;
+    }
+    if (outcome.timedOut) {
+        console.error(
+            DeviceCommands::tr("no outcome was reported within %1 s. adb failed without a code, could not be "
+                               "started, or is still at work.")
+                .arg(task.timeoutSeconds));
+        return ExitFailed;
+    }
+    QString text = outcome.information.trimmed();
+    if (!outcome.errorKey.isEmpty()) {
+        const QString code = InstallErrors::code(outcome.errorKey);
+        text += QStringLiteral(" %1: %2").arg(code, InstallErrors::sentence(outcome.errorKey));
+        console.set(QStringLiteral("errorKey"), outcome.errorKey);
+    }
+    console.error(text.isEmpty() ? DeviceCommands::tr("adb crashed without a word") : text);
+    return ExitFailed;
+}
+
+ExitCode runTask(const QCommandLineParser& parser, Console& console, bool install)
+{
+    DeviceTask task;
+    task.install = install;
+    bool isNumber = false;
+    task.timeoutSeconds = parser.value(timeoutOption).toInt(&isNumber);
+    if (!isNumber || task.timeoutSeconds < 1 || task.timeoutSeconds > longestTimeout) {
+        console.error(
+            DeviceCommands::tr("--timeout takes a number of seconds, from 1 to %1").arg(longestTimeout));
+        return ExitUsage;
+    }
+    task.apk = usableApk(parser.positionalArguments().at(1), console);
+    if (task.apk.isEmpty() || !toolWorks(QStringLiteral("adb"), console)
+        || !toolWorks(QStringLiteral("aapt"), console))
+        return ExitFailed;
+    const QString package = packageOf(task.apk, console);
+    if (package.isEmpty())
+        return ExitFailed;
+    const QString wanted =
+        parser.isSet(deviceOption) ? parser.value(deviceOption) : qEnvironmentVariable("ANDROID_SERIAL");
+    task.serial = chooseDevice(wanted, console);
+    if (task.serial.isEmpty())
+        return ExitFailed;
+    console.set(QStringLiteral("device"), task.serial);
+    const bool asks = install && !parser.isSet(yesOption) && Console::isInteractive();
+    if (asks && !isConfirmed(package, task.serial, console))
+        return ExitFailed;
+    return tell(runDeviceTask(task, console), task, console);
+}
+
+ExitCode listDevices(const QCommandLineParser& /*parser*/, Console& console)
+{
+    if (!toolWorks(QStringLiteral("adb"), console))
+        return ExitFailed;
+    const QStringList serials = readyDevices(console);
+    for (const QString& serial : serials)
+        console.print(serial);
+    if (serials.isEmpty())
+        console.warn(DeviceCommands::tr("no device is ready"));
+    return ExitDone;
+}
+
+ExitCode printPackageName(const QCommandLineParser& parser, Console& console)
+{
+    const QString apk = usableApk(parser.positionalArguments().at(1), console);
+    if (apk.isEmpty() || !toolWorks(QStringLiteral("aapt"), console))
+        return ExitFailed;
+    const QString name = packageOf(apk, console);
+    if (name.isEmpty())
+        return ExitFailed;
+    console.print(name);
+    return ExitDone;
+}
+
+} // namespace
+
+QVector<Command> deviceCommands()
+{
+    const Argument apk{QStringLiteral("APK"), DeviceCommands::tr("the APK file")};
+    const QCommandLineOption device(
+        deviceOption,
+        DeviceCommands::tr("The device, by its serial as \"quenzo devices\" prints it. "
+                           "Default: ANDROID_SERIAL, or else the only one."),
+        QStringLiteral("SERIAL"));
+    const QCommandLineOption timeout(
+        timeoutOption, DeviceCommands::tr("Gives up after this number of seconds. Default: 600."),
+        QStringLiteral("SECONDS"), QStringLiteral("600"));
+    const QCommandLineOption yes(yesOption,
+                                 DeviceCommands::tr("Does not ask before it removes the installed package."));
+    const auto install = [](const QCommandLineParser& parser, Console& console) {
+        return runTask(parser, console, true);
+    };
+    const auto uninstall = [](const QCommandLineParser& parser, Console& console) {
+        return runTask(parser, console, false);
+    };
+    return {
+        {QStringLiteral("devices"),
+         DeviceCommands::tr("lists the attached Android devices that are ready"),
+         {},
+         {},
+         listDevices},
+        {QStringLiteral("package-name"),
+         DeviceCommands::tr("prints the package name of an APK"),
+         {apk},
+         {},
+         printPackageName},
+        {QStringLiteral("install"),
+         DeviceCommands::tr("installs an APK on a device, in the place of its package"),
+         {apk},
+         {device, timeout, yes},
+         install,
+         DeviceCommands::tr(
+             "The installed package is always removed first, with all its data. There is no way back: "
+             "it is gone even if the device then refuses the APK. On a terminal you are asked first.")},
+        {QStringLiteral("uninstall"),
+         DeviceCommands::tr("removes an APK's package from a device"),
+         {apk},
+         {device, timeout},
+         uninstall,
+         DeviceCommands::tr("All data of the package goes with it.")},
+    };
+}

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#include "devices/devicetask.h"
+
+#include "console/console.h"
+
+#include <installapk.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+namespace {
+
+struct DeviceTaskText {
+    Q_DECLARE_TR_FUNCTIONS(DeviceTask)
+};
+
+// The flow splits its command line into words; quotation marks keep a serial with blanks in one.
+QString asOneWord(const QString& serial)
+{
+    return serial.contains(QLatin1Char(' ')) ? QLatin1Char('"') + serial + QLatin1Char('"') : serial;
+}
+
+// The launcher gives its report before we stop listening, in the second step of an install as well.
+void limitAdb(qint64 seconds)
+{
+    qputenv("QUENZO_ADB_TIMEOUT", QByteArray::number(qMax<qint64>(1, seconds)));
+}
+
+} // namespace
+
+TaskOutcome runDeviceTask(const DeviceTask& task, Console& console)
+{
+    constexpr int intervalMs = 120;
+    constexpr int graceMs = 3000;
+    const QString signs = QStringLiteral("|/-\\");
+    const QString text =
+        task.install ? DeviceTaskText::tr("installing on %1") : DeviceTaskText::tr("uninstalling from %1");
+    // With one device left the flow names none: then this keeps adb from another that has come in its place.
+    qputenv("ANDROID_SERIAL", task.serial.toUtf8());
+
+    TaskOutcome outcome;
+    outcome.timedOut = true;
+    QEventLoop loop;
+    CInstallApk* const installer = CInstallApk::getInstance();
+    QObject::connect(
+        installer, &CInstallApk::onResult, &loop,
+        [&](bool success, const QString& information, const QString& errorKey) {
+            outcome = {success, false, information, errorKey};
+            loop.quit();
+        },
+        Qt::QueuedConnection);
+    QObject::connect(
+        installer, &CInstallApk::onGetMulitDevices, &loop,
+        [&] { installer->onSelectDeviceFinish(asOneWord(task.serial)); }, Qt::QueuedConnection);
+
+    QElapsedTimer elapsed;
+    elapsed.start();
+    QTimer ticker;
+    int turn = 0;
+    const auto tick = [&] {
+        limitAdb(task.timeoutSeconds - elapsed.elapsed() / 1000);
+        console.showProgress(signs.at(turn++ % signs.size()) + QLatin1Char(' ') + text.arg(task.serial));
+    };
+    QObject::connect(&ticker, &QTimer::timeout, &loop, tick);
+    ticker.start(intervalMs);
+    tick();
+
+    installer->startTask(task.apk, task.install);
+    const qint64 left = task.timeoutSeconds * qint64(1000) + graceMs - elapsed.elapsed();
+    QTimer::singleShot(int(qMax<qint64>(0, left)), &loop, &QEventLoop::quit);
+    loop.exec();
+    console.clearProgress();
+    return outcome;
+}

@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: MIT
+#include "command.h"
+#include "console/console.h"
+#include "console/worker.h"
+#include "icons/channellist.h"
+#include "icons/contactsheet.h"
+#include "icons/filetally.h"
+#include "icons/iconjob.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QJsonArray>
+#include <QSaveFile>
+
+namespace {
+
+struct IconCommands {
+    Q_DECLARE_TR_FUNCTIONS(IconCommands)
+};
+
+// Reads the options; an empty text means they are complete and sound.
+QString readOptions(const QCommandLineParser& parser, IconJob& job)
+{
+    for (const char* required : {"icon", "marks", "out", "platform"}) {
+        if (parser.value(QLatin1String(required)).isEmpty())
+            return IconCommands::tr("--%1 is missing").arg(QLatin1String(required));
+    }
+    const QString platform = parser.value(QStringLiteral("platform"));
+    if (platform != QLatin1String("android") && platform != QLatin1String("ios"))
+        return IconCommands::tr("--platform is android or ios, not '%1'").arg(platform);
+    job.platform = platform == QLatin1String("android") ? 0 : 1;
+    job.icon = parser.value(QStringLiteral("icon"));
+    job.marks = parser.value(QStringLiteral("marks"));
+    job.out = QDir::cleanPath(QDir::current().absoluteFilePath(parser.value(QStringLiteral("out"))));
+    job.list = parser.positionalArguments().at(1);
+    job.sheet = parser.value(QStringLiteral("sheet"));
+    job.keep = parser.isSet(QStringLiteral("keep"));
+
+    job.defaultCorner = ChannelList::cornerOf(parser.value(QStringLiteral("default-corner")));
+    if (job.defaultCorner < 0 || job.defaultCorner > 3)
+        return IconCommands::tr(
+            "--default-corner is left-top, left-bottom, right-top or right-bottom, or 0 to 3");
+    bool isX = false;
+    bool isY = false;
+    job.defaultX = parser.value(QStringLiteral("default-x")).toInt(&isX);
+    job.defaultY = parser.value(QStringLiteral("default-y")).toInt(&isY);
+    return isX && isY ? QString()
+                      : IconCommands::tr("--default-x and --default-y take whole numbers of pixels");
+}
+
+// Why the icon cannot be read; empty when it can.
+QString faultOfIcon(const QString& path)
+{
+    const QFileInfo file(path);
+    if (file.exists() && !file.isFile())
+        return IconCommands::tr("it is not a regular file");
+    QImageReader icon(path);
+    return icon.read().isNull() ? icon.errorString() : QString();
+}
+
+// Looks at everything that would make the run fail, or destroy something; false after an error.
+bool isReady(IconJob& job, Console& console)
+{
+    QStringList errors;
+    const QString fault = faultOfIcon(job.icon);
+    if (!fault.isEmpty())
+        errors.append(IconCommands::tr("the icon '%1' cannot be read: %2").arg(job.icon, fault));
+    if (!QFileInfo(job.marks).isDir())
+        errors.append(IconCommands::tr("the marks' folder '%1' does not exist").arg(job.marks));
+    job.channels = ChannelList::read(job.list, errors);
+    const QString danger = errors.isEmpty() ? job.danger() : QString();
+    if (!danger.isEmpty())
+        errors.append(danger);
+    for (const QString& error : qAsConst(errors))
+        console.error(error);
+    return errors.isEmpty();
+}
+
+// What is worth a look although the run goes on.
+class Warnings {
+public:
+    explicit Warnings(Console& console)
+        : m_console(console)
+    {
+    }
+    void add(const QStringList& texts)
+    {
+        for (const QString& text : texts)
+            m_console.warn(text);
+        m_texts += texts;
+        m_console.set(QStringLiteral("warnings"), QJsonArray::fromStringList(m_texts));
+    }
+
+private:
+    Console& m_console;
+    QStringList m_texts;
+};
+
+QString progressBar(int done, int all)
+{
+    constexpr int width = 30;
+    const int filled = all == 0 ? width : done * width / all;
+    return QStringLiteral("[%1%2] %3")
+        .arg(QString(filled, QLatin1Char('#')), QString(width - filled, QLatin1Char('.')),
+             IconCommands::tr("%1 of %2 files").arg(done).arg(all));
+}
+
+void produce(const IconJob& job, FileTally& tally, Console& console)
+{
+    QList<ST_CHANNEL_ICON> icons;
+    for (const ListedChannel& channel : job.channels)
+        icons.append(channel.icon);
+    ThreadGenerateIcon thread;
+    thread.setGameInfo(job.icon, job.defaultCorner, job.defaultX, job.defaultY, job.platform);
+    thread.setInfo(job.marks, icons);
+    thread.setOutputDir(job.out + QLatin1Char('/'));
+    thread.setClearDirFirst(!job.keep);
+    runWorker(thread, console, [&tally] {
+        const int done = tally.seen();
+        return progressBar(done, tally.expected());
+    });
+}
+
+// Says what of each channel was not written. A folder that is not there stands for its files.
+void reportMissing(const IconJob& job, const QStringList& missing, Console& console)
+{
+    QMap<QString, QStringList> filesOfFolder;
+    for (const QString& path : missing)
+        filesOfFolder[QFileInfo(path).path()].append(QFileInfo(path).fileName());
+    for (auto folder = filesOfFolder.cbegin(); folder != filesOfFolder.cend(); ++folder) {
+        if (!QFileInfo(folder.key()).isDir())
+            console.warn(IconCommands::tr("the folder %1 could not be made").arg(folder.key()));
+        else
+            console.warn(IconCommands::tr("not written in %1: %2")
+                             .arg(folder.key(), folder->join(QStringLiteral(", "))));
+    }
+    console.set(QStringLiteral("missing"), QJsonArray::fromStringList(missing));
+    if (!missing.isEmpty())
+        console.error(
+            IconCommands::tr("not written: %1 of %2 files").arg(missing.size()).arg(job.files().size()));
+}
+
+bool writeSheet(const IconJob& job, Console& console)
+{
+    const QString shown =
+        job.platform == 0 ? QStringLiteral("/icon144x144.png") : QStringLiteral("/Icon-144.png");
+    QVector<SheetEntry> entries;
+    for (const ListedChannel& channel : job.channels)
+        entries.append({channel.name, job.folderOf(channel) + shown});
+    const QString platform = job.platform == 0 ? QStringLiteral("Android") : QStringLiteral("iOS");
+    const QString title = IconCommands::tr("%1, channels: %2").arg(platform).arg(entries.size());
+    QSaveFile file(job.sheet);
+    if (file.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&file, "PNG")
+        && file.commit()) {
+        console.set(QStringLiteral("sheet"), job.sheet);
+        return true;
+    }
+    console.error(
+        IconCommands::tr("the sheet '%1' cannot be written: %2").arg(job.sheet, file.errorString()));
+    return false;
+}
+
+QStringList warningsAfter(const IconJob& job)
+{
+    QStringList texts;
+    const QStringList leftovers = job.leftovers();
+    if (!leftovers.isEmpty())
+        texts.append(IconCommands::tr("not deleted: %1").arg(leftovers.join(QStringLiteral(", "))));
+    if (!job.sheet.isEmpty() && !canWriteOnSheets())
+        texts.append(IconCommands::tr("no font was found; the sheet has neither a title nor names"));
+    return texts;
+}
+
+// False when a file is missing.
+bool reportFiles(const IconJob& job, const FileTally& tally, const QElapsedTimer& time, Console& console)
+{
+    const QStringList missing = tally.missing();
+    const int written = tally.expected() - missing.size();
+    reportMissing(job, missing, console);
+    console.set(QStringLiteral("channels"), job.channels.size());
+    console.set(QStringLiteral("expected"), tally.expected());
+    console.set(QStringLiteral("written"), written);
+    console.set(QStringLiteral("out"), job.out);
+    console.print(IconCommands::tr("%1 of %2 files in %3 s, channels: %4, folder: %5")
+                      .arg(written)
+                      .arg(tally.expected())
+                      .arg(static_cast<double>(time.elapsed()) / 1000, 0, 'f', 1)
+                      .arg(job.channels.size())
+                      .arg(job.out));
+    return missing.isEmpty();
+}
+
+ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
+{
+    IconJob job;
+    const QString fault = readOptions(parser, job);
+    if (!fault.isEmpty()) {
+        console.error(fault);
+        return ExitUsage;
+    }
+    if (!isReady(job, console))
+        return ExitFailed;
+    Warnings warnings(console);
+    warnings.add(job.warnings());
+
+    QElapsedTimer time;
+    time.start();
+    FileTally tally(job.files());
+    produce(job, tally, console);
+    const bool complete = reportFiles(job, tally, time, console);
+    warnings.add(warningsAfter(job));
+    const bool sheetDone = job.sheet.isEmpty() || writeSheet(job, console);
+    return complete && sheetDone ? ExitDone : ExitFailed;
+}
+
+} // namespace
+
+QVector<Command> iconCommands()
+{
+    using C = IconCommands;
+    const auto option = [](const char* name, const QString& description, const char* value,
+                           const char* otherwise = "") {
+        return QCommandLineOption(QLatin1String(name), description, QLatin1String(value),
+                                  QLatin1String(otherwise));
+    };
+    Command icons;
+    icons.name = QStringLiteral("icons");
+    icons.summary = C::tr("makes every channel's launcher icons");
+    icons.arguments = {{QStringLiteral("CHANNELS.json"), C::tr("the list of channels, see below")}};
+    icons.options = {
+        option("icon", C::tr("The game's icon, in any usual format."), "FILE"),
+        option("marks", C::tr("The folder that holds a folder a mark."), "DIR"),
+        option("out", C::tr("The output folder. It is deleted first."), "DIR"),
+        option("platform", C::tr("The set of sizes: android or ios."), "NAME"),
+        option("default-corner", C::tr("The corner of channels with the corner \"default\" (right-bottom)."),
+               "CORNER", "right-bottom"),
+        option("default-x", C::tr("Where these channels' marks go, as \"x\" (0)."), "N", "0"),
+        option("default-y", C::tr("Where these channels' marks go, as \"y\" (0)."), "N", "0"),
+        QCommandLineOption(QStringLiteral("keep"),
+                           C::tr("Deletes nothing: files of the same names are overwritten.")),
+        option("sheet", C::tr("Draws all channels' icons with their names into one picture."), "FILE.png"),
+    };
+    icons.run = makeIcons;
+    icons.details = ChannelList::formatHelp();
+    return {icons};
+}

@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: MIT
+#include "icons/iconjob.h"
+
+#include "icons/fileidentity.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QHash>
+#include <QImageReader>
+#include <QSet>
+
+#include <initializer_list>
+#include <utility>
+
+namespace {
+
+struct Job {
+    Q_DECLARE_TR_FUNCTIONS(Job)
+};
+
+bool holds(const QString& folder, const QString& path)
+{
+    const QString inner = QFileInfo(path).canonicalFilePath();
+    return !inner.isEmpty()
+        && (inner == folder || folder == QLatin1String("/") || inner.startsWith(folder + QLatin1Char('/')));
+}
+
+QStringList cornerFiles()
+{
+    return {QStringLiteral("left-top.png"), QStringLiteral("left-bottom.png"),
+            QStringLiteral("right-top.png"), QStringLiteral("right-bottom.png")};
+}
+
+QString markPath(const IconJob& job, const QString& mark, const QString& cornerFile)
+{
+    return job.marks + QLatin1Char('/') + mark + QLatin1String("/icon/") + cornerFile;
+}
+
+QString markPath(const IconJob& job, const ST_CHANNEL_ICON& icon)
+{
+    const int corner = icon.nCorner == 4 ? job.defaultCorner : icon.nCorner;
+    return markPath(job, icon.strMarkName, cornerFiles().at(qMin(corner, 3)));
+}
+
+bool isMarked(const ListedChannel& channel)
+{
+    return channel.icon.strMarkName != QLatin1String("None");
+}
+
+struct Input {
+    QString path;
+    QString title;
+};
+
+// The files that must stay as they are; among them the pictures of marks that no channel uses.
+QVector<Input> inputsOf(const IconJob& job)
+{
+    QVector<Input> inputs{{job.icon, Job::tr("the icon '%1'").arg(job.icon)},
+                          {job.list, Job::tr("the channel list '%1'").arg(job.list)}};
+    QStringList marks = QDir(job.marks).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
+    // A folder that may be entered, but not listed, shows none of them.
+    for (const ListedChannel& channel : job.channels)
+        marks.append(channel.icon.strMarkName);
+    marks.removeDuplicates();
+    for (const QString& mark : qAsConst(marks)) {
+        for (const QString& file : cornerFiles()) {
+            const QString path = markPath(job, mark, file);
+            inputs.append({path, Job::tr("the mark picture '%1'").arg(path)});
+        }
+    }
+    return inputs;
+}
+
+// A mark that is no file, like a pipe, would be waited for.
+QString faultOfMarkFiles(const IconJob& job)
+{
+    for (const ListedChannel& channel : job.channels) {
+        const QFileInfo mark(markPath(job, channel.icon));
+        if (isMarked(channel) && mark.exists() && !mark.isFile())
+            return Job::tr("the mark picture '%1' is not a regular file").arg(mark.filePath());
+    }
+    return {};
+}
+
+QString faultOfIcons(const IconJob& job)
+{
+    QHash<FileIdentity, QString> titles;
+    for (const Input& input : inputsOf(job))
+        titles.insert(identityOf(input.path), input.title);
+    titles.remove({});
+    for (const QString& file : job.files()) {
+        const QString title = titles.value(identityOf(file));
+        if (!title.isEmpty())
+            return Job::tr("%1 is one of the files to be written").arg(title);
+    }
+    return {};
+}
+
+QString faultOfSheet(const IconJob& job)
+{
+    if (job.sheet.isEmpty())
+        return {};
+    const FileIdentity identity = identityOf(job.sheet);
+    const QString place = placeOf(job.sheet);
+    const auto isSheet = [&](const QString& path) {
+        return placeOf(path) == place || (identity != FileIdentity() && identityOf(path) == identity);
+    };
+    for (const Input& input : inputsOf(job)) {
+        if (isSheet(input.path))
+            return Job::tr("the sheet would replace %1").arg(input.title);
+    }
+    for (const QString& file : job.files()) {
+        if (isSheet(file))
+            return Job::tr("the sheet would replace '%1', one of the files to be written").arg(file);
+    }
+    return {};
+}
+
+QString faultOfClearing(const IconJob& job)
+{
+    const QFileInfo root(job.out);
+    if (job.keep || !root.exists())
+        return {};
+    const std::initializer_list<std::pair<QString, QString>> kept{
+        {QDir::rootPath(), Job::tr("the whole file system")},
+        {QDir::homePath(), Job::tr("your home folder")},
+        {QDir::currentPath(), Job::tr("the current folder")},
+        {QCoreApplication::applicationDirPath(), Job::tr("this program")},
+        {job.icon, Job::tr("the icon")},
+        {job.marks, Job::tr("the marks")},
+        {job.list, Job::tr("the channel list")},
+    };
+    for (const auto& [path, what] : kept) {
+        if (holds(root.canonicalFilePath(), path))
+            return Job::tr(
+                       "the output folder '%1' is deleted first, and it holds %2 (--keep deletes nothing)")
+                .arg(job.out, what);
+    }
+    return {};
+}
+
+// What is wrong with a mark on the way to the icon; empty when it will be seen.
+QString faultOfMark(const IconJob& job, const ST_CHANNEL_ICON& icon, const QSize& iconSize)
+{
+    const QString path = markPath(job, icon);
+    QImageReader reader(path);
+    if (!QFileInfo(path).isFile())
+        return Job::tr("the mark picture %1 is missing; the icon stays unmarked").arg(path);
+    const QImage mark = reader.read();
+    if (mark.isNull())
+        return Job::tr("the mark picture %1 cannot be read (%2); the icon stays unmarked")
+            .arg(path, reader.errorString());
+    const bool byDefault = icon.nCorner == 4;
+    const qint64 x = byDefault ? job.defaultX : icon.nOffsetX;
+    const qint64 y = -qint64(byDefault ? job.defaultY : icon.nOffsetY);
+    if (x >= iconSize.width() || y >= iconSize.height() || x + mark.width() <= 0 || y + mark.height() <= 0)
+        return Job::tr("the mark lies outside the icon: its top left corner is at (%1, %2)").arg(x).arg(y);
+    return {};
+}
+
+} // namespace
+
+QStringList IconJob::fileNames() const
+{
+    QStringList names;
+    if (platform == 0) {
+        for (const int side : {36, 48, 72, 96, 144, 192})
+            names.append(QStringLiteral("icon%1x%1.png").arg(side));
+    } else {
+        for (const int side : {29, 40, 50, 57, 58, 72, 76, 80, 87, 100, 114, 120, 144, 152, 180})
+            names.append(QStringLiteral("Icon-%1.png").arg(side));
+    }
+    names.append(QStringLiteral("icon512x512.png"));
+    return names;
+}
+
+QString IconJob::folderOf(const ListedChannel& channel) const
+{
+    return out + QLatin1Char('/') + channel.icon.strChannelDir;
+}
+
+QStringList IconJob::files() const
+{
+    QStringList paths;
+    const QStringList names = fileNames();
+    for (const ListedChannel& channel : channels) {
+        for (const QString& name : names)
+            paths.append(folderOf(channel) + QLatin1Char('/') + name);
+    }
+    paths.removeDuplicates();
+    return paths;
+}
+
+QString IconJob::danger() const
+{
+    const QFileInfo root(out);
+    if (root.exists() && !root.isDir())
+        return Job::tr("the output folder '%1' is not a folder").arg(out);
+    for (const auto& faultOf : {faultOfMarkFiles, faultOfIcons, faultOfSheet, faultOfClearing}) {
+        QString fault = faultOf(*this);
+        if (!fault.isEmpty())
+            return fault;
+    }
+    return {};
+}
+
+QStringList IconJob::leftovers() const
+{
+    if (keep)
+        return {};
+    QSet<QString> own;
+    QStringList folders{out};
+    for (const ListedChannel& channel : channels)
+        folders.append(folderOf(channel));
+    for (const QString& path : files() + folders)
+        own.insert(path);
+    folders.removeDuplicates();
+
+    QStringList others;
+    for (const QString& folder : qAsConst(folders)) {
+        QDirIterator entries(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        while (entries.hasNext()) {
+            const QString path = entries.next();
+            if (!own.contains(path))
+                others.append(path);
+        }
+    }
+    others.sort();
+    return others;
+}
+
+QStringList IconJob::warnings() const
+{
+    QStringList texts;
+    QSet<QString> folders;
+    const QSize iconSize = QImageReader(icon).size();
+    for (const ListedChannel& channel : channels) {
+        const QString& folder = channel.icon.strChannelDir;
+        if (folders.contains(folder))
+            texts.append(
+                Job::tr("the folder '%1' is given twice; the later channel's icons stay").arg(folder));
+        folders.insert(folder);
+        const QString fault = isMarked(channel) ? faultOfMark(*this, channel.icon, iconSize) : QString();
+        if (!fault.isEmpty())
+            texts.append(Job::tr("channel '%1': %2").arg(channel.name, fault));
+    }
+    return texts;
+}

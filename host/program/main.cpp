@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "command.h"
+#include "console/console.h"
+#include "console/diagnostics.h"
+#include "console/standardstreams.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <langinfo.h>
+#include <memory>
+
+namespace {
+
+struct Program {
+    Q_DECLARE_TR_FUNCTIONS(Program)
+};
+
+// Under another encoding the interpreter cannot import from folders with names beyond ASCII, nor can Qt open
+// them.
+void ensureUtf8Locale()
+{
+    std::setlocale(LC_ALL, "");
+    if (qstrcmp(nl_langinfo(CODESET), "UTF-8") == 0)
+        return;
+    setenv("LC_ALL", "C.UTF-8", 1);
+    std::setlocale(LC_ALL, "");
+}
+
+// What is meant for another interpreter would keep the embedded one from its own library.
+void isolateInterpreter()
+{
+    unsetenv("PYTHONHOME");
+    unsetenv("PYTHONPATH");
+}
+
+QVector<Command> allCommands()
+{
+    QVector<Command> commands;
+    for (const auto& group : {scriptCommands, treeCommands, dbCommands, iconCommands, deviceCommands})
+        commands += group();
+    return commands;
+}
+
+void writeLine(std::FILE* stream, const QString& text)
+{
+    StandardStreams::write(stream, text + QLatin1Char('\n'));
+}
+
+QString overview(const QVector<Command>& commands)
+{
+    int width = 0;
+    for (const Command& command : commands)
+        width = std::max(width, command.name.size());
+    QString text = Program::tr("Usage: quenzo COMMAND [options] [arguments]\n\nCommands:\n");
+    for (const Command& command : commands)
+        text += QStringLiteral("  %1  %2\n").arg(command.name, -width).arg(command.summary);
+    return text + Program::tr("\nquenzo COMMAND --help tells more; quenzo --version prints the version.");
+}
+
+ExitCode usageError(const QString& text, const QString& command = {})
+{
+    writeLine(stderr, QStringLiteral("quenzo: ") + Console::shown(text));
+    const QString help = command.isEmpty() ? QStringLiteral("--help") : command + QStringLiteral(" --help");
+    writeLine(stderr, Program::tr("Try: quenzo %1").arg(help));
+    return ExitUsage;
+}
+
+QString syntaxOf(const Argument& argument)
+{
+    switch (argument.count) {
+    case Argument::Optional:
+        return QStringLiteral("[%1]").arg(argument.name);
+    case Argument::AnyNumber:
+        return QStringLiteral("[%1...]").arg(argument.name);
+    case Argument::Once:
+        break;
+    }
+    return argument.name;
+}
+
+bool isComplete(const Command& command, int given)
+{
+    int least = 0;
+    bool open = false;
+    for (const Argument& argument : command.arguments) {
+        least += argument.count == Argument::Once ? 1 : 0;
+        open = open || argument.count == Argument::AnyNumber;
+    }
+    return given >= least && (open || given <= command.arguments.size());
+}
+
+// The parser knows of no commands: its usage line is replaced.
+QString helpText(const Command& command, const QCommandLineParser& parser)
+{
+    QString usage = Program::tr("Usage: quenzo %1 [options]").arg(command.name);
+    for (const Argument& argument : command.arguments)
+        usage += QLatin1Char(' ') + syntaxOf(argument);
+    const QString text = parser.helpText().trimmed();
+    const QString details = command.details.isEmpty() ? QString() : QStringLiteral("\n\n") + command.details;
+    return usage + text.mid(text.indexOf(QLatin1Char('\n'))) + details;
+}
+
+ExitCode runCommand(const Command& command, QStringList words)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(command.summary);
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  Program::tr("Shows this help."));
+    const QCommandLineOption json(QStringLiteral("json"),
+                                  Program::tr("Prints one JSON object as the result."));
+    parser.addOptions({help, json});
+    parser.addOptions(command.options);
+    for (const Argument& argument : command.arguments)
+        parser.addPositionalArgument(argument.name, argument.description, syntaxOf(argument));
+
+    words.prepend(QStringLiteral("quenzo"));
+    if (!parser.parse(words))
+        return usageError(parser.errorText(), command.name);
+    if (parser.isSet(help)) {
+        writeLine(stdout, helpText(command, parser));
+        return ExitDone;
+    }
+    // The command's own name is the first positional argument.
+    if (!isComplete(command, parser.positionalArguments().size() - 1))
+        return usageError(Program::tr("%1: wrong number of arguments").arg(command.name), command.name);
+
+    Console console(parser.isSet(json));
+    const ExitCode code = command.run(parser, console);
+    if (code != ExitUsage)
+        console.finish(command.name, code == ExitDone);
+    return code;
+}
+
+// Texts on a picture take Qt's fonts, and these the larger application. It is told to look for no display,
+// and gets none of the words: some of ours, like --platform, are options of its own.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, const QStringList& words)
+{
+    if (words.value(0) != QLatin1String("icons"))
+        return std::make_unique<QCoreApplication>(argc, argv);
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    argc = 1;
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+ExitCode run(const QStringList& words)
+{
+    const QVector<Command> commands = allCommands();
+
+    if (words.isEmpty())
+        return usageError(Program::tr("no command given"));
+    const QString& name = words.first();
+    if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
+        writeLine(stdout, overview(commands));
+        return ExitDone;
+    }
+    if (name == QLatin1String("--version")) {
+        writeLine(stdout, QStringLiteral("quenzo " QUENZO_VERSION));
+        return ExitDone;
+    }
+    const auto command = std::find_if(commands.cbegin(), commands.cend(),
+                                      [&name](const Command& candidate) { return candidate.name == name; });
+    if (command == commands.cend())
+        return usageError(Program::tr("unknown command '%1'").arg(name));
+    return runCommand(*command, words);
+}
+
+// What a command has done is of no use to a caller that gets only half of the answer.
+ExitCode checkedForOutput(ExitCode code)
+{
+    const QString error = StandardStreams::outputError();
+    if (error.isEmpty())
+        return code;
+    writeLine(stderr, Program::tr("quenzo: the standard output cannot be written: %1").arg(error));
+    return code == ExitDone ? ExitFailed : code;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    StandardStreams::ensureOpen();
+    ensureUtf8Locale();
+    isolateInterpreter();
+    Diagnostics::install();
+    QStringList words;
+    for (int i = 1; i < argc; ++i)
+        words.append(QString::fromLocal8Bit(argv[i]));
+    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, words);
+    QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
+    return checkedForOutput(run(words));
+}

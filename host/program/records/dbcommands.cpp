@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: MIT
+#include "command.h"
+
+#include "console/console.h"
+#include "records/dbrequest.h"
+#include "records/dbsession.h"
+#include "records/rowformat.h"
+
+#include <quenzotool.h>
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cstdio>
+
+namespace {
+
+struct DBCommands {
+    Q_DECLARE_TR_FUNCTIONS(DBCommands)
+};
+
+ExitCode fail(Console& console, const QString& text, ExitCode code = ExitFailed)
+{
+    console.error(text);
+    return code;
+}
+
+void decodeColumns(QVariantList& rows, const QStringList& columns)
+{
+    for (QVariant& row : rows) {
+        QVariantMap values = row.toMap();
+        for (const QString& column : columns) {
+            const auto value = values.find(column);
+            if (value != values.end() && value->type() == QVariant::String && !value->isNull())
+                *value = QuenzoTool::ckDecode(value->toString());
+        }
+        row = values;
+    }
+}
+
+// Of no rows the columns are not known.
+void warnOfMissingColumns(Console& console, const QVariantList& rows, const QStringList& columns)
+{
+    const QVariantMap row = rows.value(0).toMap();
+    for (const QString& column : columns) {
+        if (!row.isEmpty() && !row.contains(column))
+            console.warn(DBCommands::tr("there is no column '%1' to unscramble").arg(column));
+    }
+}
+
+QString jsonLine(const QVariant& row)
+{
+    return QString::fromUtf8(QJsonDocument(RowFormat::json(row.toMap())).toJson(QJsonDocument::Compact));
+}
+
+void reportRows(Console& console, const QVariantList& rows, bool csv)
+{
+    QJsonArray array;
+    QStringList lines;
+    if (console.json()) {
+        for (const QVariant& row : rows)
+            array.append(RowFormat::json(row.toMap()));
+    } else if (csv) {
+        lines = RowFormat::csv(rows);
+    } else if (Console::outputIsTerminal()) {
+        lines = RowFormat::table(rows) + QStringList(DBCommands::tr("rows: %1").arg(rows.size()));
+    } else {
+        for (const QVariant& row : rows)
+            lines.append(jsonLine(row));
+    }
+    console.set(QStringLiteral("rows"), array);
+    if (!lines.isEmpty())
+        console.print(lines.join(QLatin1Char('\n')));
+}
+
+void reportWritten(Console& console, const DBRequest& request)
+{
+    const QString count = QString::number(request.rows.size());
+    if (request.command == DB_INSERT) {
+        console.print(DBCommands::tr("inserted into %1, rows: %2").arg(request.table, count));
+        console.set(QStringLiteral("inserted"), request.rows.size());
+    } else if (request.command == DB_UPDATE) {
+        console.print(DBCommands::tr("updated %1, statements: %2").arg(request.table, count));
+        console.set(QStringLiteral("statements"), request.rows.size());
+    } else {
+        console.print(DBCommands::tr("deleted from %1").arg(request.table));
+    }
+}
+
+ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
+{
+    QString error;
+    DBRequest request = DBRequests::fromCommandLine(parser, error);
+    if (!error.isEmpty())
+        return fail(console, error, ExitUsage);
+    // The library would make the file, and with it a database without tables.
+    if (!QFileInfo(request.file).isFile())
+        return fail(console, DBCommands::tr("there is no database file '%1'").arg(request.file));
+    if (request.writes() && request.rows.isEmpty()) {
+        QFile input;
+        if (!input.open(stdin, QIODevice::ReadOnly))
+            return fail(console, DBCommands::tr("the standard input cannot be read"));
+        request.rows = DBRequests::rowsFromJsonLines(input, request.conditionColumn(), error);
+        if (std::ferror(stdin) != 0)
+            error = DBCommands::tr("the standard input cannot be read");
+        if (!error.isEmpty())
+            return fail(console, error);
+    }
+
+    DBOutcome outcome = runRequest(request, console);
+    if (!outcome.error.isEmpty())
+        return fail(console, outcome.error);
+    if (request.command != DB_SELECT) {
+        reportWritten(console, request);
+        return ExitDone;
+    }
+    const QStringList scrambled = parser.values(QStringLiteral("decode"));
+    warnOfMissingColumns(console, outcome.rows, scrambled);
+    decodeColumns(outcome.rows, scrambled);
+    reportRows(console, outcome.rows, parser.isSet(QStringLiteral("csv")));
+    return ExitDone;
+}
+
+ExitCode encodeText(const QCommandLineParser& parser, Console& console)
+{
+    const QString text = parser.positionalArguments().at(1);
+    const QString scrambled = QuenzoTool::ckEncode(text);
+    if (scrambled.isEmpty() && !text.isEmpty())
+        console.warn(DBCommands::tr("a text of less than four bytes encodes to an empty one"));
+    console.print(scrambled);
+    console.set(QStringLiteral("text"), scrambled);
+    return ExitDone;
+}
+
+ExitCode decodeText(const QCommandLineParser& parser, Console& console)
+{
+    const QString plain = QuenzoTool::ckDecode(parser.positionalArguments().at(1));
+    console.print(plain);
+    console.set(QStringLiteral("text"), plain);
+    return ExitDone;
+}
+
+QCommandLineOption option(const char* name, const QString& description, const QString& value = {})
+{
+    return {QLatin1String(name), description, value};
+}
+
+Command dbCommand()
+{
+    using C = DBCommands;
+    const QString pair = QStringLiteral("COLUMN=VALUE");
+    return {
+        QStringLiteral("db"),
+        C::tr("writes, changes, removes and reads records of a database file"),
+        {{QStringLiteral("OPERATION"),
+          C::tr("insert writes rows; update writes new values into the rows that meet --where; delete "
+                "removes and "
+                "select reads the rows that meet every --where")},
+         {QStringLiteral("TABLE"), C::tr("the table's name")},
+         {pair,
+          C::tr("values to insert or update, as text; without any, each line of the standard input is a row, "
+                "a JSON "
+                "object of names to values"),
+          Argument::AnyNumber}},
+        {option("file", C::tr("The database file, which exists."), QStringLiteral("DB")),
+         option("where",
+                C::tr("A condition, compared as text; may be repeated for select and delete, and is given "
+                      "once for "
+                      "update."),
+                pair),
+         option("all", C::tr("Empties the table: for delete without a condition.")),
+         option("encode",
+                C::tr("Writes values scrambled. delete compares with scrambled values; update leaves its "
+                      "condition "
+                      "plain; select unscrambles its conditions.")),
+         option("decode", C::tr("Unscrambles this column of what select has read; may be repeated."),
+                QStringLiteral("COLUMN")),
+         option("direct",
+                C::tr("Goes without the queue: each row is committed by itself, and those before a failed "
+                      "one stay. "
+                      "The queue writes all rows of an insert or none; of an update, what the rows before a "
+                      "failed one changed stays with it, too.")),
+         option("csv",
+                C::tr("Prints rows as CSV; otherwise as a table on a terminal, elsewhere as JSON lines."))},
+        runDatabase,
+        C::tr("A row of the input whose values would not be kept as they are is refused, and nothing is "
+              "written:\n"
+              "one with a column given twice, an integer beyond 64 bits, or half a surrogate pair.\n"
+              "JSON shows reals without a fraction as whole numbers, bytes as Base64, and integers beyond "
+              "2^53\n"
+              "and infinite numbers (9e999) as text. Inserted again, the latter are numbers in columns of a\n"
+              "numeric type, and text in others.")};
+}
+
+} // namespace
+
+QVector<Command> dbCommands()
+{
+    using C = DBCommands;
+    const Argument text{QStringLiteral("TEXT"), C::tr("the text")};
+    return {
+        dbCommand(),
+        {QStringLiteral("encode"), C::tr("scrambles a text as db --encode does"), {text}, {}, encodeText},
+        {QStringLiteral("decode"), C::tr("unscrambles such a text"), {text}, {}, decodeText},
+    };
+}

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+#include "records/dbrequest.h"
+
+#include "records/jsonrow.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QIODevice>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+struct DBRequestTexts {
+    Q_DECLARE_TR_FUNCTIONS(DBRequestTexts)
+};
+
+bool isName(const QString& text)
+{
+    static const QRegularExpression name(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
+    return name.match(text).hasMatch();
+}
+
+QString badName(const QString& name)
+{
+    return DBRequestTexts::tr("'%1' is no name: letters, digits and underscores of ASCII make one").arg(name);
+}
+
+// SQLite knows columns by their names in whatever capitals.
+bool containsColumn(const QVariantMap& values, const QString& name)
+{
+    return std::any_of(values.keyBegin(), values.keyEnd(), [&name](const QString& other) {
+        return other.compare(name, Qt::CaseInsensitive) == 0;
+    });
+}
+
+QVariantMap pairs(const QStringList& words, QString& error)
+{
+    QVariantMap values;
+    for (const QString& word : words) {
+        const int equals = word.indexOf(QLatin1Char('='));
+        const QString name = word.left(equals);
+        if (equals < 0)
+            error = DBRequestTexts::tr("'%1' is not of the form COLUMN=VALUE").arg(word);
+        else if (!isName(name))
+            error = badName(name);
+        else if (containsColumn(values, name))
+            error = DBRequestTexts::tr("the column '%1' is given twice").arg(name);
+        values.insert(name, word.mid(equals + 1));
+    }
+    return values;
+}
+
+bool readCommand(const QString& word, DB_COMMAND& command)
+{
+    static const QMap<QString, DB_COMMAND> commands{{QStringLiteral("insert"), DB_INSERT},
+                                                    {QStringLiteral("update"), DB_UPDATE},
+                                                    {QStringLiteral("delete"), DB_DELETE},
+                                                    {QStringLiteral("select"), DB_SELECT}};
+    command = commands.value(word);
+    return commands.contains(word);
+}
+
+QString conditionsError(const DBRequest& request, bool all)
+{
+    if (request.command == DB_INSERT && !request.conditions.isEmpty())
+        return DBRequestTexts::tr("an insert takes no --where");
+    // The queue leaves out a condition without text, and the statement then fails.
+    if (request.command == DB_UPDATE
+        && (request.conditions.size() != 1 || request.conditions.first().toString().isEmpty()))
+        return DBRequestTexts::tr("an update takes exactly one --where COLUMN=VALUE, and no empty value");
+    if (request.command == DB_DELETE && request.conditions.isEmpty() != all)
+        return DBRequestTexts::tr("a delete takes either --where COLUMN=VALUE or --all");
+    if (request.command != DB_DELETE && all)
+        return DBRequestTexts::tr("--all is for a delete");
+    return {};
+}
+
+// A statement has one placeholder for a column's name as it is spelt, and would bind the condition's value to
+// it.
+QString conditionAmongValues(const QString& column)
+{
+    const QString other = column == column.toUpper() ? column.toLower() : column.toUpper();
+    return DBRequestTexts::tr(
+               "the condition's column '%1' cannot be written under the same name; '%2' would do")
+        .arg(column, other);
+}
+
+QString rowError(const QVariantMap& row, const QString& conditionColumn)
+{
+    if (row.isEmpty())
+        return DBRequestTexts::tr("a row needs a column");
+    if (row.contains(conditionColumn))
+        return conditionAmongValues(conditionColumn);
+    for (auto value = row.cbegin(); value != row.cend(); ++value) {
+        if (!isName(value.key()))
+            return badName(value.key());
+    }
+    return {};
+}
+
+} // namespace
+
+DBRequest DBRequests::fromCommandLine(const QCommandLineParser& parser, QString& error)
+{
+    const QStringList words = parser.positionalArguments().mid(1);
+    DBRequest request;
+    request.file = parser.value(QStringLiteral("file"));
+    request.table = words.at(1);
+    request.encode = parser.isSet(QStringLiteral("encode"));
+    request.direct = parser.isSet(QStringLiteral("direct"));
+    if (!readCommand(words.at(0), request.command)) {
+        error = DBRequestTexts::tr("'%1' is none of insert, update, delete and select").arg(words.at(0));
+        return request;
+    }
+    request.conditions = pairs(parser.values(QStringLiteral("where")), error);
+    const QVariantMap row = pairs(words.mid(2), error);
+    if (!row.isEmpty())
+        request.rows.append(row);
+
+    if (!error.isEmpty())
+        return request;
+    if (request.file.isEmpty())
+        error = DBRequestTexts::tr("--file names the database");
+    else if (!isName(request.table))
+        error = badName(request.table);
+    else if (!request.writes() && !row.isEmpty())
+        error = DBRequestTexts::tr("conditions are given as --where COLUMN=VALUE");
+    else
+        error = conditionsError(request, parser.isSet(QStringLiteral("all")));
+    if (error.isEmpty() && !row.isEmpty())
+        error = rowError(row, request.conditionColumn());
+    return request;
+}
+
+QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, const QString& conditionColumn, QString& error)
+{
+    QVariantList rows;
+    for (int number = 1; !input.atEnd(); ++number) {
+        const QByteArray text = input.readLine();
+        if (text.isEmpty())
+            break; // what cannot be read has no end
+        const QByteArray line = text.trimmed();
+        if (line.isEmpty())
+            continue;
+        QString problem;
+        const QVariantMap row = JsonRow::parse(line, problem);
+        if (problem.isEmpty())
+            problem = rowError(row, conditionColumn);
+        if (!problem.isEmpty()) {
+            error = DBRequestTexts::tr("line %1 of the input: %2").arg(QString::number(number), problem);
+            return {};
+        }
+        rows.append(row);
+    }
+    return rows;
+}

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "trees/treeoperation.h"
+
+#include "console/console.h"
+#include "console/interruptguard.h"
+#include "console/worker.h"
+#include "trees/copylog.h"
+#include "trees/treefailure.h"
+#include "trees/treeprogress.h"
+#include "trees/treerightskeeper.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+
+#include <unistd.h>
+
+namespace {
+
+struct TreeOperations {
+    Q_DECLARE_TR_FUNCTIONS(TreeOperation)
+};
+
+QString progressText(const TreeCount& done, const TreeCount& all)
+{
+    const QLocale locale;
+    return TreeOperations::tr("files: %1 of %2, bytes: %3 of %4")
+        .arg(locale.toString(done.files), locale.toString(all.files), locale.toString(done.bytes),
+             locale.toString(all.bytes));
+}
+
+} // namespace
+
+TreeOperation::TreeOperation(THREAD_OPERATE operate, const TreePaths& paths, const QStringList& left)
+    : m_operate(operate)
+    , m_paths(paths)
+    , m_left(left)
+    , m_target(QFile::encodeName(paths.realTarget))
+    , m_scope{QFile::encodeName(paths.realSource)}
+{
+    m_scope.left = left;
+}
+
+TreeOperation::~TreeOperation() = default;
+
+bool TreeOperation::run(Console& console)
+{
+    // Made here, so that what the cut does to its rights can be undone.
+    if (m_paths.isNested() && !QDir(m_paths.realTarget).exists() && !QDir().mkdir(m_paths.realTarget)) {
+        console.error(TreeOperations::tr("the folder '%1' could not be made").arg(m_paths.target));
+        return false;
+    }
+    struct stat status { };
+    if (m_paths.isNested() && stat(m_target.constData(), &status) == 0)
+        m_scope.apart = FileId(status);
+    console.showProgress(TreeOperations::tr("counting"));
+    const TreeFailure::Entry endless = TreeFailure::linkToTarget(m_scope, m_target);
+    if (!endless.source.isEmpty()) {
+        console.error(TreeFailure::sentence(endless));
+        return false;
+    }
+    m_progress = std::make_unique<TreeProgress>(m_scope);
+    m_arrival = std::make_unique<TreeArrival>(targets());
+    const bool done = m_operate == OPERATE_CUT_OUTPUT ? runOutput(console) : start(console, {});
+    return done || fail(console);
+}
+
+bool TreeOperation::start(Console& console, const QStringList& left)
+{
+    QVariantMap map{{QStringLiteral("src"), m_paths.realSource},
+                    {QStringLiteral("dest"), m_paths.realTarget}};
+    if (!left.isEmpty())
+        map.insert(QStringLiteral("filter"), left.join(QLatin1Char(',')));
+    CopyLog log;
+    ThreadCommon worker;
+    worker.StartOperate(m_operate, map);
+    m_started = runWorker(worker, console, [this] {
+        TreeCount done = m_progress->done([this](const QByteArray& path) { return m_arrival->has(path); });
+        done.bytes += m_arrival->unnamedBytes();
+        return progressText(done, m_progress->all());
+    });
+    m_loggedFile = log.failedFile(m_paths.realSource, m_paths.realTarget);
+    return m_started && worker.getResult().toBool();
+}
+
+bool TreeOperation::runOutput(Console& console)
+{
+    const TreeRightsKeeper rights(m_scope.top);
+    const InterruptGuard guard([&rights] { rights.restore(); });
+    const bool done = start(console, m_left) || finishOutput(console, rights);
+    rights.restore();
+    return done;
+}
+
+// The rights that the cut gives an output folder inside its source lock a plain user out of it, once it has
+// been passed, and what comes after it is not moved. That is moved when the output folder itself is left
+// behind.
+bool TreeOperation::finishOutput(Console& console, const TreeRightsKeeper& rights)
+{
+    const bool isLockedOut = m_paths.isNested() && access(m_target.constData(), W_OK | X_OK) != 0;
+    const QString way = m_paths.realTarget.mid(m_paths.realSource.size() + 1);
+    const QString first = way.section(QLatin1Char('/'), 0, 0);
+    if (!isLockedOut || first.contains(QLatin1Char(',')))
+        return false;
+    rights.restore();
+    return start(console, m_left + QStringList(first)) && TreeCount::of(m_scope).files == 0;
+}
+
+bool TreeOperation::fail(Console& console) const
+{
+    if (m_started)
+        console.error(failure());
+    return false;
+}
+
+TreeCount TreeOperation::handled() const
+{
+    if (!m_started)
+        return {};
+    TreeCount count = m_progress->all();
+    if (m_operate != OPERATE_COPY)
+        count -= TreeCount::of(m_scope);
+    return count;
+}
+
+// What a cut for output has moved into a target inside its source may move on within it.
+QVector<QByteArray> TreeOperation::targets() const
+{
+    QVector<QByteArray> paths{m_target};
+    if (m_paths.isNested())
+        paths.append(m_target + m_target.mid(m_scope.top.size()));
+    return paths;
+}
+
+QString TreeOperation::failure() const
+{
+    TreeFailure::Entry entry = TreeFailure::firstMissing(m_scope, m_target, *m_arrival);
+    const auto below = [](const QString& folder, const QString& path) {
+        return QFile::encodeName(folder + QLatin1Char('/') + path);
+    };
+    const QByteArray logged = below(m_paths.realSource, m_loggedFile);
+    // The log knows names as texts only: the same file as the one found is better known by its bytes.
+    if (!m_loggedFile.isEmpty() && logged != QFile::encodeName(QFile::decodeName(entry.source)))
+        entry = {logged, below(m_paths.realTarget, m_loggedFile)};
+    const QFileInfo within(QFile::decodeName(targets().last()));
+    if (m_loggedFile.isEmpty() && m_paths.isNested() && within.exists() && !within.isDir())
+        entry = {m_target, targets().last()};
+    if (!entry.source.isEmpty())
+        return TreeFailure::sentence(entry);
+    return TreeOperations::tr(
+               "not everything has come to '%1', and the cause is not known; the rest is in '%2'")
+        .arg(m_paths.target, m_paths.source);
+}

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "trees/treewalk.h"
+
+#include <QFile>
+#include <QVector>
+
+#include <algorithm>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+
+namespace {
+
+bool isAmong(const QStringList& names, const QByteArray& name)
+{
+    const QString lowered = QFile::decodeName(name).toLower();
+    return std::any_of(names.cbegin(), names.cend(),
+                       [&lowered](const QString& one) { return one.toLower() == lowered; });
+}
+
+class Walk {
+public:
+    using Visit = std::function<TreeScope::Step(const WalkedEntry&)>;
+
+    Walk(const TreeScope& scope, const Visit& visit)
+        : m_scope(scope)
+        , m_visit(visit)
+    {
+    }
+
+    bool enter(const QByteArray& relative, const FileId& id)
+    {
+        m_within.append(id);
+        const bool isTop = m_within.size() == 1;
+        QVector<WalkedEntry> entries = list(relative);
+        for (WalkedEntry& entry : entries) {
+            const bool isLeft = isTop && isAmong(m_scope.left, entry.name);
+            if (!isLeft && !meet(entry))
+                return false;
+        }
+        m_within.removeLast();
+        return true;
+    }
+
+private:
+    bool meet(WalkedEntry& entry)
+    {
+        const FileId id(entry.status);
+        entry.leadsBack = entry.isFolder() && m_within.contains(id);
+        const TreeScope::Step step = m_visit(entry);
+        if (step == TreeScope::Stop)
+            return false;
+        const bool enters = entry.isFolder() && !entry.leadsBack && !(id == m_scope.apart);
+        return step == TreeScope::PassBy || !enters || enter(entry.path + '/', id);
+    }
+
+    // At once, and no folder stays open: trees can be deeper than a process may have files open.
+    QVector<WalkedEntry> list(const QByteArray& relative) const
+    {
+        QVector<WalkedEntry> entries;
+        const QByteArray path = m_scope.top + '/' + relative;
+        const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(path.constData()), closedir);
+        if (!folder)
+            return entries;
+        while (const dirent* const read = readdir(folder.get())) {
+            WalkedEntry entry;
+            entry.name = read->d_name;
+            entry.path = relative + entry.name;
+            const bool isMeant = m_scope.filesToo || read->d_type != DT_REG;
+            if (isMeant && entry.name != "." && entry.name != ".." && look(dirfd(folder.get()), entry))
+                entries.append(entry);
+        }
+        return entries;
+    }
+
+    bool look(int folder, WalkedEntry& entry) const
+    {
+        const char* const name = entry.name.constData();
+        if (fstatat(folder, name, &entry.status, AT_SYMLINK_NOFOLLOW) != 0)
+            return false; // gone meanwhile
+        entry.isLink = S_ISLNK(entry.status.st_mode);
+        struct stat behind { };
+        if (entry.isLink && m_scope.links == TreeScope::Followed && fstatat(folder, name, &behind, 0) == 0)
+            entry.status = behind;
+        return true;
+    }
+
+    const TreeScope& m_scope;
+    const Visit& m_visit;
+    QVector<FileId> m_within;
+};
+
+} // namespace
+
+bool TreeScope::walk(const std::function<Step(const WalkedEntry&)>& visit) const
+{
+    struct stat status { };
+    return stat(top.constData(), &status) != 0 || Walk(*this, visit).enter({}, FileId(status));
+}
