@@ -3,7 +3,8 @@
 
 # quenzo_strict(TARGET): our warnings and the strict Qt switches.
 function(quenzo_strict target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+        "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=") # messages name files of the project, not of the builder
     target_compile_definitions(${target} PRIVATE
         QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_STRICT_ITERATORS
         QT_USE_QSTRINGBUILDER QT_DISABLE_DEPRECATED_BEFORE=0x050F00)

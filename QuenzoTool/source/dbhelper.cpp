@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "dbhelper.h"
 
+#include "exitgate.h"
+#include "messages.h"
 #include "records/connectionlock.h"
-#include "records/exitgate.h"
 
 #include <quenzobase.h>
 
 #include <QCoreApplication>
-#include <QLoggingCategory>
 #include <QMutexLocker>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -23,9 +23,9 @@ QString connectionName()
     return QStringLiteral("Quenzo");
 }
 
-void writeMessage(int line, const char* function, const QString& text)
+void writeHelperMessage(int line, const char* function, const QString& text)
 {
-    QMessageLogger("QuenzoTool/source/dbhelper", line, function).debug().noquote() << text;
+    writeMessage("QuenzoTool/source/dbhelper", line, function, text);
 }
 
 void fill(ST_DB_COMMAND& record, DB_COMMAND command, QString& tableName, QString& key, const QVariant& value,
@@ -95,11 +95,11 @@ bool DBHelper::initDatabase(QString path)
         }
     }
     if (wasOpen) {
-        writeMessage(89, function, QStringLiteral("Database was opened!"));
+        writeHelperMessage(89, function, QStringLiteral("Database was opened!"));
         return false;
     }
     if (!opened) {
-        writeMessage(97, function, QStringLiteral("fail to open database!"));
+        writeHelperMessage(97, function, QStringLiteral("fail to open database!"));
         return false;
     }
     static std::once_flag armed;
@@ -168,10 +168,11 @@ bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QString k
                                 bool bEncode, QString usrExt)
 {
     if (command == DB_UPDATE) {
-        writeMessage(195,
-                     "bool __cdecl DBHelper::threadToDatabase(enum DB_COMMAND,class QString,class QString,"
-                     "class QVariant,bool,class QString)",
-                     QStringLiteral("Error paramater"));
+        writeHelperMessage(
+            195,
+            "bool __cdecl DBHelper::threadToDatabase(enum DB_COMMAND,class QString,class QString,"
+            "class QVariant,bool,class QString)",
+            QStringLiteral("Error paramater"));
         return false;
     }
     QMap<QString, QVariant> mapValue{{key, value.toString()}};
@@ -181,7 +182,7 @@ bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, QString k
 bool DBHelper::threadToDatabase(DB_COMMAND command, QString tableName, bool bEncode, QString usrExt)
 {
     if (command == DB_INSERT || command == DB_UPDATE) {
-        writeMessage(
+        writeHelperMessage(
             184, "bool __cdecl DBHelper::threadToDatabase(enum DB_COMMAND,class QString,bool,class QString)",
             QStringLiteral("Error paramater"));
         return false;

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "dbhelper.h"
 
+#include "messages.h"
 #include "quenzotool.h"
 #include "records/connectionlock.h"
 #include "records/dbstatement.h"
 #include "records/statementtext.h"
-
-#include <QMessageLogger>
 
 namespace {
 
@@ -46,9 +45,9 @@ void reportFailure(const DBStatement& statement, const char* what, const QString
                    const char* function)
 {
     constexpr const char* file = "QuenzoTool/source/dbhelper";
-    QMessageLogger(file, line, function).debug().noquote() << statement.text();
-    QMessageLogger(file, line + 1, function).debug().noquote() << what << tableName;
-    QMessageLogger(file, line + 2, function).debug().noquote() << statement.error();
+    writeMessage(file, line, function, statement.text());
+    writeMessage(file, line + 1, function, QLatin1String(what) + QLatin1Char(' ') + tableName);
+    writeMessage(file, line + 2, function, statement.error());
 }
 
 } // namespace

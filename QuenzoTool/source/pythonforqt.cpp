@@ -3,12 +3,12 @@
 
 #include "pythonforqt.h"
 
+#include "messages.h"
 #include "quenzotool.h"
 #include "scripts/pythonplatform.h"
 #include "scripts/pythonstatement.h"
 
 #include <QFileInfo>
-#include <QLoggingCategory>
 #include <QVector>
 
 #include <atomic>
@@ -26,10 +26,8 @@ public:
     }
     ~DeferredMessages()
     {
-        for (const Message& message : qAsConst(m_messages)) {
-            const QMessageLogger logger("QuenzoTool/source/pythonforqt", message.line, m_function);
-            logger.debug().noquote() << message.text;
-        }
+        for (const Message& message : qAsConst(m_messages))
+            writeMessage("QuenzoTool/source/pythonforqt", message.line, m_function, message.text);
     }
     DeferredMessages(const DeferredMessages&) = delete;
     DeferredMessages& operator=(const DeferredMessages&) = delete;

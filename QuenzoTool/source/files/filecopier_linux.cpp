@@ -2,7 +2,7 @@
 #include "files/filecopier.h"
 
 #include "files/filecontent_linux.h"
-#include "files/filelinker_linux.h"
+#include "files/filenamer_linux.h"
 #include "files/treefolder_linux.h"
 
 #include <QRandomGenerator>
@@ -124,11 +124,11 @@ private:
     const Durability m_durability;
     bool m_unnamedFilesWork = true;
     bool m_proven = false; // one unnamed file got its name
-    std::unique_ptr<FileLinker> m_linker;
+    std::unique_ptr<FileNamer> m_namer;
     // One file on each file system, as old as the first write since the last flush: it hears of every error
     // since.
     struct FlushHandle {
-        TreeId device;
+        FileIdentity device;
         int handle;
     };
     std::vector<FlushHandle> m_flushHandles;
@@ -196,12 +196,12 @@ int FileCopier::Private::copyThroughTemporary(const UnnamedFile& file, const str
     return error;
 }
 
-// Copies on this thread and links on another one. What meets trouble is left to copyOne().
+// Copies on this thread and gives names on another one. What meets trouble is left to copyOne().
 int FileCopier::Private::copyMany(const TreeFolder& from, const TreeEntry* files, int count,
                                   const TreeFolder& to)
 {
-    if (!m_linker)
-        m_linker = std::make_unique<FileLinker>();
+    if (!m_namer)
+        m_namer = std::make_unique<FileNamer>();
     const int before = sources.size();
     for (int i = 0; i < count; ++i) {
         struct stat status { };
@@ -219,14 +219,14 @@ int FileCopier::Private::copyMany(const TreeFolder& from, const TreeEntry* files
             break;
         }
         rememberSource(status);
-        if (!m_linker->add(file))
+        if (!m_namer->add(file))
             break;
     }
-    const FileLinker::Outcome outcome = m_linker->drain();
+    const FileNamer::Outcome outcome = m_namer->drain();
     unflushed += outcome.bytes;
     if (m_durability == Flushable)
-        sources.resize(before + outcome.linked);
-    return outcome.linked;
+        sources.resize(before + outcome.named);
+    return outcome.named;
 }
 
 void FileCopier::Private::rememberSource(const struct stat& status)
@@ -239,7 +239,7 @@ void FileCopier::Private::remember(int target, const TreeFolder& to)
 {
     if (m_durability == LeftToSystem)
         return;
-    const TreeId device = to.id().left(sizeof(dev_t));
+    const FileIdentity device = to.id().left(sizeof(dev_t));
     for (const FlushHandle& flush : m_flushHandles) {
         if (flush.device == device)
             return;

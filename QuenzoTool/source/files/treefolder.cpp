@@ -70,7 +70,7 @@ void FolderChain::leave()
         m_folders.last()->resume(*child);
 }
 
-bool FolderChain::contains(const TreeId& id) const
+bool FolderChain::contains(const FileIdentity& id) const
 {
     return std::any_of(m_folders.cbegin(), m_folders.cend(),
                        [&id](const TreeFolder* folder) { return folder->id() == id; });

@@ -11,11 +11,11 @@ class QDir;
 QT_END_NAMESPACE
 
 /** Which folder or file something is, however it was reached; empty when that is not known. */
-using TreeId = QByteArray;
+using FileIdentity = QByteArray;
 
 /** What a file was like at one time: two that are equal are the same file, not written to in between. */
 struct FileState {
-    TreeId id; ///< empty when there was no file to be found
+    FileIdentity id; ///< empty when there was no file to be found
     qint64 size = -1;
     qint64 modified = 0; ///< in the finest unit that the platform has
 
@@ -75,16 +75,16 @@ public:
     /** Whether the path of an entry of this name is within what the system can name. */
     bool canHold(const QByteArray& name) const;
 
-    const TreeId& id() const { return m_id; }
+    const FileIdentity& id() const { return m_id; }
 
     /** The file or folder that an entry is, or leads to. */
-    TreeId idOf(const QByteArray& name, Links links) const;
+    FileIdentity idOf(const QByteArray& name, Links links) const;
 
     /** The file that an entry is; of a link, that of the link itself. */
     FileState stateOf(const QByteArray& name) const;
 
     /** This folder and those above it, up to the root. */
-    QVector<TreeId> lineage() const;
+    QVector<FileIdentity> lineage() const;
 
     /**
      * Reads every entry but "." and "..", in the file system's order. Of a folder opened for listing, once.
@@ -115,7 +115,7 @@ private:
 
     int m_handle = -1;
     QByteArray m_path;
-    TreeId m_id;
+    FileIdentity m_id;
 };
 
 /** Keeps the handles of a deep walk few: of the folders it is in, only the innermost stay open. */
@@ -135,7 +135,7 @@ public:
 
     void enter(TreeFolder& folder);
     void leave();
-    bool contains(const TreeId& id) const;
+    bool contains(const FileIdentity& id) const;
 
 private:
     QVector<TreeFolder*> m_folders;

@@ -22,18 +22,18 @@ int flagsFor(TreeFolder::Purpose purpose)
     return purpose == TreeFolder::Listing ? O_RDONLY | O_DIRECTORY | O_CLOEXEC : upwards;
 }
 
-TreeId idFrom(const struct stat& status)
+FileIdentity idFrom(const struct stat& status)
 {
-    TreeId id(static_cast<int>(sizeof status.st_dev + sizeof status.st_ino), Qt::Uninitialized);
+    FileIdentity id(static_cast<int>(sizeof status.st_dev + sizeof status.st_ino), Qt::Uninitialized);
     std::memcpy(id.data(), &status.st_dev, sizeof status.st_dev);
     std::memcpy(id.data() + sizeof status.st_dev, &status.st_ino, sizeof status.st_ino);
     return id;
 }
 
-TreeId idOfHandle(int handle)
+FileIdentity idOfHandle(int handle)
 {
     struct stat status { };
-    return fstat(handle, &status) == 0 ? idFrom(status) : TreeId();
+    return fstat(handle, &status) == 0 ? idFrom(status) : FileIdentity();
 }
 
 TreeEntry::Kind kindFrom(mode_t mode)
@@ -64,7 +64,7 @@ QString TreeFolder::text(const QByteArray& native)
 TreeFolder::TreeFolder(int handle, const QByteArray& path)
     : m_handle(handle)
     , m_path(path)
-    , m_id(handle >= 0 ? idOfHandle(handle) : TreeId())
+    , m_id(handle >= 0 ? idOfHandle(handle) : FileIdentity())
 {
 }
 
@@ -84,11 +84,11 @@ bool TreeFolder::canHold(const QByteArray& name) const
     return m_path.size() + 1 + name.size() < PATH_MAX;
 }
 
-TreeId TreeFolder::idOf(const QByteArray& name, Links links) const
+FileIdentity TreeFolder::idOf(const QByteArray& name, Links links) const
 {
     const int flags = links == LinksKept ? AT_SYMLINK_NOFOLLOW : 0;
     struct stat status { };
-    return fstatat(m_handle, name.constData(), &status, flags) == 0 ? idFrom(status) : TreeId();
+    return fstatat(m_handle, name.constData(), &status, flags) == 0 ? idFrom(status) : FileIdentity();
 }
 
 FileState TreeFolder::stateOf(const QByteArray& name) const
@@ -98,14 +98,14 @@ FileState TreeFolder::stateOf(const QByteArray& name) const
     return error == 0 ? stateFrom(status) : FileState();
 }
 
-QVector<TreeId> TreeFolder::lineage() const
+QVector<FileIdentity> TreeFolder::lineage() const
 {
-    QVector<TreeId> ids{m_id};
+    QVector<FileIdentity> ids{m_id};
     int folder = openat(m_handle, ".", upwards);
     while (folder >= 0) {
         const int parent = openat(folder, "..", upwards);
         close(folder);
-        const TreeId id = parent >= 0 ? idOfHandle(parent) : ids.last();
+        const FileIdentity id = parent >= 0 ? idOfHandle(parent) : ids.last();
         if (id == ids.last()) { // the root is its own parent
             if (parent >= 0)
                 close(parent);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int opened = 0;
 
-TreeId idAt(const QString& path)
+FileIdentity idAt(const QString& path)
 {
     return QFileInfo(path).canonicalFilePath().toUtf8();
 }
@@ -43,7 +43,7 @@ QString TreeFolder::text(const QByteArray& native)
 TreeFolder::TreeFolder(int handle, const QByteArray& path)
     : m_handle(handle)
     , m_path(path)
-    , m_id(handle >= 0 ? idAt(text(path)) : TreeId())
+    , m_id(handle >= 0 ? idAt(text(path)) : FileIdentity())
 {
 }
 
@@ -68,7 +68,7 @@ bool TreeFolder::canHold(const QByteArray& name) const
     return m_path.size() + 1 + name.size() < longest;
 }
 
-TreeId TreeFolder::idOf(const QByteArray& name, Links links) const
+FileIdentity TreeFolder::idOf(const QByteArray& name, Links links) const
 {
     const QString path = entryPath(*this, name);
     return links == LinksKept && QFileInfo(path).isSymLink() ? path.toUtf8() : idAt(path);
@@ -82,9 +82,9 @@ FileState TreeFolder::stateOf(const QByteArray& name) const
     return {info.canonicalFilePath().toUtf8(), info.size(), info.lastModified().toMSecsSinceEpoch()};
 }
 
-QVector<TreeId> TreeFolder::lineage() const
+QVector<FileIdentity> TreeFolder::lineage() const
 {
-    QVector<TreeId> ids{m_id};
+    QVector<FileIdentity> ids{m_id};
     QString path = QString::fromUtf8(m_id);
     while (!QDir(path).isRoot() && !path.isEmpty()) {
         path = QFileInfo(path).path();

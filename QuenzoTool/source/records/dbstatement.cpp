@@ -2,7 +2,7 @@
 #include "records/dbstatement.h"
 
 #include "records/connectionlock.h"
-#include "records/directrun.h"
+#include "records/sqliterun.h"
 #include "records/statementtext.h"
 
 #include <QSqlDriver>
@@ -108,10 +108,10 @@ bool DBStatement::execute(const QMap<QString, QVariant>& row)
         return false;
     }
     const bool again = rebind(row);
-    const DirectRun run =
-        again ? runDirectly(*m_query, BoundValues::of(*m_query), m_error) : DirectRun::NotTried;
-    if (run != DirectRun::NotTried)
-        return run == DirectRun::Done;
+    const SqliteRun run =
+        again ? runBySqlite(*m_query, BoundValues::of(*m_query), m_error) : SqliteRun::NotTried;
+    if (run != SqliteRun::NotTried)
+        return run == SqliteRun::Done;
     const bool done = (again || prepare(row)) && m_query->exec();
     if (!done)
         m_error = m_query->lastError().text();

@@ -56,7 +56,7 @@ private:
     TreeTransfer m_transfer;
     FolderChain m_sources;
     FolderChain m_targets;
-    QHash<TreeId, int> m_targetVisits; // the last one of each
+    QHash<FileIdentity, int> m_targetVisits; // the last one of each
     int m_visits = 0;
 };
 

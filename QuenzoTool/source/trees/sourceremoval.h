@@ -47,14 +47,14 @@ private:
     };
     struct Group {
         QByteArray path;
-        TreeId id;
+        FileIdentity id;
         QVector<Item> items;
         QByteArray targetPath; // of the files
     };
     Group& groupOf(const TreeFolder& folder, const QByteArray& targetPath);
 
     QVector<Group> m_groups;
-    QSet<TreeId> m_folders;
+    QSet<FileIdentity> m_folders;
     int m_count = 0;
 };
 

@@ -27,7 +27,7 @@ bool TreeCopy::perform()
     if (!source.isOpen() || targetIsInside(source))
         return false;
     TransferTarget target = TransferTarget::reach(m_targetPath);
-    const bool copied = target.folder.isOpen() && copyContent(source, target);
+    const bool copied = target.folder.isOpen() && copyEntries(source, target);
     return m_transfer.settle() && copied;
 }
 
@@ -35,12 +35,12 @@ bool TreeCopy::targetIsInside(const TreeFolder& source)
 {
     const TreeFolder target = TreeFolder::open(m_targetPath, TreeFolder::Writing);
     const TreeFolder parent = TreeFolder::open(TreeFolder::parentPath(m_targetPath), TreeFolder::Writing);
-    const QVector<TreeId> lineage = target.isOpen() ? target.lineage() : parent.lineage();
-    m_targetLineage = QSet<TreeId>(lineage.cbegin(), lineage.cend());
+    const QVector<FileIdentity> lineage = target.isOpen() ? target.lineage() : parent.lineage();
+    m_targetLineage = QSet<FileIdentity>(lineage.cbegin(), lineage.cend());
     return m_targetLineage.contains(source.id()) && source.id() != target.id();
 }
 
-bool TreeCopy::copyContent(TreeFolder& source, TransferTarget& target)
+bool TreeCopy::copyEntries(TreeFolder& source, TransferTarget& target)
 {
     const FolderChain::Visit sourceVisit(m_sources, source);
     const FolderChain::Visit targetVisit(m_targets, target.folder);
@@ -70,7 +70,7 @@ bool TreeCopy::copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTa
     if (!source.canHold(entry.name) || leadsToTarget || m_targetLineage.contains(child.id()))
         return false;
     TransferTarget made = m_transfer.makeFolder(target, entry.name);
-    if (!made.folder.isOpen() || !copyContent(child, made))
+    if (!made.folder.isOpen() || !copyEntries(child, made))
         return false;
     if (m_deleteSource)
         m_transfer.removeFolder(source, entry.name, SourceRemoval::AsItIs);

@@ -17,7 +17,7 @@ public:
 
 private:
     bool targetIsInside(const TreeFolder& source);
-    bool copyContent(TreeFolder& source, TransferTarget& target);
+    bool copyEntries(TreeFolder& source, TransferTarget& target);
     bool copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);
 
     const QByteArray m_sourcePath;
@@ -28,7 +28,7 @@ private:
     FolderChain m_targets;
     // The target and the folders above it: a walk that came into one of them, or through a link into one of
     // m_targets, would copy what it writes, for ever.
-    QSet<TreeId> m_targetLineage;
+    QSet<FileIdentity> m_targetLineage;
 };
 
 #endif

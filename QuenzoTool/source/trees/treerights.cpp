@@ -2,19 +2,16 @@
 #include "trees/treerights.h"
 
 #include "files/treefolder.h"
+#include "messages.h"
 
 #include <QDir>
-#include <QLoggingCategory>
 
 namespace {
 
-// Past QDebug: its text stream would cost more than all the work on the file that the message is about.
-void writeMessage(int line, const QString& text)
+void writeRightsMessage(int line, const QString& text)
 {
-    const QMessageLogContext context("QuenzoTool/source/quenzotool", line,
-                                     "bool __cdecl QuenzoTool::changePermessionRecursively(class QDir &)",
-                                     "default");
-    qt_message_output(QtDebugMsg, context, text);
+    writeMessage("QuenzoTool/source/quenzotool", line,
+                 "bool __cdecl QuenzoTool::changePermessionRecursively(class QDir &)", text);
 }
 
 QString joined(const QString& folder, const QByteArray& name)
@@ -44,7 +41,7 @@ private:
     {
         const QString path = joined(shownPath, entry.name);
         if (m_messages)
-            writeMessage(__LINE__, path);
+            writeRightsMessage(__LINE__, path);
         TreeFolder folder = parent.openChild(entry.name, TreeFolder::Listing);
         // Links that lead back would multiply without changing anything more.
         const bool leadsBack = entry.isLink && m_chain.contains(folder.id());
@@ -55,8 +52,8 @@ private:
     void changeFile(const TreeFolder& folder, const TreeEntry& entry, const QString& absolutePath) const
     {
         if (m_messages) {
-            writeMessage(__LINE__, joined(absolutePath, entry.name));
-            writeMessage(__LINE__, QLatin1String(folder.isWritable(entry.name) ? "true" : "false"));
+            writeRightsMessage(__LINE__, joined(absolutePath, entry.name));
+            writeRightsMessage(__LINE__, QLatin1String(folder.isWritable(entry.name) ? "true" : "false"));
         }
         folder.forceWriteOther(entry.name);
     }

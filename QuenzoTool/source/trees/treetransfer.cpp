@@ -144,7 +144,7 @@ bool TreeTransfer::isItself(const TreeFolder& from, const TreeEntry& file, const
 {
     if (!file.isLink)
         return from.id() == to.id();
-    const TreeId source = from.idOf(file.name, TreeFolder::LinksFollowed);
+    const FileIdentity source = from.idOf(file.name, TreeFolder::LinksFollowed);
     return !source.isEmpty() && source == to.idOf(file.name, TreeFolder::LinksKept);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "icons/iconjob.h"
 
-#include "icons/fileidentity.h"
+#include "fileidentity.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -105,7 +105,7 @@ QString faultOfSheet(const IconJob& job)
     const FileIdentity identity = identityOf(job.sheet);
     const QString place = placeOf(job.sheet);
     const auto isSheet = [&](const QString& path) {
-        return placeOf(path) == place || (identity != FileIdentity() && identityOf(path) == identity);
+        return placeOf(path) == place || (identity.isKnown() && identityOf(path) == identity);
     };
     for (const Input& input : inputsOf(job)) {
         if (isSheet(input.path))

@@ -27,7 +27,7 @@ bool isLineOf(const struct stat& status, const QByteArray& path)
 {
     struct stat above { };
     for (QByteArray folder = path; folder.size() > 1; folder = parentOf(folder)) {
-        if (stat(folder.constData(), &above) == 0 && FileId(above) == FileId(status))
+        if (stat(folder.constData(), &above) == 0 && FileIdentity(above) == FileIdentity(status))
             return true;
     }
     return false;
@@ -112,7 +112,7 @@ TreeFailure::Entry TreeFailure::firstMissing(const TreeScope& scope, const QByte
     Entry missing;
     scope.walk([&](const WalkedEntry& entry) {
         const Entry candidate{scope.top + '/' + entry.path, target + '/' + entry.path};
-        if (FileId(entry.status) == scope.apart)
+        if (FileIdentity(entry.status) == scope.apart)
             return TreeScope::GoOn;
         struct stat there { };
         const bool arrived = entry.isFolder()

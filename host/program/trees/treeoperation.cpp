@@ -54,7 +54,7 @@ bool TreeOperation::run(Console& console)
     }
     struct stat status { };
     if (m_paths.isNested() && stat(m_target.constData(), &status) == 0)
-        m_scope.apart = FileId(status);
+        m_scope.apart = FileIdentity(status);
     console.showProgress(TreeOperations::tr("counting"));
     const TreeFailure::Entry endless = TreeFailure::linkToTarget(m_scope, m_target);
     if (!endless.source.isEmpty()) {

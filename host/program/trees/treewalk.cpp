@@ -28,7 +28,7 @@ public:
     {
     }
 
-    bool enter(const QByteArray& relative, const FileId& id)
+    bool enter(const QByteArray& relative, const FileIdentity& id)
     {
         m_within.append(id);
         const bool isTop = m_within.size() == 1;
@@ -45,7 +45,7 @@ public:
 private:
     bool meet(WalkedEntry& entry)
     {
-        const FileId id(entry.status);
+        const FileIdentity id(entry.status);
         entry.leadsBack = entry.isFolder() && m_within.contains(id);
         const TreeScope::Step step = m_visit(entry);
         if (step == TreeScope::Stop)
@@ -87,7 +87,7 @@ private:
 
     const TreeScope& m_scope;
     const Visit& m_visit;
-    QVector<FileId> m_within;
+    QVector<FileIdentity> m_within;
 };
 
 } // namespace
@@ -95,5 +95,5 @@ private:
 bool TreeScope::walk(const std::function<Step(const WalkedEntry&)>& visit) const
 {
     struct stat status { };
-    return stat(top.constData(), &status) != 0 || Walk(*this, visit).enter({}, FileId(status));
+    return stat(top.constData(), &status) != 0 || Walk(*this, visit).enter({}, FileIdentity(status));
 }

@@ -2,25 +2,13 @@
 #ifndef TREEWALK_H
 #define TREEWALK_H
 
+#include "fileidentity.h"
+
 #include <QByteArray>
 #include <QStringList>
 
 #include <functional>
 #include <sys/stat.h>
-
-/** Which file or folder something is, however it was reached. */
-struct FileId {
-    explicit FileId(const struct stat& status)
-        : device(status.st_dev)
-        , node(status.st_ino)
-    {
-    }
-    FileId() = default;
-    bool operator==(const FileId& other) const { return device == other.device && node == other.node; }
-
-    dev_t device = 0;
-    ino_t node = 0; // none has the number 0
-};
 
 /** One entry of a tree. */
 struct WalkedEntry {
@@ -43,7 +31,7 @@ struct TreeScope {
 
     QByteArray top; ///< the folder's path
     Links links = Followed;
-    FileId apart = {}; ///< a folder in the tree that is not entered
+    FileIdentity apart = {}; ///< a folder in the tree that is not entered
     bool filesToo = true;
     QStringList left = {}; ///< names directly in the folder that are passed by, in any case
 

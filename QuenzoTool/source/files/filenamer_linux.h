@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#ifndef FILELINKER_LINUX_H
-#define FILELINKER_LINUX_H
+#ifndef FILENAMER_LINUX_H
+#define FILENAMER_LINUX_H
 
 #include <atomic>
 #include <condition_variable>
@@ -23,22 +23,22 @@ struct UnnamedFile {
 int giveName(const UnnamedFile& file);
 
 /**
- * Links files on a thread of its own, in order and up to the first failure, while the next ones are being
- * copied; on the caller's thread when the system has no other to give.
+ * Gives files their names on a thread of its own, in order and up to the first failure, while the next ones
+ * are being copied; on the caller's thread when the system has no other to give.
  *
  * The kernel spends as long on the names of small files as on their content.
  */
-class FileLinker {
+class FileNamer {
 public:
     struct Outcome {
-        int linked;
+        int named;
         off_t bytes;
     };
 
-    FileLinker();
-    ~FileLinker();
-    FileLinker(const FileLinker&) = delete;
-    FileLinker& operator=(const FileLinker&) = delete;
+    FileNamer();
+    ~FileNamer();
+    FileNamer(const FileNamer&) = delete;
+    FileNamer& operator=(const FileNamer&) = delete;
 
     /** Takes a file over and closes it in the end; false once one has failed. */
     bool add(const UnnamedFile& file);

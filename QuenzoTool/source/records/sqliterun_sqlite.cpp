@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "records/directrun.h"
+#include "records/sqliterun.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -63,21 +63,21 @@ QString errorOf(sqlite3_stmt* statement)
 
 } // namespace
 
-DirectRun runDirectly(const QSqlQuery& query, const QVector<QVariant>& values, QString& error)
+SqliteRun runBySqlite(const QSqlQuery& query, const QVector<QVariant>& values, QString& error)
 {
     static const bool usable = isSqliteOf(*query.driver());
     // Asked for each time: a connection that is closed takes its statements with it.
     auto* const statement = usable ? query.result()->handle().value<sqlite3_stmt*>() : nullptr;
     if (statement == nullptr || sqlite3_bind_parameter_count(statement) != values.size())
-        return DirectRun::NotTried;
+        return SqliteRun::NotTried;
     int place = 1;
     for (const QVariant& value : values) {
         if (bind(statement, place++, value) != SQLITE_OK)
-            return DirectRun::NotTried;
+            return SqliteRun::NotTried;
     }
     const int result = sqlite3_step(statement);
     if (result != SQLITE_DONE && result != SQLITE_ROW)
         error = errorOf(statement);
     sqlite3_reset(statement);
-    return result == SQLITE_DONE || result == SQLITE_ROW ? DirectRun::Done : DirectRun::Failed;
+    return result == SQLITE_DONE || result == SQLITE_ROW ? SqliteRun::Done : SqliteRun::Failed;
 }

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "icons/fileidentity.h"
+#include "fileidentity.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -30,7 +28,7 @@ FileIdentity identityOf(const QString& path)
     struct stat found { };
     if (stat(QFile::encodeName(path).constData(), &found) != 0)
         return {};
-    return {static_cast<quint64>(found.st_dev), static_cast<quint64>(found.st_ino)};
+    return FileIdentity(found);
 }
 
 QString placeOf(const QString& path)

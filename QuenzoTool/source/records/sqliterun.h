@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#ifndef DIRECTRUN_H
-#define DIRECTRUN_H
+#ifndef SQLITERUN_H
+#define SQLITERUN_H
 
 #include <QString>
 #include <QVariant>
@@ -10,8 +10,8 @@ QT_BEGIN_NAMESPACE
 class QSqlQuery;
 QT_END_NAMESPACE
 
-/** What came of a direct run. */
-enum class DirectRun {
+/** What came of a run by SQLite itself. */
+enum class SqliteRun {
     Done,
     Failed,
     NotTried ///< nothing has happened: the run is left to QSqlQuery::exec
@@ -28,6 +28,6 @@ enum class DirectRun {
  * @param values one for each placeholder, in order; they stay the caller's
  * @param error set when the run failed, to what Qt would say
  */
-DirectRun runDirectly(const QSqlQuery& query, const QVector<QVariant>& values, QString& error);
+SqliteRun runBySqlite(const QSqlQuery& query, const QVector<QVariant>& values, QString& error);
 
 #endif

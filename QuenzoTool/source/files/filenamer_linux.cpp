@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "files/filelinker_linux.h"
+#include "files/filenamer_linux.h"
 
 #include <array>
 #include <cerrno>
@@ -51,7 +51,7 @@ int giveName(const UnnamedFile& file)
     return linkInPlace(file);
 }
 
-FileLinker::FileLinker()
+FileNamer::FileNamer()
 {
     const SignalsBlocked blocked;
     try {
@@ -61,7 +61,7 @@ FileLinker::FileLinker()
     }
 }
 
-FileLinker::~FileLinker()
+FileNamer::~FileNamer()
 {
     drain();
     {
@@ -73,7 +73,7 @@ FileLinker::~FileLinker()
         m_thread.join();
 }
 
-bool FileLinker::add(const UnnamedFile& file)
+bool FileNamer::add(const UnnamedFile& file)
 {
     constexpr std::size_t batch = 16;
     m_gathered.push_back(file);
@@ -90,7 +90,7 @@ bool FileLinker::add(const UnnamedFile& file)
     return !m_failed;
 }
 
-FileLinker::Outcome FileLinker::drain()
+FileNamer::Outcome FileNamer::drain()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     m_changed.wait(lock, [this] { return m_handedOver.empty() && !m_working; });
@@ -101,7 +101,7 @@ FileLinker::Outcome FileLinker::drain()
     return std::exchange(m_outcome, {});
 }
 
-void FileLinker::work()
+void FileNamer::work()
 {
     std::vector<UnnamedFile> files;
     std::unique_lock<std::mutex> lock(m_mutex);
@@ -121,17 +121,17 @@ void FileLinker::work()
     }
 }
 
-void FileLinker::processGathered()
+void FileNamer::processGathered()
 {
     process(m_gathered);
     m_gathered.clear();
 }
 
-void FileLinker::process(const std::vector<UnnamedFile>& files)
+void FileNamer::process(const std::vector<UnnamedFile>& files)
 {
     for (const UnnamedFile& file : files) {
         if (!m_failed && giveName(file) == 0) {
-            ++m_outcome.linked;
+            ++m_outcome.named;
             m_outcome.bytes += file.size;
         } else {
             m_failed = true;

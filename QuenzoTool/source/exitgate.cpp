@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "records/exitgate.h"
+#include "exitgate.h"
 
 #include <QString>
 #include <QtGlobal>
