@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "quenzoprocess.h"
 #include "runroot.h"
 #include "scriptedtools.h"
 #include "terminal.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QtTest>
 
 #include <memory>
@@ -13,19 +12,6 @@ namespace {
 
 constexpr int timeLimitMs = 60000;
 const char* const endOfInput = "\x04";
-
-struct Run {
-    int code = -1;
-    QString output;
-    QString error;
-
-    QJsonObject json() const { return QJsonDocument::fromJson(output.toUtf8()).object(); }
-};
-
-QStringList words(const char* text)
-{
-    return QString::fromUtf8(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-}
 
 } // namespace
 
@@ -67,9 +53,9 @@ private Q_SLOTS:
     void progressIsShownOnATerminal();
 
 private:
-    Run quenzo(const QStringList& arguments);
-    void start(QProcess& process, const Terminal& terminal, const QStringList& arguments);
-    int finish(QProcess& process);
+    static void prepare(QuenzoProcess& process);
+    static Ended quenzo(const QStringList& arguments);
+    static void start(QuenzoProcess& process, const Terminal& terminal);
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_apk;
@@ -91,48 +77,41 @@ void tst_DeviceCommands::init()
     QVERIFY(QFile(m_apk).open(QIODevice::WriteOnly));
 }
 
-Run tst_DeviceCommands::quenzo(const QStringList& arguments)
+// The copy in this root, which finds the scripted programs.
+void tst_DeviceCommands::prepare(QuenzoProcess& process)
 {
-    QProcess process;
-    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quenzo"), arguments);
-    process.closeWriteChannel();
-    const int code = finish(process);
-    return {code, QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+    process.setProgram(QCoreApplication::applicationDirPath() + QStringLiteral("/quenzo"));
 }
 
-void tst_DeviceCommands::start(QProcess& process, const Terminal& terminal, const QStringList& arguments)
+Ended tst_DeviceCommands::quenzo(const QStringList& arguments)
 {
+    QuenzoProcess process(arguments);
+    prepare(process);
+    return process.end();
+}
+
+void tst_DeviceCommands::start(QuenzoProcess& process, const Terminal& terminal)
+{
+    prepare(process);
     process.setStandardInputFile(terminal.path());
     process.setStandardErrorFile(terminal.path());
-    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quenzo"), arguments);
+    process.start();
     QVERIFY(process.waitForStarted(timeLimitMs));
-}
-
-// The exit code, or -1 for a crash, or for a program that does not end.
-int tst_DeviceCommands::finish(QProcess& process)
-{
-    if (!process.waitForFinished(timeLimitMs)) {
-        process.kill();
-        process.waitForFinished();
-        return -1;
-    }
-    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
 void tst_DeviceCommands::devicesArePrinted()
 {
-    Run run = quenzo({QStringLiteral("devices")});
+    Ended run = quenzo({QStringLiteral("devices")});
     QCOMPARE(run.code, 0);
-    QCOMPARE(run.output, QString());
-    QCOMPARE(run.error, QStringLiteral("quenzo: no device is ready\n"));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.error, QByteArray("quenzo: no device is ready\n"));
 
     ScriptedTools::attach(
         {QStringLiteral("b c"), QStringLiteral("0\toffline"), QStringLiteral("10.0.0.1:5555")});
     run = quenzo({QStringLiteral("devices")});
     QCOMPARE(run.code, 0);
-    QCOMPARE(run.output, QStringLiteral("b c\n10.0.0.1:5555\n"));
-    QCOMPARE(run.error, QString());
+    QCOMPARE(run.output, QByteArray("b c\n10.0.0.1:5555\n"));
+    QCOMPARE(run.error, QByteArray());
 
     run = quenzo({QStringLiteral("devices"), QStringLiteral("--json")});
     QCOMPARE(run.code, 0);
@@ -146,10 +125,9 @@ void tst_DeviceCommands::inaccessibleDeviceIsNoDevice()
     ScriptedTools::attach(
         {QStringLiteral("0123\tno permissions; see [http://developer.android.com/tools/device.html]"),
          QStringLiteral("b")});
-    Run run = quenzo({QStringLiteral("devices")});
-    QCOMPARE(run.output, QStringLiteral("b\n"));
-    QVERIFY2(run.error.startsWith(QStringLiteral("quenzo: not usable: 0123 no permissions")),
-             qUtf8Printable(run.error));
+    Ended run = quenzo({QStringLiteral("devices")});
+    QCOMPARE(run.output, QByteArray("b\n"));
+    QVERIFY2(run.error.startsWith("quenzo: not usable: 0123 no permissions"), run.error.constData());
     // The flow sees two: the one that is a device is taken without a question.
     run = quenzo({QStringLiteral("install"), m_apk});
     QCOMPARE(run.code, 0);
@@ -161,10 +139,10 @@ void tst_DeviceCommands::missingToolIsSaidPlainly()
     ScriptedTools::attach({QStringLiteral("a")});
     for (const char* tool : {"aapt", "adb"}) {
         QVERIFY(QFile::remove(RunRoot::path() + QStringLiteral("/tool/mac/") + QLatin1String(tool)));
-        const Run run = quenzo({QStringLiteral("install"), m_apk});
+        const Ended run = quenzo({QStringLiteral("install"), m_apk});
         QCOMPARE(run.code, 1);
-        const QString wanted = QStringLiteral("quenzo: the program %1 is missing").arg(QLatin1String(tool));
-        QVERIFY2(run.error.startsWith(wanted), qUtf8Printable(run.error));
+        const QByteArray wanted = QByteArray("quenzo: the program ") + tool + " is missing";
+        QVERIFY2(run.error.startsWith(wanted), run.error.constData());
     }
     QCOMPARE(quenzo({QStringLiteral("devices")}).code, 1);
     QCOMPARE(quenzo({QStringLiteral("package-name"), m_apk}).code, 1);
@@ -175,20 +153,19 @@ void tst_DeviceCommands::brokenToolIsSaidPlainly()
 {
     ScriptedTools::answer(QStringLiteral("version"),
                           "echo 'the program was not found on the PATH' >&2; exit 127");
-    const Run run = quenzo({QStringLiteral("devices"), QStringLiteral("--json")});
+    const Ended run = quenzo({QStringLiteral("devices"), QStringLiteral("--json")});
     QCOMPARE(run.code, 1);
-    QVERIFY2(
-        run.error.trimmed().endsWith(QStringLiteral("does not work: the program was not found on the PATH")),
-        qUtf8Printable(run.error));
+    QVERIFY2(run.error.trimmed().endsWith("does not work: the program was not found on the PATH"),
+             run.error.constData());
     QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(true), false);
     QVERIFY(run.json().value(QStringLiteral("error")).toString().contains(QStringLiteral("/tool/mac/adb")));
 }
 
 void tst_DeviceCommands::packageNameIsPrinted()
 {
-    Run run = quenzo({QStringLiteral("package-name"), m_apk});
+    Ended run = quenzo({QStringLiteral("package-name"), m_apk});
     QCOMPARE(run.code, 0);
-    QCOMPARE(run.output, QStringLiteral("org.example.game\n"));
+    QCOMPARE(run.output, QByteArray("org.example.game\n"));
     QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("aapt <d><badging><%1>").arg(m_apk));
     run = quenzo({QStringLiteral("package-name"), m_apk, QStringLiteral("--json")});
     QCOMPARE(run.json().value(QStringLiteral("package")).toString(), QStringLiteral("org.example.game"));
@@ -198,29 +175,28 @@ void tst_DeviceCommands::unusableApkIsRefused_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QByteArray>("badging");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("no file") << QStringLiteral("none.apk") << QByteArray(":")
-                             << QStringLiteral("no such file");
-    QTest::newRow("a folder") << QStringLiteral(".") << QByteArray(":") << QStringLiteral("no such file");
+    QTest::addColumn<QByteArray>("reason");
+    QTest::newRow("no file") << QStringLiteral("none.apk") << QByteArray(":") << QByteArray("no such file");
+    QTest::newRow("a folder") << QStringLiteral(".") << QByteArray(":") << QByteArray("no such file");
     QTest::newRow("no APK") << QStringLiteral("my game.apk") << QByteArray("echo ERROR >&2; exit 1")
-                            << QStringLiteral("aapt finds no package name");
+                            << QByteArray("aapt finds no package name");
     QTest::newRow("quotation mark") << QStringLiteral("a\"b.apk") << QByteArray(":")
-                                    << QStringLiteral("quotation mark");
+                                    << QByteArray("quotation mark");
 }
 
 void tst_DeviceCommands::unusableApkIsRefused()
 {
     QFETCH(const QString, name);
     QFETCH(const QByteArray, badging);
-    QFETCH(const QString, reason);
+    QFETCH(const QByteArray, reason);
     ScriptedTools::attach({QStringLiteral("a")});
     ScriptedTools::answer(QStringLiteral("d"), badging);
     if (name.contains(QLatin1Char('"')))
         QVERIFY(QFile(m_folder->filePath(name)).open(QIODevice::WriteOnly));
     for (const char* command : {"install", "uninstall", "package-name"}) {
-        const Run run = quenzo({QLatin1String(command), m_folder->filePath(name)});
+        const Ended run = quenzo({QLatin1String(command), m_folder->filePath(name)});
         QCOMPARE(run.code, 1);
-        QVERIFY2(run.error.contains(reason), qUtf8Printable(run.error));
+        QVERIFY2(run.error.contains(reason), run.error.constData());
     }
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
 }
@@ -228,10 +204,10 @@ void tst_DeviceCommands::unusableApkIsRefused()
 void tst_DeviceCommands::installReportsItsSuccess()
 {
     ScriptedTools::attach({QStringLiteral("a")});
-    Run run = quenzo({QStringLiteral("install"), m_apk});
+    Ended run = quenzo({QStringLiteral("install"), m_apk});
     QCOMPARE(run.code, 0);
-    QCOMPARE(run.output, QStringLiteral("Installation is complete!\n"));
-    QCOMPARE(run.error, QString());
+    QCOMPARE(run.output, QByteArray("Installation is complete!\n"));
+    QCOMPARE(run.error, QByteArray());
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")),
              QStringList({QStringLiteral("adb <uninstall><org.example.game>"),
                           QStringLiteral("adb <install><-r><%1>").arg(m_apk)}));
@@ -271,9 +247,9 @@ void tst_DeviceCommands::refusalIsExplained()
     QFETCH(const QString, text);
     ScriptedTools::attach({QStringLiteral("a")});
     ScriptedTools::answer(QStringLiteral("install"), "echo P; echo 'Failure [" + key + "]'");
-    const Run run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
+    const Ended run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
     QCOMPARE(run.code, 1);
-    QCOMPARE(run.error, QStringLiteral("quenzo: %1\n").arg(text));
+    QCOMPARE(run.error, QStringLiteral("quenzo: %1\n").arg(text).toUtf8());
     QCOMPARE(run.json().value(QStringLiteral("error")).toString(), text);
     QCOMPARE(run.json().value(QStringLiteral("errorKey")).toString(), QString::fromUtf8(key));
     QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(true), false);
@@ -282,17 +258,17 @@ void tst_DeviceCommands::refusalIsExplained()
 void tst_DeviceCommands::uninstallReportsItsOutcome()
 {
     ScriptedTools::attach({QStringLiteral("a")});
-    Run run = quenzo({QStringLiteral("uninstall"), m_apk});
+    Ended run = quenzo({QStringLiteral("uninstall"), m_apk});
     QCOMPARE(run.code, 0);
-    QCOMPARE(run.output, QStringLiteral("Uninstall successful!\n"));
+    QCOMPARE(run.output, QByteArray("Uninstall successful!\n"));
     ScriptedTools::answer(QStringLiteral("uninstall"), "echo 'Failure [DELETE_FAILED_INTERNAL_ERROR]'");
     run = quenzo({QStringLiteral("uninstall"), m_apk});
     QCOMPARE(run.code, 1);
-    QCOMPARE(run.error, QStringLiteral("quenzo: Uninstallation failed (app may not exist)!\n"));
+    QCOMPARE(run.error, QByteArray("quenzo: Uninstallation failed (app may not exist)!\n"));
     ScriptedTools::answer(QStringLiteral("uninstall"), "echo 'own words' >&2; kill -9 $$");
     run = quenzo({QStringLiteral("uninstall"), m_apk});
     QCOMPARE(run.code, 1);
-    QCOMPARE(run.error, QStringLiteral("quenzo: own words\n"));
+    QCOMPARE(run.error, QByteArray("quenzo: own words\n"));
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<install>")), QStringList());
 }
 
@@ -300,11 +276,11 @@ void tst_DeviceCommands::severalDevicesInAPipeAreListed()
 {
     ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b c")});
     for (const char* command : {"install", "uninstall"}) {
-        const Run run = quenzo({QLatin1String(command), m_apk});
+        const Ended run = quenzo({QLatin1String(command), m_apk});
         QCOMPARE(run.code, 1);
         QCOMPARE(
             run.error,
-            QStringLiteral("quenzo: several devices are ready: choose one by --device.\n  1  a\n  2  b c\n"));
+            QByteArray("quenzo: several devices are ready: choose one by --device.\n  1  a\n  2  b c\n"));
     }
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
 }
@@ -313,7 +289,7 @@ void tst_DeviceCommands::namedDeviceIsTaken()
 {
     const QString serial = QStringLiteral("10.0.0.1:5555");
     ScriptedTools::attach({QStringLiteral("a"), serial});
-    const Run run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--device"), serial});
+    const Ended run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--device"), serial});
     QCOMPARE(run.code, 0);
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")),
              QStringList({QStringLiteral("adb <-s><10.0.0.1:5555><uninstall><org.example.game>"),
@@ -324,7 +300,7 @@ void tst_DeviceCommands::serialWithBlanksIsTaken()
 {
     const QString serial = QStringLiteral("my (2) phone");
     ScriptedTools::attach({QStringLiteral("a"), serial});
-    const Run run = quenzo({QStringLiteral("uninstall"), m_apk, QStringLiteral("--device"), serial});
+    const Ended run = quenzo({QStringLiteral("uninstall"), m_apk, QStringLiteral("--device"), serial});
     QCOMPARE(run.code, 0);
     QCOMPARE(ScriptedTools::calls().last(),
              QStringLiteral("adb <-s><my (2) phone><uninstall><org.example.game>"));
@@ -333,13 +309,13 @@ void tst_DeviceCommands::serialWithBlanksIsTaken()
 void tst_DeviceCommands::otherDeviceThanTheOnlyOneIsRefused()
 {
     ScriptedTools::attach({QStringLiteral("a")});
-    const Run run =
+    const Ended run =
         quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--device"), QStringLiteral("b")});
     QCOMPARE(run.code, 1);
-    QCOMPARE(run.error, QStringLiteral("quenzo: the device b is not ready. Ready:\n  1  a\n"));
+    QCOMPARE(run.error, QByteArray("quenzo: the device b is not ready. Ready:\n  1  a\n"));
     ScriptedTools::attach({});
     QCOMPARE(quenzo({QStringLiteral("install"), m_apk}).error,
-             QStringLiteral("quenzo: no device is ready: connect one, unlock it and allow debugging\n"));
+             QByteArray("quenzo: no device is ready: connect one, unlock it and allow debugging\n"));
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
 }
 
@@ -369,11 +345,10 @@ void tst_DeviceCommands::silenceEndsByTimeOut()
 {
     ScriptedTools::attach({QStringLiteral("a")});
     ScriptedTools::answer(QStringLiteral("install"), "echo P; echo 'Error: no code'");
-    const Run run =
+    const Ended run =
         quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("1")});
     QCOMPARE(run.code, 1);
-    QVERIFY2(run.error.startsWith(QStringLiteral("quenzo: no outcome was reported within 1 s.")),
-             qUtf8Printable(run.error));
+    QVERIFY2(run.error.startsWith("quenzo: no outcome was reported within 1 s."), run.error.constData());
 }
 
 void tst_DeviceCommands::programThatCannotStartEndsByTimeOut()
@@ -383,11 +358,10 @@ void tst_DeviceCommands::programThatCannotStartEndsByTimeOut()
     ScriptedTools::answer(QStringLiteral("d"),
                           "[ ! -e \"$dir/asked\" ] || chmod -x \"$dir/adb\"; : >\"$dir/asked\"\n"
                           "echo \"package: name='a.b'\"");
-    const Run run =
+    const Ended run =
         quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("1")});
     QCOMPARE(run.code, 1);
-    QVERIFY2(run.error.startsWith(QStringLiteral("quenzo: no outcome was reported within 1 s.")),
-             qUtf8Printable(run.error));
+    QVERIFY2(run.error.startsWith("quenzo: no outcome was reported within 1 s."), run.error.constData());
 }
 
 void tst_DeviceCommands::adbIsGivenTheRemainingTime()
@@ -416,7 +390,7 @@ void tst_DeviceCommands::wrongTimeOutIsAUsageError_data()
 void tst_DeviceCommands::wrongTimeOutIsAUsageError()
 {
     QFETCH(const QString, value);
-    const Run run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout=") + value});
+    const Ended run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout=") + value});
     QCOMPARE(run.code, 2);
     QCOMPARE(ScriptedTools::calls(), QStringList());
 }
@@ -424,12 +398,12 @@ void tst_DeviceCommands::wrongTimeOutIsAUsageError()
 void tst_DeviceCommands::helpSaysThatDataGo()
 {
     for (const char* command : {"install", "uninstall"}) {
-        const Run run = quenzo({QLatin1String(command), QStringLiteral("--help")});
+        const Ended run = quenzo({QLatin1String(command), QStringLiteral("--help")});
         QCOMPARE(run.code, 0);
-        QVERIFY2(run.output.contains(QStringLiteral("data")), qUtf8Printable(run.output));
+        QVERIFY2(run.output.contains("data"), run.output.constData());
     }
     QVERIFY(quenzo({QStringLiteral("install"), QStringLiteral("--help")})
-                .output.contains(QStringLiteral("always removed first, with all its data")));
+                .output.contains("always removed first, with all its data"));
     QCOMPARE(quenzo({QStringLiteral("install")}).code, 2);
     QCOMPARE(quenzo({QStringLiteral("devices"), QStringLiteral("x")}).code, 2);
 }
@@ -438,13 +412,14 @@ void tst_DeviceCommands::deviceIsChosenByNumberOnATerminal()
 {
     ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b c")});
     Terminal terminal;
-    QProcess process;
-    start(process, terminal, words("uninstall") << m_apk);
+    QuenzoProcess process(QuenzoProcess::words("uninstall") << m_apk);
+    start(process, terminal);
     QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("Number of the device:"), timeLimitMs);
     QVERIFY2(terminal.shown().contains("  1  a\r\n  2  b c\r\n"), terminal.shown().constData());
     terminal.type("3\nx\n2\n");
-    QCOMPARE(finish(process), 0);
-    QCOMPARE(process.readAllStandardOutput(), QByteArray("Uninstall successful!\n"));
+    const Ended ended = process.end();
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(ended.output, QByteArray("Uninstall successful!\n"));
     QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><b c><uninstall><org.example.game>"));
 }
 
@@ -453,11 +428,11 @@ void tst_DeviceCommands::noChoiceChangesNothing()
     ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b")});
     for (const char* answer : {"\n", endOfInput}) {
         Terminal terminal;
-        QProcess process;
-        start(process, terminal, words("install") << m_apk);
+        QuenzoProcess process(QuenzoProcess::words("install") << m_apk);
+        start(process, terminal);
         QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("Number of the device:"), timeLimitMs);
         terminal.type(answer);
-        QCOMPARE(finish(process), 1);
+        QCOMPARE(process.end().code, 1);
         QVERIFY2(terminal.shown().contains("no device was chosen"), terminal.shown().constData());
     }
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
@@ -467,13 +442,13 @@ void tst_DeviceCommands::installIsConfirmedOnATerminal()
 {
     ScriptedTools::attach({QStringLiteral("a")});
     Terminal terminal;
-    QProcess process;
-    start(process, terminal, words("install") << m_apk);
+    QuenzoProcess process(QuenzoProcess::words("install") << m_apk);
+    start(process, terminal);
     QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
     QVERIFY2(terminal.shown().contains("org.example.game and its data are removed from a"),
              terminal.shown().constData());
     terminal.type("Y\n");
-    QCOMPARE(finish(process), 0);
+    QCOMPARE(process.end().code, 0);
     QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <install><-r><%1>").arg(m_apk));
 }
 
@@ -482,11 +457,11 @@ void tst_DeviceCommands::refusedConfirmationChangesNothing()
     ScriptedTools::attach({QStringLiteral("a")});
     for (const char* answer : {"n\n", "\n", endOfInput}) {
         Terminal terminal;
-        QProcess process;
-        start(process, terminal, words("install") << m_apk);
+        QuenzoProcess process(QuenzoProcess::words("install") << m_apk);
+        start(process, terminal);
         QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
         terminal.type(answer);
-        QCOMPARE(finish(process), 1);
+        QCOMPARE(process.end().code, 1);
         QVERIFY2(terminal.shown().contains("nothing was changed"), terminal.shown().constData());
     }
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
@@ -496,9 +471,9 @@ void tst_DeviceCommands::yesIsNotAsked()
 {
     ScriptedTools::attach({QStringLiteral("a")});
     Terminal terminal;
-    QProcess process;
-    start(process, terminal, words("install --yes") << m_apk);
-    QCOMPARE(finish(process), 0);
+    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    start(process, terminal);
+    QCOMPARE(process.end().code, 0);
     QVERIFY2(!terminal.shown().contains("[y/N]"), terminal.shown().constData());
 }
 
@@ -507,13 +482,14 @@ void tst_DeviceCommands::progressIsShownOnATerminal()
     ScriptedTools::attach({QStringLiteral("a")});
     ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
     Terminal terminal;
-    QProcess process;
-    start(process, terminal, words("install --yes") << m_apk);
+    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    start(process, terminal);
     QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("\\ installing on a"), timeLimitMs);
     ScriptedTools::openGate();
-    QCOMPARE(finish(process), 0);
+    const Ended ended = process.end();
+    QCOMPARE(ended.code, 0);
     QVERIFY2(terminal.shown().endsWith("\r\033[K"), terminal.shown().constData());
-    QCOMPARE(process.readAllStandardOutput(), QByteArray("Installation is complete!\n"));
+    QCOMPARE(ended.output, QByteArray("Installation is complete!\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_DeviceCommands)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
+#include "quenzoprocess.h"
+#include "terminal.h"
+
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -10,18 +10,7 @@
 
 namespace {
 
-constexpr int timeLimitMs = 60000;
-
-struct Ended {
-    int code = -1;
-    QByteArray output;
-    QByteArray error;
-};
-
-QStringList words(const char* text)
-{
-    return QString::fromLatin1(text).split(QLatin1Char(' '));
-}
+const auto& words = QuenzoProcess::words;
 
 } // namespace
 
@@ -38,6 +27,8 @@ private Q_SLOTS:
     void closedInputIsAtItsEnd();
     void closedStreamsHarmNothing();
     void inputThatCannotBeReadIsAFailure();
+    void unknownCommandsAreShownEscaped();
+    void resultsSteerNoTerminal();
 
 private:
     QString path() const { return m_folder.filePath(QStringLiteral("records.db")); }
@@ -64,18 +55,12 @@ void tst_HostStreams::initTestCase()
 
 Ended tst_HostStreams::quenzo(const QStringList& arguments, const QString& redirection) const
 {
-    QProcess process;
-    process.setWorkingDirectory(m_folder.path());
     const QString command = QStringLiteral("exec \"$0\" \"$@\" ") + redirection;
-    process.start(QStringLiteral("/bin/sh"),
-                  QStringList{QStringLiteral("-c"), command, QStringLiteral(QUENZO_PROGRAM)} + arguments);
-    const bool ended = process.waitForFinished(timeLimitMs);
-    if (!ended) {
-        process.kill();
-        process.waitForFinished();
-    }
-    return {ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            process.readAllStandardOutput(), process.readAllStandardError()};
+    QuenzoProcess process(QStringList{QStringLiteral("-c"), command, QStringLiteral(QUENZO_PROGRAM)}
+                              + arguments,
+                          m_folder.path());
+    process.setProgram(QStringLiteral("/bin/sh"));
+    return process.end();
 }
 
 void tst_HostStreams::fullOutputIsAFailure_data()
@@ -134,6 +119,30 @@ void tst_HostStreams::inputThatCannotBeReadIsAFailure()
     const Ended ended = quenzo(words("db --file records.db insert channel"), QStringLiteral("< ."));
     QCOMPARE(ended.code, 1);
     QVERIFY2(ended.error.contains("the standard input cannot be read"), ended.error.constData());
+}
+
+void tst_HostStreams::unknownCommandsAreShownEscaped()
+{
+    const Ended ended = QuenzoProcess({QStringLiteral("copy\x1b]0;title\x07")}).end();
+    QCOMPARE(ended.code, 2);
+    QVERIFY2(ended.error.contains(R"('copy\x1b]0;title\x07')"), ended.error.constData());
+}
+
+void tst_HostStreams::resultsSteerNoTerminal()
+{
+    const QString text = QStringLiteral("two\nlines \x1b[2J ") + QChar(0x9b) + QStringLiteral("2J");
+    const QByteArray scrambled = QuenzoProcess({QStringLiteral("encode"), text}).end().output.trimmed();
+    const QStringList decode{QStringLiteral("decode"), QString::fromUtf8(scrambled)};
+    QCOMPARE(QuenzoProcess(decode).end().output, text.toUtf8() + '\n');
+    const Ended json = QuenzoProcess(decode + words("--json")).end();
+    QCOMPARE(json.json().value(QStringLiteral("text")).toString(), text);
+    QVERIFY(!QString::fromUtf8(json.output).contains(QChar(0x9b)));
+
+    Terminal terminal;
+    QuenzoProcess process(decode);
+    process.setStandardOutputFile(terminal.path());
+    QCOMPARE(process.end().code, 0);
+    QCOMPARE(terminal.shown(), QByteArray("two\r\nlines \\x1b[2J \\x9b2J\r\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_HostStreams)

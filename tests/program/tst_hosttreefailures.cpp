@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: MIT
+// Why the tree commands of the program "quenzo" fail, as they tell it.
+#include "treefiles.h"
+#include "treescene.h"
+
+#include <QtTest>
+
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using TreeFiles::exists;
+using TreeFiles::write;
+
+class tst_HostTreeFailures : public QObject, private TreeScene {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { open(); }
+    void cleanup() { close(); }
+
+    void failedOutputNamesTheFileFromTheLog();
+    void failedCopyNamesTheEntry();
+    void failuresTellTheirCause_data();
+    void failuresTellTheirCause();
+    void failedOutputTellsWhatBlocksAFolder();
+    void failedOutputTellsWhatBlocksTheInnerFolder();
+    void forgedLogEntriesAreNotBelieved();
+    void fullDisksAreTold();
+    void missingRightsAreTold();
+    void uselessCallsAreExplained_data();
+    void uselessCallsAreExplained();
+    void workThatCannotStartIsReported_data();
+    void workThatCannotStartIsReported();
+    void aDeletedCurrentFolderIsNotTheRoot_data();
+    void aDeletedCurrentFolderIsNotTheRoot();
+    void emptyNamesAreRefused();
+};
+
+void tst_HostTreeFailures::uselessCallsAreExplained_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<QByteArray>("reason");
+    const auto row = [](const char* tag, const char* call, const char* reason) {
+        QTest::newRow(tag) << QString::fromLatin1(call) << QByteArray(reason);
+    };
+    row("missing source", "copy missing target", "there is no folder");
+    row("missing source of a cut", "cut missing target", "there is no folder");
+    row("missing source of an output", "output missing target", "there is no folder");
+    row("file as source", "copy source/file target", "is not a folder");
+    row("file as target", "copy source source/file", "is not a folder");
+    row("same folder", "copy source ./source/", "are the same folder");
+    row("same folder by a link", "output source alias", "are the same folder");
+    row("target inside", "cut source source/inner", "is inside");
+    row("target inside a link", "copy source alias/inner", "is inside");
+    row("missing parent", "cut source a/b", "does not exist");
+    row("missing parent of output", "output source a/b", "does not exist");
+    row("remove nothing", "remove missing", "there is no folder");
+    row("remove a file", "remove source/file", "is not a folder");
+    row("remove a link", "remove alias", "is a link");
+    row("remove here", "remove .", "current folder");
+    row("remove everything", "remove /", "current folder");
+}
+
+void tst_HostTreeFailures::uselessCallsAreExplained()
+{
+    QFETCH(QString, call);
+    QFETCH(QByteArray, reason);
+    write(m_root + "/source/file", "kept");
+    TreeFiles::makeLink("source", m_root + "/alias");
+    const auto before = TreeFiles::content(m_root);
+    const Ended outcome = run(call.split(QLatin1Char(' ')) << QStringLiteral("--json"));
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.error.startsWith("quenzo: "), outcome.error.constData());
+    QVERIFY2(outcome.error.contains(reason), outcome.error.constData());
+    QVERIFY(outcome.json().value(QStringLiteral("error")).toString().toUtf8().contains(reason));
+    QCOMPARE(outcome.json().value(QStringLiteral("ok")), QJsonValue(false));
+    QCOMPARE(TreeFiles::content(m_root), before);
+}
+
+void tst_HostTreeFailures::failedOutputNamesTheFileFromTheLog()
+{
+    write(m_root + "/source/folder/file");
+    TreeFiles::makeLink("nowhere", m_root + "/source/folder/link");
+    const Ended outcome = run("output source target");
+    QCOMPARE(outcome.code, 1);
+    const QString expected =
+        QStringLiteral("quenzo: '%1/source/folder/link' could not be copied to '%1/target/folder/link': "
+                       "the link leads nowhere\n")
+            .arg(folder());
+    QCOMPARE(QString::fromUtf8(outcome.error), expected);
+}
+
+void tst_HostTreeFailures::failedCopyNamesTheEntry()
+{
+    write(m_root + "/source/file");
+    const QByteArray pipe = m_root + "/source/pipe";
+    QCOMPARE(mkfifo(pipe.constData(), 0644), 0);
+    const Ended outcome = run("copy source target");
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.error.contains("/source/pipe' could not be copied"), outcome.error.constData());
+    QVERIFY2(outcome.error.contains("it is neither a file nor a folder"), outcome.error.constData());
+}
+
+void tst_HostTreeFailures::aDeletedCurrentFolderIsNotTheRoot_data()
+{
+    QTest::addColumn<QString>("call");
+    for (const char* call : {"remove quenzo-none", "cut quenzo-none /tmp", "copy quenzo-none /tmp",
+                             "output quenzo-none /tmp", "copy /tmp quenzo-none"})
+        QTest::newRow(call) << QString::fromLatin1(call);
+}
+
+void tst_HostTreeFailures::aDeletedCurrentFolderIsNotTheRoot()
+{
+    QFETCH(QString, call);
+    const QByteArray here = m_root + "/here";
+    const Ended outcome = run(call.split(QLatin1Char(' ')), [here] {
+        if (mkdir(here.constData(), 0755) != 0 || chdir(here.constData()) != 0
+            || rmdir(here.constData()) != 0)
+            _exit(127);
+    });
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.error.contains("the current folder is gone"), outcome.error.constData());
+    QVERIFY(!exists("/quenzo-none"));
+}
+
+void tst_HostTreeFailures::emptyNamesAreRefused()
+{
+    write(m_root + "/file");
+    const Ended outcome = run({QStringLiteral("cut"), QString(), QStringLiteral("/tmp")});
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.error.contains("is empty"), outcome.error.constData());
+    QVERIFY(exists(m_root + "/file"));
+}
+
+void tst_HostTreeFailures::workThatCannotStartIsReported_data()
+{
+    QTest::addColumn<QString>("call");
+    for (const char* call :
+         {"copy source target", "cut source target", "output source target", "remove source"})
+        QTest::newRow(call) << QString::fromLatin1(call);
+}
+
+void tst_HostTreeFailures::workThatCannotStartIsReported()
+{
+    QFETCH(QString, call);
+    write(m_root + "/source/file");
+    giveToPlainUser();
+    const auto before = TreeFiles::content(m_root);
+    const Ended outcome = run(call.split(QLatin1Char(' ')), [] {
+        QuenzoProcess::becomePlainUser();
+        const struct rlimit one {
+            1, 1
+        };
+        setrlimit(RLIMIT_NPROC, &one);
+    });
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.error.contains("quenzo: no thread could be started"), outcome.error.constData());
+    QCOMPARE(TreeFiles::content(m_root), before);
+}
+
+void tst_HostTreeFailures::failuresTellTheirCause_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<QString>("cause");
+    for (const char* operation : {"copy", "cut", "output"}) {
+        const auto row = [operation](const char* folder, const char* entry, const char* cause) {
+            QTest::addRow("%s, %s", operation, folder)
+                << QStringLiteral("%1 %2 target").arg(QLatin1String(operation), QLatin1String(folder))
+                << QString::fromLatin1(entry) << QString::fromLatin1(cause);
+        };
+        row("dangling", "dangling/link", "the link leads nowhere");
+        row("special", "special/pipe", "it is neither a file nor a folder");
+        row("blocked", "blocked/x", "something that is no folder stands in its place");
+        row("overlaid", "overlaid/y", "a folder stands in its place");
+    }
+    QTest::newRow("copy, link in a circle")
+        << QStringLiteral("copy circle target") << QStringLiteral("circle/link")
+        << QStringLiteral("the link leads back to a folder that holds it");
+    QTest::newRow("output, link to the target")
+        << QStringLiteral("output upward target") << QStringLiteral("upward/link")
+        << QStringLiteral("the link leads to the target, or to a folder that holds it");
+    QTest::newRow("copy, link to the target")
+        << QStringLiteral("copy upward target") << QStringLiteral("upward/link")
+        << QStringLiteral("the link leads to the target, or to a folder that holds it");
+}
+
+void tst_HostTreeFailures::failuresTellTheirCause()
+{
+    QFETCH(QString, call);
+    QFETCH(QString, entry);
+    QFETCH(QString, cause);
+    write(m_root + "/target/x", "a file");
+    write(m_root + "/target/y/file", "in a folder");
+    for (const char* folder : {"/dangling", "/special", "/circle", "/upward"})
+        TreeFiles::makeFolder(m_root + folder);
+    TreeFiles::makeLink("nowhere", m_root + "/dangling/link");
+    const QByteArray pipe = m_root + "/special/pipe";
+    QCOMPARE(mkfifo(pipe.constData(), 0644), 0);
+    write(m_root + "/blocked/x/file");
+    write(m_root + "/overlaid/y");
+    TreeFiles::makeLink(".", m_root + "/circle/link");
+    TreeFiles::makeLink("../target", m_root + "/upward/link");
+    const Ended outcome = run(call.split(QLatin1Char(' ')));
+    QCOMPARE(outcome.code, 1);
+    const QString name = entry.mid(entry.indexOf(QLatin1Char('/')));
+    QCOMPARE(QString::fromUtf8(outcome.error),
+             QStringLiteral("quenzo: '%1/%2' could not be copied to '%1/target%3': %4\n")
+                 .arg(folder(), entry, name, cause));
+}
+
+void tst_HostTreeFailures::failedOutputTellsWhatBlocksAFolder()
+{
+    write(m_root + "/source/Log/file", "stays");
+    write(m_root + "/source/x/file");
+    write(m_root + "/target/x", "in the way");
+    const Ended outcome = run("output source target --leave log");
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.error.contains("/source/x' could not be copied"), outcome.error.constData());
+}
+
+// The failure to move the output folder's own files inwards is logged, too, but ends nothing.
+void tst_HostTreeFailures::failedOutputTellsWhatBlocksTheInnerFolder()
+{
+    write(m_root + "/source/out/out", "in the way");
+    write(m_root + "/source/out/old");
+    const Ended outcome = run("output source source/out");
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.error.contains("/source/out' could not be copied"), outcome.error.constData());
+    QVERIFY2(outcome.error.contains("something that is no folder stands in its place"),
+             outcome.error.constData());
+}
+
+void tst_HostTreeFailures::forgedLogEntriesAreNotBelieved()
+{
+    TreeFiles::makeFolder(m_root + "/source");
+    TreeFiles::makeLink("nowhere", m_root + "/source/a\r\nDest:evil");
+    const Ended outcome = run("output source target");
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.error.contains(R"(/target/a\r\nDest:evil': the link leads nowhere)"),
+             outcome.error.constData());
+}
+
+void tst_HostTreeFailures::fullDisksAreTold()
+{
+    const QByteArray target = m_root + "/target";
+    TreeFiles::makeFolder(target);
+    if (mount("none", target.constData(), "tmpfs", 0, "size=1m") != 0)
+        QSKIP("only root can mount a small file system");
+    write(m_root + "/source/large", QByteArray(2 << 20, 'x'));
+    const Ended outcome = run("copy source target");
+    QCOMPARE(umount(target.constData()), 0);
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.error.contains("/source/large' could not be copied"), outcome.error.constData());
+    QVERIFY2(outcome.error.contains("there is no room for it"), outcome.error.constData());
+}
+
+void tst_HostTreeFailures::missingRightsAreTold()
+{
+    write(m_root + "/source/file");
+    write(m_root + "/source/sub/file");
+    write(m_root + "/target/sub/other");
+    giveToPlainUser();
+    const QByteArray file = m_root + "/source/file";
+    const QByteArray folder = m_root + "/target/sub";
+    chmod(folder.constData(), 0555);
+    const Ended closed = runPlainly("output source target");
+    QCOMPARE(closed.code, 1);
+    QVERIFY2(closed.error.contains("no right to write to the folder"), closed.error.constData());
+    chmod(folder.constData(), 0755);
+    write(file);
+    giveToPlainUser();
+    chmod(file.constData(), 0);
+    const Ended unreadable = runPlainly("copy source target");
+    QCOMPARE(unreadable.code, 1);
+    QVERIFY2(unreadable.error.contains("/source/file' could not be copied"), unreadable.error.constData());
+    QVERIFY2(unreadable.error.contains("there is no right to read it"), unreadable.error.constData());
+}
+
+QTEST_GUILESS_MAIN(tst_HostTreeFailures)
+#include "tst_hosttreefailures.moc"
