@@ -6,8 +6,8 @@
 #include <QString>
 
 /**
- * Writes a debug message under a fixed context, in every build. Hosts and logs know the messages by file, line
- * and function: where a line is a number, it stays whatever becomes of the source.
+ * Writes a debug message under a fixed context, in every build. Hosts and logs know the messages by file,
+ * line and function: where a line is a number, it stays whatever becomes of the source.
  *
  * @param file like "QuenzoTool/source/dbhelper"
  */
@@ -15,8 +15,8 @@ void writeMessage(const char* file, int line, const char* function, const QStrin
 
 /**
  * Causes of failures, told by the place that knows them: "quenzo.trees" and so on. A host that has not
- * switched a category on sees nothing of it. Never destroyed: workers may still write while the process leaves
- * main.
+ * switched a category on sees nothing of it. Never destroyed: workers may still write while the process
+ * leaves main.
  */
 const QLoggingCategory& treesLog();
 const QLoggingCategory& recordsLog();
