@@ -66,8 +66,8 @@ private:
  * Ownership: an object owns the result of its last call until a reader or releaseObj() takes it. Read (or
  * release) each result before the next call and before the object goes: a result not read is never released.
  *
- * A script's failure is never thrown or printed. It shows as the reader's empty value; messages at debug
- * level in Qt's log name its cause.
+ * A script's failure is never thrown or printed. It shows as the reader's empty value. The exception's type
+ * and text go to the logging category "quenzo.scripts", which is off until the host switches it on.
  *
  * @since 1.0
  */

@@ -16,31 +16,53 @@
 
 namespace {
 
-// Messages gathered while the interpreter lock is held and written after it was given back: a message handler
-// may itself wait for the interpreter.
-class DeferredMessages {
+// What a script call has to say, gathered while the interpreter lock is held and written after it was given
+// back: a message handler may itself wait for the interpreter.
+class CallMessages {
 public:
-    explicit DeferredMessages(const char* function)
+    explicit CallMessages(const char* function)
         : m_function(function)
     {
     }
-    ~DeferredMessages()
+    ~CallMessages()
     {
         for (const Message& message : qAsConst(m_messages))
             writeMessage("QuenzoTool/source/pythonforqt", message.line, m_function, message.text);
+        if (!m_cause.isEmpty())
+            qCWarning(scriptsLog, "%s", qUtf8Printable(m_cause));
     }
-    DeferredMessages(const DeferredMessages&) = delete;
-    DeferredMessages& operator=(const DeferredMessages&) = delete;
+    CallMessages(const CallMessages&) = delete;
+    CallMessages& operator=(const CallMessages&) = delete;
 
     void add(int line, const QString& text) { m_messages.append({line, text}); }
+
+    // Takes the pending exception off; its text, for which code of the script may run, only if somebody wants
+    // to know.
+    void addCause(const QString& failure)
+    {
+        if (scriptsLog().isWarningEnabled())
+            m_cause = failure + QStringLiteral(": ") + errorText();
+        else
+            PyErr_Clear();
+    }
 
 private:
     struct Message {
         int line;
         QString text;
     };
+
+    static QString errorText()
+    {
+        const bool byLocale = PyErr_ExceptionMatches(PyExc_UnicodeEncodeError) != 0
+            && qstricmp(Py_FileSystemDefaultEncoding, "UTF-8") != 0;
+        const QString error = takePythonError();
+        return byLocale ? error + QStringLiteral(" (a folder in sys.path needs a UTF-8 locale)") : error;
+    }
+
     const char* m_function;
     QVector<Message> m_messages;
+    QString m_cause;
 };
 
 // A statement of the start-up with its place filled in; the texts are in the translation context as they
@@ -55,14 +77,6 @@ bool holdsInterpreterLock()
 {
     const PyThreadState* const own = PyGILState_GetThisThreadState();
     return own != nullptr && own == _PyThreadState_Current;
-}
-
-QString importError()
-{
-    const bool byLocale = PyErr_ExceptionMatches(PyExc_UnicodeEncodeError) != 0
-        && qstricmp(Py_FileSystemDefaultEncoding, "UTF-8") != 0;
-    const QString error = takePythonError();
-    return byLocale ? error + QStringLiteral(" (a folder in sys.path needs a UTF-8 locale)") : error;
 }
 
 QString textOf(PyObject* object)
@@ -138,8 +152,8 @@ bool PythonForQt::initPythonEnv()
 void PythonForQt::callScript(QString scriptPath, QString function, const QList<QVariant>& arguments,
                              bool unload)
 {
-    DeferredMessages messages("void __cdecl PythonForQt::callScript(class QString,class QString,"
-                              "const class QList<class QVariant> &,bool)");
+    CallMessages messages("void __cdecl PythonForQt::callScript(class QString,class QString,"
+                          "const class QList<class QVariant> &,bool)");
     const PyThreadStateLock lock;
     // An error left by the caller, or by an earlier call under the caller's lock, would fail the first
     // statement.
@@ -156,7 +170,7 @@ void PythonForQt::callScript(QString scriptPath, QString function, const QList<Q
     if (module == nullptr) {
         messages.add(__LINE__, QStringLiteral("scriptName: ") + script.completeBaseName());
         messages.add(__LINE__, QStringLiteral("Error:Not Found The File of srcipt"));
-        messages.add(__LINE__, importError());
+        messages.addCause(QStringLiteral("the script '%1' could not be imported").arg(scriptPath));
         return;
     }
     const QByteArray functionName = function.toUtf8();
@@ -164,10 +178,10 @@ void PythonForQt::callScript(QString scriptPath, QString function, const QList<Q
         const PyReference tuple(argumentTuple(arguments));
         pResult = PyEval_CallObjectWithKeywords(callee.get(), tuple.get(), nullptr);
         if (pResult == nullptr)
-            messages.add(__LINE__, takePythonError());
+            messages.addCause(QStringLiteral("%1 of the script '%2' failed").arg(function, scriptPath));
     } else {
         messages.add(__LINE__, QStringLiteral("Error:Function was not found!"));
-        messages.add(__LINE__, takePythonError());
+        messages.addCause(QStringLiteral("the script '%1' has no %2").arg(scriptPath, function));
     }
     if (unload)
         unloadModule(moduleName, module.get());

@@ -7,6 +7,7 @@
 #include <quenzobase.h>
 #include <quenzotool.h>
 
+#include <QLoggingCategory>
 #include <QMap>
 
 #include <atomic>
@@ -182,6 +183,7 @@ extern "C" __attribute__((visibility("default"))) int startAgainUnderTheLock()
 
 int main(int argc, char* argv[])
 {
+    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.scripts=true"));
     const auto way = ways().value(QString::fromLocal8Bit(argc > 1 ? argv[1] : ""));
     if (way == nullptr)
         return 2;

@@ -13,6 +13,13 @@ namespace {
 const QString notFound = QStringLiteral("Error:Not Found The File of srcipt");
 const QString noFunction = QStringLiteral("Error:Function was not found!");
 
+// What a call has said: the messages that every host sees, and the causes, for hosts that want to know.
+struct Said {
+    QStringList messages;
+    QStringList causes;
+    QStringList warnings;
+};
+
 } // namespace
 
 class tst_PythonFailures : public QObject {
@@ -37,8 +44,12 @@ private Q_SLOTS:
     void emptyScriptPathFails();
 
     void messagesCarryTheirContext();
+    void causeIsSilentUnlessSwitchedOn();
+    void causeNamesTheInnermostPlace();
 
 private:
+    Said takeSaid();
+
     std::unique_ptr<MessageLog> m_log;
 };
 
@@ -47,12 +58,25 @@ void tst_PythonFailures::initTestCase()
     RunRoot::clear();
     RunRoot::write(QStringLiteral("tool/mac/Python/init_python_env.py"), "");
     m_log = std::make_unique<MessageLog>();
+    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.scripts=true"));
     QVERIFY(PythonForQt::initPythonEnv());
+}
+
+Said tst_PythonFailures::takeSaid()
+{
+    Said said;
+    const QVector<LoggedMessage> taken = m_log->take();
+    for (const LoggedMessage& message : taken) {
+        const bool isCause = message.category == QLatin1String("quenzo.scripts");
+        QStringList& others = message.type == QtDebugMsg ? said.messages : said.warnings;
+        (isCause ? said.causes : others).append(message.text);
+    }
+    return said;
 }
 
 void tst_PythonFailures::cleanup()
 {
-    QCOMPARE(m_log->takeWarnings(), QStringList());
+    QCOMPARE(takeSaid().warnings, QStringList());
     const PyThreadStateLock lock;
     QVERIFY2(PyErr_Occurred() == nullptr, "an exception is left pending");
 }
@@ -88,13 +112,12 @@ void tst_PythonFailures::failedImport()
     bridge.callScript(script, QStringLiteral("f"), {}, true);
     QVERIFY(bridge.pResult == nullptr);
     QCOMPARE(bridge.getResultAsInt(), -1);
-    const QStringList messages = m_log->takeDebugTexts();
-    QVERIFY2(messages.size() >= 2, qPrintable(messages.join(QLatin1Char('|'))));
-    QCOMPARE(messages.at(0), QStringLiteral("scriptName: ") + moduleOf(script));
-    QCOMPARE(messages.at(1), notFound);
-    if (!cause.isEmpty())
-        QVERIFY2(messages.value(2).startsWith(cause), qPrintable(messages.value(2)));
-    QVERIFY2(!messages.value(2).contains(QStringLiteral("locale")), qPrintable(messages.value(2)));
+    const Said said = takeSaid();
+    QCOMPARE(said.messages, (QStringList{QStringLiteral("scriptName: ") + moduleOf(script), notFound}));
+    QCOMPARE(said.causes.size(), 1);
+    const QString told = QStringLiteral("the script '%1' could not be imported: %2").arg(script, cause);
+    QVERIFY2(said.causes.first().startsWith(told), qPrintable(said.causes.first()));
+    QVERIFY2(!said.causes.first().contains(QStringLiteral("locale")), qPrintable(said.causes.first()));
 
     // The next call has another answer.
     RunRoot::write(QStringLiteral("Script/") + QFileInfo(script).fileName(), "def f(): return 7\n");
@@ -121,9 +144,12 @@ void tst_PythonFailures::missingFunctionKeepsTheResultBefore()
     bridge.callScript(script, QStringLiteral("f"), {}, false);
     m_log->take();
     bridge.callScript(script, QStringLiteral("absent"), {}, false);
-    const QStringList messages = m_log->takeDebugTexts();
-    QCOMPARE(messages.value(0), noFunction);
-    QCOMPARE(messages.value(1), QStringLiteral("AttributeError: 'module' object has no attribute 'absent'"));
+    const Said said = takeSaid();
+    QCOMPARE(said.messages, QStringList{noFunction});
+    QCOMPARE(said.causes,
+             QStringList{QStringLiteral("the script '%1' has no absent: AttributeError: 'module' object has "
+                                        "no attribute 'absent'")
+                             .arg(script)});
     QCOMPARE(bridge.getResultAsInt(), 12);
     QCOMPARE(bridge.getResultAsInt(), -1);
 }
@@ -177,7 +203,11 @@ void tst_PythonFailures::raisingFunction()
     OpenBridge bridge;
     bridge.callScript(script, QStringLiteral("f"), {}, true);
     QVERIFY(bridge.pResult == nullptr);
-    QCOMPARE(m_log->takeDebugTexts(), QStringList{message});
+    const Said said = takeSaid();
+    QCOMPARE(said.messages, QStringList());
+    const QString told = QStringLiteral("f of the script '%1' failed: %2 (").arg(script, message);
+    QVERIFY2(said.causes.size() == 1 && said.causes.first().startsWith(told),
+             qPrintable(said.causes.join(QLatin1Char('|'))));
     QCOMPARE(bridge.getResultAsInt(), -1);
     QCOMPARE(bridge.getResultAsString(), QString());
     QCOMPARE(bridge.getResultAsStrList(), QStringList());
@@ -215,7 +245,11 @@ void tst_PythonFailures::exceptionWhoseTextRaisesIsNamedByType()
     PythonForQt bridge;
     bridge.callScript(script, QStringLiteral("mute"), {}, true);
     bridge.callScript(script, QStringLiteral("number"), {}, true);
-    QCOMPARE(m_log->takeDebugTexts(), (QStringList{QStringLiteral("Mute"), QStringLiteral("Number")}));
+    const QString told = QStringLiteral("%1 of the script '%2' failed: %3 (%2:%4)");
+    QCOMPARE(takeSaid().causes,
+             (QStringList{
+                 told.arg(QStringLiteral("mute"), script, QStringLiteral("Mute"), QStringLiteral("5")),
+                 told.arg(QStringLiteral("number"), script, QStringLiteral("Number"), QStringLiteral("6"))}));
 }
 
 void tst_PythonFailures::pendingExceptionOfTheCallerIsDropped()
@@ -253,8 +287,7 @@ void tst_PythonFailures::emptyScriptPathFails()
     PythonForQt bridge;
     bridge.callScript(QString(), QStringLiteral("f"), {}, true);
     QCOMPARE(bridge.getResultAsInt(), -1);
-    const QStringList messages = m_log->takeDebugTexts();
-    QCOMPARE(messages.value(1), notFound);
+    QCOMPARE(takeSaid().messages.value(1), notFound);
 }
 
 void tst_PythonFailures::messagesCarryTheirContext()
@@ -263,10 +296,13 @@ void tst_PythonFailures::messagesCarryTheirContext()
     bridge.callScript(RunRoot::path() + QStringLiteral("/Script/context/absent.py"), QStringLiteral("f"), {},
                       true);
     bridge.callScript(writeScript("x = 1\n"), QStringLiteral("absent"), {}, true);
-    const QVector<LoggedMessage> messages = m_log->take();
-    QCOMPARE(messages.size(), 5);
-    for (const LoggedMessage& message : messages) {
-        QCOMPARE(message.type, QtDebugMsg);
+    QVector<LoggedMessage> messages;
+    for (const LoggedMessage& message : m_log->take()) {
+        if (message.type == QtDebugMsg)
+            messages.append(message);
+    }
+    QCOMPARE(messages.size(), 3);
+    for (const LoggedMessage& message : qAsConst(messages)) {
         QCOMPARE(message.file, QStringLiteral("QuenzoTool/source/pythonforqt"));
         QVERIFY2(message.function.contains(QStringLiteral("PythonForQt::callScript(")),
                  qPrintable(message.function));
@@ -274,8 +310,43 @@ void tst_PythonFailures::messagesCarryTheirContext()
     }
     QCOMPARE(messages.at(0).text, QStringLiteral("scriptName: absent"));
     QCOMPARE(messages.at(1).text, notFound);
-    QCOMPARE(messages.at(2).text, QStringLiteral("ImportError: No module named absent"));
-    QCOMPARE(messages.at(3).text, noFunction);
+    QCOMPARE(messages.at(2).text, noFunction);
+}
+
+void tst_PythonFailures::causeIsSilentUnlessSwitchedOn()
+{
+    const QString script =
+        writeScript("import __builtin__\n"
+                    "class Told(Exception):\n"
+                    "    def __str__(self):\n        __builtin__.told = 1\n        return ''\n"
+                    "def fail(): raise Told()\n");
+    PythonForQt bridge;
+    QLoggingCategory::setFilterRules(QString());
+    bridge.callScript(script, QStringLiteral("fail"), {}, true);
+    bridge.callScript(script, QStringLiteral("absent"), {}, true);
+    bridge.callScript(RunRoot::path() + QStringLiteral("/Script/silent/absent.py"), QStringLiteral("f"), {},
+                      true);
+    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.scripts=true"));
+    const Said said = takeSaid();
+    QCOMPARE(said.causes, QStringList());
+    QCOMPARE(said.messages, (QStringList{noFunction, QStringLiteral("scriptName: absent"), notFound}));
+    // No code of the script runs for a text that nobody reads.
+    QCOMPARE(pythonValue(QStringLiteral("hasattr(__import__('__builtin__'), 'told')")),
+             QStringLiteral("False"));
+}
+
+void tst_PythonFailures::causeNamesTheInnermostPlace()
+{
+    const QString helper =
+        RunRoot::write(QStringLiteral("Script/deep_helper.py"),
+                       "def dive(depth):\n    if depth == 0:\n        raise ValueError('why')\n"
+                       "    dive(depth - 1)\n");
+    const QString script = writeScript("import deep_helper\ndef f():\n    deep_helper.dive(3)\n");
+    PythonForQt bridge;
+    bridge.callScript(script, QStringLiteral("f"), {}, true);
+    QCOMPARE(takeSaid().causes,
+             QStringList{
+                 QStringLiteral("f of the script '%1' failed: ValueError: why (%2:3)").arg(script, helper)});
 }
 
 QTEST_GUILESS_MAIN(tst_PythonFailures)

@@ -147,9 +147,7 @@ void tst_PythonForQt::noArgumentsForRequiredParametersRaises()
     bridge.callScript(writeScript("def need(a): return a\n"), QStringLiteral("need"), {}, true);
     QVERIFY(bridge.pResult == nullptr);
     QCOMPARE(bridge.getResultAsInt(), -1);
-    const QStringList messages = m_log->takeDebugTexts();
-    QCOMPARE(messages.size(), 1);
-    QVERIFY2(messages.first().startsWith(QStringLiteral("TypeError: ")), qPrintable(messages.first()));
+    QCOMPARE(m_log->takeDebugTexts(), QStringList());
 }
 
 void tst_PythonForQt::moduleKeptRunsItsBodyOnce()

@@ -17,7 +17,8 @@ void record(QtMsgType type, const QMessageLogContext& context, const QString& te
         const std::lock_guard<std::mutex> guard(mutex);
         if (messages != nullptr)
             messages->append({type, text, QString::fromUtf8(context.file),
-                              QString::fromUtf8(context.function), context.line});
+                              QString::fromUtf8(context.function), context.line,
+                              QString::fromUtf8(context.category)});
     }
     if (type != QtDebugMsg && type != QtInfoMsg && handlerBefore != nullptr)
         handlerBefore(type, context, text);

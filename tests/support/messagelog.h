@@ -12,6 +12,7 @@ struct LoggedMessage {
     QString file;
     QString function;
     int line = 0;
+    QString category;
 };
 
 /**

@@ -3,6 +3,8 @@
 
 #include "scripts/pythonstatement.h"
 
+#include <frameobject.h>
+
 #include <unordered_map>
 
 namespace {
@@ -55,6 +57,18 @@ struct PythonError {
     }
 };
 
+// Where the exception was raised, as file:line.
+QString innermostPlace(PyObject* traceback)
+{
+    if (traceback == nullptr || !PyTraceBack_Check(traceback))
+        return {};
+    const auto* innermost = reinterpret_cast<const PyTracebackObject*>(traceback);
+    while (innermost->tb_next != nullptr)
+        innermost = innermost->tb_next;
+    return QStringLiteral("%1:%2").arg(textOf(innermost->tb_frame->f_code->co_filename),
+                                       QString::number(innermost->tb_lineno));
+}
+
 // What PyErr_Print does, but for SystemExit, which would end the host's process there.
 void printPythonError()
 {
@@ -91,5 +105,7 @@ QString takePythonError()
         QString::fromUtf8(PyExceptionClass_Check(type) ? PyExceptionClass_Name(type) : "exception");
     name = name.mid(name.lastIndexOf(QLatin1Char('.')) + 1);
     const QString text = textOf(error.value.get());
-    return text.isEmpty() ? name : name + QStringLiteral(": ") + text;
+    const QString place = innermostPlace(error.traceback.get());
+    return name + (text.isEmpty() ? QString() : QStringLiteral(": ") + text)
+        + (place.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(place));
 }

@@ -14,7 +14,7 @@
 void runPythonStatement(const std::string& text);
 
 /**
- * Takes the pending exception off, as "type: text" without a traceback.
+ * Takes the pending exception off, as "type: text (file:line)" with the place that raised it.
  *
  * @return empty when none was pending. The interpreter lock must be held.
  */

@@ -3,6 +3,7 @@
 
 #include "console/console.h"
 
+#include <QLoggingCategory>
 #include <QMutex>
 
 #include <utility>
@@ -13,19 +14,37 @@ QBasicMutex mutex;
 // Workers may still have something to say while the program leaves main.
 QStringList& texts = *new QStringList;
 QtMessageHandler handlerBefore = nullptr;
+QLoggingCategory::CategoryFilter filterBefore = nullptr;
+
+bool isOfTheLibrary(const char* category)
+{
+    return category != nullptr && qstrncmp(category, "quenzo.", 7) == 0;
+}
+
+// Rules in the environment or in files come before this, and cannot take away what outcomes are told by.
+void switchOn(QLoggingCategory* category)
+{
+    filterBefore(category);
+    if (!isOfTheLibrary(category->categoryName()))
+        return;
+    for (const QtMsgType type : {QtDebugMsg, QtInfoMsg, QtWarningMsg, QtCriticalMsg})
+        category->setEnabled(type, true);
+}
 
 void keep(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     // A build server has no session folder, and nothing here needs one.
     if (text.startsWith(QLatin1String("QStandardPaths:")))
         return;
-    if (type != QtDebugMsg
-        || !QString::fromUtf8(context.file).startsWith(QLatin1String("QuenzoTool/source/"))) {
+    const bool isDescribed = type == QtDebugMsg && qstrncmp(context.file, "QuenzoTool/source/", 18) == 0;
+    // A statement that failed is told by these alone.
+    const bool isStatement = isDescribed && qstrcmp(context.file, "QuenzoTool/source/dbhelper") == 0;
+    if (isOfTheLibrary(context.category) || isStatement) {
+        const QMutexLocker locker(&mutex);
+        texts.append(text);
+    } else if (!isDescribed) {
         handlerBefore(type, context, Console::shown(text));
-        return;
     }
-    const QMutexLocker locker(&mutex);
-    texts.append(text);
 }
 
 } // namespace
@@ -33,6 +52,7 @@ void keep(QtMsgType type, const QMessageLogContext& context, const QString& text
 void Diagnostics::install()
 {
     handlerBefore = qInstallMessageHandler(keep);
+    filterBefore = QLoggingCategory::installFilter(switchOn);
 }
 
 QStringList Diagnostics::takeAll()

@@ -5,7 +5,11 @@
 #include <QString>
 #include <QStringList>
 
-/** Keeps the library's messages at debug level instead of showing them: they name why an operation failed. */
+/**
+ * Switches the library's logging categories on ("quenzo.trees" and so on), which name why an operation
+ * failed, and keeps what they say. Its messages at debug level, which are for hosts' developers, are not
+ * shown.
+ */
 namespace Diagnostics {
 
 /** To be called once, before the library is used. */

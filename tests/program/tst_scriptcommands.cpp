@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "quenzoprocess.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+// The program's script commands, and what it says of their failures.
+class tst_ScriptCommands : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void failuresAreToldUnderEveryRule_data();
+    void failuresAreToldUnderEveryRule();
+
+private:
+    QString path(const char* name) const { return m_folder.filePath(QLatin1String(name)); }
+    void write(const char* name, const QByteArray& content) const;
+
+    QTemporaryDir m_folder;
+};
+
+void tst_ScriptCommands::initTestCase()
+{
+    write("script.py",
+          "def good(): return 'param'\n"
+          "def bad():\n    raise ValueError('why')\n"
+          "def other(): return 'another'\n");
+    write("broken.py", "raise KeyError('in the body')\n");
+    write("no-archive.zip", "no archive");
+    write("QtProject/qtlogging.ini", "[Rules]\n*=false\nquenzo.*=false\n");
+    QVERIFY(QDir().mkpath(path("folder")));
+    write("folder/file", "content");
+}
+
+void tst_ScriptCommands::write(const char* name, const QByteArray& content) const
+{
+    const QString file = path(name);
+    QVERIFY(QDir().mkpath(QFileInfo(file).path()));
+    QFile target(file);
+    QVERIFY(target.open(QIODevice::WriteOnly) && target.write(content) == content.size());
+}
+
+void tst_ScriptCommands::failuresAreToldUnderEveryRule_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("told");
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("value");
+    const auto row = [this](const char* name, const char* command, const char* told) {
+        const auto add = [&](const char* rules, const char* variable, const QString& value) {
+            QTest::addRow("%s, %s", name, rules)
+                << QString::fromLatin1(command)
+                << QString::fromLatin1(told).replace(QLatin1Char('@'), m_folder.path())
+                << QString::fromLatin1(variable) << value;
+        };
+        add("no rules", "QUENZO_NO_RULES", {});
+        add("no debug messages", "QT_LOGGING_RULES", QStringLiteral("*.debug=false"));
+        add("no messages", "QT_LOGGING_RULES", QStringLiteral("*=false;quenzo.*=false"));
+        add("rules of the person", "XDG_CONFIG_HOME", m_folder.path());
+        add("rules in a file", "QT_LOGGING_CONF", path("QtProject/qtlogging.ini"));
+    };
+    row("raises", "run script.py bad",
+        "bad did not answer \"param\" (bad of the script 'script.py' failed: ValueError: why "
+        "(@/script.py:3))");
+    row("other answer", "run script.py other", "other did not answer \"param\"");
+    row("no function", "run script.py absent",
+        "absent did not answer \"param\" (the script 'script.py' has no absent: AttributeError: 'module' "
+        "object has "
+        "no attribute 'absent')");
+    row("no module", "run broken.py f",
+        "f did not answer \"param\" (the script 'broken.py' could not be imported: KeyError: 'in the body' "
+        "(@/broken.py:1))");
+    row("pack", "pack folder script.py/archive.zip",
+        "packing failed (zip of the script '*/Script/pytoolForQt.py' failed: OSError: *)");
+    row("unpack", "unpack no-archive.zip unpacked",
+        "unpacking failed (unZip of the script '*/Script/pytoolForQt.py' failed: *)");
+}
+
+void tst_ScriptCommands::failuresAreToldUnderEveryRule()
+{
+    QFETCH(const QString, command);
+    QFETCH(const QString, told);
+    QFETCH(const QString, variable);
+    QFETCH(const QString, value);
+    QuenzoProcess process(QuenzoProcess::words(command.toUtf8().constData()), m_folder.path());
+    process.setVariable(variable.toUtf8().constData(), value);
+    const Ended ended = process.end();
+    const QString pattern = QRegularExpression::escape(QStringLiteral("quenzo: %1\n").arg(told))
+                                .replace(QStringLiteral("\\*"), QStringLiteral(".+"));
+    const QRegularExpression expected(QRegularExpression::anchoredPattern(pattern));
+    QVERIFY2(expected.match(QString::fromUtf8(ended.error)).hasMatch(), ended.error.constData());
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.output, QByteArray());
+}
+
+QTEST_GUILESS_MAIN(tst_ScriptCommands)
+#include "tst_scriptcommands.moc"
