@@ -8,11 +8,11 @@ from quenzo_assets import assets_of, has_encrypted
 from quenzo_cipher import CipherFailure, NotAuthentic
 from quenzo_files import argument_path
 from quenzo_key import KEY_FILE, KeyFailure, secret
-from quenzo_report import Answer, DamagedArchive, report
+from quenzo_report import Answer, DamagedArchive, NoFile, report
 from quenzo_zipread import Archive
 
 DONE = 0
-NO_APK = 1              # the file is missing, or cannot be read or written
+NO_APK = 1              # the path is empty or leads to no file, or to one that cannot be read or written
 DAMAGED = 2             # the file is no whole archive
 NOTHING_THERE = 3       # the APK has no file below assets/
 WRONG_FORM = 4          # encrypted already, or (decrypting) not encrypted
@@ -61,7 +61,7 @@ def _answered(function, work, apk_file):
         return DONE
     except Answer as error:
         answer, cause = error.number, error
-    except EnvironmentError as error:
+    except (EnvironmentError, NoFile) as error:
         answer, cause = NO_APK, error
     except DamagedArchive as error:
         answer, cause = DAMAGED, error

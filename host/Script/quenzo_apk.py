@@ -6,7 +6,7 @@ from quenzo_assets import EncryptedAssets, content_digests, decrypted_assets, is
 from quenzo_cipher import NotAuthentic
 from quenzo_files import replaced, work_folder
 from quenzo_report import DamagedArchive
-from quenzo_zipread import STORED, Archive
+from quenzo_zipread import FLAG_UTF8, STORED, Archive
 from quenzo_zipwrite import Record, ZipWriter
 
 _SIGNATURE = re.compile(r"^META-INF/(MANIFEST\.MF|[^/]+\.(SF|RSA|DSA|EC))\Z", re.IGNORECASE)
@@ -56,7 +56,8 @@ def _rewrite(archive, add_asset, out):
 
 
 def _record(entry, method, size):
-    return Record(entry.name, method, size, (entry.time, entry.date), entry.system, entry.attributes)
+    return Record(entry.raw_name, method, size, (entry.time, entry.date), entry.system, entry.attributes,
+                  entry.flags & FLAG_UTF8)
 
 
 def _check_others(before, after):
@@ -69,4 +70,4 @@ def _check_others(before, after):
 
 
 def _likeness(entry):
-    return entry.name if is_asset(entry) else (entry.name, entry.crc, entry.size)
+    return entry.raw_name if is_asset(entry) else (entry.raw_name, entry.crc, entry.size)

@@ -13,7 +13,7 @@ import re
 import shutil
 import stat
 
-from quenzo_report import ToolError
+from quenzo_report import NoFile, ToolError
 
 BLOCK = 1 << 18
 SCRATCH = re.compile(r"^\.quenzo-[0-9a-f]{16}\.tmp$")
@@ -31,9 +31,9 @@ def argument_text(value, what):
     elif isinstance(value, (int, long)) and not isinstance(value, bool):
         value = str(value)
     if not isinstance(value, str):
-        raise ToolError("%s must be a text, not %s" % (what, type(value).__name__))
+        raise NoFile("%s must be a text, not %s" % (what, type(value).__name__))
     if not value or "\0" in value:
-        raise ToolError("%s is %s" % (what, "no path" if value else "empty"))
+        raise NoFile("%s is %s" % (what, "no path" if value else "empty"))
     return value
 
 
@@ -60,16 +60,29 @@ def open_new(path, mode=0o666):
 
 def open_regular(path):
     """A regular file for reading; no link is followed, and a FIFO or device never blocks."""
+    if not stat.S_ISREG(os.lstat(path).st_mode):  # Merely opening a device may do something.
+        raise NoFile("not a regular file: %s" % path)
     source = open_file(path, os.O_RDONLY | os.O_NOFOLLOW | os.O_NONBLOCK)
     if not stat.S_ISREG(os.fstat(source.fileno()).st_mode):
         source.close()
-        raise ToolError("not a regular file: %s" % path)
+        raise NoFile("not a regular file: %s" % path)
     return source
 
 
 def blocks(source):
     """The rest of a file, block by block."""
     return iter(lambda: source.read(BLOCK), "")
+
+
+def check_replaceable(path):
+    """Raises unless path is a file that the caller may write; the rename that replaces it would not mind."""
+    kind = os.lstat(path).st_mode
+    if stat.S_ISDIR(kind):
+        raise ToolError("a folder is in the way: %s" % path)
+    if not stat.S_ISREG(kind):
+        raise ToolError("a link, pipe, socket or device is in the way: %s" % path)
+    if not os.access(path, os.W_OK):
+        raise IOError(errno.EACCES, "the file is write-protected", path)
 
 
 def remove(path):
@@ -126,11 +139,9 @@ def replaced(path):
 
     Otherwise nothing of it stays. Owner and rights are those of the file that is replaced.
     """
-    if os.path.isdir(path):
-        raise ToolError("a folder is in the way: %s" % path)
-    alike = os.path.exists(path)
-    if alike and not os.access(path, os.W_OK):  # The rename would not mind.
-        raise IOError(errno.EACCES, "the file is write-protected", path)
+    alike = os.path.lexists(path)
+    if alike:
+        check_replaceable(path)
     scratch = scratch_beside(path)
     made = open_new(scratch, 0o600 if alike else 0o666)
     try:
@@ -138,7 +149,7 @@ def replaced(path):
             yield made, scratch
             made.flush()
             if alike:
-                _make_alike(made.fileno(), os.stat(path))
+                make_alike(made.fileno(), os.stat(path))
             os.fsync(made.fileno())
         os.rename(scratch, path)
     finally:
@@ -157,7 +168,8 @@ def work_folder(path):
         remove_tree(work)
 
 
-def _make_alike(descriptor, status):
+def make_alike(descriptor, status):
+    """Gives an open file the owner and rights of another."""
     try:
         os.fchown(descriptor, status.st_uid, status.st_gid)
     except OSError:

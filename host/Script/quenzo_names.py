@@ -9,7 +9,7 @@ _DRIVE = re.compile(r"^[A-Za-z]:")
 
 
 def check_name(name):
-    """Refuses a name (UTF-8 bytes, "/" at the end for a folder) that is not plainly below the top."""
+    """Refuses a name (bytes, "/" at the end for a folder) that is not plainly below the top."""
     parts = (name[:-1] if name.endswith("/") else name).split("/")
     if name.startswith("/") or _DRIVE.match(name):
         raise ToolError("entry name is absolute: %r" % name)
@@ -19,10 +19,14 @@ def check_name(name):
         raise ToolError("entry name is not a plain path: %r" % name)
     if len(parts) > MAX_DEPTH:
         raise ToolError("entry name is more than %d folders deep: %r" % (MAX_DEPTH, name[:80]))
+
+
+def is_utf8(name):
     try:
         name.decode("utf-8")
     except UnicodeDecodeError:
-        raise ToolError("entry name is not UTF-8: %r" % name)
+        return False
+    return True
 
 
 def check_names(names):

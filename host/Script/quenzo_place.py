@@ -4,7 +4,7 @@ import contextlib
 import errno
 import os
 
-from quenzo_files import parents_made, remove_tree, scratch_beside
+from quenzo_files import check_replaceable, make_alike, open_regular, parents_made, remove_tree, scratch_beside
 from quenzo_report import ToolError
 
 
@@ -88,6 +88,10 @@ class _Merge(object):
             self._replace(source, target)
 
     def _replace(self, source, target):
+        if not os.path.islink(target):
+            check_replaceable(target)
+            with open_regular(source) as made:
+                make_alike(made.fileno(), os.lstat(target))
         kept = os.path.join(self._attic, str(len(self._steps)))
         try:
             os.link(target, kept)  # So that the target is there at every moment.

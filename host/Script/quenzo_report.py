@@ -7,6 +7,10 @@ class ToolError(Exception):
     """A failure with a sentence for the user."""
 
 
+class NoFile(ToolError):
+    """A path that is empty, impossible, or leads to something else than a file."""
+
+
 class DamagedArchive(ToolError):
     """The archive is not whole: cut off, altered, or no archive at all."""
 

@@ -12,7 +12,7 @@ import zipfile
 import zlib
 
 from quenzo_files import BLOCK, open_regular
-from quenzo_names import check_names
+from quenzo_names import check_names, is_utf8
 from quenzo_report import DamagedArchive, ToolError
 
 MAX_ENTRIES = 200 * 1000
@@ -24,15 +24,16 @@ RATIO_FREE_BYTES = 64 << 20     # ... once they come to more than this
 STORED, DEFLATED = zipfile.ZIP_STORED, zipfile.ZIP_DEFLATED
 FLAG_ENCRYPTED = 0x1 | 0x40 | 0x2000
 FLAG_UTF8 = 0x800
+DOS, UNIX = 0, 3
 _LOCAL = struct.Struct("<4s5HLLL2H")
 
 
 class Entry(object):
-    """One entry: name as UTF-8 bytes, sizes as declared, and where its packed bytes lie."""
+    """One entry: name as the bytes of a path, sizes as declared, and where its packed bytes lie."""
 
     def __init__(self, info):
         self.raw_name = info.orig_filename
-        self.name = _utf8_name(info)
+        self.name = _path_name(info)
         self.flags = info.flag_bits
         self.method = info.compress_type
         self.crc = info.CRC
@@ -200,16 +201,14 @@ def _check_kind(entry):
         raise ToolError("the folder %r has content" % entry.name)
 
 
-def _utf8_name(info):
-    """Names without the UTF-8 mark are UTF-8 all the same on most systems; else the format's old code page."""
+def _path_name(info):
+    """Names are UTF-8, marked or not; else those of a DOS program are in its code page, others the bytes they are."""
     name = info.orig_filename
-    if info.flag_bits & FLAG_UTF8:
+    if is_utf8(name):
         return name
-    try:
-        name.decode("utf-8")
-    except UnicodeDecodeError:
-        return name.decode("cp437").encode("utf-8")
-    return name
+    if info.flag_bits & FLAG_UTF8:
+        raise ToolError("entry name is marked as UTF-8 and is not: %r" % name)
+    return name.decode("cp437").encode("utf-8") if info.create_system == DOS else name
 
 
 def _inflated(packed, name):

@@ -3,10 +3,10 @@
 import struct
 import zlib
 
+from quenzo_names import is_utf8
 from quenzo_report import ToolError
-from quenzo_zipread import DEFLATED, FLAG_UTF8, STORED
+from quenzo_zipread import DEFLATED, FLAG_UTF8, STORED, UNIX
 
-UNIX = 3
 EPOCH = (0, 1 << 5 | 1)         # 1980-01-01 00:00, the format's first moment
 FILE_ATTRIBUTES = 0o100644 << 16
 FOLDER_ATTRIBUTES = 0o040755 << 16 | 0x10
@@ -26,8 +26,9 @@ _CENTRAL = struct.Struct("<4s6HLLL5HLL")
 class Record(object):
     """What the headers say about one entry."""
 
-    def __init__(self, name, method, size, time_date=EPOCH, system=UNIX, attributes=FILE_ATTRIBUTES):
+    def __init__(self, name, method, size, time_date=EPOCH, system=UNIX, attributes=FILE_ATTRIBUTES, marks=None):
         self.name = name
+        self.marks = _marks(name) if marks is None else marks
         self.method = method
         self.size = size
         self.packed = size
@@ -118,8 +119,10 @@ def _padding_field(record):
     return head.ljust(record.padding, "\0")
 
 
-def _flags(record):
-    return FLAG_UTF8 if any(ord(letter) > 127 for letter in record.name) else 0
+def _marks(name):
+    """What the header says about the name: bytes that are no UTF-8 go unmarked, and are kept."""
+    plain = all(ord(letter) < 128 for letter in name)
+    return FLAG_UTF8 if not plain and is_utf8(name) else 0
 
 
 def _local_header(record, padded=True):
@@ -129,7 +132,7 @@ def _local_header(record, padded=True):
         extra = struct.pack("<HHQQ", 1, 16, size, packed) + extra
         size = packed = LIMIT_32
     time, date = record.time_date
-    return _LOCAL.pack("PK\3\4", 45 if record.long_form else 20, _flags(record), record.method, time, date,
+    return _LOCAL.pack("PK\3\4", 45 if record.long_form else 20, record.marks, record.method, time, date,
                        record.crc, packed, size, len(record.name), len(extra)) + record.name + extra
 
 
@@ -145,7 +148,7 @@ def _central_header(record):
     extra = struct.pack("<HH%dQ" % len(long_values), 1, 8 * len(long_values), *long_values) if long_values else ""
     version = 45 if long_values else 20
     time, date = record.time_date
-    return _CENTRAL.pack("PK\1\2", record.system << 8 | version, version, _flags(record), record.method, time, date,
+    return _CENTRAL.pack("PK\1\2", record.system << 8 | version, version, record.marks, record.method, time, date,
                          record.crc, packed, size, len(record.name), len(extra), 0, 0, 0, record.attributes,
                          offset) + record.name + extra
 

@@ -13,7 +13,7 @@ from quenzo_report import ToolError, report
 EXPORTED = 0
 NO_CHANNEL = 1          # no record has that id
 NO_RECORDS = 2          # the record file is missing or cannot be read
-BAD_RECORDS = 3         # the record file is damaged
+BAD_RECORDS = 3         # the record file is damaged, or the record
 NOT_WRITTEN = 4         # the folder cannot be made or written
 BAD_ARGUMENT = 5        # the id is no whole number, or dest no path
 
@@ -30,13 +30,14 @@ def export_develop_info(idChannel, dest):
     except (ToolError, ValueError) as error:
         return _failed(BAD_ARGUMENT, error)
     try:
-        record = find_record(read_records(_record_file()), channel)
-    except EnvironmentError as error:
-        return _failed(NO_RECORDS, error)
+        source = _record_file()
+        record = find_record(source, read_records(source), channel)
     except RecordError as error:
         return _failed(BAD_RECORDS, error)
+    except (EnvironmentError, ToolError) as error:
+        return _failed(NO_RECORDS, error)
     if record is None:
-        return _failed(NO_CHANNEL, ToolError("no record for channel %d in %s" % (channel, _record_file())))
+        return _failed(NO_CHANNEL, ToolError("no record for channel %d in %s" % (channel, source)))
     try:
         _write(record, channel, folder)
     except Exception as error:  # The host reads a number, whatever happened.
@@ -58,7 +59,7 @@ def _channel_id(value):
 
 
 def _record_file():
-    return os.environ.get(RECORD_VARIABLE) or os.path.join(_FOLDER, RECORD_FILE)
+    return os.path.realpath(os.environ.get(RECORD_VARIABLE) or os.path.join(_FOLDER, RECORD_FILE))
 
 
 def _failed(answer, cause):

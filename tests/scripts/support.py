@@ -85,6 +85,7 @@ class Raw(object):
         self.packed_size = changes.pop("packed_size", len(self.packed))
         self.crc = changes.pop("crc", zlib.crc32(data) & 0xffffffff)
         self.flags = changes.pop("flags", 0)
+        self.system = changes.pop("system", 3)
         self.attributes = changes.pop("attributes", 0)
         self.local_name = changes.pop("local_name", name)
         self.local_method = changes.pop("local_method", method)
@@ -106,7 +107,7 @@ def raw_archive(path, entries, count=None, comment=""):
             offset = len(out)
             out += struct.pack("<4s5HLLLHH", "PK\3\4", 20, raw.flags, raw.local_method, 0, 33, raw.crc,
                                raw.packed_size, raw.size, len(raw.local_name), 0) + raw.local_name + raw.packed
-        directory += struct.pack("<4s6HLLL5HLL", "PK\1\2", 3 << 8 | 20, 20, raw.flags, raw.method, 0, 33, raw.crc,
+        directory += struct.pack("<4s6HLLL5HLL", "PK\1\2", raw.system << 8 | 20, 20, raw.flags, raw.method, 0, 33, raw.crc,
                                  raw.packed_size, raw.size, len(raw.name), 0, 0, 0, 0, raw.attributes,
                                  offset) + raw.name
     count = len(entries) if count is None else count
@@ -202,6 +203,19 @@ def python(code, *arguments, **options):
     environment = dict(os.environ, PYTHONPATH=options.pop("scripts", SCRIPTS), **options.pop("environment", {}))
     return subprocess.Popen([sys.executable, "-B", "-c", code] + list(arguments), env=environment,
                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
+
+
+def ended(child, seconds=20):
+    """The exit code of a child that has to end by itself in that time."""
+    end = time.time() + seconds
+    while child.poll() is None:
+        if time.time() > end:
+            child.kill()
+            child.communicate()
+            raise AssertionError("no answer within %d seconds" % seconds)
+        time.sleep(0.005)
+    child.communicate()
+    return child.returncode
 
 
 def killed_when(child, condition, seconds=60):

@@ -109,6 +109,16 @@ class RoundTrip(Encrypting):
         self.decrypted()
         self.assertEqual(before, contents(self.apk))
 
+    def test_namesThatAreNotUtf8KeepTheirBytes(self):
+        names = ["assets/\x81", "assets/\xcf\xd6", "res/\x81\xff"]
+        for system in (0, 3):
+            raw_archive(self.apk, [Raw(name, name, system=system) for name in names])
+            self.encrypted()
+            self.assertEqual(sorted(names), sorted(contents(self.apk)))
+            self.decrypted()
+            self.assertEqual(dict((name, name) for name in names), contents(self.apk))
+            self.assertEqual([0] * 3, [one.flags for one in parsed(self.apk)])
+
     def test_onlyFilesBelowAssetsAreEncrypted(self):
         names = ["assets/a", "assets/d/b", "assetsx", "Assets/a", "res/assets/a", "assets"]
         for kept in (names[:5], names[2:5]):
@@ -332,7 +342,14 @@ class Refusals(Encrypting):
     def test_aMissingApkOrAFolderIsAnAnswer(self):
         for function in (encrypt.encryptApk, encrypt.decryptApk):
             self.refused(NO_APK, function, self.path("apk", "absent.apk"))
-            self.assertIn(function(".", self.path("apk")), (NO_APK, REFUSED))
+            self.assertEqual(NO_APK, function(".", self.path("apk")))
+
+    def test_aPipeOrDeviceIsAnAnswerAtOnce(self):
+        os.mkfifo(self.path("apk", "pipe"))
+        for function in (encrypt.encryptApk, encrypt.decryptApk):
+            for path in (self.path("apk", "pipe"), "/dev/zero"):
+                self.assertEqual(NO_APK, function(".", path))
+        self.assertTrue(stat.S_ISFIFO(os.stat(self.path("apk", "pipe")).st_mode))
 
     def test_whatIsNoWholeArchiveIsDamaged(self):
         whole = read(APK)
@@ -354,10 +371,10 @@ class Refusals(Encrypting):
             raw_archive(self.apk, [Raw("assets/a", "1"), evil])
             self.refused(REFUSED)
 
-    def test_whatIsNoPathIsRefused(self):
+    def test_whatIsNoPathLeadsToNoFile(self):
         for value in ("", None, 1.5, [], "a\0b"):
-            self.assertEqual(REFUSED, encrypt.encryptApk(".", value))
-            self.assertEqual(REFUSED, encrypt.decryptApk(".", value))
+            self.assertEqual(NO_APK, encrypt.encryptApk(".", value))
+            self.assertEqual(NO_APK, encrypt.decryptApk(".", value))
 
 
 class Rights(Encrypting):

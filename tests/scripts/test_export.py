@@ -3,9 +3,11 @@
 """Exporting a channel's developer record: export_develop_info(idChannel, dest) answers 0 or a cause."""
 import json
 import os
+import shutil
+import stat
 import unittest
 
-from support import SCRIPTS, FolderCase, as_plain_user, full_disk, python, read, tree, write
+from support import SCRIPTS, FolderCase, as_plain_user, ended, full_disk, python, read, tree, write
 
 import start
 
@@ -76,8 +78,8 @@ class ShippedRecords(Exporting):
                          u"address:         Quay 7\\n00100 Port Quenzo\n"
                          u"signed_contract: yes\n", self.exported(104)["channel_104.txt"].decode("utf-8"))
 
-    def test_zeroIsAChannelLikeOthers(self):
-        self.assertEqual(["channel_0.json", "channel_0.txt"], sorted(self.exported(0)))
+    def test_noRecordIsForANumberThatNobodyGave(self):
+        self.refused(NO_CHANNEL, 0)
 
     def test_equalRecordsGiveEqualBytes(self):
         self.assertEqual(self.exported(102, self.path("a")), self.exported(102, self.path("b")))
@@ -100,6 +102,19 @@ class Answers(Exporting):
         os.environ[VARIABLE] = self.folder
         self.refused(NO_RECORDS)
 
+    def test_aPipeOrDeviceForRecordsAnswers2AtOnce(self):
+        os.mkfifo(self.path("pipe"))
+        for path in (self.path("pipe"), "/dev/zero"):
+            child = python("import sys, start; sys.exit(start.export_develop_info(101, sys.argv[1]))", self.dest,
+                           environment={VARIABLE: path})
+            self.assertEqual(NO_RECORDS, ended(child), path)
+        self.assertEqual(["pipe"], os.listdir(self.folder))
+
+    def test_aPipeForTheFolderAnswers4(self):
+        os.mkfifo(self.dest)
+        self.assertEqual(NOT_WRITTEN, start.export_develop_info(101, self.dest))
+        self.assertTrue(stat.S_ISFIFO(os.stat(self.dest).st_mode))
+
     def test_recordsThatCannotBeReadAnswer2(self):
         self.records({"channels": [self.record()]})
         os.chmod(self.folder, 0o777)
@@ -110,22 +125,38 @@ class Answers(Exporting):
 
     def test_textThatIsNoRecordFileAnswers3(self):
         for content in ("", "{", "[]", "7", "null", '"channels"', "{}", '{"channels": {}}', '{"channels": null}',
-                        "\xff\xfe", "[" * 100000, '{"channels": [NaN]}', '{"channels": [], "channels": []}'):
+                        "\xff\xfe", "[" * 100000, '{"channels": NaN}', '{"channels": [], "channels": []}'):
             self.records(content)
             self.refused(BAD_RECORDS)
 
-    def test_recordsThatLackSomethingAnswer3WhicheverIsAskedFor(self):
-        for bad in (7, None, [], self.record(id=None), self.record(id="6"), self.record(id=6.5), self.record(id=True),
-                    self.record(id=6, name=None), self.record(id=6, developer=""), self.record(id=6, package=" "),
-                    self.record(id=6, name=7), self.record(id=6, more={"a": 1}), self.record(id=6, more=[[]]),
-                    self.record(id=6, more=1.5), self.record(id=5)):
-            self.records({"channels": [self.record(), bad]})
-            self.refused(BAD_RECORDS)
+    def test_aRecordThatLacksSomethingAnswers3AndBlocksNoOther(self):
+        for bad in (self.record(id=6, name=None), self.record(id=6, developer=""), self.record(id=6, package=" "),
+                    self.record(id=6, name=7), self.record(id=6, name=1.5)):
+            self.records({"channels": [bad, self.record()]})
+            self.refused(BAD_RECORDS, 6)
+            self.exported(5)
+            shutil.rmtree(self.dest)
 
-    def test_nullValuesAndHalfLettersAnswer3(self):
-        for value in ("null", '"\\ud800"', '["\\udfff"]', "Infinity"):
-            self.records('{"channels": [{"id": 5, "name": "n", "developer": "d", "package": "p", "x": %s}]}' % value)
-            self.refused(BAD_RECORDS)
+    def test_whatIsNoRecordBlocksNoOther(self):
+        for bad in (7, None, [], self.record(id=None), self.record(id="6"), self.record(id=6.5), self.record(id=True)):
+            self.records({"channels": [bad, self.record()]})
+            self.refused(NO_CHANNEL, 6)
+            self.exported(5)
+            shutil.rmtree(self.dest)
+
+    def test_anIdThatIsThereTwiceAnswers3AndBlocksNoOther(self):
+        self.records({"channels": [self.record(id=6), self.record(), self.record(id=6)]})
+        self.refused(BAD_RECORDS, 6)
+        self.exported(5)
+
+    def test_valuesThatAreNoneAnswer3AndBlockNoOther(self):
+        record = '{"id": %d, "name": "n", "developer": "d", "package": "p", "x": %s}'
+        for value in ('"\\ud800"', '["\\udfff"]', '{"\\ud800": 1}', "Infinity", "[NaN]", '{"a": 1, "a": 2}',
+                      "[" * 60 + "]" * 60):
+            self.records('{"channels": [%s, %s]}' % (record % (6, value), record % (5, "1")))
+            self.refused(BAD_RECORDS, 6)
+            self.exported(5)
+            shutil.rmtree(self.dest)
 
     def test_aFolderThatCannotBeMadeAnswers4(self):
         self.records({"channels": [self.record()]})
@@ -153,6 +184,28 @@ class Files(Exporting):
             self.dest = self.path("has " + taken)
             write(os.path.join(self.dest, taken, "mine"), "a folder is in the way")
             self.refused(NOT_WRITTEN)
+
+    def test_numbersNothingAndNestedValuesAreKept(self):
+        for value, shown in (("1.10", "1.10"), ("0.1", "0.1"), ("1E400", "1E400"), ("-12.5e-3", "-12.5e-3"),
+                             ("12345678901234567890123", "12345678901234567890123"), ("null", "none"),
+                             ('{\n        "a": {\n          "b": [\n            1,\n            null\n          ]\n'
+                              '        },\n        "c": {}\n      }', "a: {b: [1, none]}, c: {}"),
+                             ('[\n        []\n      ]', "[]")):
+            text = ('{\n      "id": 5,\n      "name": "n",\n      "developer": "d",\n      "package": "p",\n'
+                    '      "x": %s\n    }' % value)
+            self.records('{"channels": [%s]}' % text)
+            files = self.exported(5)
+            self.assertEqual(text.replace("\n    ", "\n") + "\n", files["channel_5.json"])
+            self.assertIn("\nx:         %s\n" % shown, files["channel_5.txt"])
+
+    def test_aWriteProtectedSheetOfSomebodyElseIsLeftAlone(self):
+        sheet = self.write("out/channel_101.txt", "mine")
+        os.chmod(self.folder, 0o777)
+        os.chmod(self.dest, 0o777)
+        os.chmod(sheet, 0o444)
+        before = tree(self.folder)
+        self.assertEqual(str(NOT_WRITTEN), as_plain_user(lambda: start.export_develop_info(101, self.dest)))
+        self.assert_unchanged(before)
 
     def test_anEarlierExportStaysWhenTheNextFails(self):
         self.records({"channels": [self.record()]})

@@ -6,8 +6,8 @@ import resource
 import sys
 import unittest
 
-from support import LINK_ATTRIBUTES, SAMPLE, FolderCase, Raw, contents, deflated, full_disk, killed_when, python
-from support import raw_archive, read, tree, write
+from support import LINK_ATTRIBUTES, SAMPLE, FolderCase, Raw, as_plain_user, contents, deflated, full_disk
+from support import killed_when, python, raw_archive, read, tree, write
 
 import pytoolForQt
 
@@ -218,6 +218,23 @@ class Packages(Importing):
         for self.src in (self.path("absent"), self.path("folder")):
             self.write("folder/x", "x")
             self.answers(NOT_UNPACKED, 7)
+
+    def test_aPipeOrDeviceForAPackageAnswers104AtOnce(self):
+        os.mkfifo(self.path("pipe"))
+        for self.src in (self.path("pipe"), "/dev/zero"):
+            self.assertEqual(NOT_UNPACKED, pytoolForQt.importSDK(self.src, self.dest, 7))
+        self.assertEqual(["pipe"], os.listdir(self.folder))
+
+    def test_aWriteProtectedFileOfSomebodyElseIsLeftAlone(self):
+        self.made(SDK % 7)
+        jar = self.write("out/lib/pay.jar", "mine")
+        os.chmod(jar, 0o444)
+        for folder in (self.folder, self.dest, os.path.dirname(jar)):
+            os.chmod(folder, 0o777)
+        before = tree(self.folder)
+        self.assertEqual(str(NOT_UNPACKED),
+                         as_plain_user(lambda: pytoolForQt.importSDK(self.src, self.dest, 7)))
+        self.assert_unchanged(before)
 
     def test_whatIsNoPathAnswers104(self):
         good = self.made(SDK % 7)

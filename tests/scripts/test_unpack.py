@@ -90,8 +90,12 @@ class Content(Unpacking):
     def test_namesOfTheOldCodePageBecomeUtf8(self):
         utf8 = u"ü".encode("utf-8")
         self.assertEqual({utf8: "1", u"é".encode("utf-8"): "2", u"日".encode("utf-8"): "3"},
-                         self.unpack(Raw("\x81", "1"), Raw(u"é".encode("utf-8"), "2"),
+                         self.unpack(Raw("\x81", "1", system=0), Raw(u"é".encode("utf-8"), "2", system=0),
                                      Raw(u"日".encode("utf-8"), "3", flags=0x800)))
+
+    def test_namesOfOtherEncodingsKeepTheirBytes(self):
+        self.assertEqual({"\xcf\xd6\xb5": "1", "\xff": None, "\xff/\x81": "2"},
+                         self.unpack(Raw("\xcf\xd6\xb5", "1"), Raw("\xff/\x81", "2")))
 
     def test_namesThatAreMerelyOddComeOut(self):
         names = ["it's", 'a "b"', "new\nline", " lead", "...", "..x", "x..", "-rf", "$(x)", "a:b/c", "dev:null"]
@@ -148,7 +152,7 @@ class HostileEntries(Unpacking):
         self.assert_refused([Raw("a", "1"), Raw("a", "2")], "there twice")
         self.assert_refused([Raw("a/"), Raw("a/")], "there twice")
         self.assert_refused([Raw("a", "1"), Raw("a/")], "there twice")
-        self.assert_refused([Raw("\x81", "1"), Raw(u"ü".encode("utf-8"), "2")], "there twice")
+        self.assert_refused([Raw("\x81", "1", system=0), Raw(u"ü".encode("utf-8"), "2")], "there twice")
 
     def test_aFileThatIsAFolderTooIsRefused(self):
         self.assert_refused([Raw("a", "1"), Raw("a/b/c", "2")], "file and a folder")
@@ -373,12 +377,56 @@ class Destination(Unpacking):
         self.dest = self.path(u"a'b \"c\"\n中".encode("utf-8"))
         self.assertEqual({"a": "x"}, self.unpack(Raw("a", "x")))
 
-    def test_missingArchivesFoldersAndPipesFail(self):
+    def test_missingArchivesFoldersPipesAndDevicesFail(self):
         os.mkfifo(self.path("pipe"))
-        for self.src in (self.path("absent"), self.folder, self.path("pipe")):
+        for self.src in (self.path("absent"), self.folder, self.path("pipe"), "/dev/zero", ""):
             with self.assertRaises((ToolError, EnvironmentError)):
                 pytoolForQt.unZip(self.src, self.dest, "NULL")
         self.assertEqual(["pipe"], os.listdir(self.folder))
+
+    def test_aPipeInTheWayStays(self):
+        os.mkfifo(self.dest)
+        raw_archive(self.src, [Raw("a/b", "x"), Raw("c", "x")])
+        with self.assertRaises(ToolError):
+            pytoolForQt.unZip(self.src, self.dest, "NULL")
+        self.assertTrue(stat.S_ISFIFO(os.stat(self.dest).st_mode))
+        os.remove(self.dest)
+        os.mkdir(self.dest)
+        os.mkfifo(self.path("out", "c"))
+        with self.assertRaises(ToolError):
+            pytoolForQt.unZip(self.src, self.dest, "NULL")
+        self.assertEqual(["c"], os.listdir(self.dest))
+        self.assertTrue(stat.S_ISFIFO(os.stat(self.path("out", "c")).st_mode))
+
+    def test_writeProtectedFilesOfSomebodyElseAreLeftAlone(self):
+        raw_archive(self.src, [Raw("a", "new"), Raw("b", "new"), Raw("c/d", "new")])
+        os.chmod(self.folder, 0o777)
+        write(self.path("out", "a"), "free")
+        os.chmod(self.path("out", "a"), 0o666)
+        os.chmod(write(self.path("out", "b"), "protected"), 0o444)
+        os.chmod(self.dest, 0o777)
+        before = tree(self.folder)
+
+        def work():
+            try:
+                pytoolForQt.unZip(self.src, self.dest, "NULL")
+            except IOError as error:
+                return "%s: %s" % (error.filename, error.strerror)
+            return "unpacked"
+
+        self.assertEqual(self.path("out", "b") + ": the file is write-protected", as_plain_user(work))
+        self.assert_unchanged(before)
+
+    def test_aFileThatIsReplacedKeepsItsOwnerAndRights(self):
+        for mode in (0o600, 0o664, 0o755):
+            os.chmod(write(self.path("out", "a"), "old"), mode)
+            if os.geteuid() == 0:
+                os.chown(self.path("out", "a"), 65534, 65534)
+            before = os.stat(self.path("out", "a"))
+            self.unpack(Raw("a", "new"))
+            after = os.stat(self.path("out", "a"))
+            self.assertEqual((before.st_uid, before.st_gid, oct(before.st_mode)),
+                             (after.st_uid, after.st_gid, oct(after.st_mode)))
 
     def test_aFolderThatCannotBeWrittenFails(self):
         raw_archive(self.src, [Raw("a", "x")])
