@@ -1,187 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "iconpictures.h"
+#include "iconrun.h"
 #include "messagelog.h"
 
-#include <threadgenerateicon.h>
-
-#include <QBuffer>
 #include <QColorSpace>
-#include <QPainter>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include <csignal>
-#include <sys/mount.h>
+#include <memory>
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 using namespace IconPictures;
+using namespace IconRun;
 
-namespace {
-
-constexpr int android = 0;
-constexpr int ios = 1;
-
-QList<int> sidesOf(int platform)
-{
-    return platform == android ? QList<int>{36, 48, 72, 96, 144, 192}
-                               : QList<int>{29, 40, 50, 57, 58, 72, 76, 80, 87, 100, 114, 120, 144, 152, 180};
-}
-
-QString nameOf(int platform, int side)
-{
-    return platform == android ? QStringLiteral("icon%1x%1.png").arg(side)
-                               : QStringLiteral("Icon-%1.png").arg(side);
-}
-
-QStringList namesOf(int platform)
-{
-    QStringList names{QStringLiteral("icon512x512.png")};
-    for (const int side : sidesOf(platform))
-        names.append(nameOf(platform, side));
-    names.sort();
-    return names;
-}
-
-ST_CHANNEL_ICON channel(const char* mark, const char* folder, int corner = 0, int x = 0, int y = 0)
-{
-    return {x, y, corner, QString::fromUtf8(mark), QString::fromUtf8(folder)};
-}
-
-void makePipe(const QString& path)
-{
-    if (mkfifo(QFile::encodeName(path).constData(), 0600) != 0)
-        qFatal("cannot make the pipe %s", qPrintable(path));
-}
-
-// Runs the class in a folder of its own with the marks "red" and "blue", whose corners differ.
-class Job {
-public:
-    Job()
-    {
-        const QList<QPair<QString, int>> marks{{QStringLiteral("red"), 0}, {QStringLiteral("blue"), 220}};
-        for (const auto& mark : marks) {
-            int side = 40;
-            for (const QString& corner : corners())
-                writePicture(markPath(mark.first, corner),
-                             IconPictures::mark(side += 8, QColor::fromHsv(mark.second, 255, 255, 170)));
-        }
-        writePicture(icon, photograph(256, 256));
-    }
-
-    static QStringList corners()
-    {
-        return {QStringLiteral("left-top"), QStringLiteral("left-bottom"), QStringLiteral("right-top"),
-                QStringLiteral("right-bottom")};
-    }
-
-    QString path(const QString& relative) const { return m_folder.filePath(relative); }
-    QString out(const QString& relative = {}) const { return path(QStringLiteral("out/")) + relative; }
-    QString markPath(const QString& mark, const QString& corner) const
-    {
-        return path(QStringLiteral("marks/%1/icon/%2.png").arg(mark, corner));
-    }
-    QImage markPicture(const char* mark, int corner) const
-    {
-        return QImage(markPath(QString::fromUtf8(mark), corners().at(corner)));
-    }
-
-    void writePicture(const QString& file, const QImage& picture, const char* format = "PNG") const
-    {
-        write(file, [&] {
-            QByteArray content;
-            QBuffer buffer(&content);
-            // Without compression PNG files are made fastest.
-            if (!picture.save(&buffer, format, qstrcmp(format, "PNG") == 0 ? 100 : -1))
-                qFatal("cannot encode a picture for %s", qPrintable(file));
-            return content;
-        }());
-    }
-    void write(const QString& file, const QByteArray& content) const
-    {
-        QDir().mkpath(QFileInfo(file).path());
-        QFile target(file);
-        if (!target.open(QIODevice::WriteOnly) || target.write(content) != content.size())
-            qFatal("cannot write %s", qPrintable(file));
-    }
-
-    void run(const QList<ST_CHANNEL_ICON>& channels, int platform = android)
-    {
-        thread.setGameInfo(icon, defaultCorner, defaultX, defaultY, platform);
-        thread.setInfo(path(QStringLiteral("marks")), channels);
-        thread.setOutputDir(outputDir);
-        thread.start();
-        thread.wait();
-    }
-
-    QStringList filesIn(const QString& folder) const
-    {
-        QStringList names = QDir(out(folder)).entryList(QDir::Files | QDir::Hidden);
-        names.sort();
-        return names;
-    }
-    QImage produced(const char* folder) const
-    {
-        return QImage(out(QString::fromUtf8(folder) + QStringLiteral("/icon512x512.png")));
-    }
-
-private:
-    QTemporaryDir m_folder;
-
-public:
-    ThreadGenerateIcon thread;
-    QString icon = path(QStringLiteral("game.png"));
-    QString outputDir = out();
-    int defaultCorner = 3;
-    int defaultX = 7;
-    int defaultY = -9;
-};
-
-// A limit on the size of files breaks off writing as a full disk does.
-void runWithSmallFilesOnly(Job& job)
-{
-    const auto handlerBefore = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    rlimit small = before;
-    small.rlim_cur = 70000;
-    if (setrlimit(RLIMIT_FSIZE, &small) != 0)
-        qFatal("cannot limit the size of files");
-    job.run({channel("None", "a")});
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handlerBefore);
-}
-
-// Whether the folder holds exactly one set, each file as Qt alone makes it of @p icon.
-QString differencesFrom(const QImage& icon, const QString& folder, int platform)
-{
-    QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden);
-    names.sort();
-    if (names != namesOf(platform))
-        return QStringLiteral("the files are ") + names.join(QLatin1Char(' '));
-    QMap<QString, QImage> expected{{QStringLiteral("icon512x512.png"), icon}};
-    for (const int side : sidesOf(platform))
-        expected.insert(nameOf(platform, side),
-                        icon.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation));
-    QStringList paths;
-    for (auto one = expected.cbegin(); one != expected.cend(); ++one) {
-        QFile file(folder + QLatin1Char('/') + one.key());
-        if (!file.open(QIODevice::ReadOnly))
-            return one.key() + QStringLiteral(" cannot be read");
-        const QByteArray content = file.readAll();
-        const QByteArray plain = savedByQt(one.value(), 100);
-        if (chunksBesideData(content) != chunksBesideData(plain))
-            return one.key() + QStringLiteral(" differs beside the data");
-        if (QImage::fromData(content) != QImage::fromData(plain))
-            return one.key() + QStringLiteral(" differs in its pixels");
-        paths.append(file.fileName());
-    }
-    return faultsOf(paths);
-}
-
-} // namespace
-
+// Which pictures ThreadGenerateIcon makes.
 class tst_ThreadGenerateIcon : public QObject {
     Q_OBJECT
 
@@ -192,16 +24,6 @@ private Q_SLOTS:
     void everyFileIsAsQtAloneMakesIt_data();
     void everyFileIsAsQtAloneMakesIt();
     void manyChannelsAreAsOneByOne();
-
-    void missingIconTouchesNothing();
-    void emptyOutputRootTouchesNothing();
-    void relativeOutputRootTouchesNothing();
-    void emptyListClearsAndMakesRoot();
-    void rootIsMadeWithItsParents();
-    void withoutClearingFilesStayAndAreOverwritten();
-    void clearingDeletesEverything();
-    void rootIsAPlainPrefix();
-
     void cornerChoosesThePicture_data();
     void cornerChoosesThePicture();
     void heightIsCountedUpwards();
@@ -217,23 +39,12 @@ private Q_SLOTS:
     void noMarkSurvivesIntoTheNextChannel();
     void laterChannelOfAFolderWins_data();
     void laterChannelOfAFolderWins();
-    void channelFolderIsMadeWithoutParents();
     void sameObjectRunsAgain();
     void picturesAreReadAnewInEachRun();
     void iconInAChannelFolderIsReplacedForTheNext();
-    void folderNamedLikeAFileCannotBeMade();
-
     void brokenIconGivesFoldersWithoutFiles();
     void missingOrBrokenMarkLeavesTheIconUnmarked();
     void pipeIsNoPicture();
-    void pipeIsNoFileToWrite();
-    void fileThatCannotBeWrittenIsPassedOver();
-    void filesNamedLikeUnfinishedOnesStay();
-    void halfWrittenFileIsTakenAway_data();
-    void halfWrittenFileIsTakenAway();
-    void halfWrittenFileBehindALinkIsEmptied();
-    void fullDiskEndsWithWholeFilesOnly();
-    void overwritingGoesThroughLinks();
     void memoryStaysFlat();
 
 private:
@@ -319,93 +130,6 @@ void tst_ThreadGenerateIcon::manyChannelsAreAsOneByOne()
             : marked(icon, job.markPicture(mark.constData(), one.nCorner), one.nOffsetX, one.nOffsetY);
         QCOMPARE(differencesFrom(expected, job.out(one.strChannelDir), android), QString());
     }
-}
-
-void tst_ThreadGenerateIcon::missingIconTouchesNothing()
-{
-    Job job;
-    job.write(job.out(QStringLiteral("kept")), "kept");
-    job.icon = job.path(QStringLiteral("absent.png"));
-    job.run({channel("red", "a")});
-    QCOMPARE(job.filesIn({}), QStringList(QStringLiteral("kept")));
-    QVERIFY(!QFileInfo::exists(job.out(QStringLiteral("a"))));
-}
-
-void tst_ThreadGenerateIcon::emptyOutputRootTouchesNothing()
-{
-    Job job;
-    const QString before = QDir::currentPath();
-    QDir::setCurrent(job.path({}));
-    const QStringList entries = QDir(job.path({})).entryList();
-    job.outputDir.clear();
-    job.run({channel("red", "a")});
-    QCOMPARE(QDir(job.path({})).entryList(), entries);
-    QVERIFY(!QFileInfo::exists(QStringLiteral("/a")));
-    QDir::setCurrent(before);
-}
-
-void tst_ThreadGenerateIcon::relativeOutputRootTouchesNothing()
-{
-    Job job;
-    job.write(job.out(QStringLiteral("kept")), "kept");
-    const QString before = QDir::currentPath();
-    QDir::setCurrent(job.path({}));
-    job.outputDir = QStringLiteral("out/");
-    job.run({channel("red", "a")});
-    QDir::setCurrent(before);
-    QCOMPARE(QDir(job.out()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
-             QStringList(QStringLiteral("kept")));
-}
-
-void tst_ThreadGenerateIcon::emptyListClearsAndMakesRoot()
-{
-    Job job;
-    job.write(job.out(QStringLiteral("old/deep/file")), "old");
-    job.run({});
-    QVERIFY(QDir(job.out()).exists());
-    QVERIFY(QDir(job.out()).isEmpty());
-}
-
-void tst_ThreadGenerateIcon::rootIsMadeWithItsParents()
-{
-    Job job;
-    job.outputDir = job.out(QStringLiteral("x/y/z/"));
-    job.run({channel("None", "a")});
-    QCOMPARE(job.filesIn(QStringLiteral("x/y/z/a")), namesOf(android));
-}
-
-void tst_ThreadGenerateIcon::withoutClearingFilesStayAndAreOverwritten()
-{
-    Job job;
-    job.write(job.out(QStringLiteral("a/notes.txt")), "kept");
-    job.write(job.out(QStringLiteral("a/icon36x36.png")), QByteArray(100000, 'x'));
-    job.thread.setClearDirFirst(false);
-    job.run({channel("None", "a")});
-    QFile notes(job.out(QStringLiteral("a/notes.txt")));
-    QVERIFY(notes.open(QIODevice::ReadOnly));
-    QCOMPARE(notes.readAll(), QByteArray("kept"));
-    QVERIFY(notes.remove());
-    QCOMPARE(differencesFrom(QImage(job.icon), job.out(QStringLiteral("a")), android), QString());
-}
-
-void tst_ThreadGenerateIcon::clearingDeletesEverything()
-{
-    Job job;
-    job.write(job.out(QStringLiteral("a/notes.txt")), "old");
-    job.write(job.out(QStringLiteral("other/notes.txt")), "old");
-    job.run({channel("None", "a")});
-    QCOMPARE(QDir(job.out()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
-             QStringList(QStringLiteral("a")));
-    QCOMPARE(job.filesIn(QStringLiteral("a")), namesOf(android));
-}
-
-void tst_ThreadGenerateIcon::rootIsAPlainPrefix()
-{
-    Job job;
-    job.outputDir = job.path(QStringLiteral("icons-of-"));
-    job.run({channel("None", "a")});
-    QVERIFY(QFileInfo(job.path(QStringLiteral("icons-of-"))).isDir());
-    QVERIFY(QFileInfo::exists(job.path(QStringLiteral("icons-of-a/icon36x36.png"))));
 }
 
 void tst_ThreadGenerateIcon::cornerChoosesThePicture_data()
@@ -610,15 +334,6 @@ void tst_ThreadGenerateIcon::laterChannelOfAFolderWins()
     }
 }
 
-void tst_ThreadGenerateIcon::channelFolderIsMadeWithoutParents()
-{
-    Job job;
-    job.run({channel("None", "x/y"), channel("None", "x"), channel("None", "x/z")});
-    QVERIFY(!QFileInfo::exists(job.out(QStringLiteral("x/y"))));
-    QCOMPARE(job.filesIn(QStringLiteral("x")), namesOf(android));
-    QCOMPARE(job.filesIn(QStringLiteral("x/z")), namesOf(android));
-}
-
 void tst_ThreadGenerateIcon::sameObjectRunsAgain()
 {
     Job job;
@@ -652,13 +367,6 @@ void tst_ThreadGenerateIcon::iconInAChannelFolderIsReplacedForTheNext()
     QVERIFY(job.produced("before") == icon);
     QVERIFY(job.produced("base") == red);
     QVERIFY(job.produced("after") == marked(red, job.markPicture("blue", 3), 100, -100));
-}
-
-void tst_ThreadGenerateIcon::folderNamedLikeAFileCannotBeMade()
-{
-    Job job;
-    job.run({channel("None", ""), channel("None", "icon36x36.png")});
-    QCOMPARE(differencesFrom(QImage(job.icon), job.out(), android), QString());
 }
 
 void tst_ThreadGenerateIcon::brokenIconGivesFoldersWithoutFiles()
@@ -695,131 +403,6 @@ void tst_ThreadGenerateIcon::pipeIsNoPicture()
     job.run({channel("None", "a")});
     QVERIFY(QDir(job.out(QStringLiteral("a"))).exists());
     QVERIFY(QDir(job.out(QStringLiteral("a"))).isEmpty());
-}
-
-void tst_ThreadGenerateIcon::pipeIsNoFileToWrite()
-{
-    Job job;
-    QVERIFY(QDir().mkpath(job.out(QStringLiteral("a"))));
-    makePipe(job.out(QStringLiteral("a/icon48x48.png")));
-    job.thread.setClearDirFirst(false);
-    job.run({channel("None", "a")});
-    QStringList expected = namesOf(android);
-    expected.removeOne(QStringLiteral("icon48x48.png"));
-    QCOMPARE(job.filesIn(QStringLiteral("a")), expected);
-}
-
-void tst_ThreadGenerateIcon::fileThatCannotBeWrittenIsPassedOver()
-{
-    Job job;
-    job.write(job.out(QStringLiteral("file")), "in the way of a folder");
-    QVERIFY(QDir().mkpath(job.out(QStringLiteral("b/icon72x72.png"))));
-    job.thread.setClearDirFirst(false);
-    job.run({channel("None", "file"), channel("None", "b"), channel("None", "c")});
-    QStringList expected = namesOf(android);
-    expected.removeOne(QStringLiteral("icon72x72.png"));
-    QCOMPARE(job.filesIn(QStringLiteral("b")), expected);
-    QCOMPARE(job.filesIn(QStringLiteral("c")), namesOf(android));
-    QVERIFY(QFileInfo(job.out(QStringLiteral("file"))).isFile());
-}
-
-void tst_ThreadGenerateIcon::filesNamedLikeUnfinishedOnesStay()
-{
-    Job job;
-    const QString precious = job.path(QStringLiteral("precious"));
-    job.write(precious, "precious");
-    job.write(job.out(QStringLiteral("a/icon36x36.png.part")), "precious");
-    job.write(job.out(QStringLiteral("a/icon36x36.png.part1")), "precious");
-    QVERIFY(QFile::link(precious, job.out(QStringLiteral("a/icon48x48.png.part"))));
-    QVERIFY(QFile::link(job.path(QStringLiteral("absent")), job.out(QStringLiteral("a/icon72x72.png.part"))));
-    QVERIFY(QDir().mkpath(job.out(QStringLiteral("a/icon96x96.png.part"))));
-    job.thread.setClearDirFirst(false);
-    job.run({channel("None", "a")});
-    for (const char* file :
-         {"precious", "out/a/icon36x36.png.part", "out/a/icon36x36.png.part1", "out/a/icon48x48.png.part"}) {
-        QFile kept(job.path(QString::fromUtf8(file)));
-        QVERIFY2(kept.open(QIODevice::ReadOnly), file);
-        QCOMPARE(kept.readAll(), QByteArray("precious"));
-    }
-    QVERIFY(!QFileInfo::exists(job.path(QStringLiteral("absent"))));
-    for (const char* name :
-         {"icon36x36.png.part", "icon36x36.png.part1", "icon48x48.png.part", "icon72x72.png.part"})
-        QVERIFY2(QFile::remove(job.out(QStringLiteral("a/") + QString::fromUtf8(name))), name);
-    QVERIFY(QDir().rmdir(job.out(QStringLiteral("a/icon96x96.png.part"))));
-    QCOMPARE(differencesFrom(QImage(job.icon), job.out(QStringLiteral("a")), android), QString());
-}
-
-void tst_ThreadGenerateIcon::halfWrittenFileIsTakenAway_data()
-{
-    QTest::addColumn<bool>("overwriting");
-    QTest::newRow("new file") << false;
-    QTest::newRow("file that was there") << true;
-}
-
-void tst_ThreadGenerateIcon::halfWrittenFileIsTakenAway()
-{
-    QFETCH(bool, overwriting);
-    Job job;
-    if (overwriting)
-        job.write(job.out(QStringLiteral("a/icon512x512.png")), "old");
-    job.thread.setClearDirFirst(false);
-    runWithSmallFilesOnly(job);
-
-    QStringList expected = namesOf(android);
-    expected.removeOne(QStringLiteral("icon512x512.png"));
-    QCOMPARE(job.filesIn(QStringLiteral("a")), expected);
-}
-
-void tst_ThreadGenerateIcon::halfWrittenFileBehindALinkIsEmptied()
-{
-    Job job;
-    QVERIFY(QDir().mkpath(job.out(QStringLiteral("a"))));
-    const QString file = job.path(QStringLiteral("shared.png"));
-    job.write(file, "old");
-    // What is taken away is the link; the file stays.
-    QVERIFY(QFile::link(file, job.out(QStringLiteral("a/icon512x512.png"))));
-    job.thread.setClearDirFirst(false);
-    runWithSmallFilesOnly(job);
-    QVERIFY(QFileInfo::exists(file));
-    QCOMPARE(QFileInfo(file).size(), qint64(0));
-}
-
-void tst_ThreadGenerateIcon::fullDiskEndsWithWholeFilesOnly()
-{
-    Job job;
-    const QByteArray disk = QFile::encodeName(job.path(QStringLiteral("disk")));
-    QVERIFY(QDir().mkpath(QFile::decodeName(disk)));
-    if (mount("tmpfs", disk.constData(), "tmpfs", 0, "size=300k") != 0)
-        QSKIP("only root can mount a small disk; the limit on file sizes stands for it elsewhere");
-    job.outputDir = QFile::decodeName(disk) + QStringLiteral("/out/");
-    job.run({channel("None", "a"), channel("red", "b"), channel("blue", "c"), channel("red", "d", 1)});
-
-    int whole = 0;
-    QStringList faults;
-    QDirIterator files(job.outputDir, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        faults += faultsOf({files.next()});
-        whole += QImage(files.filePath()).isNull() ? 0 : 1;
-        if (!files.fileName().endsWith(QLatin1String(".png")))
-            faults += files.fileName();
-    }
-    const bool madeAll = QFileInfo::exists(job.outputDir + QStringLiteral("d"));
-    QCOMPARE(umount(disk.constData()), 0);
-    QCOMPARE(faults.join(QString()), QString());
-    QVERIFY2(whole > 0 && whole < 28, qPrintable(QString::number(whole)));
-    QVERIFY(madeAll);
-}
-
-void tst_ThreadGenerateIcon::overwritingGoesThroughLinks()
-{
-    Job job;
-    job.write(job.path(QStringLiteral("shared.png")), "old");
-    QVERIFY(QDir().mkpath(job.out(QStringLiteral("a"))));
-    QVERIFY(QFile::link(job.path(QStringLiteral("shared.png")), job.out(QStringLiteral("a/icon48x48.png"))));
-    job.thread.setClearDirFirst(false);
-    job.run({channel("None", "a")});
-    QVERIFY(QFileInfo(job.out(QStringLiteral("a/icon48x48.png"))).isSymLink());
-    QCOMPARE(QImage(job.path(QStringLiteral("shared.png"))).size(), QSize(48, 48));
 }
 
 // Run in a process of its own: makes the icons of some channels, each decorated in a way of its own, and

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+#include "iconpictures.h"
+#include "iconscene.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+#include <csignal>
+
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+using namespace IconPictures;
+
+namespace {
+
+// A process that the rights of files bind even when root runs the tests.
+class BoundProcess : public QProcess {
+public:
+    rlim_t largestFile = RLIM_INFINITY; // bytes
+
+protected:
+    void setupChildProcess() override
+    {
+        prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{largestFile, RLIM_INFINITY};
+        if (largestFile != RLIM_INFINITY && setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            _exit(127);
+    }
+};
+
+} // namespace
+
+// What the command icons says of a run in which something went wrong.
+class tst_IconFailures : public QObject, private IconScene {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { prepare(); }
+
+    void faultOfAMarkIsWarnedOf_data();
+    void faultOfAMarkIsWarnedOf();
+    void folderGivenTwiceIsWarnedOf();
+    void fileInTheWayOfAFolderIsReported();
+    void folderInTheWayOfAFileIsReported();
+    void fileThatCannotBeFilledIsReported();
+    void fileLeftEmptyIsReported();
+    void pipeInTheWayOfAFileIsReported();
+    void whatCannotBeClearedIsWarnedOf();
+    void sheetThatCannotBeWrittenFails();
+    void sheetWithoutFontsIsWarnedOf();
+};
+
+void tst_IconFailures::faultOfAMarkIsWarnedOf_data()
+{
+    QTest::addColumn<QByteArray>("entry");
+    QTest::addColumn<QByteArray>("warning");
+    QTest::newRow("no such mark") << QByteArray(R"("mark": "blue")")
+                                  << QByteArray("marks/blue/icon/right-bottom.png is missing");
+    QTest::newRow("small letters are no None")
+        << QByteArray(R"("mark": "none")") << QByteArray("marks/none/icon/right-bottom.png is missing");
+    QTest::newRow("no such corner's picture") << QByteArray(R"("mark": "half", "corner": "left-top")")
+                                              << QByteArray("marks/half/icon/left-top.png is missing");
+    QTest::newRow("no picture") << QByteArray(R"("mark": "half", "corner": "right-top")")
+                                << QByteArray("marks/half/icon/right-top.png cannot be read");
+    QTest::newRow("below the icon") << QByteArray(R"("mark": "red", "corner": 0, "x": 0, "y": -100)")
+                                    << QByteArray("lies outside the icon");
+    QTest::newRow("above the icon") << QByteArray(R"("mark": "red", "corner": 0, "x": 0, "y": 352)")
+                                    << QByteArray("lies outside the icon");
+}
+
+void tst_IconFailures::faultOfAMarkIsWarnedOf()
+{
+    QFETCH(const QByteArray, entry);
+    QFETCH(const QByteArray, warning);
+    write(path(QStringLiteral("marks/half/icon/right-top.png")), "no picture");
+    const Ended ended = icons(R"([{"folder": "a", "name": "The shop", )" + entry + R"(}, {"folder": "b"}])");
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(ended.error.count('\n'), 1);
+    QVERIFY2(ended.error.startsWith("quenzo: channel 'The shop': "), ended.error.constData());
+    QVERIFY2(ended.error.contains(warning), ended.error.constData());
+    QCOMPARE(produced(QStringLiteral("a")), master());
+    QCOMPARE(filesBelow(out()).size(), 14);
+}
+
+void tst_IconFailures::folderGivenTwiceIsWarnedOf()
+{
+    const Ended ended = icons(R"([{"folder": "a"}, {"folder": "a", "mark": "red"}])");
+    QCOMPARE(ended.code, 0);
+    QVERIFY2(ended.error.contains("the folder 'a' is given twice"), ended.error.constData());
+    QVERIFY2(ended.output.startsWith("7 of 7 files in "), ended.output.constData());
+    QCOMPARE(produced(QStringLiteral("a")), marked(master(), markPicture(3), 0, 0));
+}
+
+void tst_IconFailures::fileInTheWayOfAFolderIsReported()
+{
+    write(out(QStringLiteral("b")), "in the way");
+    const Ended ended =
+        icons(R"([{"folder": "a"}, {"folder": "b"}, {"folder": "c"}])", words("--keep --sheet sheet.png"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("/out/b could not be made\n"), ended.error.constData());
+    QVERIFY2(ended.error.contains("not written: 7 of 21 files\n"), ended.error.constData());
+    QVERIFY2(ended.output.startsWith("14 of 21 files in "), ended.output.constData());
+    QCOMPARE(produced(QStringLiteral("c")), master());
+    QVERIFY(QFileInfo(out(QStringLiteral("b"))).isFile());
+    // The sheet is drawn all the same, with a red cross in the middle tile.
+    const QImage sheet(path(QStringLiteral("sheet.png")));
+    QCOMPARE(sheet.pixelColor(20 + 164 + 72, 44 + 72), QColor(Qt::red));
+    QCOMPARE(sheet.pixelColor(20 + 72, 44 + 72),
+             QImage(out(QStringLiteral("a/icon144x144.png"))).pixelColor(72, 72));
+}
+
+void tst_IconFailures::folderInTheWayOfAFileIsReported()
+{
+    QVERIFY(QDir().mkpath(out(QStringLiteral("a/icon72x72.png"))));
+    const Ended ended = icons(R"([{"folder": "a"}])", words("--keep"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("/out/a: icon72x72.png\n"), ended.error.constData());
+    QVERIFY2(ended.error.contains("not written: 1 of 7 files\n"), ended.error.constData());
+}
+
+void tst_IconFailures::fileThatCannotBeFilledIsReported()
+{
+    // Every write to this device fails, as on a full disk.
+    if (!QFileInfo::exists(QStringLiteral("/dev/full")))
+        QSKIP("there is no device that is always full");
+    QVERIFY(QDir().mkpath(out(QStringLiteral("a"))));
+    QVERIFY(QFile::link(QStringLiteral("/dev/full"), out(QStringLiteral("a/icon48x48.png"))));
+    const Ended ended = icons(R"([{"folder": "a"}])", words("--keep"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("/out/a: icon48x48.png\n"), ended.error.constData());
+    QVERIFY(QFileInfo::exists(QStringLiteral("/dev/full")));
+}
+
+void tst_IconFailures::fileLeftEmptyIsReported()
+{
+    write(out(QStringLiteral("a/icon512x512.png")), "old");
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    // The file can be written, but neither to its end nor be taken away.
+    QVERIFY(QFile::setPermissions(out(QStringLiteral("a")), QFile::ReadOwner | QFile::ExeOwner));
+    BoundProcess process;
+    process.largestFile = 10000;
+    process.setWorkingDirectory(root());
+    process.start(
+        QStringLiteral(QUENZO_PROGRAM),
+        words("icons --icon game.png --marks marks --out out --platform android --keep channels.json"));
+    const Ended ended = endOf(process);
+    QVERIFY(QFile::setPermissions(out(QStringLiteral("a")),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(filesBelow(out()), words("a/icon512x512.png"));
+    QCOMPARE(QFileInfo(out(QStringLiteral("a/icon512x512.png"))).size(), qint64(0));
+    QVERIFY2(ended.output.startsWith("0 of 7 files in "), ended.output.constData());
+    QVERIFY2(ended.error.contains(", icon512x512.png\n"), ended.error.constData());
+}
+
+void tst_IconFailures::pipeInTheWayOfAFileIsReported()
+{
+    QVERIFY(QDir().mkpath(out(QStringLiteral("a"))));
+    makePipe(out(QStringLiteral("a/icon144x144.png")));
+    const Ended ended = icons(R"([{"folder": "a"}])", words("--keep --sheet sheet.png"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("/out/a: icon144x144.png\n"), ended.error.constData());
+    QCOMPARE(QImage(path(QStringLiteral("sheet.png"))).pixelColor(20 + 72, 44 + 72), QColor(Qt::red));
+}
+
+void tst_IconFailures::whatCannotBeClearedIsWarnedOf()
+{
+    write(out(QStringLiteral("old/notes.txt")), "old");
+    write(out(QStringLiteral("a/notes.txt")), "old");
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    for (const char* name : {"a/icon36x36.png", "a/icon48x48.png", "a/icon72x72.png", "a/icon96x96.png",
+                             "a/icon144x144.png", "a/icon192x192.png", "a/icon512x512.png"})
+        write(out(QString::fromUtf8(name)), "old");
+    for (const char* name : {"old", "a"})
+        QVERIFY(QFile::setPermissions(out(QString::fromUtf8(name)), QFile::ReadOwner | QFile::ExeOwner));
+    BoundProcess process;
+    process.setWorkingDirectory(root());
+    process.start(
+        QStringLiteral(QUENZO_PROGRAM),
+        words("icons --icon game.png --marks marks --out out --platform android --json channels.json"));
+    const Ended ended = endOf(process);
+    for (const char* name : {"old", "a"})
+        QVERIFY(QFile::setPermissions(out(QString::fromUtf8(name)),
+                                      QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QCOMPARE(ended.code, 0);
+    const QString outRoot = QDir(root()).canonicalPath() + QStringLiteral("/out/");
+    const QString warning = QStringLiteral("not deleted: ") + outRoot + QStringLiteral("a/notes.txt, ")
+        + outRoot + QStringLiteral("old");
+    QCOMPARE(ended.error, QByteArray("quenzo: " + warning.toUtf8() + '\n'));
+    QCOMPARE(QJsonDocument::fromJson(ended.output).object().value(QStringLiteral("warnings")).toArray(),
+             QJsonArray({warning}));
+}
+
+void tst_IconFailures::sheetThatCannotBeWrittenFails()
+{
+    const Ended ended = icons(R"([{"folder": "a"}])", words("--sheet absent/sheet.png"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("the sheet 'absent/sheet.png' cannot be written: "),
+             ended.error.constData());
+    QCOMPARE(filesBelow(out()).size(), 7);
+}
+
+void tst_IconFailures::sheetWithoutFontsIsWarnedOf()
+{
+    write(path(QStringLiteral("fonts.conf")), "<?xml version=\"1.0\"?>\n<fontconfig></fontconfig>\n");
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("FONTCONFIG_FILE"), path(QStringLiteral("fonts.conf")));
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(root());
+    process.start(
+        QStringLiteral(QUENZO_PROGRAM),
+        words("icons --icon game.png --marks marks --out out --platform ios --sheet s.png channels.json"));
+    const Ended ended = endOf(process);
+    QCOMPARE(ended.code, 0);
+    QVERIFY2(ended.error.contains("quenzo: no font was found; "), ended.error.constData());
+    QVERIFY(!QImage(path(QStringLiteral("s.png"))).isNull());
+}
+
+QTEST_GUILESS_MAIN(tst_IconFailures)
+#include "tst_iconfailures.moc"

@@ -1,0 +1,346 @@
+// SPDX-License-Identifier: MIT
+#include "iconpictures.h"
+#include "iconscene.h"
+
+#include <QFile>
+#include <QtTest>
+
+#include <unistd.h>
+
+using namespace IconPictures;
+
+namespace {
+
+bool linkHard(const QString& from, const QString& to)
+{
+    return link(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+} // namespace
+
+// The jobs that the command icons refuses before it touches anything.
+class tst_IconRefusals : public QObject, private IconScene {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { prepare(); }
+
+    void whatItReadsIsNeverCleared_data();
+    void whatItReadsIsNeverCleared();
+    void whatItReadsIsNeverOverwritten_data();
+    void whatItReadsIsNeverOverwritten();
+    void sheetNeverReplacesWhatIsRead_data();
+    void sheetNeverReplacesWhatIsRead();
+    void sheetNeverReplacesAnIcon_data();
+    void sheetNeverReplacesAnIcon();
+    void pipesAreNotRead_data();
+    void pipesAreNotRead();
+    void listMistakesAreNamedAndNothingIsTouched_data();
+    void listMistakesAreNamedAndNothingIsTouched();
+    void allMistakesAreNamedAtOnce();
+    void missingInputIsNamed_data();
+    void missingInputIsNamed();
+    void badUsageExitsWithTwo_data();
+    void badUsageExitsWithTwo();
+};
+
+void tst_IconRefusals::whatItReadsIsNeverCleared_data()
+{
+    QTest::addColumn<QString>("icon");
+    QTest::addColumn<QString>("marks");
+    QTest::addColumn<QString>("list");
+    QTest::addColumn<QByteArray>("held");
+    const QString icon = QStringLiteral("game.png");
+    const QString marks = QStringLiteral("marks");
+    const QString list = QStringLiteral("channels.json");
+    QTest::newRow("icon") << QStringLiteral("out/deep/game.png") << marks << list << QByteArray("the icon");
+    QTest::newRow("marks") << icon << QStringLiteral("out/marks") << list << QByteArray("the marks");
+    QTest::newRow("root of the marks") << icon << QStringLiteral("out") << list << QByteArray("the marks");
+    QTest::newRow("list") << icon << marks << QStringLiteral("out/channels.json")
+                          << QByteArray("the channel list");
+    QTest::newRow("icon by a link") << QStringLiteral("link/deep/game.png") << marks << list
+                                    << QByteArray("the icon");
+}
+
+void tst_IconRefusals::whatItReadsIsNeverCleared()
+{
+    QFETCH(const QString, icon);
+    QFETCH(const QString, marks);
+    QFETCH(const QString, list);
+    QFETCH(const QByteArray, held);
+    QVERIFY(QDir().mkpath(out(QStringLiteral("deep"))));
+    QVERIFY(QDir().mkpath(out(QStringLiteral("marks"))));
+    QVERIFY(QFile::copy(path(QStringLiteral("game.png")), out(QStringLiteral("deep/game.png"))));
+    QVERIFY(QFile::link(path(QStringLiteral("out")), path(QStringLiteral("link"))));
+    for (const char* name : {"channels.json", "out/channels.json"})
+        write(path(QString::fromUtf8(name)), R"([{"folder": "a"}])");
+    const QStringList before = filesBelow(root());
+    const QStringList arguments{
+        QStringLiteral("icons"), QStringLiteral("--icon"), icon, QStringLiteral("--marks"), marks, list};
+    const Ended ended = quenzo(arguments + words("--out out --platform ios"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("is deleted first, and it holds " + held), ended.error.constData());
+    QCOMPARE(filesBelow(root()), before);
+
+    const Ended kept = quenzo(arguments + words("--out out --platform ios --keep"));
+    QCOMPARE(kept.error, QByteArray());
+    QCOMPARE(kept.code, 0);
+    QCOMPARE(filesBelow(root()).size(), before.size() + 16);
+}
+
+void tst_IconRefusals::whatItReadsIsNeverOverwritten_data()
+{
+    QTest::addColumn<QString>("read");
+    QTest::addColumn<bool>("hard");
+    QTest::addColumn<QByteArray>("error");
+    const auto rows = [](const char* title, const char* read, const char* error) {
+        for (const bool hard : {false, true})
+            QTest::addRow("%s by a %s link", title, hard ? "hard" : "symbolic")
+                << QString::fromUtf8(read) << hard << QByteArray(error);
+    };
+    rows("icon", "game.png", "the icon 'game.png' is one of the files");
+    rows("list", "channels.json", "the channel list 'channels.json' is one of the files");
+    rows("mark", "marks/red/icon/right-bottom.png",
+         "the mark picture 'marks/red/icon/right-bottom.png' is one of the files");
+    rows("unused mark", "marks/red/icon/left-top.png",
+         "the mark picture 'marks/red/icon/left-top.png' is one of the files");
+}
+
+void tst_IconRefusals::whatItReadsIsNeverOverwritten()
+{
+    QFETCH(const QString, read);
+    QFETCH(const bool, hard);
+    QFETCH(const QByteArray, error);
+    const QByteArray list = R"([{"folder": "a", "mark": "red"}])";
+    write(path(QStringLiteral("channels.json")), list);
+    QVERIFY(QDir().mkpath(out(QStringLiteral("a"))));
+    const QString icon = out(QStringLiteral("a/icon36x36.png"));
+    QVERIFY(hard ? linkHard(path(read), icon) : QFile::link(path(read), icon));
+    const QByteArray before = contentOf(path(read));
+    const Ended ended = icons(list, words("--keep"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains(error), ended.error.constData());
+    QCOMPARE(contentOf(path(read)), before);
+    QCOMPARE(filesBelow(out()), words("a/icon36x36.png"));
+}
+
+void tst_IconRefusals::sheetNeverReplacesWhatIsRead_data()
+{
+    QTest::addColumn<QString>("sheet");
+    QTest::addColumn<QByteArray>("what");
+    const auto row = [](const char* title, const char* sheet, const char* what) {
+        QTest::newRow(title) << QString::fromUtf8(sheet) << QByteArray(what);
+    };
+    row("icon", "marks/../game.png", "the icon 'game.png'");
+    row("list", "channels.json", "the channel list 'channels.json'");
+    row("mark", "marks/red/icon/right-bottom.png", "the mark picture");
+    row("unused mark", "marks/red/icon/left-top.png", "the mark picture");
+    row("mark by a link", "link.png", "the mark picture");
+    row("mark by a hard link", "hard.png", "the mark picture");
+}
+
+void tst_IconRefusals::sheetNeverReplacesWhatIsRead()
+{
+    QFETCH(const QString, sheet);
+    QFETCH(const QByteArray, what);
+    const QString used = path(QStringLiteral("marks/red/icon/right-bottom.png"));
+    QVERIFY(QFile::link(used, path(QStringLiteral("link.png"))));
+    QVERIFY(linkHard(used, path(QStringLiteral("hard.png"))));
+    const QByteArray list = R"([{"folder": "a", "mark": "red"}])";
+    write(path(QStringLiteral("channels.json")), list);
+    const QByteArray before = contentOf(path(sheet));
+    const Ended ended = icons(list, {QStringLiteral("--sheet"), sheet});
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("the sheet would replace " + what), ended.error.constData());
+    QCOMPARE(contentOf(path(sheet)), before);
+    QVERIFY(!QFileInfo::exists(out()));
+}
+
+void tst_IconRefusals::sheetNeverReplacesAnIcon_data()
+{
+    QTest::addColumn<QString>("sheet");
+    QTest::addColumn<bool>("there");
+    for (const bool there : {false, true}) {
+        const char* title = there ? "file that is there" : "file to come";
+        QTest::addRow("%s", title) << QStringLiteral("out/a/icon36x36.png") << there;
+        QTest::addRow("%s, there and back", title) << QStringLiteral("out/../out/a/icon36x36.png") << there;
+        QTest::addRow("%s, linked folder", title) << QStringLiteral("linked/out/a/icon36x36.png") << there;
+        QTest::addRow("%s, link", title) << QStringLiteral("link.png") << there;
+    }
+    QTest::newRow("hard link") << QStringLiteral("hard.png") << true;
+}
+
+void tst_IconRefusals::sheetNeverReplacesAnIcon()
+{
+    QFETCH(const QString, sheet);
+    QFETCH(const bool, there);
+    const QString icon = out(QStringLiteral("a/icon36x36.png"));
+    if (there) {
+        write(icon, "old");
+        QVERIFY(linkHard(icon, path(QStringLiteral("hard.png"))));
+    }
+    QVERIFY(QFile::link(root(), path(QStringLiteral("linked"))));
+    QVERIFY(QFile::link(icon, path(QStringLiteral("link.png"))));
+    const Ended ended = icons(R"([{"folder": "a"}])", {QStringLiteral("--sheet"), sheet});
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("/out/a/icon36x36.png', one of the files to be written"),
+             ended.error.constData());
+    QCOMPARE(QFileInfo::exists(icon), there);
+
+    const Ended beside = icons(R"([{"folder": "a"}])", words("--sheet out/a/sheet.png"));
+    QCOMPARE(beside.error, QByteArray());
+    QCOMPARE(beside.code, 0);
+}
+
+void tst_IconRefusals::pipesAreNotRead_data()
+{
+    QTest::addColumn<QString>("pipe");
+    QTest::newRow("icon") << QStringLiteral("game.png");
+    QTest::newRow("list") << QStringLiteral("channels.json");
+    QTest::newRow("mark") << QStringLiteral("marks/red/icon/right-bottom.png");
+}
+
+void tst_IconRefusals::pipesAreNotRead()
+{
+    QFETCH(const QString, pipe);
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a", "mark": "red"}])");
+    QVERIFY(QFile::remove(path(pipe)));
+    makePipe(path(QStringLiteral("pipe")));
+    QVERIFY(QFile::link(path(QStringLiteral("pipe")), path(pipe)));
+    const Ended ended =
+        quenzo(words("icons --icon game.png --marks marks --out out --platform android channels.json"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains(pipe.toUtf8()), ended.error.constData());
+    QVERIFY2(ended.error.endsWith(" is not a regular file\n"), ended.error.constData());
+    QVERIFY(!QFileInfo::exists(out()));
+}
+
+void tst_IconRefusals::listMistakesAreNamedAndNothingIsTouched_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<QByteArray>("error");
+    const auto row = [](const char* title, const QByteArray& list, const char* error) {
+        QTest::newRow(title) << list << QByteArray(error);
+    };
+    row("no JSON", "[\n  {\"folder\": }\n]",
+        "channels.json is not JSON: object is missing after a comma at line 2, column 15\n");
+    row("cut off", R"([{"folder": "a"})", "channels.json is not JSON");
+    row("empty file", "", "channels.json is not JSON");
+    row("object", R"({"folder": "a"})", "does not hold an array");
+    row("no object", R"([{"folder": "a"}, "b"])", "channel 2: is not an object");
+    row("unknown key", R"([{"folder": "a", "marks": "red"}])", "channel 1 (\"a\"): unknown key \"marks\"");
+    row("no folder", R"([{"name": "A"}])", "channel 1: \"folder\" is missing or empty");
+    row("empty folder", R"([{"folder": ""}])", "\"folder\" is missing or empty");
+    row("folder a number", R"([{"folder": 7}])", "\"folder\" is not a text");
+    row("folder with a slash", R"([{"folder": "a/b"}])", "\"folder\" holds a slash");
+    row("absolute folder", R"([{"folder": "/a"}])", "\"folder\" holds a slash");
+    row("folder with a backslash", R"([{"folder": "a\\b"}])", "\"folder\" holds a slash, a backslash");
+    row("folder with a line break", R"([{"folder": "a\nb"}])", "control character");
+    row("folder above", R"([{"folder": ".."}])", "is \"..\", which is no name of a folder");
+    row("folder itself", R"([{"folder": "."}])", "is \".\", which is no name of a folder");
+    row("folder and above", R"([{"folder": "../out"}])", "\"folder\" holds a slash");
+    row("long folder", R"([{"folder": ")" + QByteArray(256, 'a') + R"("}])", "is longer than 255 bytes");
+    row("folder with half a pair", R"([{"folder": "\ud800"}])", "\"folder\" holds half of a surrogate pair");
+    row("mark with half a pair", R"([{"folder": "a", "mark": "b\udc00"}])", "\"mark\" holds half of a");
+    row("mark above", R"([{"folder": "a", "mark": ".."}])", "\"mark\" is \"..\"");
+    row("mark with a slash", R"([{"folder": "a", "mark": "red/icon"}])", "\"mark\" holds a slash");
+    row("empty mark", R"([{"folder": "a", "mark": ""}])", "\"mark\" is missing or empty");
+    row("mark a truth value", R"([{"folder": "a", "mark": false}])", "\"mark\" is not a text");
+    row("name a list", R"([{"folder": "a", "name": ["A"]}])", "\"name\" is not a text");
+    row("unknown corner", R"([{"folder": "a", "corner": "top-left"}])", "\"corner\" is none of left-top, ");
+    row("corner too large", R"([{"folder": "a", "corner": 5}])", "\"corner\" is none of");
+    row("negative corner", R"([{"folder": "a", "corner": -1}])", "\"corner\" is none of");
+    row("broken corner", R"([{"folder": "a", "corner": 1.5}])", "\"corner\" is none of");
+    row("corner null", R"([{"folder": "a", "corner": null}])", "\"corner\" is none of");
+    row("x a text", R"([{"folder": "a", "x": "7"}])", "\"x\" is not a whole number");
+    row("broken y", R"([{"folder": "a", "y": -0.5}])", "\"y\" is not a whole number");
+    row("y too large", R"([{"folder": "a", "y": 2147483648}])", "\"y\" is not a whole number");
+}
+
+void tst_IconRefusals::listMistakesAreNamedAndNothingIsTouched()
+{
+    QFETCH(const QByteArray, list);
+    QFETCH(const QByteArray, error);
+    write(out(QStringLiteral("kept")), "kept");
+    const Ended ended = icons(list);
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains(error), ended.error.constData());
+    QCOMPARE(ended.error.count("quenzo: "), 1);
+    QCOMPARE(ended.output, QByteArray());
+    QCOMPARE(filesBelow(out()), words("kept"));
+}
+
+void tst_IconRefusals::allMistakesAreNamedAtOnce()
+{
+    const Ended ended =
+        icons(R"([{"folder": "..", "x": true}, {"folder": "a"}, {"mark": 3}])", words("--icon absent.png"));
+    QCOMPARE(ended.code, 1);
+    for (const char* part : {"'absent.png' cannot be read", "channel 1 (\"..\"): \"folder\"", "\"x\" is not",
+                             "channel 3: \"folder\" is missing", "channel 3: \"mark\" is not a text"})
+        QVERIFY2(ended.error.contains(part), part);
+}
+
+void tst_IconRefusals::missingInputIsNamed_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("error");
+    QTest::newRow("icon") << words("--icon absent.png --marks marks --out out channels.json")
+                          << QByteArray("the icon 'absent.png' cannot be read");
+    QTest::newRow("icon that is none") << words("--icon channels.json --marks marks --out out channels.json")
+                                       << QByteArray("the icon 'channels.json' cannot be read");
+    QTest::newRow("marks") << words("--icon game.png --marks absent --out out channels.json")
+                           << QByteArray("the marks' folder 'absent' does not exist");
+    QTest::newRow("list") << words("--icon game.png --marks marks --out out absent.json")
+                          << QByteArray("absent.json cannot be read");
+    QTest::newRow("output folder") << words("--icon game.png --marks marks --out game.png channels.json")
+                                   << QByteArray("game.png' is not a folder");
+}
+
+void tst_IconRefusals::missingInputIsNamed()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const QByteArray, error);
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    const Ended ended = quenzo(words("icons --platform android --sheet sheet.png") + arguments);
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.error.count("quenzo: "), 1);
+    QVERIFY2(ended.error.contains(error), ended.error.constData());
+    QVERIFY(!QFileInfo::exists(out()));
+    QVERIFY(!master().isNull());
+}
+
+void tst_IconRefusals::badUsageExitsWithTwo_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("no list") << words("--icon game.png --marks marks --out out --platform ios");
+    QTest::newRow("two lists") << words(
+        "--icon game.png --marks marks --out out --platform ios a.json b.json");
+    QTest::newRow("no icon") << words("--marks marks --out out --platform ios channels.json");
+    QTest::newRow("no marks") << words("--icon game.png --out out --platform ios channels.json");
+    QTest::newRow("no output folder") << words("--icon game.png --marks marks --platform ios channels.json");
+    QTest::newRow("no platform") << words("--icon game.png --marks marks --out out channels.json");
+    const QStringList whole = words("--icon game.png --marks marks --out out --platform ios channels.json");
+    QTest::newRow("unknown platform") << whole + words("--platform windows");
+    QTest::newRow("number of a platform") << whole + words("--platform 0");
+    QTest::newRow("unknown corner") << whole + words("--default-corner top");
+    QTest::newRow("default of default") << whole + words("--default-corner default");
+    QTest::newRow("corner too large") << whole + words("--default-corner 4");
+    QTest::newRow("x a word") << whole + words("--default-x left");
+    QTest::newRow("broken y") << whole + words("--default-y 1.5");
+    QTest::newRow("unknown option") << whole + words("--clear");
+}
+
+void tst_IconRefusals::badUsageExitsWithTwo()
+{
+    QFETCH(const QStringList, arguments);
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    write(out(QStringLiteral("kept")), "kept");
+    const Ended ended = quenzo(words("icons") + arguments);
+    QCOMPARE(ended.code, 2);
+    QVERIFY(!ended.error.isEmpty());
+    QCOMPARE(ended.output, QByteArray());
+    QCOMPARE(filesBelow(out()), words("kept"));
+}
+
+QTEST_GUILESS_MAIN(tst_IconRefusals)
+#include "tst_iconrefusals.moc"
