@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "threadgenerateicon.h"
 
+#include "files/treefolder.h"
 #include "icons/iconplan.h"
 #include "icons/iconsetwriter.h"
+#include "messages.h"
+#include "trees/treeremoval.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QPainter>
 
 #include <array>
@@ -43,22 +47,47 @@ QVector<IconFile> iconFiles(const std::array<int, count>& sides, Name name)
 
 // What is no file counts as no picture: a pipe would be waited for. The device pixel ratio that Qt reads out
 // of a name like icon@2x.png would double the mark and its position.
-QImage loadPicture(const QString& path)
+QImage loadPicture(const QString& path, const char* title)
 {
     const QFileInfo file(path);
-    if (file.exists() && !file.isFile())
+    if (file.exists() && !file.isFile()) {
+        qCWarning(iconsLog).noquote() << title << path << "cannot be loaded: it is no regular file";
         return {};
-    QImage picture(path);
+    }
+    QImageReader reader(path);
+    QImage picture = reader.read();
+    if (picture.isNull())
+        qCWarning(iconsLog).noquote() << title << path << "cannot be loaded:" << reader.errorString();
     picture.setDevicePixelRatio(1);
     return picture;
+}
+
+// What the system takes the path for, where Qt would take back ".." by its text: a link in the place of the
+// folder itself is left one.
+QByteArray placeOf(const QString& path)
+{
+    const QFileInfo folder(QDir(path).path());
+    const QString name = folder.fileName();
+    const bool isName = !name.isEmpty() && name != QLatin1String(".") && name != QLatin1String("..");
+    const QString place = isName ? QFileInfo(folder.path()).canonicalFilePath() + QLatin1Char('/') + name
+                                 : folder.canonicalFilePath();
+    return TreeFolder::nativePath(place);
+}
+
+void clear(const QString& path)
+{
+    const QDir root(path);
+    if (root.exists() && !removeTree(placeOf(path)) && root.exists()
+        && !root.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
+        qCWarning(iconsLog).noquote() << "the folder" << path << "could not be cleared";
 }
 
 // The channel's folder in its canonical form, made if need be; empty when it cannot be.
 QString makeFolder(const QString& path)
 {
     QDir folder(path);
-    if (!folder.exists())
-        folder.mkdir(path);
+    if (!folder.exists() && !folder.mkdir(path))
+        qCWarning(iconsLog).noquote() << "the folder" << path << "could not be made:" << qt_error_string();
     return folder.exists() ? folder.canonicalPath() : QString();
 }
 
@@ -131,12 +160,17 @@ void ThreadGenerateIcon::run()
 {
     if (!QFile::exists(m_strGameIcon) || m_strOutputDir.isEmpty() || QDir::isRelativePath(m_strOutputDir))
         return;
-    QDir root(m_strOutputDir);
-    if (m_bClearDirFirst && root.exists())
-        root.removeRecursively();
-    root.mkpath(m_strOutputDir);
-
     Production production;
+    if (!production.writer.isReady()) {
+        qCWarning(iconsLog).noquote() << "no icon is made: the system gives no threads for it";
+        return;
+    }
+    if (m_bClearDirFirst)
+        clear(m_strOutputDir);
+    if (!QDir(m_strOutputDir).mkpath(m_strOutputDir))
+        qCWarning(iconsLog).noquote()
+            << "the folder" << m_strOutputDir << "could not be made:" << qt_error_string();
+
     m_production = &production;
     const QString gameIconDir = QFileInfo(QFileInfo(m_strGameIcon).canonicalFilePath()).path();
     for (const ST_CHANNEL_ICON& channel : qAsConst(m_lsChannelIcon)) {
@@ -168,12 +202,12 @@ void ThreadGenerateIcon::produce()
 {
     if (m_production->plan.isEmpty())
         return;
-    const QImage icon = loadPicture(m_strGameIcon);
+    const QImage icon = loadPicture(m_strGameIcon, "the icon");
     const QVector<IconPlan::Group> groups = m_production->plan.take();
     for (const IconPlan::Group& group : groups) {
         m_imgIcon = icon;
         if (!group.decoration.markPath.isEmpty())
-            drawMark(m_imgIcon, loadPicture(group.decoration.markPath), group.decoration);
+            drawMark(m_imgIcon, loadPicture(group.decoration.markPath, "the mark"), group.decoration);
         for (const QString& folder : group.folders) {
             if (m_nPlatform == platformAndroid)
                 generateAndroidIcon(folder + QLatin1Char('/'));

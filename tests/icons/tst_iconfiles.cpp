@@ -2,14 +2,20 @@
 #include "iconpictures.h"
 #include "iconrun.h"
 #include "messagelog.h"
+#include "treefiles.h"
 
 #include <QDirIterator>
 #include <QtTest>
 
+#include <atomic>
 #include <csignal>
+#include <cstdio>
 #include <memory>
+#include <thread>
+
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 using namespace IconPictures;
 using namespace IconRun;
@@ -48,15 +54,19 @@ private Q_SLOTS:
     void rootIsMadeWithItsParents();
     void withoutClearingFilesStayAndAreOverwritten();
     void clearingDeletesEverything();
+    void clearingIsNeverLedAway();
+    void clearingTakesThePathAsTheSystemDoes();
     void rootIsAPlainPrefix();
     void channelFolderIsMadeWithoutParents();
     void folderNamedLikeAFileCannotBeMade();
     void pipeIsNoFileToWrite();
     void fileThatCannotBeWrittenIsPassedOver();
     void filesNamedLikeUnfinishedOnesStay();
-    void halfWrittenFileIsTakenAway_data();
     void halfWrittenFileIsTakenAway();
-    void halfWrittenFileBehindALinkIsEmptied();
+    void fileThatCannotBeReplacedWholeStays_data();
+    void fileThatCannotBeReplacedWholeStays();
+    void replacedFileKeepsItsRights();
+    void fileWithTwoNamesIsOverwrittenUnderBoth();
     void fullDiskEndsWithWholeFilesOnly();
     void overwritingGoesThroughLinks();
 
@@ -142,6 +152,53 @@ void tst_IconFiles::clearingDeletesEverything()
     QCOMPARE(job.filesIn(QStringLiteral("a")), namesOf(android));
 }
 
+void tst_IconFiles::clearingIsNeverLedAway()
+{
+    constexpr int files = 300;
+    Job job;
+    const auto fill = [&job](const QString& folder) {
+        for (int i = 0; i < files; ++i)
+            job.write(job.path(folder) + QStringLiteral("/file%1").arg(i), "content");
+    };
+    const QByteArray folder = QFile::encodeName(job.out(QStringLiteral("folder")));
+    const QByteArray precious = QFile::encodeName(job.path(QStringLiteral("precious")));
+    fill(QStringLiteral("precious"));
+    for (int round = 0; round < 25; ++round) {
+        fill(QStringLiteral("out/folder"));
+        const QByteArray aside = QFile::encodeName(job.path(QStringLiteral("aside%1").arg(round)));
+        std::atomic<bool> stop{false};
+        // Once a file is gone, the folder is changed for a link.
+        std::thread swapper([&] {
+            while (!stop) {
+                if (QDir(job.out(QStringLiteral("folder"))).count() < files + 2
+                    && std::rename(folder.constData(), aside.constData()) == 0) {
+                    stop = symlink(precious.constData(), folder.constData()) == 0;
+                    return;
+                }
+            }
+        });
+        job.run({});
+        stop = true;
+        swapper.join();
+        QCOMPARE(QDir(job.path(QStringLiteral("precious"))).count(), uint(files + 2));
+        QFile::remove(QFile::decodeName(folder));
+    }
+}
+
+void tst_IconFiles::clearingTakesThePathAsTheSystemDoes()
+{
+    Job job;
+    job.write(job.out(QStringLiteral("kept")), "kept");
+    job.write(job.path(QStringLiteral("real/inner/file")), "old");
+    job.write(job.path(QStringLiteral("real/file")), "old");
+    QVERIFY(QFile::link(job.path(QStringLiteral("real/inner")), job.out(QStringLiteral("link"))));
+    // The folder above the link's target, not the one above the link.
+    job.outputDir = job.out(QStringLiteral("link/../"));
+    job.run({});
+    QVERIFY(QFileInfo::exists(job.out(QStringLiteral("kept"))));
+    QVERIFY(QDir(job.path(QStringLiteral("real"))).isEmpty());
+}
+
 void tst_IconFiles::rootIsAPlainPrefix()
 {
     Job job;
@@ -219,39 +276,65 @@ void tst_IconFiles::filesNamedLikeUnfinishedOnesStay()
     QCOMPARE(differencesFrom(QImage(job.icon), job.out(QStringLiteral("a")), android), QString());
 }
 
-void tst_IconFiles::halfWrittenFileIsTakenAway_data()
-{
-    QTest::addColumn<bool>("overwriting");
-    QTest::newRow("new file") << false;
-    QTest::newRow("file that was there") << true;
-}
-
 void tst_IconFiles::halfWrittenFileIsTakenAway()
 {
-    QFETCH(bool, overwriting);
     Job job;
-    if (overwriting)
-        job.write(job.out(QStringLiteral("a/icon512x512.png")), "old");
-    job.thread.setClearDirFirst(false);
     runWithSmallFilesOnly(job);
-
     QStringList expected = namesOf(android);
     expected.removeOne(QStringLiteral("icon512x512.png"));
     QCOMPARE(job.filesIn(QStringLiteral("a")), expected);
 }
 
-void tst_IconFiles::halfWrittenFileBehindALinkIsEmptied()
+void tst_IconFiles::fileThatCannotBeReplacedWholeStays_data()
 {
+    QTest::addColumn<bool>("linked");
+    QTest::newRow("file") << false;
+    QTest::newRow("file behind a link") << true;
+}
+
+void tst_IconFiles::fileThatCannotBeReplacedWholeStays()
+{
+    QFETCH(const bool, linked);
     Job job;
-    QVERIFY(QDir().mkpath(job.out(QStringLiteral("a"))));
-    const QString file = job.path(QStringLiteral("shared.png"));
+    const QString icon = job.out(QStringLiteral("a/icon512x512.png"));
+    const QString file = linked ? job.path(QStringLiteral("shared/old.png")) : icon;
     job.write(file, "old");
-    // What is taken away is the link; the file stays.
-    QVERIFY(QFile::link(file, job.out(QStringLiteral("a/icon512x512.png"))));
+    if (linked) {
+        QVERIFY(QDir().mkpath(job.out(QStringLiteral("a"))));
+        QVERIFY(QFile::link(file, icon));
+    }
     job.thread.setClearDirFirst(false);
     runWithSmallFilesOnly(job);
-    QVERIFY(QFileInfo::exists(file));
-    QCOMPARE(QFileInfo(file).size(), qint64(0));
+    QCOMPARE(TreeFiles::read(QFile::encodeName(icon)), QByteArray("old"));
+    QCOMPARE(QFileInfo(icon).isSymLink(), linked);
+    QCOMPARE(job.filesIn(QStringLiteral("a")), namesOf(android));
+    QCOMPARE(QDir(QFileInfo(file).path()).entryList(QDir::Files).contains(QStringLiteral("old.png.part")),
+             false);
+}
+
+void tst_IconFiles::replacedFileKeepsItsRights()
+{
+    Job job;
+    const QString icon = job.out(QStringLiteral("a/icon48x48.png"));
+    job.write(icon, "old");
+    QVERIFY(QFile::setPermissions(icon, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup));
+    job.thread.setClearDirFirst(false);
+    job.run({channel("None", "a")});
+    QCOMPARE(QImage(icon).size(), QSize(48, 48));
+    QCOMPARE(TreeFiles::mode(QFile::encodeName(icon)), 0640);
+}
+
+void tst_IconFiles::fileWithTwoNamesIsOverwrittenUnderBoth()
+{
+    Job job;
+    const QString shared = job.path(QStringLiteral("shared.png"));
+    job.write(shared, "old");
+    QVERIFY(QDir().mkpath(job.out(QStringLiteral("a"))));
+    QCOMPARE(link(QFile::encodeName(shared), QFile::encodeName(job.out(QStringLiteral("a/icon48x48.png")))),
+             0);
+    job.thread.setClearDirFirst(false);
+    job.run({channel("None", "a")});
+    QCOMPARE(QImage(shared).size(), QSize(48, 48));
 }
 
 void tst_IconFiles::fullDiskEndsWithWholeFilesOnly()

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "icons/iconsetwriter.h"
 
+#include "files/wholefile.h"
 #include "icons/pngencoder.h"
+#include "messages.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include <QThread>
+#include <QThreadPool>
 
-#include <cstdio>
 #include <new>
-#include <vector>
+#include <system_error>
 
 namespace {
 
@@ -16,50 +17,40 @@ namespace {
 // memory.
 constexpr std::size_t mostWaiting = 16;
 
-// Fills a file that was just opened. What cannot be written whole is taken away, and emptied before: its
-// folder may take no changes, or its name be a link.
-bool fill(QFile& file, const QByteArray& content)
+template <typename Work> void startThreads(std::vector<std::thread>& threads, int wanted, const Work& work)
 {
-    const bool complete = file.write(content) == content.size();
-    file.close();
-    if (complete && file.error() == QFileDevice::NoError)
-        return true;
-    file.resize(0);
-    file.remove();
-    return false;
-}
-
-// Makes a file beside the path, of a name that nothing has: neither a file that stays nor a link to one.
-bool openBeside(QFile& file, const QString& path)
-{
-    for (int number = 0;; ++number) {
-        const QString suffix = number == 0 ? QString() : QString::number(number);
-        file.setFileName(path + QStringLiteral(".part") + suffix);
-        if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
-            return true;
-        const QFileInfo taken(file.fileName());
-        if (!taken.exists() && !taken.isSymLink())
-            return false;
+    try {
+        while (wanted-- > 0)
+            threads.emplace_back(work);
+    } catch (const std::system_error&) {
+        // The system gives no more.
     }
 }
 
-// A new file gets its name once it is whole. One that is there is overwritten in place: it may be a link,
-// have rights of its own or stand in a folder that takes no new files.
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    const QFileInfo present(path);
-    if (present.exists()) {
-        // Opening a pipe would wait for someone to read it.
-        if (present.isFile() && file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-            fill(file, content);
-        return;
+// Threads that do nothing until it ends: as many as the system gives, up to a number.
+class ParkedThreads {
+public:
+    explicit ParkedThreads(int wanted)
+        : m_gate(m_mutex)
+    {
+        startThreads(m_threads, wanted, [this] { const std::lock_guard<std::mutex> waiting(m_mutex); });
     }
-    if (!openBeside(file, path) || !fill(file, content))
-        return;
-    if (std::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(path).constData()) != 0)
-        file.remove();
-}
+    ~ParkedThreads()
+    {
+        m_gate.unlock();
+        for (std::thread& thread : m_threads)
+            thread.join();
+    }
+    ParkedThreads(const ParkedThreads&) = delete;
+    ParkedThreads& operator=(const ParkedThreads&) = delete;
+
+    int count() const { return static_cast<int>(m_threads.size()); }
+
+private:
+    std::mutex m_mutex;
+    std::unique_lock<std::mutex> m_gate;
+    std::vector<std::thread> m_threads;
+};
 
 } // namespace
 
@@ -85,8 +76,13 @@ public:
                                                   : m_image.scaled(file.side, file.side, Qt::KeepAspectRatio,
                                                                    Qt::SmoothTransformation));
         });
-        if (!content.bytes.isEmpty())
-            writeFile(folder + file.name, content.bytes);
+        if (content.bytes.isEmpty()) {
+            qCWarning(iconsLog).noquote() << folder + file.name << "was not written: it could not be encoded";
+            return;
+        }
+        const QString reason = writeWholeFile(folder + file.name, content.bytes);
+        if (!reason.isEmpty())
+            qCWarning(iconsLog).noquote() << folder + file.name << "was not written:" << reason;
     }
 
 private:
@@ -101,13 +97,16 @@ private:
 
 IconSetWriter::IconSetWriter()
 {
-    for (int i = 0; i < m_pool.maxThreadCount(); ++i) {
-        m_pool.start([this] {
-            Job job;
-            while (takeJob(job, true))
-                perform(job);
-        });
-    }
+    const int all = QThreadPool::globalInstance()->maxThreadCount();
+    const ParkedThreads forQt(all);
+    m_isReady = forQt.count() == all;
+    if (!m_isReady)
+        return;
+    startThreads(m_threads, QThread::idealThreadCount(), [this] {
+        Job job;
+        while (takeJob(job, true))
+            perform(job);
+    });
 }
 
 IconSetWriter::~IconSetWriter()
@@ -118,7 +117,8 @@ IconSetWriter::~IconSetWriter()
         m_closed = true;
     }
     m_jobAdded.notify_all();
-    m_pool.waitForDone();
+    for (std::thread& thread : m_threads)
+        thread.join();
 }
 
 void IconSetWriter::write(const QImage& image, const QVector<IconFile>& files, const QString& folder)
@@ -174,6 +174,7 @@ void IconSetWriter::perform(Job& job)
         job();
     } catch (const std::bad_alloc&) {
         // A file that there is no memory for is passed over, as one that there is no room for.
+        qCWarning(iconsLog) << "an icon was not written: there is not enough memory";
     }
     job = nullptr;
     const std::lock_guard<std::mutex> lock(m_mutex);

@@ -4,7 +4,6 @@
 
 #include <QImage>
 #include <QString>
-#include <QThreadPool>
 #include <QVector>
 
 #include <condition_variable>
@@ -12,6 +11,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <thread>
+#include <vector>
 
 /** One file of an icon set. */
 struct IconFile {
@@ -20,21 +21,26 @@ struct IconFile {
 };
 
 /**
- * Scales, encodes and writes icon sets on all cores.
+ * Scales, encodes and writes icon sets on all cores. Files are written through files/, as copies are.
  *
- * A few jobs wait at most, and the caller then takes one itself, so that memory is bounded and a machine that
- * gives no threads still gets its icons.
+ * A few jobs wait at most, and the caller then takes one itself, so that memory is bounded and a system that
+ * gives few threads still gets its icons.
  */
 class IconSetWriter {
 public:
     IconSetWriter();
     /** Waits for everything given so far. */
     ~IconSetWriter();
+
+    /** Whether there are threads enough for Qt's scaling, which waits for ever for those that the system
+     * refuses. Otherwise it must be given nothing. */
+    bool isReady() const { return m_isReady; }
+
     IconSetWriter(const IconSetWriter&) = delete;
     IconSetWriter& operator=(const IconSetWriter&) = delete;
 
     /**
-     * Writes a set. Files that cannot be written are passed over; none is left half written.
+     * Writes a set. Files that cannot be written are passed over, and stay as they were.
      *
      * @param image the icon; the very picture of the call before shares what was encoded for it
      * @param files the set, the same for each call with one picture
@@ -53,7 +59,8 @@ private:
     bool takeJob(Job& job, bool waitForOne);
     void perform(Job& job);
 
-    QThreadPool m_pool;
+    bool m_isReady = false;
+    std::vector<std::thread> m_threads;
     std::shared_ptr<EncodedSet> m_set;
     // The standard's primitives, since a job must be handed over in a way that race detectors can follow into
     // it.
