@@ -12,19 +12,6 @@
 
 using namespace IconPictures;
 
-Ended endOf(QProcess& process)
-{
-    process.closeWriteChannel();
-    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
-        qFatal("quenzo did not end by itself: %s", process.readAllStandardError().constData());
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-}
-
-QStringList words(const char* text)
-{
-    return QString::fromUtf8(text).split(QLatin1Char(' '));
-}
-
 void IconScene::prepare()
 {
     m_folder = std::make_unique<QTemporaryDir>();
@@ -83,19 +70,15 @@ QImage IconScene::markPicture(int corner) const
     return QImage(path(QStringLiteral("marks/red/icon/%1.png").arg(cornerNames().at(corner))));
 }
 
-Ended IconScene::quenzo(const QStringList& arguments) const
+QStringList IconScene::arguments(const QStringList& further, const QString& outDir)
 {
-    QProcess process;
-    process.setWorkingDirectory(root());
-    process.start(QStringLiteral(QUENZO_PROGRAM), arguments);
-    return endOf(process);
+    const bool hasPlatform = further.contains(QStringLiteral("--platform"));
+    return words("icons --icon game.png --marks marks --out") + QStringList{outDir}
+    + (hasPlatform ? QStringList() : words("--platform android")) + further + words("channels.json");
 }
 
 Ended IconScene::icons(const QByteArray& list, const QStringList& further, const QString& outDir) const
 {
     write(path(QStringLiteral("channels.json")), list);
-    return quenzo(
-        words("icons --icon game.png --marks marks --out") + QStringList{outDir}
-        + (further.contains(QStringLiteral("--platform")) ? QStringList() : words("--platform android"))
-        + further + words("channels.json"));
+    return quenzo(arguments(further, outDir));
 }

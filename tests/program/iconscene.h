@@ -2,27 +2,15 @@
 #ifndef ICONSCENE_H
 #define ICONSCENE_H
 
+#include "quenzoprocess.h"
+
 #include <QByteArray>
 #include <QImage>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
 #include <memory>
-
-/** How a run of the program ended. */
-struct Ended {
-    int code = -1;
-    QByteArray output;
-    QByteArray error;
-};
-
-/** Waits for the program's end; it must end by itself. */
-Ended endOf(QProcess& process);
-
-/** Words with a blank between any two. */
-QStringList words(const char* text);
 
 /** A folder with a small game icon and the mark "red", whose four pictures differ in size; for the tests of
  * the command icons. */
@@ -31,6 +19,8 @@ public:
     /** Makes the folder anew. */
     void prepare();
 
+    /** The words of a line, which blanks part. */
+    static QStringList words(const char* line) { return QuenzoProcess::words(line); }
     static const QStringList& cornerNames();
     static QByteArray contentOf(const QString& file);
     static QStringList filesBelow(const QString& folder);
@@ -49,8 +39,11 @@ public:
     }
 
     /** Runs the program in the folder. */
-    Ended quenzo(const QStringList& arguments) const;
-    /** Runs its command icons with this channel list, for Android if nothing else is said. */
+    Ended quenzo(const QStringList& arguments) const { return QuenzoProcess(arguments, root()).end(); }
+    /** The arguments of its command icons, for Android if nothing else is said. */
+    static QStringList arguments(const QStringList& further = {},
+                                 const QString& outDir = QStringLiteral("out"));
+    /** Runs it with these arguments and this channel list. */
     Ended icons(const QByteArray& list, const QStringList& further = {},
                 const QString& outDir = QStringLiteral("out")) const;
 

@@ -5,9 +5,7 @@
 
 #include <QDir>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QtTest>
 
 using namespace IconPictures;
@@ -247,7 +245,7 @@ void tst_IconCommands::jsonTellsAllOfARun()
     const Ended ended = icons(R"([{"folder": "a", "mark": "blue"}, {"folder": "b"}])",
                               words("--json --keep --sheet sheet.png"));
     QCOMPARE(ended.code, 1);
-    const QJsonObject told = QJsonDocument::fromJson(ended.output).object();
+    const QJsonObject told = ended.json();
     QStringList keys = told.keys();
     keys.sort();
     QCOMPARE(keys, words("channels command error expected missing ok out sheet warnings written"));
@@ -265,8 +263,7 @@ void tst_IconCommands::jsonTellsAllOfARun()
              QDir(root()).canonicalPath() + QStringLiteral("/out"));
     QCOMPARE(told.value(QStringLiteral("sheet")).toString(), QStringLiteral("sheet.png"));
 
-    const QJsonObject good =
-        QJsonDocument::fromJson(icons(R"([{"folder": "a"}])", words("--json")).output).object();
+    const QJsonObject good = icons(R"([{"folder": "a"}])", words("--json")).json();
     QCOMPARE(good.value(QStringLiteral("ok")).toBool(), true);
     QCOMPARE(good.value(QStringLiteral("written")).toInt(), 7);
     QVERIFY(good.value(QStringLiteral("missing")).isArray());
@@ -282,12 +279,9 @@ void tst_IconCommands::progressIsShownOnATerminal()
                 .save(path(QStringLiteral("game.png")), nullptr, 100));
     write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
     Terminal terminal;
-    QProcess process;
-    process.setWorkingDirectory(root());
+    QuenzoProcess process(arguments(), root());
     process.setStandardErrorFile(terminal.path());
-    process.start(QStringLiteral(QUENZO_PROGRAM),
-                  words("icons --icon game.png --marks marks --out out --platform android channels.json"));
-    QCOMPARE(endOf(process).code, 0);
+    QCOMPARE(process.end().code, 0);
 
     const QString shown = QString::fromLocal8Bit(terminal.shown());
     QRegularExpressionMatchIterator bars =

@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QtTest>
 
@@ -20,21 +19,11 @@ using namespace IconPictures;
 
 namespace {
 
-// A process that the rights of files bind even when root runs the tests.
-class BoundProcess : public QProcess {
-public:
-    rlim_t largestFile = RLIM_INFINITY; // bytes
-
-protected:
-    void setupChildProcess() override
-    {
-        prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{largestFile, RLIM_INFINITY};
-        if (largestFile != RLIM_INFINITY && setrlimit(RLIMIT_FSIZE, &limit) != 0)
-            _exit(127);
-    }
-};
+// The rights of files then bind the program even when root runs the tests.
+void dropPrivilege()
+{
+    prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
+}
 
 } // namespace
 
@@ -145,13 +134,15 @@ void tst_IconFailures::fileLeftEmptyIsReported()
     write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
     // The file can be written, but neither to its end nor be taken away.
     QVERIFY(QFile::setPermissions(out(QStringLiteral("a")), QFile::ReadOwner | QFile::ExeOwner));
-    BoundProcess process;
-    process.largestFile = 10000;
-    process.setWorkingDirectory(root());
-    process.start(
-        QStringLiteral(QUENZO_PROGRAM),
-        words("icons --icon game.png --marks marks --out out --platform android --keep channels.json"));
-    const Ended ended = endOf(process);
+    QuenzoProcess process(arguments(words("--keep")), root());
+    process.before = [] {
+        dropPrivilege();
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small{10000, RLIM_INFINITY};
+        if (setrlimit(RLIMIT_FSIZE, &small) != 0)
+            _exit(127);
+    };
+    const Ended ended = process.end();
     QVERIFY(QFile::setPermissions(out(QStringLiteral("a")),
                                   QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     QCOMPARE(ended.code, 1);
@@ -181,12 +172,9 @@ void tst_IconFailures::whatCannotBeClearedIsWarnedOf()
         write(out(QString::fromUtf8(name)), "old");
     for (const char* name : {"old", "a"})
         QVERIFY(QFile::setPermissions(out(QString::fromUtf8(name)), QFile::ReadOwner | QFile::ExeOwner));
-    BoundProcess process;
-    process.setWorkingDirectory(root());
-    process.start(
-        QStringLiteral(QUENZO_PROGRAM),
-        words("icons --icon game.png --marks marks --out out --platform android --json channels.json"));
-    const Ended ended = endOf(process);
+    QuenzoProcess process(arguments(words("--json")), root());
+    process.before = dropPrivilege;
+    const Ended ended = process.end();
     for (const char* name : {"old", "a"})
         QVERIFY(QFile::setPermissions(out(QString::fromUtf8(name)),
                                       QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
@@ -195,8 +183,7 @@ void tst_IconFailures::whatCannotBeClearedIsWarnedOf()
     const QString warning = QStringLiteral("not deleted: ") + outRoot + QStringLiteral("a/notes.txt, ")
         + outRoot + QStringLiteral("old");
     QCOMPARE(ended.error, QByteArray("quenzo: " + warning.toUtf8() + '\n'));
-    QCOMPARE(QJsonDocument::fromJson(ended.output).object().value(QStringLiteral("warnings")).toArray(),
-             QJsonArray({warning}));
+    QCOMPARE(ended.json().value(QStringLiteral("warnings")).toArray(), QJsonArray({warning}));
 }
 
 void tst_IconFailures::sheetThatCannotBeWrittenFails()
@@ -212,15 +199,9 @@ void tst_IconFailures::sheetWithoutFontsIsWarnedOf()
 {
     write(path(QStringLiteral("fonts.conf")), "<?xml version=\"1.0\"?>\n<fontconfig></fontconfig>\n");
     write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("FONTCONFIG_FILE"), path(QStringLiteral("fonts.conf")));
-    process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(root());
-    process.start(
-        QStringLiteral(QUENZO_PROGRAM),
-        words("icons --icon game.png --marks marks --out out --platform ios --sheet s.png channels.json"));
-    const Ended ended = endOf(process);
+    QuenzoProcess process(arguments(words("--platform ios --sheet s.png")), root());
+    process.setVariable("FONTCONFIG_FILE", path(QStringLiteral("fonts.conf")));
+    const Ended ended = process.end();
     QCOMPARE(ended.code, 0);
     QVERIFY2(ended.error.contains("quenzo: no font was found; "), ended.error.constData());
     QVERIFY(!QImage(path(QStringLiteral("s.png"))).isNull());
