@@ -22,9 +22,6 @@ inline bool operator==(const FileIdentity& left, const FileIdentity& right)
     return left.device == right.device && left.number == right.number;
 }
 
-/** Whether an open file is still to be found under some name, so that what is written to it is not lost. */
-bool isLinked(const QFile& openFile);
-
 FileIdentity identityOf(const QFile& openFile);
 
 /** @param path as QFile::encodeName gives it */

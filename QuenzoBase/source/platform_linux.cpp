@@ -25,12 +25,6 @@ QString executablePath()
     return QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
 }
 
-bool isLinked(const QFile& openFile)
-{
-    struct statx status { };
-    return statx(openFile.handle(), "", AT_EMPTY_PATH, STATX_NLINK, &status) == 0 && status.stx_nlink > 0;
-}
-
 FileIdentity identityOf(const QFile& openFile)
 {
     return identity(openFile.handle(), "", AT_EMPTY_PATH);

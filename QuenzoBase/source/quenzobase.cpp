@@ -26,7 +26,7 @@ public:
         const QByteArray bytes = text.toUtf8();
         const std::lock_guard<std::mutex> guard(m_mutex);
         const qint64 now = QDateTime::currentMSecsSinceEpoch();
-        if (!isInPlace(now) && !open())
+        if (!isInPlace() && !open())
             return;
         QByteArray entry;
         entry.reserve(bytes.size() + 32);
@@ -37,17 +37,8 @@ public:
     }
 
 private:
-    // A log that somebody removed is begun anew; one that was moved away too, or gone on with where another
-    // process began it. Looking the path up takes as long as writing, so a burst does it once a millisecond.
-    bool isInPlace(qint64 now)
-    {
-        if (!m_file.isOpen())
-            return false;
-        if (now == m_lookedUp)
-            return isLinked(m_file);
-        m_lookedUp = now;
-        return identityAt(m_path) == m_identity;
-    }
+    // A log that somebody removed, moved away or replaced is begun anew, or gone on with.
+    bool isInPlace() const { return m_file.isOpen() && identityAt(m_path) == m_identity; }
 
     bool open()
     {
@@ -76,7 +67,6 @@ private:
     QFile m_file{QDir::cleanPath(runPath() + QStringLiteral("/../log/quenzotool.log"))};
     const QByteArray m_path = QFile::encodeName(m_file.fileName());
     FileIdentity m_identity;
-    qint64 m_lookedUp = -1;
     qint64 m_second = -1;
     QByteArray m_secondText;
 };
