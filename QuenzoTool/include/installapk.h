@@ -38,6 +38,7 @@
  * install whose removal is still at work goes on with the new task's file.
  * - Command lines are one text that is split into words: a path must hold no quotation mark, and a serial
  * with a blank is to be handed over within quotation marks.
+ * - A child that prints more than 64 MiB is ended, which counts as a crash.
  * - The package name is not checked: for a file that aapt cannot read, the removal is run without a name.
  *
  * @since 1.0

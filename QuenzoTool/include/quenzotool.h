@@ -38,14 +38,15 @@ public:
     static QString getToolPath();
 
     /**
-     * Runs a command line and waits for its end, at most 30 seconds; then it is killed. Blocks the calling
-     * thread.
+     * Runs a command line and waits for its end, at most 30 seconds; then it is killed, with every child of
+     * it that has not gone into a process group of its own. The same happens to one that prints more than
+     * 64 MiB, both streams together. Blocks the calling thread.
      *
      * @param command program and arguments in one string; double quotation marks keep blanks together
      * @param[out] output what the program had written to its standard output, as UTF-8
      * @param[out] error what it had written to its standard error, as UTF-8
-     * @return true when it ended in time, whatever its exit code; false when it did not or could not be
-     * started. Both texts are assigned in every case.
+     * @return true when it ended in time, whatever its exit code; false when it did not, printed too much or
+     * could not be started. Both texts are assigned in every case.
      */
     static bool runCmdWaitFinish(const QString& command, QString& output, QString& error);
 

@@ -2,6 +2,8 @@
 #include "installapk.h"
 
 #include "devices/tooloutput.h"
+#include "devices/toolprocess.h"
+#include "messages.h"
 #include "quenzotool.h"
 
 #include <QFile>
@@ -18,6 +20,13 @@ QString quotedTool(const QString& name)
 QString removal(const QString& apkPath)
 {
     return QStringLiteral(" uninstall ") + CInstallApk::getApkPackageName(apkPath);
+}
+
+// A failure that reaches no host by a signal.
+void tellUnclearEnd(const char* step, int exitCode, const QString& said)
+{
+    qCWarning(devicesLog).noquote().nospace() << "adb's " << step << " ended with code " << exitCode
+                                              << ", without a code of the device: " << ToolOutput::gist(said);
 }
 
 } // namespace
@@ -75,6 +84,8 @@ QStringList CInstallApk::getDeviceLs()
     if (!QuenzoTool::runCmdWaitFinish(quotedTool(QStringLiteral("adb")) + QStringLiteral(" devices"), output,
                                       error))
         return {};
+    if (!output.contains(QLatin1String("List of devices attached")))
+        qCWarning(devicesLog).noquote() << "adb listed no devices:" << ToolOutput::gist(error + output);
     return ToolOutput::readySerials(output);
 }
 
@@ -86,7 +97,11 @@ QString CInstallApk::getApkPackageName(QString apkPath)
         quotedTool(QStringLiteral("aapt")) + QStringLiteral(" d badging \"") + apkPath + QLatin1Char('"');
     if (!QuenzoTool::runCmdWaitFinish(command, output, error))
         return {};
-    return ToolOutput::packageName(output);
+    const QString name = ToolOutput::packageName(output);
+    if (name.isEmpty())
+        qCWarning(devicesLog).noquote()
+            << "aapt named no package of" << apkPath + QLatin1Char(':') << ToolOutput::gist(error + output);
+    return name;
 }
 
 void CInstallApk::onSelectDeviceFinish(QString str)
@@ -99,12 +114,12 @@ void CInstallApk::onSelectDeviceFinish(QString str)
         UnInstall(str);
 }
 
-void CInstallApk::onInstallFinish(int /*exitCode*/, QProcess::ExitStatus exitStatus)
+void CInstallApk::onInstallFinish(int exitCode, QProcess::ExitStatus exitStatus)
 {
     if (m_process == nullptr)
         return;
-    const auto outcome = ToolOutput::installOutcome(QString::fromUtf8(m_process->readAll()),
-                                                    exitStatus == QProcess::CrashExit);
+    const QString output = ToolOutput::text(m_process->readAll());
+    const auto outcome = ToolOutput::installOutcome(output, exitStatus == QProcess::CrashExit);
     switch (outcome.kind) {
     case ToolOutput::InstallOutcome::Installed:
         Q_EMIT onResult(true, tr("Installation is complete!"), tr(""));
@@ -114,6 +129,7 @@ void CInstallApk::onInstallFinish(int /*exitCode*/, QProcess::ExitStatus exitSta
         break;
     case ToolOutput::InstallOutcome::Unclear:
         // Hosts hear nothing of a failure without a code, and rely on it.
+        tellUnclearEnd("install", exitCode, ToolOutput::text(m_process->readAllStandardError()) + output);
         break;
     }
     if (m_process != nullptr)
@@ -121,24 +137,31 @@ void CInstallApk::onInstallFinish(int /*exitCode*/, QProcess::ExitStatus exitSta
     releaseChild();
 }
 
-void CInstallApk::onUnInstallFinish(int /*exitCode*/, QProcess::ExitStatus exitStatus)
+void CInstallApk::onUnInstallFinish(int exitCode, QProcess::ExitStatus exitStatus)
 {
     if (m_process == nullptr)
         return;
-    if (exitStatus == QProcess::CrashExit)
-        Q_EMIT onResult(false, QString::fromUtf8(m_process->readAllStandardError()), tr(""));
-    else if (ToolOutput::uninstallFailed(QString::fromUtf8(m_process->readAllStandardOutput())))
+    const QString error = ToolOutput::text(m_process->readAllStandardError());
+    const QString output = ToolOutput::text(m_process->readAllStandardOutput());
+    if (exitStatus == QProcess::CrashExit) {
+        Q_EMIT onResult(false, error, tr(""));
+    } else if (ToolOutput::uninstallFailed(output)) {
         Q_EMIT onResult(false, tr("Uninstallation failed (app may not exist)!"), tr(""));
-    else
+    } else {
+        // Hosts hear of a success, and rely on it.
+        if (exitCode != 0)
+            tellUnclearEnd("uninstall", exitCode, error + output);
         Q_EMIT onResult(true, tr("Uninstall successful!"), tr(""));
+    }
     releaseChild();
 }
 
 void CInstallApk::onInstallReplaceFinish(int /*exitCode*/, QProcess::ExitStatus exitStatus)
 {
     if (exitStatus == QProcess::CrashExit) {
-        const QByteArray error = m_process == nullptr ? QByteArray() : m_process->readAllStandardError();
-        Q_EMIT onResult(false, QString::fromUtf8(error), tr(""));
+        Q_EMIT onResult(
+            false, m_process == nullptr ? QString() : ToolOutput::text(m_process->readAllStandardError()),
+            tr(""));
         releaseChild();
         return;
     }
@@ -177,14 +200,13 @@ void CInstallApk::startChild(const QString& arguments, const QString& device, Fi
 {
     const QString serial = device.isEmpty() ? QString() : QStringLiteral(" -s ") + device;
     const QString command = quotedTool(QStringLiteral("adb")) + serial + arguments;
-    QStringList words = QProcess::splitCommand(command);
-    const QString program = words.takeFirst();
 
-    m_process = new QProcess;
+    auto* const child = new ToolProcess(ToolProcess::Shared);
+    m_process = child;
     // Returns at once: the start is never waited for.
-    m_process->waitForStarted(30000);
-    m_process->start(program, words, QIODevice::ReadWrite);
-    connect(m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this, slot);
+    child->waitForStarted(30000);
+    child->begin(command);
+    connect(child, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this, slot);
 }
 
 // The child may be the sender of the slot at work, and ending a running one would call the slot again.

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "quenzotool.h"
 
+#include "devices/tooloutput.h"
+#include "devices/toolprocess.h"
+#include "messages.h"
 #include "pythonforqt.h"
 
 #include <quenzobase.h>
 
 #include <QDateTime>
 #include <QFileInfo>
-#include <QProcess>
 
 #include <limits>
 
@@ -17,6 +19,15 @@ int truncated(double number)
 {
     using Limits = std::numeric_limits<int>;
     return static_cast<int>(qBound<double>(Limits::min(), number, Limits::max()));
+}
+
+void tellEnd(const QProcess& process, const QString& error)
+{
+    if (process.exitStatus() == QProcess::CrashExit)
+        qCWarning(devicesLog).noquote() << process.program() << "crashed:" << ToolOutput::gist(error);
+    else if (process.exitCode() != 0)
+        qCWarning(devicesLog).noquote().nospace() << process.program() << " ended with code "
+                                                  << process.exitCode() << ": " << ToolOutput::gist(error);
 }
 
 // The length in bytes of the text's first `count` characters. What it took to learn it is kept, so that a
@@ -56,23 +67,21 @@ QString QuenzoTool::getToolPath()
 bool QuenzoTool::runCmdWaitFinish(const QString& command, QString& output, QString& error)
 {
     constexpr int timeLimitMs = 30000;
-    QStringList words = QProcess::splitCommand(command);
+    ToolProcess process(ToolProcess::Own);
     output.clear();
     error.clear();
-    if (words.isEmpty() || words.first().isEmpty())
+    if (!process.begin(command))
         return false;
-
-    QProcess process;
-    const QString program = words.takeFirst();
-    process.start(program, words, QIODevice::ReadWrite);
     const bool finished = process.waitForFinished(timeLimitMs);
-    output = QString::fromUtf8(process.readAllStandardOutput());
-    error = QString::fromUtf8(process.readAllStandardError());
-    if (process.state() != QProcess::NotRunning) {
-        process.kill();
-        process.waitForFinished();
-    }
-    return finished;
+    const bool timedOut = process.state() != QProcess::NotRunning;
+    output = ToolOutput::text(process.readAllStandardOutput());
+    error = ToolOutput::text(process.readAllStandardError());
+    process.end();
+    if (timedOut)
+        qCWarning(devicesLog).noquote() << process.program() << "was ended: it took longer than 30 s";
+    else if (finished && !process.isOverLimit())
+        tellEnd(process, error);
+    return finished && !process.isOverLimit();
 }
 
 QString QuenzoTool::getCurrentTime(QString format)
@@ -95,9 +104,10 @@ QString QuenzoTool::getStrInMaxCount(QString text, int count, QString suffix)
 {
     if (showLength(text) <= count)
         return text;
-    const int room = count - showLength(suffix);
-    if (room <= 0)
+    const int suffixLength = showLength(suffix);
+    if (count <= suffixLength)
         return text;
+    const int room = count - suffixLength;
 
     // Prefix lengths grow with the prefix, so the first one of at least room - 1 bytes decides.
     Prefix below;

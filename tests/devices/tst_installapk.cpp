@@ -6,6 +6,7 @@
 #include <installapk.h>
 
 #include <QElapsedTimer>
+#include <QLoggingCategory>
 #include <QMetaMethod>
 #include <QTemporaryDir>
 #include <QTranslator>
@@ -97,6 +98,10 @@ private Q_SLOTS:
     void taskBegunInAQueuedSlotRuns();
     void destructionLeavesTheChildAtWork();
     void largeOutputIsReadWhole();
+    void outputBehindAZeroByteIsRead();
+    void endlessOutputCountsAsACrash();
+    void silentEndsAreLoggedWhenAskedFor_data();
+    void silentEndsAreLoggedWhenAskedFor();
 
 private:
     void makeIdle(Flow& flow, const QSignalSpy& results);
@@ -121,6 +126,7 @@ void tst_InstallApk::init()
 
 void tst_InstallApk::cleanup()
 {
+    QLoggingCategory::setFilterRules({});
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCOMPARE(m_log->takeWarnings(), QStringList());
 }
@@ -596,6 +602,7 @@ void tst_InstallApk::childThatCannotStartBlocksUntilAnInstall()
 {
     const QString adb = RunRoot::path() + QStringLiteral("/tool/mac/adb");
     const auto executable = QFile::permissions(adb);
+    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.devices=true"));
     ScriptedTools::attach({QStringLiteral("ab")});
     // Between the list of devices and the removal the program turns unusable.
     ScriptedTools::answer(QStringLiteral("d"), R"(chmod -x "$dir/adb"; echo "package: name='a.b'")");
@@ -603,11 +610,16 @@ void tst_InstallApk::childThatCannotStartBlocksUntilAnInstall()
     const QSignalSpy results(&flow, &CInstallApk::onResult);
     flow.startTask(m_apk, true);
 
-    // The failed start is told through the event loop: another one, begun later, shows when that has
-    // happened.
-    QProcess other;
-    other.start(adb, {});
-    TRY_COMPARE(other.error(), QProcess::FailedToStart);
+    // The child looks for its program on its own time: the program stays unusable until it has.
+    QStringList told;
+    const auto hasFailed = [&] {
+        told += m_log->takeWarnings();
+        return !told.isEmpty();
+    };
+    TRY_VERIFY(hasFailed());
+    QVERIFY2(told.join(QLatin1Char('|')).contains(QStringLiteral("/adb cannot be started: ")),
+             qPrintable(told.join(QLatin1Char('|'))));
+    QLoggingCategory::setFilterRules({});
     QCOMPARE(results.count(), 0);
 
     QVERIFY(QFile::setPermissions(adb, executable));
@@ -687,6 +699,81 @@ void tst_InstallApk::largeOutputIsReadWhole()
     flow.startTask(m_apk, false);
     TRY_COMPARE(results.count(), 2);
     QCOMPARE(results.last(), report(false, "Uninstallation failed (app may not exist)!"));
+}
+
+void tst_InstallApk::outputBehindAZeroByteIsRead()
+{
+    ScriptedTools::attach({QStringLiteral("ab")});
+    ScriptedTools::answer(QStringLiteral("install"), "printf 'P\\n\\0Failure [LATE]'");
+    Flow flow;
+    const QSignalSpy results(&flow, &CInstallApk::onResult);
+    flow.startTask(m_apk, true);
+    TRY_COMPARE(results.count(), 1);
+    QCOMPARE(results.last(), report(false, "Installation failed!", "LATE"));
+}
+
+void tst_InstallApk::endlessOutputCountsAsACrash()
+{
+    ScriptedTools::attach({QStringLiteral("ab")});
+    ScriptedTools::answer(QStringLiteral("uninstall"), "echo flood >&2; exec cat /dev/zero");
+    Flow flow;
+    const QSignalSpy results(&flow, &CInstallApk::onResult);
+    flow.startTask(m_apk, true);
+    TRY_COMPARE(results.count(), 1);
+    QCOMPARE(results.last(), report(false, "flood\n"));
+    makeIdle(flow, results);
+}
+
+void tst_InstallApk::silentEndsAreLoggedWhenAskedFor_data()
+{
+    QTest::addColumn<QString>("subcommand");
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<bool>("install");
+    QTest::addColumn<int>("reports");
+    QTest::addColumn<QStringList>("causes");
+    const auto row = [](const char* name, const char* subcommand, const char* script, bool install,
+                        int reports, const char* cause) {
+        const QString text = QString::fromUtf8(cause);
+        QTest::newRow(name) << QString::fromUtf8(subcommand) << QByteArray(script) << install << reports
+                            << (text.isEmpty() ? QStringList() : text.split(QLatin1Char('|')));
+    };
+    row("nothing to tell", "install", "echo P; echo Success", true, 1, "");
+    row("refusal with a code", "install", "echo P; echo 'Failure [NO]'; exit 1", true, 1, "");
+    row("refusal without a code", "install", "echo P; echo 'adb: no room' >&2; exit 7", true, 0,
+        "adb's install ended with code 7, without a code of the device: adb: no room P");
+    row("absent package", "uninstall", "echo Failure; exit 1", true, 1, "");
+    row("device lost", "uninstall", "echo gone >&2; exit 1", false, 1,
+        "adb's uninstall ended with code 1, without a code of the device: gone");
+    row("no list", "devices", "echo what; echo why >&2", true, 1, "adb listed no devices: why what");
+    row("failing list", "devices", "echo why >&2; exit 1", true, 1,
+        "/adb ended with code 1: why|adb listed no devices: why");
+    row("no package", "d", "echo no APK >&2", false, 1, "/game.apk: no APK");
+}
+
+void tst_InstallApk::silentEndsAreLoggedWhenAskedFor()
+{
+    QFETCH(const QString, subcommand);
+    QFETCH(const QByteArray, script);
+    QFETCH(const bool, install);
+    QFETCH(const int, reports);
+    QFETCH(const QStringList, causes);
+    ScriptedTools::attach({QStringLiteral("ab")});
+    ScriptedTools::answer(subcommand, script);
+    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.devices=true"));
+    Flow flow;
+    const QSignalSpy results(&flow, &CInstallApk::onResult);
+    QStringList told;
+    flow.startTask(m_apk, install);
+    const auto hasEnded = [&] {
+        told += m_log->takeWarnings();
+        return told.size() >= causes.size() && results.count() >= reports;
+    };
+    TRY_VERIFY(hasEnded());
+    QLoggingCategory::setFilterRules({});
+    makeIdle(flow, results);
+    QVERIFY2(told.size() == causes.size(), qPrintable(told.join(QLatin1Char('\n'))));
+    for (int i = 0; i < told.size(); ++i)
+        QVERIFY2(told.at(i).endsWith(causes.at(i)), qPrintable(told.at(i)));
 }
 
 QTEST_GUILESS_MAIN(tst_InstallApk)

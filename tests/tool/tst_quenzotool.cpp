@@ -6,6 +6,7 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QLoggingCategory>
 #include <QtTest>
 
 #include <limits>
@@ -13,6 +14,17 @@
 #include <thread>
 
 #include <csignal>
+
+namespace {
+
+// An orphan may stay listed until somebody asks for its exit code.
+bool hasEnded(const QString& pid)
+{
+    QFile status(QStringLiteral("/proc/%1/stat").arg(pid));
+    return !status.open(QIODevice::ReadOnly) || status.readAll().contains(") Z ");
+}
+
+} // namespace
 
 class tst_QuenzoTool : public QObject {
     Q_OBJECT
@@ -34,10 +46,16 @@ private Q_SLOTS:
     void missingProgramIsFalseAndTextsAreEmptied();
     void quotationMarksKeepWordsTogether();
     void outputIsUtf8();
+    void zeroByteDoesNotEndTheTexts();
     void largeOutputIsWhole();
+    void endlessOutputMeetsALimit_data();
+    void endlessOutputMeetsALimit();
     void childLeftBehindIsNotWaitedFor();
     void commandRunsOnAThreadWithoutEventLoop();
-    void commandBeyondThirtySecondsIsKilled();
+    void commandBeyondThirtySecondsIsKilledWithItsChildren();
+    void causesOfFailureAreLoggedWhenAskedFor_data();
+    void causesOfFailureAreLoggedWhenAskedFor();
+    void hostsBlockedSignalsReachTheCommand();
 
     void currentTimeFollowsTheFormat();
 
@@ -136,6 +154,40 @@ void tst_QuenzoTool::outputIsUtf8()
     QCOMPARE(output, QStringLiteral("é\uFFFD\U0001F600"));
 }
 
+void tst_QuenzoTool::zeroByteDoesNotEndTheTexts()
+{
+    QString output;
+    QString error;
+    QVERIFY(QuenzoTool::runCmdWaitFinish(QStringLiteral("sh -c \"printf 'a\\0b'; printf 'c\\0d\\0' >&2\""),
+                                         output, error));
+    QCOMPARE(output, QStringLiteral("a").append(QChar(0)).append(QLatin1Char('b')));
+    QCOMPARE(error, QStringLiteral("c").append(QChar(0)).append(QLatin1Char('d')).append(QChar(0)));
+}
+
+void tst_QuenzoTool::endlessOutputMeetsALimit_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<bool>("inOutput");
+    QTest::newRow("output") << QStringLiteral("sh -c \"echo $$ >&2; exec cat /dev/zero\"") << true;
+    QTest::newRow("error") << QStringLiteral("sh -c \"echo $$; exec cat /dev/zero >&2\"") << false;
+    QTest::newRow("of a child") << QStringLiteral("sh -c \"cat /dev/zero & echo $! >&2; wait\"") << true;
+}
+
+void tst_QuenzoTool::endlessOutputMeetsALimit()
+{
+    QFETCH(const QString, command);
+    QFETCH(const bool, inOutput);
+    QString output;
+    QString error;
+    QVERIFY(!QuenzoTool::runCmdWaitFinish(command, output, error));
+    const QString& flood = inOutput ? output : error;
+    constexpr int limit = 64 * 1024 * 1024;
+    QVERIFY2(flood.size() > limit / 2 && flood.size() < 2 * limit, qPrintable(QString::number(flood.size())));
+    const QString pid = (inOutput ? error : output).trimmed();
+    QVERIFY2(pid.toInt() > 0, qPrintable(pid));
+    QTRY_VERIFY2(hasEnded(pid), qPrintable(pid));
+}
+
 void tst_QuenzoTool::largeOutputIsWhole()
 {
     constexpr int size = 4000000;
@@ -176,17 +228,69 @@ void tst_QuenzoTool::commandRunsOnAThreadWithoutEventLoop()
     QCOMPARE(output, QStringLiteral("there\n"));
 }
 
-void tst_QuenzoTool::commandBeyondThirtySecondsIsKilled()
+void tst_QuenzoTool::commandBeyondThirtySecondsIsKilledWithItsChildren()
 {
     QString output = QStringLiteral("before");
     QString error = QStringLiteral("before");
-    const QString command = QStringLiteral("sh -c \"echo $$; echo waiting >&2; exec sleep 300\"");
+    const QString command =
+        QStringLiteral("sh -c \"sleep 300 & echo $$ $!; echo waiting >&2; exec sleep 300\"");
     QVERIFY(!QuenzoTool::runCmdWaitFinish(command, output, error));
     QCOMPARE(error, QStringLiteral("waiting\n"));
-    const int pid = output.trimmed().toInt();
-    QVERIFY2(pid > 0, qPrintable(output));
-    QCOMPARE(kill(pid, 0), -1);
+    const QStringList pids = output.trimmed().split(QLatin1Char(' '));
+    QCOMPARE(pids.size(), 2);
+    QVERIFY2(pids.first().toInt() > 0, qPrintable(output));
+    QCOMPARE(kill(pids.first().toInt(), 0), -1);
     QCOMPARE(errno, ESRCH);
+    QTRY_VERIFY2(hasEnded(pids.last()), qPrintable(output));
+}
+
+void tst_QuenzoTool::causesOfFailureAreLoggedWhenAskedFor_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QStringList>("causes");
+    const auto cause = [](const char* text) { return QStringList{QString::fromUtf8(text)}; };
+    QTest::newRow("none") << QStringLiteral("echo out") << QStringList();
+    QTest::newRow("exit code") << QStringLiteral("sh -c \"echo bad; echo ' worse' >&2; exit 3\"")
+                               << cause("sh ended with code 3: worse");
+    QTest::newRow("silent") << QStringLiteral("false") << cause("false ended with code 1: it said nothing");
+    QTest::newRow("crash") << QStringLiteral("sh -c \"kill -9 $$\"") << cause("sh crashed: it said nothing");
+    QTest::newRow("flood") << QStringLiteral("cat /dev/zero")
+                           << cause("cat was ended: it printed more than 67108864 bytes");
+    QTest::newRow("not there") << QStringLiteral("/nonexistent/program")
+                               << cause("/nonexistent/program cannot be started: ");
+}
+
+void tst_QuenzoTool::causesOfFailureAreLoggedWhenAskedFor()
+{
+    QFETCH(const QString, command);
+    QFETCH(const QStringList, causes);
+    QString output;
+    QString error;
+    QuenzoTool::runCmdWaitFinish(command, output, error);
+    QCOMPARE(m_log->takeWarnings(), QStringList());
+
+    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.devices=true"));
+    QuenzoTool::runCmdWaitFinish(command, output, error);
+    QLoggingCategory::setFilterRules({});
+    const QStringList told = m_log->takeWarnings();
+    QCOMPARE(told.size(), causes.size());
+    for (int i = 0; i < told.size(); ++i)
+        QVERIFY2(told.at(i).startsWith(causes.at(i)), qPrintable(told.at(i)));
+}
+
+void tst_QuenzoTool::hostsBlockedSignalsReachTheCommand()
+{
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    QString output;
+    QString error;
+    const bool finished =
+        QuenzoTool::runCmdWaitFinish(QStringLiteral("sh -c \"kill -INT $$; echo alive\""), output, error);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    QVERIFY(finished);
+    QCOMPARE(output, QString());
 }
 
 void tst_QuenzoTool::currentTimeFollowsTheFormat()

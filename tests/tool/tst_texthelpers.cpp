@@ -7,6 +7,7 @@
 #include <QTextCodec>
 #include <QtTest>
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -153,6 +154,8 @@ void tst_TextHelpers::cutText_data()
     row("budget of one, no suffix", alphabet, 1, QString(), QString());
     row("budget of zero", alphabet, 0, QString(), alphabet);
     row("negative budget", alphabet, -5, QString(), alphabet);
+    row("least budget", alphabet, std::numeric_limits<int>::min(), dots, alphabet);
+    row("least budget, no suffix", alphabet, std::numeric_limits<int>::min(), QString(), alphabet);
     row("negative budget, empty text", QString(), -5, dots, QString());
     row("empty text", QString(), 0, dots, QString());
     // Three bytes a letter: 6 is neither room - 1 nor room of the first, and both of the second.

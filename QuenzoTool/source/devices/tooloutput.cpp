@@ -12,6 +12,21 @@ bool tellsSuccess(const QString& output, int lineBreak)
 
 } // namespace
 
+QString ToolOutput::text(const QByteArray& bytes)
+{
+    return QString::fromUtf8(bytes.constData(), bytes.size());
+}
+
+QString ToolOutput::gist(const QString& output)
+{
+    constexpr int longest = 300;
+    constexpr int looksAt = 10 * longest;
+    const QString line = output.left(looksAt).simplified();
+    if (line.isEmpty())
+        return QStringLiteral("it said nothing");
+    return line.size() > longest ? line.left(longest) + QStringLiteral("...") : line;
+}
+
 QStringList ToolOutput::readySerials(QString output)
 {
     output.remove(QStringLiteral("List of devices attached"));

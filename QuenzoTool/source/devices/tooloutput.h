@@ -8,6 +8,12 @@
 /** What the external tools print, read as text: pure functions, apart from whoever runs the tools. */
 namespace ToolOutput {
 
+/** What a tool printed, as text. A zero byte does not end it. */
+QString text(const QByteArray& bytes);
+
+/** What a tool said, as one line for a person. */
+QString gist(const QString& output);
+
 /** The serials of the devices in state device, from what `adb devices` prints. */
 QStringList readySerials(QString output);
 
