@@ -85,13 +85,18 @@ public:
      * from it. Whether these succeed is not checked: the interpreter prints their errors to the standard
      * error.
      *
+     * The interpreter runs the standard library that the linked runtime was installed with. Environment
+     * variables, the search path, the working folder and modules of the person have no say.
+     *
      * The calling thread does not hold the interpreter lock afterwards. The process's handling of SIGINT and
      * SIGPIPE stays as it was. A tool folder with a single quotation mark in its path is not supported.
      *
      * The process should run under a UTF-8 locale: under the POSIX locale one folder with a non-ASCII name in
      * `sys.path` makes every later import fail.
      *
-     * @return false when the interpreter could not be started; true otherwise, also when it had been running
+     * @return false when the interpreter could not be started: its standard library is missing or damaged,
+     * the standard input is a folder, or the process has loaded another version of Python; true otherwise,
+     * also when it had been running. Script calls without an interpreter fail like those of a missing script.
      */
     static bool initPythonEnv();
 

@@ -5,7 +5,7 @@
 
 #include "messages.h"
 #include "quenzotool.h"
-#include "scripts/pythonplatform.h"
+#include "scripts/pythonruntime.h"
 #include "scripts/pythonstatement.h"
 
 #include <QFileInfo>
@@ -35,6 +35,12 @@ public:
     CallMessages& operator=(const CallMessages&) = delete;
 
     void add(int line, const QString& text) { m_messages.append({line, text}); }
+
+    void addNotImported(const QFileInfo& script)
+    {
+        add(__LINE__, QStringLiteral("scriptName: ") + script.completeBaseName());
+        add(__LINE__, QStringLiteral("Error:Not Found The File of srcipt"));
+    }
 
     // Takes the pending exception off; its text, for which code of the script may run, only if somebody wants
     // to know.
@@ -72,7 +78,6 @@ std::string statement(const QString& source, const QString& place)
     return source.arg(place, 0, QLatin1Char(' ')).toStdString();
 }
 
-// A thread that does must not wait for the one that starts the interpreter, which needs the lock to go on.
 bool holdsInterpreterLock()
 {
     const PyThreadState* const own = PyGILState_GetThisThreadState();
@@ -96,6 +101,21 @@ void unloadModule(const std::string& name, PyObject* module)
     PyErr_Clear();
 }
 
+// Begins with the interpreter lock held, and ends without.
+void prepareEnvironment()
+{
+    PyEval_InitThreads();
+    PyEval_ReleaseThread(PyThreadState_Get());
+    const PyThreadStateLock lock;
+    const auto tr = [](const char* text) { return PythonForQt::tr(text); };
+    runPythonStatement("import sys");
+    const QString folder = QuenzoTool::getToolPath() + QStringLiteral("/Python");
+    runPythonStatement("import os");
+    runPythonStatement(statement(tr("os.environ['PYTHON_QUENZO_ENV'] = '%1'"), folder));
+    runPythonStatement(statement(tr("sys.path.append(str('%1').decode('utf8'))"), folder));
+    runPythonStatement(tr("import init_python_env").toStdString());
+}
+
 } // namespace
 
 PyThreadStateLock::PyThreadStateLock()
@@ -116,37 +136,31 @@ PythonForQt::PythonForQt(QObject* parent)
 
 PythonForQt::~PythonForQt() = default;
 
+// The start happens once, and three guards see to it. Who finds the interpreter running goes on without a
+// lock, since every object asks. But it counts as running long before its environment is complete, so that
+// callers wait at the mutex while `starting` says so: all but a thread that holds the interpreter lock, such
+// as a start-up module calling back, for which the start itself would wait. The mutex is recursive, since
+// such a module may call back on the starting thread without that lock.
 bool PythonForQt::initPythonEnv()
 {
-    // The interpreter counts as initialised long before another thread may enter it.
     static std::atomic<bool> starting{false};
     static std::recursive_mutex startMutex;
-    if (Py_IsInitialized() != 0 && (!starting || holdsInterpreterLock()))
+    if (PythonRuntime::isRunning() && (!starting || holdsInterpreterLock()))
         return true;
-    const std::lock_guard<std::recursive_mutex> guard(startMutex);
-    if (Py_IsInitialized() != 0)
-        return true;
-
-    starting = true;
-    makePythonSymbolsGlobal();
+    QString cause;
     {
-        const SignalKeeper keeper;
-        Py_Initialize();
+        const std::lock_guard<std::recursive_mutex> guard(startMutex);
+        if (PythonRuntime::isRunning())
+            return true;
+        starting = true;
+        cause = PythonRuntime::start();
+        if (cause.isEmpty())
+            prepareEnvironment();
+        starting = false;
     }
-    const bool started = Py_IsInitialized() != 0;
-    if (started) {
-        PyEval_InitThreads();
-        PyEval_ReleaseThread(PyThreadState_Get());
-        const PyThreadStateLock lock;
-        runPythonStatement("import sys");
-        const QString folder = QuenzoTool::getToolPath() + QStringLiteral("/Python");
-        runPythonStatement("import os");
-        runPythonStatement(statement(tr("os.environ['PYTHON_QUENZO_ENV'] = '%1'"), folder));
-        runPythonStatement(statement(tr("sys.path.append(str('%1').decode('utf8'))"), folder));
-        runPythonStatement(tr("import init_python_env").toStdString());
-    }
-    starting = false;
-    return started;
+    if (!cause.isEmpty())
+        qCWarning(scriptsLog, "the Python interpreter could not be started: %s", qUtf8Printable(cause));
+    return cause.isEmpty();
 }
 
 void PythonForQt::callScript(QString scriptPath, QString function, const QList<QVariant>& arguments,
@@ -154,13 +168,17 @@ void PythonForQt::callScript(QString scriptPath, QString function, const QList<Q
 {
     CallMessages messages("void __cdecl PythonForQt::callScript(class QString,class QString,"
                           "const class QList<class QVariant> &,bool)");
+    const QFileInfo script(scriptPath);
+    if (!PythonRuntime::isRunning()) {
+        messages.addNotImported(script);
+        return;
+    }
     const PyThreadStateLock lock;
     // An error left by the caller, or by an earlier call under the caller's lock, would fail the first
     // statement.
     PyErr_Clear();
     runPythonStatement("import sys");
     runPythonStatement("import os");
-    const QFileInfo script(scriptPath);
     const std::string moduleName = script.completeBaseName().toStdString();
     const std::string folder = "str('" + script.absolutePath().toStdString() + "').decode('utf8')";
     runPythonStatement("reload(sys);sys.setdefaultencoding('utf8');");
@@ -168,8 +186,7 @@ void PythonForQt::callScript(QString scriptPath, QString function, const QList<Q
 
     PyReference module(PyImport_ImportModule(moduleName.c_str()));
     if (module == nullptr) {
-        messages.add(__LINE__, QStringLiteral("scriptName: ") + script.completeBaseName());
-        messages.add(__LINE__, QStringLiteral("Error:Not Found The File of srcipt"));
+        messages.addNotImported(script);
         messages.addCause(QStringLiteral("the script '%1' could not be imported").arg(scriptPath));
         return;
     }

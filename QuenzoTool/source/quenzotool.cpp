@@ -4,7 +4,6 @@
 #include "devices/tooloutput.h"
 #include "devices/toolprocess.h"
 #include "messages.h"
-#include "pythonforqt.h"
 
 #include <quenzobase.h>
 
@@ -173,9 +172,4 @@ void QuenzoTool::getUrlParam(QString url, QMap<QString, QString>& params)
     }
     for (auto value = values.cbegin(); value != values.cend(); ++value)
         params.insert(params.cend(), value.key(), value->toString());
-}
-
-bool QuenzoTool::initPythonEnv()
-{
-    return PythonForQt::initPythonEnv();
 }

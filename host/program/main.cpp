@@ -32,13 +32,6 @@ void ensureUtf8Locale()
     std::setlocale(LC_ALL, "");
 }
 
-// What is meant for another interpreter would keep the embedded one from its own library.
-void isolateInterpreter()
-{
-    unsetenv("PYTHONHOME");
-    unsetenv("PYTHONPATH");
-}
-
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
@@ -186,7 +179,6 @@ int main(int argc, char* argv[])
 {
     StandardStreams::ensureOpen();
     ensureUtf8Locale();
-    isolateInterpreter();
     Diagnostics::install();
     QStringList words;
     for (int i = 1; i < argc; ++i)

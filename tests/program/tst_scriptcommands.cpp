@@ -12,6 +12,9 @@ private Q_SLOTS:
     void initTestCase();
     void failuresAreToldUnderEveryRule_data();
     void failuresAreToldUnderEveryRule();
+    void workingFolderBringsNoCode_data();
+    void workingFolderBringsNoCode();
+    void folderAsInputIsAFailure();
 
 private:
     QString path(const char* name) const { return m_folder.filePath(QLatin1String(name)); }
@@ -92,6 +95,46 @@ void tst_ScriptCommands::failuresAreToldUnderEveryRule()
     QVERIFY2(expected.match(QString::fromUtf8(ended.error)).hasMatch(), ended.error.constData());
     QCOMPARE(ended.code, 1);
     QCOMPARE(ended.output, QByteArray());
+}
+
+void tst_ScriptCommands::workingFolderBringsNoCode_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("no python on the path") << QStringLiteral("/nonexistent");
+    QTest::newRow("another python on the path") << path("project/bin");
+}
+
+void tst_ScriptCommands::workingFolderBringsNoCode()
+{
+    QFETCH(const QString, path);
+    for (const char* file : {"project/lib/python2.7/os.py", "project/lib/python2.7/site.py",
+                             "project/sitecustomize.py", "project/site-packages/usercustomize.py"})
+        write(file, "print 'HOSTILE'\n");
+    write("project/bin/python", "#!/bin/sh\n");
+    QVERIFY(QFile::setPermissions(this->path("project/bin/python"),
+                                  QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+    write("project/code/file", "");
+    QuenzoProcess process({QStringLiteral("run"), this->path("script.py"), QStringLiteral("good")},
+                          this->path("project/code"));
+    process.setVariable("PATH", path);
+    process.setVariable("PYTHONHOME", this->path("project"));
+    process.setVariable("PYTHONPATH", this->path("project"));
+    const Ended ended = process.end();
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.output, QByteArray("good succeeded\n"));
+    QCOMPARE(ended.code, 0);
+}
+
+void tst_ScriptCommands::folderAsInputIsAFailure()
+{
+    QuenzoProcess process({QStringLiteral("run"), path("script.py"), QStringLiteral("good")});
+    process.setStandardInputFile(m_folder.path());
+    const Ended ended = process.end();
+    QCOMPARE(
+        ended.error,
+        QByteArray("quenzo: good did not answer \"param\" (the Python interpreter could not be started: the "
+                   "standard input is a folder)\n"));
+    QCOMPARE(ended.code, 1);
 }
 
 QTEST_GUILESS_MAIN(tst_ScriptCommands)

@@ -152,6 +152,17 @@ void startAndCall()
     print(QString::number(callAnswer("five")));
 }
 
+// The host goes on without an interpreter, with its own handling of signals.
+void startInVain()
+{
+    std::signal(SIGINT, countInterrupt);
+    printAnswer(PythonForQt::initPythonEnv());
+    printAnswer(QuenzoTool::initPythonEnv());
+    print(QString::number(callAnswer("five")));
+    std::raise(SIGINT);
+    print(interrupts == 1 ? QStringLiteral("handled") : QStringLiteral("not handled"));
+}
+
 const QMap<QString, void (*)()>& ways()
 {
     static const QMap<QString, void (*)()> all{
@@ -162,6 +173,7 @@ const QMap<QString, void (*)()>& ways()
         {QStringLiteral("before"), startBeforeTheLibrary},
         {QStringLiteral("handlers"), keepHandlers},
         {QStringLiteral("interrupt"), waitForInterrupt},
+        {QStringLiteral("failing"), startInVain},
         {QStringLiteral("ascii"), callFromAFolderBeyondAscii},
     };
     return all;

@@ -1,77 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "runroot.h"
+#include "startroot.h"
 
 #include <QtTest>
 
 #include <csignal>
-#include <memory>
 
 namespace {
-
-// A root of its own for one process, with one of the two hosts in its bin folder.
-class Root {
-public:
-    explicit Root(const QString& name = QStringLiteral("root"))
-        : m_path(m_folder.path() + QLatin1Char('/') + name)
-    {
-        QDir().mkpath(m_path + QStringLiteral("/bin"));
-        write(QStringLiteral("Script/answers.py"),
-              "import time, sys\n"
-              "def five(): return 5\n"
-              "def wait():\n    print 'waiting'\n    sys.stdout.flush()\n    time.sleep(60)\n");
-    }
-
-    void write(const QString& relativePath, const QByteArray& content)
-    {
-        const QString path = m_path + QLatin1Char('/') + relativePath;
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", qUtf8Printable(path));
-    }
-
-    void writeStartModule(const QByteArray& content)
-    {
-        write(QStringLiteral("tool/mac/Python/init_python_env.py"), content);
-    }
-
-    void start(const QString& host, const QStringList& arguments, const QByteArray& locale = "C.UTF-8")
-    {
-        const QString program = m_path + QStringLiteral("/bin/") + host;
-        QFile::copy(RunRoot::path() + QStringLiteral("/bin/") + host, program);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("LC_ALL"), QString::fromLatin1(locale));
-        m_process.setProcessEnvironment(environment);
-        m_process.start(program, arguments);
-    }
-
-    // What the host printed, its end included when it was not a good one.
-    QByteArray output()
-    {
-        if (!m_process.waitForFinished(120000))
-            return "not finished";
-        m_error = m_process.readAllStandardError();
-        QByteArray lines = m_process.readAllStandardOutput();
-        if (m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
-            lines += "ended with " + QByteArray::number(m_process.exitCode()) + '\n' + m_error;
-        return lines;
-    }
-
-    QByteArray run(const QString& way)
-    {
-        start(QStringLiteral("starthost"), {way});
-        return output();
-    }
-
-    QProcess& process() { return m_process; }
-    QByteArray error() const { return m_error; }
-
-private:
-    QTemporaryDir m_folder;
-    QString m_path;
-    QProcess m_process;
-    QByteArray m_error;
-};
 
 const QByteArray countStarts = "import __builtin__ as b\nb.starts = getattr(b, 'starts', 0) + 1\n";
 
@@ -102,7 +36,7 @@ private Q_SLOTS:
 
 void tst_PythonStart::secondStartDoesNothing()
 {
-    Root root;
+    StartRoot root;
     root.writeStartModule(countStarts);
     QCOMPARE(root.run(QStringLiteral("twice")), QByteArray("true\ntrue\n1\n1\n/../tool/mac/Python\n5\n"));
     QCOMPARE(root.error(), QByteArray());
@@ -127,7 +61,7 @@ void tst_PythonStart::startWithoutItsModuleIsTrue()
     QFETCH(const QString, file);
     QFETCH(const QByteArray, content);
     QFETCH(const QByteArray, printed);
-    Root root;
+    StartRoot root;
     root.write(file, content);
     QCOMPARE(root.run(QStringLiteral("call")), QByteArray("true\n5\n"));
     QVERIFY2(root.error().contains(printed), root.error().constData());
@@ -135,7 +69,7 @@ void tst_PythonStart::startWithoutItsModuleIsTrue()
 
 void tst_PythonStart::folderWithAQuotationMarkIsTrue()
 {
-    Root root(QStringLiteral("it's"));
+    StartRoot root(QStringLiteral("it's"));
     root.writeStartModule(countStarts);
     // Neither the start-up's folder nor a script's is found there, and the process goes on.
     QCOMPARE(root.run(QStringLiteral("call")), QByteArray("true\n-1\n"));
@@ -144,7 +78,7 @@ void tst_PythonStart::folderWithAQuotationMarkIsTrue()
 
 void tst_PythonStart::folderBeyondAsciiIsFound()
 {
-    Root root(QStringLiteral("é 中文"));
+    StartRoot root(QStringLiteral("é 中文"));
     root.writeStartModule(countStarts);
     QCOMPARE(root.run(QStringLiteral("twice")), QByteArray("true\ntrue\n1\n1\n/../tool/mac/Python\n5\n"));
     QCOMPARE(root.error(), QByteArray());
@@ -169,7 +103,7 @@ void tst_PythonStart::startModuleThatExitsDoesNotEndTheProcess()
 {
     QFETCH(const QByteArray, content);
     QFETCH(const QByteArray, printed);
-    Root root;
+    StartRoot root;
     root.writeStartModule(content);
     QCOMPARE(root.run(QStringLiteral("call")), QByteArray("true\n5\n"));
     QVERIFY2(root.error().contains(printed), root.error().constData());
@@ -190,21 +124,21 @@ void tst_PythonStart::startModuleMayStartAgain_data()
 void tst_PythonStart::startModuleMayStartAgain()
 {
     QFETCH(const QByteArray, content);
-    Root root;
+    StartRoot root;
     root.writeStartModule(content + "import sys\nsys.stdout.flush()\n");
     QCOMPARE(root.run(QStringLiteral("call")), QByteArray("1\ntrue\n5\n"));
 }
 
 void tst_PythonStart::lockIsFreeAfterTheStart()
 {
-    Root root;
+    StartRoot root;
     root.writeStartModule(countStarts);
     QCOMPARE(root.run(QStringLiteral("lock")), QByteArray("true\n2\n5\n"));
 }
 
 void tst_PythonStart::startFromTwoThreadsHappensOnce()
 {
-    Root root;
+    StartRoot root;
     root.writeStartModule(countStarts + "import time\ntime.sleep(0.05)\nb.complete = True\n");
     for (int round = 0; round < 5; ++round)
         QCOMPARE(root.run(QStringLiteral("threads")), QByteArray("true\ntrue\n1\n"));
@@ -212,21 +146,21 @@ void tst_PythonStart::startFromTwoThreadsHappensOnce()
 
 void tst_PythonStart::interpreterOfTheHostIsTakenAsItIs()
 {
-    Root root;
+    StartRoot root;
     root.writeStartModule(countStarts);
     QCOMPARE(root.run(QStringLiteral("before")), QByteArray("true\nFalse\n5\n5\n5\n"));
 }
 
 void tst_PythonStart::hostsSignalHandlersStay()
 {
-    Root root;
+    StartRoot root;
     root.writeStartModule(countStarts);
     QCOMPARE(root.run(QStringLiteral("handlers")), QByteArray("true\ntrue\ntrue\n1\n5\n"));
 }
 
 void tst_PythonStart::interruptEndsAHostWithoutHandler()
 {
-    Root root;
+    StartRoot root;
     root.writeStartModule(countStarts);
     root.start(QStringLiteral("starthost"), {QStringLiteral("interrupt")});
     QProcess& host = root.process();
@@ -250,7 +184,7 @@ void tst_PythonStart::extensionModulesLoadInAHostThatLoadsTheLibrary_data()
 void tst_PythonStart::extensionModulesLoadInAHostThatLoadsTheLibrary()
 {
     QFETCH(const QString, how);
-    Root root;
+    StartRoot root;
     root.writeStartModule("import ssl, bz2, ctypes, sqlite3, sys\nprint 'loaded'\nsys.stdout.flush()\n");
     root.start(QStringLiteral("loadhost"), {QStringLiteral(TOOL_LIBRARY), how});
     QCOMPARE(root.output(), QByteArray("loaded\ntrue\n"));
@@ -259,11 +193,11 @@ void tst_PythonStart::extensionModulesLoadInAHostThatLoadsTheLibrary()
 
 void tst_PythonStart::localeIsNamedWhenItIsTheCause()
 {
-    Root root;
+    StartRoot root;
     root.writeStartModule(countStarts);
     root.write(QStringLiteral("é/answers.py"), "def five(): return 5\n");
-    root.start(QStringLiteral("starthost"), {QStringLiteral("ascii")}, "C");
-    QCOMPARE(root.output(), QByteArray("-1\n"));
+    root.setVariable(QStringLiteral("LC_ALL"), QStringLiteral("C"));
+    QCOMPARE(root.run(QStringLiteral("ascii")), QByteArray("-1\n"));
     QVERIFY2(root.error().contains("UnicodeEncodeError"), root.error().constData());
     QVERIFY2(root.error().contains("a folder in sys.path needs a UTF-8 locale"), root.error().constData());
 }

@@ -3,12 +3,23 @@
 #define PYTHONPLATFORM_H
 
 #include <memory>
+#include <string>
 
 /**
  * Makes the symbols of the loaded Python runtime visible to the extension modules it loads later. They are
  * not when the host has loaded this library at run time with local symbols, as QLibrary does.
  */
 void makePythonSymbolsGlobal();
+
+/**
+ * The folder that the linked runtime was installed in, like "/usr", told by where its own file lies.
+ *
+ * @return empty when the runtime's standard library is not there
+ */
+std::string pythonHome();
+
+/** Whether the process was given a folder as its standard input. */
+bool isStandardInputAFolder();
 
 /** Puts the process's handling of those signals that the interpreter's start takes over back when it goes. */
 class SignalKeeper {

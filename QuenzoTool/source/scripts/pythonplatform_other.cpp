@@ -21,3 +21,13 @@ SignalKeeper::~SignalKeeper()
 
 // Symbols of a loaded library are visible to every other one.
 void makePythonSymbolsGlobal() { }
+
+std::string pythonHome()
+{
+    return QUENZO_PYTHON_HOME;
+}
+
+bool isStandardInputAFolder()
+{
+    return false;
+}

@@ -33,7 +33,7 @@ Outcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap
 {
     Outcome outcome;
     if (!QuenzoTool::initPythonEnv()) {
-        outcome.diagnostics = ScriptCommands::tr("the Python interpreter could not be started");
+        outcome.diagnostics = Diagnostics::take();
         return outcome;
     }
     PythonToolThread thread;

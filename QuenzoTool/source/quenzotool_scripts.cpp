@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: MIT
+#include "quenzotool.h"
+
+#include "pythonforqt.h"
+
+bool QuenzoTool::initPythonEnv()
+{
+    return PythonForQt::initPythonEnv();
+}
