@@ -119,8 +119,11 @@ public:
      * (false). One to the target, or to the folder that just then is copied to, ends the operation (false).
      * - Links that lead nowhere, pipes, sockets, devices and folders that cannot be read are not copied
      * (false).
-     * - With the target inside the source, or a source that is missing or cannot be read, nothing is touched
-     * (false). A file is never copied onto itself (false).
+     * - A source that is missing counts as an empty folder: the target is made (true). With the target inside
+     * the source, or a source that cannot be read, nothing is touched (false). A file is never copied onto
+     * itself (false).
+     * - What failed, or stays in a move, and why is told in the logging category "quenzo.trees", which a host
+     * may switch on.
      * - Folders of Qt's resource system (":/name") count as missing, here and below.
      *
      * Blocks the calling thread.

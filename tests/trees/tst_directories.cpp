@@ -68,7 +68,7 @@ private Q_SLOTS:
     void cleanup();
 
     void missingParentOfTargetCreatesNothing();
-    void missingSourceIsFalse();
+    void missingSourceCountsAsEmpty();
     void targetThatIsAFileIsFalse();
     void readOnlyFileIsReplacedOnlyWithOverwrite();
     void movedTreeLeavesTopFolderEmpty();
@@ -162,12 +162,20 @@ void tst_Directories::missingParentOfTargetCreatesNothing()
     QVERIFY(exists(m_source + "/file"));
 }
 
-void tst_Directories::missingSourceIsFalse()
+void tst_Directories::missingSourceCountsAsEmpty()
 {
-    m_source = m_root + "/missing";
+    for (const char* missing : {"/missing", "/missing/deeper", "/file"}) {
+        write(m_root + "/file");
+        m_source = m_root + missing;
+        QVERIFY(copy());
+        QVERIFY(TreeFiles::content(m_target).isEmpty());
+        QCOMPARE(rmdir(m_target.constData()), 0);
+        QVERIFY(move());
+        QVERIFY(TreeFiles::content(m_target).isEmpty());
+        QVERIFY(exists(m_root + "/file"));
+    }
+    m_target = m_root + "/no/parent";
     QVERIFY(!copy());
-    QVERIFY(!move());
-    QVERIFY(!exists(m_target));
 }
 
 void tst_Directories::targetThatIsAFileIsFalse()
@@ -296,20 +304,20 @@ void tst_Directories::foldersOfResourcesCountAsMissing()
     const QString workingFolder = QDir::currentPath();
     QVERIFY(QDir::setCurrent(QFile::decodeName(m_source)));
     const QDir target = folder(m_target);
-    bool done = false;
+    bool done = true;
     bool kept = true;
     for (const char* path : {":/x", ":/", ":y", ":/missing"}) {
         QDir resource(QString::fromLatin1(path));
-        done = done || QuenzoTool::copyDirectory(resource, target, true, false)
-            || QuenzoTool::copyDirectory(resource, target, true, true)
-            || QuenzoTool::copyDirectory(target, resource, true, false);
+        done = done && QuenzoTool::copyDirectory(resource, target, true, false)
+            && QuenzoTool::copyDirectory(resource, target, true, true)
+            && !QuenzoTool::copyDirectory(target, resource, true, false);
         kept = kept && QuenzoTool::changePermessionRecursively(resource)
             && QuenzoTool::removeRecursively(resource);
     }
     QVERIFY(QDir::setCurrent(workingFolder));
-    QVERIFY(!done);
+    QVERIFY(done);
     QVERIFY(kept);
-    QVERIFY(!exists(m_target));
+    QVERIFY(TreeFiles::content(m_target).isEmpty());
     QCOMPARE(TreeFiles::content(m_source), before);
     QCOMPARE(TreeFiles::mode(m_source + "/:/x/file"), 0644);
 }
@@ -526,8 +534,10 @@ void tst_Directories::unreadableFolderIsFalse()
     setMode(m_source, 0777);
     setMode(m_source + "/folder", 0333);
     QVERIFY(TreeFiles::asPlainUser([this] { return !copy() && !move(); }));
-    setMode(m_source + "/folder", 0755);
-    QCOMPARE(TreeFiles::read(m_source + "/folder/file"), QByteArray("kept"));
+    m_source += "/folder";
+    QVERIFY(TreeFiles::asPlainUser([this] { return !copy() && !move(); }));
+    setMode(m_source, 0755);
+    QCOMPARE(TreeFiles::read(m_source + "/file"), QByteArray("kept"));
 }
 
 void tst_Directories::unwritableTargetIsFalse()

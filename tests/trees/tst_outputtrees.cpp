@@ -35,6 +35,9 @@ private Q_SLOTS:
     void everyNameIsLogged();
     void pipesAreFalseAtOnce();
     void deepTreeIsMoved();
+    void deepTreeInAnOutputInsideTheSourceEndsNothing();
+    void linkToAMovedFolderIsAFileByThen_data();
+    void linkToAMovedFolderIsAFileByThen();
     void treeThatGetsTooDeepIsFalseAndWhole();
     void sparseFileStaysSparse();
     void filterFoldsEveryLetter();
@@ -157,6 +160,62 @@ void tst_OutputTrees::deepTreeIsMoved()
 }
 
 // The target's path is longer than the source's, and so too long sooner.
+void tst_OutputTrees::deepTreeInAnOutputInsideTheSourceEndsNothing()
+{
+    m_target = m_source + "/out";
+    QByteArray deepest = m_target;
+    for (int i = 0; i < 40; ++i)
+        deepest += "/n";
+    write(deepest + "/file", "deep");
+    write(m_source + "/file", "moved");
+    write(m_source + "/folder/file", "moved, too");
+    QVERIFY(cut());
+    QCOMPARE(chmod(m_target.constData(), 0755), 0);
+    QCOMPARE(TreeFiles::read(deepest + "/file"), QByteArray("deep"));
+    QCOMPARE(TreeFiles::read(m_target + "/folder/file"), QByteArray("moved, too"));
+    QVERIFY(!exists(m_source + "/file"));
+    QVERIFY(!exists(m_source + "/folder"));
+}
+
+void tst_OutputTrees::linkToAMovedFolderIsAFileByThen_data()
+{
+    QTest::addColumn<int>("way");
+    QTest::newRow("output") << 0;
+    QTest::newRow("around") << 1;
+    QTest::newRow("move") << 2;
+}
+
+void tst_OutputTrees::linkToAMovedFolderIsAFileByThen()
+{
+    QFETCH(int, way);
+    // Made anew until the folder is listed before the link.
+    const QString source = QFile::decodeName(m_source);
+    QStringList listed;
+    for (int i = 0; listed.value(0) != QLatin1String("folder"); ++i) {
+        QVERIFY2(i < 100, "the link is always listed first");
+        QVERIFY(QDir(source).removeRecursively());
+        makeFolder(m_source);
+        const QByteArray link = m_source + "/link" + QByteArray::number(i / 2);
+        if (i % 2 == 0)
+            makeLink("folder", link);
+        write(m_source + "/folder/file", "moved");
+        if (i % 2 == 1)
+            makeLink("folder", link);
+        listed = QDir(source).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Unsorted);
+    }
+    const QString target = QFile::decodeName(m_target);
+    makeFolder(m_target);
+    if (way == 1)
+        makeFolder(m_target + "/folder"); // which this walk does not make
+    const bool done = way == 0 ? cut()
+        : way == 1             ? ThreadCommon().exceptCut(source, target, {})
+                               : QuenzoTool::copyDirectory(QDir(source), QDir(target), true, true);
+    QVERIFY(!done);
+    QCOMPARE(content(m_target), Tree({{"folder", "folder"}, {"folder/file", "file moved"}}));
+    QCOMPARE(content(m_source), Tree({{QFile::encodeName(listed.value(1)), "link folder"}}));
+    QCOMPARE(RunRoot::log().count("Copy Fail:"), way == 2 ? 0 : 1);
+}
+
 void tst_OutputTrees::treeThatGetsTooDeepIsFalseAndWhole()
 {
     const QByteArray level = '/' + QByteArray(200, 'n');

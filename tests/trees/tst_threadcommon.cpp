@@ -12,6 +12,7 @@
 #include <QtTest>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 using TreeFiles::exists;
 using TreeFiles::makeFolder;
@@ -55,6 +56,7 @@ private Q_SLOTS:
     void copyReplacesAndKeepsTheSource();
     void cutDoesNotMakeParents();
     void cutLeavesTheTopFolder();
+    void missingSourceCountsAsEmpty();
     void parameterThatIsNoMapIsFalse_data();
     void parameterThatIsNoMapIsFalse();
     void unknownOperationKeepsTheResult();
@@ -179,6 +181,20 @@ void tst_ThreadCommon::cutLeavesTheTopFolder()
     QVERIFY(exists(m_source));
     QVERIFY(TreeFiles::content(m_source).isEmpty());
     QCOMPARE(TreeFiles::content(m_target), Tree({{"folder", "folder"}, {"folder/file", "file 1"}}));
+}
+
+void tst_ThreadCommon::missingSourceCountsAsEmpty()
+{
+    m_source = m_root + "/missing";
+    for (const THREAD_OPERATE operate : {OPERATE_COPY, OPERATE_CUT, OPERATE_CUT_OUTPUT}) {
+        Worker worker;
+        QCOMPARE(worker.perform(operate, folders()), QVariant(true));
+        QCOMPARE(TreeFiles::content(m_root), Tree({{"output", "folder"}, {"project", "folder"}}));
+        QVERIFY(worker.exceptCut(QFile::decodeName(m_source), QFile::decodeName(m_root + "/not made"), {}));
+        QCOMPARE(rmdir(m_target.constData()), 0);
+    }
+    QVERIFY(!exists(m_root + "/not made"));
+    QVERIFY(RunRoot::log().isEmpty());
 }
 
 void tst_ThreadCommon::parameterThatIsNoMapIsFalse_data()

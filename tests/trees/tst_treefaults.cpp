@@ -16,6 +16,7 @@
 #include <array>
 #include <csignal>
 #include <fcntl.h>
+#include <functional>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -131,6 +132,7 @@ private Q_SLOTS:
     void failedCallsLoseNothing_data();
     void failedCallsLoseNothing();
     void copyGoesOnWithoutAFurtherThread();
+    void helperThreadsTakeNoSignals();
     void copyGoesOnWithoutModes_data();
     void copyGoesOnWithoutModes();
     void copyingNothingIsNoEnd();
@@ -240,6 +242,27 @@ void tst_TreeFaults::copyGoesOnWithoutAFurtherThread()
         QCOMPARE(content(m_target), before);
         QCOMPARE(content(m_source), manner == Copy ? before : Tree());
         QVERIFY(QDir(QFile::decodeName(m_target)).removeRecursively());
+    }
+}
+
+void tst_TreeFaults::helperThreadsTakeNoSignals()
+{
+    for (int i = 0; i < 300; ++i)
+        write(m_source + "/file" + QByteArray::number(i));
+    QDir source(QFile::decodeName(m_source));
+    const QVector<std::function<bool()>> jobs{[&] { return transfer(m_source, m_target, Copy); },
+                                              [&] { return QuenzoTool::removeRecursively(source); }};
+    for (const auto& job : jobs) {
+        sigset_t signalsOfThread{};
+        // A thread begins with those blocked that its maker has blocked.
+        FaultyCalls::actBeforeNth(FaultyCalls::StartingThread, 1,
+                                  [&] { pthread_sigmask(SIG_SETMASK, nullptr, &signalsOfThread); });
+        QVERIFY(job());
+        QVERIFY(FaultyCalls::wasHit());
+        for (const int signal : {SIGTERM, SIGINT, SIGUSR1, SIGCHLD})
+            QVERIFY(sigismember(&signalsOfThread, signal) == 1);
+        pthread_sigmask(SIG_SETMASK, nullptr, &signalsOfThread);
+        QVERIFY(sigismember(&signalsOfThread, SIGTERM) == 0);
     }
 }
 

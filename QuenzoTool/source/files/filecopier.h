@@ -27,7 +27,12 @@ public:
     struct Outcome {
         int copied; ///< how many of the files, from the first on, have arrived
         Trouble trouble; ///< what the one after them met
+        QString reason; ///< the same for people
     };
+
+    static QString neitherFileNorFolder() { return QStringLiteral("it is neither a file nor a folder"); }
+    static QString linkLeadsNowhere() { return QStringLiteral("the link leads nowhere"); }
+    static QString linkLeadsBack() { return QStringLiteral("the link leads back to a folder that holds it"); }
 
     explicit FileCopier(Durability durability);
     ~FileCopier();

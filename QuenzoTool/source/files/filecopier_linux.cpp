@@ -47,20 +47,39 @@ FileCopier::Trouble troubleFrom(int error)
     }
 }
 
+// What is no system's error.
+enum OwnError { NeitherFileNorFolder = -1, LinkLeadsNowhere = -2, LinkLeadsBack = -3 };
+
+QString reasonFor(int error)
+{
+    switch (error) {
+    case NeitherFileNorFolder:
+        return FileCopier::neitherFileNorFolder();
+    case LinkLeadsNowhere:
+        return FileCopier::linkLeadsNowhere();
+    case LinkLeadsBack:
+        return FileCopier::linkLeadsBack();
+    default:
+        return errorText(error);
+    }
+}
+
 // Opens what is to be copied; an error number, or 0.
 int openSource(const TreeFolder& from, const TreeEntry& entry, const TreeFolder& to, struct stat& status,
                UnnamedFile& file)
 {
-    if (entry.kind != TreeEntry::File || !to.isOpen())
-        return EINVAL;
+    if (entry.kind != TreeEntry::File)
+        return NeitherFileNorFolder;
+    if (!to.isOpen())
+        return to.error();
     const char* const name = entry.name.constData();
     // Not to wait for a writer, should the entry have become a pipe since it was listed.
     file.source = openat(from.handle(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (file.source < 0)
-        return errno;
+        return entry.isLink && errno == ENOENT ? LinkLeadsNowhere : errno;
     if (fstat(file.source, &status) != 0 || !S_ISREG(status.st_mode)) {
         close(file.source);
-        return EINVAL;
+        return entry.isLink && S_ISDIR(status.st_mode) ? LinkLeadsBack : NeitherFileNorFolder;
     }
     file.mode = modeOfCopy(from, name, status.st_mode);
     file.size = status.st_size;
@@ -283,10 +302,10 @@ FileCopier::Outcome FileCopier::copy(const TreeFolder& from, const TreeEntry* fi
         if (copied == count)
             break;
         if (const int error = d->copyOne(from, files[copied], to))
-            return {copied, troubleFrom(error)};
+            return {copied, troubleFrom(error), reasonFor(error)};
         ++copied;
     }
-    return {copied, NoTrouble};
+    return {copied, NoTrouble, {}};
 }
 
 const QVector<FileState>& FileCopier::sources() const

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "files/filenamer_linux.h"
 
+#include "files/helperthread.h"
+
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -26,23 +26,6 @@ int linkInPlace(const UnnamedFile& file)
     return linked ? 0 : errno;
 }
 
-// The host's signals are handled on the host's threads.
-class SignalsBlocked {
-public:
-    SignalsBlocked()
-    {
-        sigset_t all{};
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &m_before);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t m_before{};
-};
-
 } // namespace
 
 int giveName(const UnnamedFile& file)
@@ -52,13 +35,8 @@ int giveName(const UnnamedFile& file)
 }
 
 FileNamer::FileNamer()
+    : m_thread(startHelperThread([this] { work(); }))
 {
-    const SignalsBlocked blocked;
-    try {
-        m_thread = std::thread([this] { work(); });
-    } catch (const std::system_error&) {
-        // There may be no more threads: add() does the work then.
-    }
 }
 
 FileNamer::~FileNamer()
@@ -79,7 +57,7 @@ bool FileNamer::add(const UnnamedFile& file)
     m_gathered.push_back(file);
     if (m_gathered.size() < batch)
         return true;
-    if (!m_thread.joinable()) {
+    if (!m_thread.joinable()) { // the system has no further one
         processGathered();
         return !m_failed;
     }

@@ -6,9 +6,16 @@
 #include <algorithm>
 #include <utility>
 
+QString errorText(int error)
+{
+    return qt_error_string(error);
+}
+
 TreeFolder::TreeFolder(TreeFolder&& other) noexcept
     : m_handle(std::exchange(other.m_handle, -1))
     , m_path(std::move(other.m_path))
+    , m_purpose(other.m_purpose)
+    , m_error(other.m_error)
     , m_id(std::move(other.m_id))
 {
 }
@@ -17,6 +24,8 @@ TreeFolder& TreeFolder::operator=(TreeFolder&& other) noexcept
 {
     std::swap(m_handle, other.m_handle);
     m_path.swap(other.m_path);
+    std::swap(m_purpose, other.m_purpose);
+    std::swap(m_error, other.m_error);
     m_id.swap(other.m_id);
     return *this;
 }

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QVector>
 
+#include <cerrno>
+
 QT_BEGIN_NAMESPACE
 class QDir;
 QT_END_NAMESPACE
@@ -25,12 +27,15 @@ struct FileState {
     }
 };
 
+/** What the system calls an error number, for people. */
+QString errorText(int error);
+
 /** One entry of a folder. */
 struct TreeEntry {
     enum Kind : quint8 {
-        File, ///< also a link to one, and a link that leads nowhere
-        Folder, ///< also a link to one, when links are followed
-        Special ///< a pipe, a socket or a device, or a link to one
+        File, ///< also a link, until TreeFolder::kindOf() is asked what it leads to
+        Folder,
+        Special ///< a pipe, a socket or a device
     };
     QByteArray name; ///< as the file system has it; TreeFolder::text() reads it
     Kind kind = File;
@@ -41,7 +46,8 @@ struct TreeEntry {
  * A folder of the file system whose entries are reached by name, at the least cost that the platform offers.
  *
  * Paths and names are the file system's own bytes where it has such, so that every name it allows gets
- * through. Nothing is thrown; an object that is not open refuses everything.
+ * through. Nothing is thrown; an object that is not open refuses everything. Right after one of them has
+ * failed, errno tells why, where the system has that.
  */
 class TreeFolder {
 public:
@@ -68,6 +74,13 @@ public:
     TreeFolder openChild(const QByteArray& name, Purpose purpose, Links links = LinksFollowed) const;
 
     bool isOpen() const { return m_handle >= 0; }
+
+    /** Why it could not be opened: an error number of the system. */
+    int error() const { return m_error; }
+
+    /** Whether it could not be opened because there is no folder. */
+    bool isMissing() const { return !isOpen() && (m_error == ENOENT || m_error == ENOTDIR); }
+
     int handle() const { return m_handle; }
     const QByteArray& path() const { return m_path; }
     QByteArray pathOf(const QByteArray& name) const;
@@ -91,7 +104,10 @@ public:
      *
      * @return false when not all of them could be read
      */
-    bool list(QVector<TreeEntry>& entries, Links links) const;
+    bool list(QVector<TreeEntry>& entries) const;
+
+    /** What an entry is now; a link is what it leads to, and a File when it leads nowhere. */
+    TreeEntry::Kind kindOf(const TreeEntry& entry) const;
 
     /** Makes one folder; one that is there serves as well. */
     Made makeFolder(const QByteArray& name) const;
@@ -111,10 +127,12 @@ public:
     bool resume(const TreeFolder& child);
 
 private:
-    TreeFolder(int handle, const QByteArray& path);
+    TreeFolder(int handle, const QByteArray& path, Purpose purpose);
 
     int m_handle = -1;
     QByteArray m_path;
+    Purpose m_purpose = Writing;
+    int m_error = ENOENT;
     FileIdentity m_id;
 };
 

@@ -61,22 +61,25 @@ QString TreeFolder::text(const QByteArray& native)
     return QFile::decodeName(native);
 }
 
-TreeFolder::TreeFolder(int handle, const QByteArray& path)
+TreeFolder::TreeFolder(int handle, const QByteArray& path, Purpose purpose)
     : m_handle(handle)
     , m_path(path)
+    , m_purpose(purpose)
+    , m_error(handle >= 0 ? 0 : errno)
     , m_id(handle >= 0 ? idOfHandle(handle) : FileIdentity())
 {
 }
 
 TreeFolder TreeFolder::open(const QByteArray& path, Purpose purpose)
 {
-    return {::open(path.constData(), flagsFor(purpose)), path};
+    return {::open(path.constData(), flagsFor(purpose)), path, purpose};
 }
 
 TreeFolder TreeFolder::openChild(const QByteArray& name, Purpose purpose, Links links) const
 {
     const int flags = flagsFor(purpose) | (links == LinksKept ? O_NOFOLLOW : 0);
-    return {isOpen() ? openat(m_handle, name.constData(), flags) : -1, pathOf(name)};
+    errno = m_error; // in case there is nothing to open it in
+    return {isOpen() ? openat(m_handle, name.constData(), flags) : -1, pathOf(name), purpose};
 }
 
 bool TreeFolder::canHold(const QByteArray& name) const
@@ -117,14 +120,8 @@ QVector<FileIdentity> TreeFolder::lineage() const
     return ids;
 }
 
-bool TreeFolder::list(QVector<TreeEntry>& entries, Links links) const
+bool TreeFolder::list(QVector<TreeEntry>& entries) const
 {
-    // The path, and not the folder's handle, so that a link to a parent comes to an end as every path does.
-    const auto followed = [this](TreeEntry& entry) {
-        struct stat status { };
-        if (stat(pathOf(entry.name).constData(), &status) == 0)
-            entry.kind = kindFrom(status.st_mode);
-    };
     const auto lookedAt = [this](TreeEntry& entry) {
         struct stat status { };
         if (fstatat(m_handle, entry.name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
@@ -146,22 +143,32 @@ bool TreeFolder::list(QVector<TreeEntry>& entries, Links links) const
                 lookedAt(entry);
             else
                 entry.kind = kindFrom(DTTOIF(record->d_type));
-            if (entry.isLink && links == LinksFollowed)
-                followed(entry);
             entries.append(std::move(entry));
         }
     }
     return length == 0;
 }
 
+TreeEntry::Kind TreeFolder::kindOf(const TreeEntry& entry) const
+{
+    if (!entry.isLink)
+        return entry.kind;
+    // The path, and not the folder's handle, so that a link to a parent comes to an end as every path does.
+    struct stat status { };
+    return stat(pathOf(entry.name).constData(), &status) == 0 ? kindFrom(status.st_mode) : TreeEntry::File;
+}
+
 TreeFolder::Made TreeFolder::makeFolder(const QByteArray& name) const
 {
+    errno = isOpen() ? ENAMETOOLONG : m_error;
     if (!isOpen() || !canHold(name))
         return NotMade;
     if (mkdirat(m_handle, name.constData(), 0777) == 0)
         return MadeNew;
     struct stat status { };
+    const int error = errno;
     const bool isThere = fstatat(m_handle, name.constData(), &status, 0) == 0 && S_ISDIR(status.st_mode);
+    errno = error;
     return isThere ? WasThere : NotMade;
 }
 
@@ -195,11 +202,13 @@ void TreeFolder::suspend()
 bool TreeFolder::resume(const TreeFolder& child)
 {
     suspend();
-    m_handle = child.isOpen() ? openat(child.m_handle, "..", upwards) : -1;
+    const int flags = flagsFor(m_purpose);
+    m_handle = child.isOpen() ? openat(child.m_handle, "..", flags) : -1;
     // A child that was reached through a link has another parent.
     if (m_handle < 0 || idOfHandle(m_handle) != m_id) {
         suspend();
-        m_handle = ::open(m_path.constData(), upwards);
+        m_handle = ::open(m_path.constData(), flags);
+        m_error = m_handle >= 0 ? ESTALE : errno;
         if (m_handle >= 0 && idOfHandle(m_handle) != m_id)
             suspend();
     }

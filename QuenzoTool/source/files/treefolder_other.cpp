@@ -7,9 +7,19 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
+
 namespace {
 
 constexpr int opened = 0;
+
+int errorOfFolder(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return ENOENT;
+    return info.isDir() ? EACCES : ENOTDIR;
+}
 
 FileIdentity idAt(const QString& path)
 {
@@ -21,7 +31,7 @@ QString entryPath(const TreeFolder& folder, const QByteArray& name)
     return TreeFolder::text(folder.pathOf(name));
 }
 
-TreeEntry::Kind kindOf(const QFileInfo& info)
+TreeEntry::Kind kindFrom(const QFileInfo& info)
 {
     if (info.isDir())
         return TreeEntry::Folder;
@@ -40,9 +50,11 @@ QString TreeFolder::text(const QByteArray& native)
     return QString::fromUtf8(native);
 }
 
-TreeFolder::TreeFolder(int handle, const QByteArray& path)
+TreeFolder::TreeFolder(int handle, const QByteArray& path, Purpose purpose)
     : m_handle(handle)
     , m_path(path)
+    , m_purpose(purpose)
+    , m_error(handle >= 0 ? 0 : errorOfFolder(text(path)))
     , m_id(handle >= 0 ? idAt(text(path)) : FileIdentity())
 {
 }
@@ -51,13 +63,13 @@ TreeFolder TreeFolder::open(const QByteArray& path, Purpose purpose)
 {
     const QFileInfo info(text(path));
     const bool serves = info.isDir() && (purpose == Writing || info.isReadable());
-    return {serves ? opened : -1, path};
+    return {serves ? opened : -1, path, purpose};
 }
 
 TreeFolder TreeFolder::openChild(const QByteArray& name, Purpose purpose, Links links) const
 {
     if (!isOpen() || (links == LinksKept && QFileInfo(entryPath(*this, name)).isSymLink()))
-        return {-1, pathOf(name)};
+        return {-1, pathOf(name), purpose};
     return open(pathOf(name), purpose);
 }
 
@@ -93,15 +105,20 @@ QVector<FileIdentity> TreeFolder::lineage() const
     return ids;
 }
 
-bool TreeFolder::list(QVector<TreeEntry>& entries, Links links) const
+bool TreeFolder::list(QVector<TreeEntry>& entries) const
 {
     const QDir::Filters all = QDir::Dirs | QDir::Files | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
     const QFileInfoList infos = QDir(text(m_path)).entryInfoList(all, QDir::Unsorted);
     for (const QFileInfo& info : infos) {
-        const bool kept = info.isSymLink() && links == LinksKept;
-        entries.append({info.fileName().toUtf8(), kept ? TreeEntry::File : kindOf(info), info.isSymLink()});
+        const bool isLink = info.isSymLink();
+        entries.append({info.fileName().toUtf8(), isLink ? TreeEntry::File : kindFrom(info), isLink});
     }
     return isOpen();
+}
+
+TreeEntry::Kind TreeFolder::kindOf(const TreeEntry& entry) const
+{
+    return entry.isLink ? kindFrom(QFileInfo(entryPath(*this, entry.name))) : entry.kind;
 }
 
 TreeFolder::Made TreeFolder::makeFolder(const QByteArray& name) const

@@ -14,7 +14,7 @@ bool isNamed(const TreeEntry& entry, const QStringList& names)
                        [&lowered](const QString& name) { return name.toLower() == lowered; });
 }
 
-void logFailure(const QByteArray& source, const QByteArray& target)
+void writeFailedCopy(const QByteArray& source, const QByteArray& target)
 {
     QuenzoBase::Log(QStringLiteral("Copy Fail:\r\nSrc:%1\r\nDest:%2\r\n")
                         .arg(TreeFolder::text(source), TreeFolder::text(target)));
@@ -49,7 +49,7 @@ bool OutputCut::finish()
     const bool flushed = m_transfer.settle();
     const SourceRemoval::Copied& lost = m_transfer.unflushed();
     if (!lost.source.isEmpty())
-        logFailure(lost.source, lost.target);
+        writeFailedCopy(lost.source, lost.target);
     return flushed;
 }
 
@@ -87,7 +87,7 @@ OutputCut::Result OutputCut::cutSubfolder(TreeFolder& source, const TreeEntry& e
     // The folder that holds the entry is compared, and not the entry: all folders of the output folder stay.
     if (source.path() == m_outputPath)
         return Stays;
-    if (!source.canHold(entry.name))
+    if (!TreeTransfer::canHold(source, entry.name, target.folder))
         return Failed;
     TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
     TransferTarget made = m_transfer.makeFolder(target, entry.name);
@@ -114,7 +114,7 @@ OutputCut::Result OutputCut::exceptSubfolder(TreeFolder& source, const TreeEntry
 {
     if (source.path() == TreeFolder::nativePath(m_exceptDir))
         return Stays;
-    if (!source.canHold(entry.name) || !target.folder.canHold(entry.name))
+    if (!TreeTransfer::canHold(source, entry.name, target.folder))
         return Failed;
     TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
     TransferTarget within;
@@ -129,15 +129,19 @@ OutputCut::Result OutputCut::moveEntries(TreeFolder& source, const QVector<TreeE
 {
     bool allMoved = true;
     for (int i = 0; i < entries.size();) {
-        int files = 0;
-        while (i + files < entries.size() && entries.at(i + files).kind != TreeEntry::Folder)
-            ++files;
+        const int files = TreeTransfer::filesFrom(entries, i);
         if (!moveFiles(source, entries.constData() + i, files, target))
             return Failed;
         i += files;
         if (i == entries.size())
             break;
-        const Result result = (this->*folderStep)(source, entries.at(i++), target);
+        const TreeEntry entry = m_transfer.atItsTurn(source, entries.at(i++));
+        if (entry.kind != TreeEntry::Folder) {
+            if (!moveFiles(source, &entry, 1, target))
+                return Failed;
+            continue;
+        }
+        const Result result = (this->*folderStep)(source, entry, target);
         if (result == Failed)
             return Failed;
         allMoved = allMoved && result == Emptied;
@@ -152,7 +156,7 @@ bool OutputCut::moveFiles(const TreeFolder& source, const TreeEntry* files, int 
         return true;
     const QByteArray& name = files[moved].name;
     if (m_transfer.unflushed().source.isEmpty()) // else finish() names another file, for there was none tried
-        logFailure(source.pathOf(name), target.folder.pathOf(name));
+        writeFailedCopy(source.pathOf(name), target.folder.pathOf(name));
     return false;
 }
 

@@ -1,6 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "trees/sourceremoval.h"
 
+#include "trees/treefailure.h"
+
+#include <cerrno>
+
+namespace {
+
+void removeFile(const TreeFolder& folder, const QByteArray& name, const FileState& whenCopied)
+{
+    const FileState now = folder.stateOf(name);
+    const QByteArray path = folder.pathOf(name);
+    if (now.id.isEmpty())
+        return; // somebody else has removed it
+    if (!(now == whenCopied))
+        logFailure(path, QStringLiteral("removed"), QStringLiteral("it was written to since it was copied"));
+    else if (!folder.removeFile(name))
+        logSystemFailure(path, QStringLiteral("removed"));
+}
+
+} // namespace
+
 void SourceRemoval::addFiles(const TreeFolder& folder, const TreeEntry* files,
                              const QVector<FileState>& states, const TreeFolder& target)
 {
@@ -36,13 +56,16 @@ void SourceRemoval::perform()
 {
     for (const Group& group : qAsConst(m_groups)) {
         const TreeFolder folder = TreeFolder::open(group.path, TreeFolder::Writing);
-        if (folder.id() != group.id)
-            continue; // somebody put another folder in its place
+        if (folder.id() != group.id) {
+            logFailure(group.path, QStringLiteral("emptied"),
+                       QStringLiteral("it is no longer the folder that was copied"));
+            continue;
+        }
         for (const Item& item : group.items) {
             if (item.isFolder)
                 removeFolder(folder, item.name, item.manner);
-            else if (folder.stateOf(item.name) == item.state)
-                folder.removeFile(item.name);
+            else
+                removeFile(folder, item.name, item.state);
         }
     }
     m_groups.clear();
@@ -52,8 +75,11 @@ void SourceRemoval::perform()
 
 void SourceRemoval::removeFolder(const TreeFolder& parent, const QByteArray& name, Manner manner)
 {
-    if (!parent.removeFolder(name) && manner == Forced && parent.forceWriteOther(name))
-        parent.removeFolder(name);
+    const bool removed = parent.removeFolder(name)
+        || (manner == Forced && parent.forceWriteOther(name) && parent.removeFolder(name));
+    // What a folder still holds is known, or meant to stay.
+    if (!removed && errno != ENOTEMPTY)
+        logFolderThatStays(parent.pathOf(name));
 }
 
 SourceRemoval::Group& SourceRemoval::groupOf(const TreeFolder& folder, const QByteArray& targetPath)

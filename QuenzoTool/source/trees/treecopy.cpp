@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "trees/treecopy.h"
 
+#include "trees/treefailure.h"
+
 namespace {
 
 TreeTransfer::Options options(bool overwrite, bool deleteSource)
@@ -24,8 +26,14 @@ TreeCopy::TreeCopy(const QByteArray& source, const QByteArray& target, bool over
 bool TreeCopy::perform()
 {
     TreeFolder source = TreeFolder::open(m_sourcePath, TreeFolder::Listing);
-    if (!source.isOpen() || targetIsInside(source))
+    if (!source.isOpen() && !source.isMissing()) {
+        logUnreadable(source);
         return false;
+    }
+    if (targetIsInside(source)) {
+        logFailedCopy(m_sourcePath, m_targetPath, QStringLiteral("the target lies inside it"));
+        return false;
+    }
     TransferTarget target = TransferTarget::reach(m_targetPath);
     const bool copied = target.folder.isOpen() && copyEntries(source, target);
     return m_transfer.settle() && copied;
@@ -48,13 +56,17 @@ bool TreeCopy::copyEntries(TreeFolder& source, TransferTarget& target)
     if (!m_transfer.list(source, entries))
         return false;
     for (int i = 0; i < entries.size();) {
-        int files = 0;
-        while (i + files < entries.size() && entries.at(i + files).kind != TreeEntry::Folder)
-            ++files;
+        const int files = TreeTransfer::filesFrom(entries, i);
         if (m_transfer.transfer(source, entries.constData() + i, files, target) < files)
             return false;
         i += files;
-        if (i < entries.size() && !copyFolder(source, entries.at(i++), target))
+        if (i == entries.size())
+            break;
+        const TreeEntry entry = m_transfer.atItsTurn(source, entries.at(i++));
+        const bool copied = entry.kind == TreeEntry::Folder
+            ? copyFolder(source, entry, target)
+            : m_transfer.transfer(source, &entry, 1, target) == 1;
+        if (!copied)
             return false;
     }
     return true;
@@ -62,13 +74,15 @@ bool TreeCopy::copyEntries(TreeFolder& source, TransferTarget& target)
 
 bool TreeCopy::copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target)
 {
-    // What a link leads to may hold files that are due to go.
-    if (entry.isLink)
-        m_transfer.settle();
+    if (!TreeTransfer::canHold(source, entry.name, target.folder))
+        return false;
     TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
     const bool leadsToTarget = entry.isLink && m_targets.contains(child.id());
-    if (!source.canHold(entry.name) || leadsToTarget || m_targetLineage.contains(child.id()))
+    if (leadsToTarget || m_targetLineage.contains(child.id())) {
+        logFailedCopy(child.path(), target.folder.pathOf(entry.name),
+                      QStringLiteral("it leads into the target"));
         return false;
+    }
     TransferTarget made = m_transfer.makeFolder(target, entry.name);
     if (!made.folder.isOpen() || !copyEntries(child, made))
         return false;

@@ -1,38 +1,48 @@
 // SPDX-License-Identifier: MIT
 #include "trees/treeremoval.h"
 
+#include "files/helperthread.h"
 #include "files/treefolder.h"
+#include "trees/treefailure.h"
 
 #include <QDir>
 
+#include <atomic>
+#include <cerrno>
 #include <memory>
-#include <system_error>
-#include <thread>
 #include <utility>
 #include <vector>
 
 namespace {
 
 // Most of the cost is the system's work on each file, which goes on well on two cores.
-void removeFiles(const TreeFolder& folder, const QVector<QByteArray>& names)
+bool removeFiles(const TreeFolder& folder, const QVector<QByteArray>& names)
 {
     constexpr int worthAThread = 64;
-    const auto remove = [&folder, &names](int from, int to) {
-        for (int i = from; i < to; ++i)
-            folder.removeFile(names.at(i));
+    std::atomic<bool> removed{true};
+    const auto remove = [&folder, &names, &removed](int from, int to) {
+        for (int i = from; i < to; ++i) {
+            if (folder.removeFile(names.at(i)))
+                continue;
+            logSystemFailure(folder.pathOf(names.at(i)), QStringLiteral("removed"));
+            removed = false;
+        }
     };
     const int half = names.size() / 2;
     std::thread other;
-    try {
-        if (names.size() >= worthAThread)
-            other = std::thread(remove, 0, half);
-    } catch (const std::system_error&) {
-        // A system that gives no further thread leaves all of them to this one.
-    }
+    if (names.size() >= worthAThread)
+        other = startHelperThread([&remove, half] { remove(0, half); });
     remove(other.joinable() ? half : 0, names.size());
     if (other.joinable())
         other.join();
+    return removed;
 }
+
+// What may be left in a folder.
+struct Rest {
+    int readError = 0; // of a folder that could not be read
+    bool isTold = false; // something stays in it, and the log knows what
+};
 
 // One folder on the way down, without its files. The way may be longer than a path, or the stack, can be.
 struct Level {
@@ -41,19 +51,33 @@ struct Level {
         , visit(chain, folder)
     {
         QVector<TreeEntry> entries;
-        folder.list(entries, TreeFolder::LinksKept); // one that cannot be read may be empty for all that
+        if (!folder.list(entries)) // one that cannot be read may be empty for all that
+            rest.readError = folder.isOpen() ? errno : folder.error();
         QVector<QByteArray> files;
         for (const TreeEntry& entry : qAsConst(entries))
             (entry.kind == TreeEntry::Folder ? folders : files).append(entry.name);
-        removeFiles(folder, files);
+        rest.isTold = !removeFiles(folder, files);
     }
 
     TreeFolder folder;
     const FolderChain::Visit visit;
     QVector<QByteArray> folders;
+    Rest rest;
 };
 
-void removeContent(TreeFolder top)
+bool removeEmptied(const TreeFolder& parent, const QByteArray& name, const Rest& rest)
+{
+    if (parent.removeFolder(name))
+        return true;
+    const QByteArray path = parent.pathOf(name);
+    if (rest.readError != 0)
+        logFailure(path, QStringLiteral("read"), errorText(rest.readError));
+    else if (errno != ENOTEMPTY || !rest.isTold)
+        logFolderThatStays(path);
+    return false;
+}
+
+Rest removeContent(TreeFolder top)
 {
     FolderChain chain;
     std::vector<std::unique_ptr<Level>> levels;
@@ -66,11 +90,13 @@ void removeContent(TreeFolder top)
             levels.push_back(std::make_unique<Level>(std::move(child), chain));
             continue;
         }
+        const Rest rest = level.rest;
         levels.pop_back();
         if (levels.empty())
-            return;
+            return rest;
         Level& parent = *levels.back();
-        parent.folder.removeFolder(parent.folders.takeLast());
+        if (!removeEmptied(parent.folder, parent.folders.takeLast(), rest))
+            parent.rest.isTold = true;
     }
 }
 
@@ -79,9 +105,14 @@ void removeContent(TreeFolder top)
 bool removeTree(const QByteArray& path)
 {
     // One that is there may not open for want of handles.
-    if (!TreeFolder::open(path, TreeFolder::Writing).isOpen())
-        return !QDir(TreeFolder::text(path)).exists();
-    removeContent(TreeFolder::open(path, TreeFolder::Listing));
+    const TreeFolder folder = TreeFolder::open(path, TreeFolder::Writing);
+    if (!folder.isOpen()) {
+        const bool isGone = !QDir(TreeFolder::text(path)).exists();
+        if (!isGone)
+            logUnreadable(folder);
+        return isGone;
+    }
+    const Rest rest = removeContent(TreeFolder::open(path, TreeFolder::Listing));
     const TreeFolder parent = TreeFolder::open(TreeFolder::parentPath(path), TreeFolder::Writing);
-    return parent.removeFolder(TreeFolder::lastName(path));
+    return removeEmptied(parent, TreeFolder::lastName(path), rest);
 }

@@ -3,8 +3,11 @@
 
 #include "files/treefolder.h"
 #include "messages.h"
+#include "trees/treefailure.h"
 
 #include <QDir>
+
+#include <cerrno>
 
 namespace {
 
@@ -26,10 +29,11 @@ public:
     {
         const FolderChain::Visit visit(m_chain, folder);
         QVector<TreeEntry> entries;
-        folder.list(entries, TreeFolder::LinksFollowed); // one that cannot be read counts as empty
+        if (!folder.list(entries)) // counts as empty
+            logSystemFailure(folder.path(), QStringLiteral("read"));
         const QString absolutePath = TreeFolder::text(folder.path());
         for (const TreeEntry& entry : qAsConst(entries)) {
-            if (entry.kind == TreeEntry::Folder)
+            if (folder.kindOf(entry) == TreeEntry::Folder)
                 visitFolder(folder, entry, shownPath);
             else
                 changeFile(folder, entry, absolutePath);
@@ -45,7 +49,11 @@ private:
         TreeFolder folder = parent.openChild(entry.name, TreeFolder::Listing);
         // Links that lead back would multiply without changing anything more.
         const bool leadsBack = entry.isLink && m_chain.contains(folder.id());
-        if (parent.canHold(entry.name) && folder.isOpen() && !leadsBack)
+        if (!parent.canHold(entry.name))
+            logFailure(folder.path(), QStringLiteral("read"), errorText(ENAMETOOLONG));
+        else if (!folder.isOpen())
+            logUnreadable(folder);
+        else if (!leadsBack)
             visit(folder, path);
     }
 
@@ -55,7 +63,9 @@ private:
             writeRightsMessage(__LINE__, joined(absolutePath, entry.name));
             writeRightsMessage(__LINE__, QLatin1String(folder.isWritable(entry.name) ? "true" : "false"));
         }
-        folder.forceWriteOther(entry.name);
+        // There is nothing behind a link that leads nowhere.
+        if (!folder.forceWriteOther(entry.name) && (!entry.isLink || errno != ENOENT))
+            logSystemFailure(folder.pathOf(entry.name), QStringLiteral("made writable"));
     }
 
     // Nobody can tell a message that was not composed from one that was composed and dropped.
@@ -70,4 +80,6 @@ void forceTreeWriteOther(const QString& path)
     TreeFolder folder = TreeFolder::open(TreeFolder::nativePath(QDir(path)), TreeFolder::Listing);
     if (folder.isOpen())
         RightsWalk().visit(folder, path);
+    else if (!folder.isMissing())
+        logUnreadable(folder);
 }

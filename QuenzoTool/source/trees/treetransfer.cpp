@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "trees/treetransfer.h"
 
+#include "trees/treefailure.h"
+
 #include <algorithm>
+#include <cerrno>
 
 TransferTarget TransferTarget::reach(const QByteArray& path)
 {
@@ -11,8 +14,15 @@ TransferTarget TransferTarget::reach(const QByteArray& path)
         return target;
     const TreeFolder parent = TreeFolder::open(TreeFolder::parentPath(path), TreeFolder::Writing);
     const QByteArray name = TreeFolder::lastName(path);
-    target.namesKnown = parent.makeFolder(name) == TreeFolder::MadeNew;
+    const TreeFolder::Made made = parent.makeFolder(name);
+    if (made == TreeFolder::NotMade) {
+        logSystemFailure(path, QStringLiteral("made"));
+        return target;
+    }
+    target.namesKnown = made == TreeFolder::MadeNew;
     target.folder = parent.openChild(name, TreeFolder::Writing);
+    if (!target.folder.isOpen())
+        logUnreadable(target.folder);
     return target;
 }
 
@@ -23,7 +33,7 @@ void TransferTarget::learnNames(int files)
         return;
     const TreeFolder reader = TreeFolder::open(folder.path(), TreeFolder::Listing);
     QVector<TreeEntry> entries;
-    if (reader.id() != folder.id() || !reader.list(entries, TreeFolder::LinksKept))
+    if (reader.id() != folder.id() || !reader.list(entries))
         return;
     for (const TreeEntry& entry : qAsConst(entries))
         names.insert(entry.name);
@@ -39,7 +49,40 @@ TreeTransfer::TreeTransfer(Options options)
 bool TreeTransfer::list(const TreeFolder& folder, QVector<TreeEntry>& entries)
 {
     settleBefore(folder);
-    return folder.list(entries, TreeFolder::LinksFollowed);
+    if (folder.isMissing())
+        return true;
+    if (!folder.isOpen())
+        logUnreadable(folder);
+    else if (folder.list(entries))
+        return true;
+    else
+        logSystemFailure(folder.path(), QStringLiteral("read"));
+    return false;
+}
+
+int TreeTransfer::filesFrom(const QVector<TreeEntry>& entries, int first)
+{
+    const auto isOther = [](const TreeEntry& entry) {
+        return entry.isLink || entry.kind == TreeEntry::Folder;
+    };
+    const auto begin = entries.cbegin() + first;
+    return static_cast<int>(std::find_if(begin, entries.cend(), isOther) - begin);
+}
+
+TreeEntry TreeTransfer::atItsTurn(const TreeFolder& folder, const TreeEntry& entry)
+{
+    if (!entry.isLink)
+        return entry;
+    settle(); // what it leads to may be due to go
+    return {entry.name, folder.kindOf(entry), true};
+}
+
+bool TreeTransfer::canHold(const TreeFolder& from, const QByteArray& name, const TreeFolder& to)
+{
+    if (from.canHold(name) && to.canHold(name))
+        return true;
+    logFailedCopy(from.pathOf(name), to.pathOf(name), errorText(ENAMETOOLONG));
+    return false;
 }
 
 TransferTarget TreeTransfer::makeFolder(TransferTarget& parent, const QByteArray& name)
@@ -47,10 +90,14 @@ TransferTarget TreeTransfer::makeFolder(TransferTarget& parent, const QByteArray
     settleBefore(parent.folder);
     TransferTarget made;
     const TreeFolder::Made result = parent.folder.makeFolder(name);
-    if (result == TreeFolder::NotMade)
+    if (result == TreeFolder::NotMade) {
+        logSystemFailure(parent.folder.pathOf(name), QStringLiteral("made"));
         return made;
+    }
     parent.names.insert(name);
     made.folder = parent.folder.openChild(name, TreeFolder::Writing);
+    if (!made.folder.isOpen())
+        logUnreadable(made.folder);
     made.namesKnown = result == TreeFolder::MadeNew;
     return made;
 }
@@ -64,12 +111,13 @@ int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int c
     int replaced = -1;
     while (done < count && !m_flushFailed) {
         const TreeEntry& file = files[done];
-        if (!from.canHold(file.name) || !to.folder.canHold(file.name))
+        if (!canHold(from, file.name, to.folder))
             break;
-        if (file.isLink) // what it leads to may be due to go
-            settle();
-        if (m_options.testFlag(SparingItself) && isItself(from, file, to.folder))
+        if (m_options.testFlag(SparingItself) && isItself(from, file, to.folder)) {
+            logFailedCopy(from.pathOf(file.name), to.folder.pathOf(file.name),
+                          QStringLiteral("it is the same file"));
             break;
+        }
         if (m_options.testFlag(Replacing) && replaced != done && to.mayHold(file.name)) {
             removeExisting(to.folder, file.name);
             replaced = done;
@@ -87,8 +135,11 @@ int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int c
         }
         // There would be room, had the sources gone at once.
         const bool roomComes = outcome.trouble == FileCopier::NoRoom && m_removal.count() > 0 && settle();
-        if (outcome.trouble != FileCopier::NoTrouble && !roomComes)
-            break;
+        if (outcome.trouble == FileCopier::NoTrouble || roomComes)
+            continue;
+        const QByteArray& name = files[done].name;
+        logFailedCopy(from.pathOf(name), to.folder.pathOf(name), outcome.reason);
+        break;
     }
     return done;
 }
@@ -106,8 +157,10 @@ bool TreeTransfer::settle()
     if (m_copier.flush()) {
         m_removal.perform();
     } else {
+        const QString reason = errorText(errno);
         m_flushFailed = true;
         m_unflushed = m_removal.firstFile();
+        logFailure(m_unflushed.target, QStringLiteral("brought to the disk"), reason);
         m_removal = {};
     }
     return !m_flushFailed;
@@ -130,11 +183,9 @@ int TreeTransfer::runLength(const TreeFolder& from, const TreeEntry* files, int 
                             const TransferTarget& to) const
 {
     constexpr int longest = 4096;
-    if (files[0].isLink)
-        return 1;
     const TreeEntry* const end = files + qMin(count, longest);
     const auto stands = [&](const TreeEntry& file) {
-        return file.isLink || !from.canHold(file.name) || !to.folder.canHold(file.name)
+        return !from.canHold(file.name) || !to.folder.canHold(file.name)
             || (m_options.testFlag(Replacing) && to.mayHold(file.name));
     };
     return static_cast<int>(std::find_if(files + 1, end, stands) - files);

@@ -42,8 +42,18 @@ public:
 
     explicit TreeTransfer(Options options);
 
-    /** Lists a folder of the source, after what is due to be removed from it is gone. */
+    /** Lists a folder of the source, after what is due to be removed from it is gone; a missing one is empty.
+     */
     bool list(const TreeFolder& folder, QVector<TreeEntry>& entries);
+
+    /** How many files that are no links, and so what they seemed to be, stand in a row from an entry on. */
+    static int filesFrom(const QVector<TreeEntry>& entries, int first);
+
+    /** An entry as it is when its turn comes: what a link leads to may have been moved away meanwhile. */
+    TreeEntry atItsTurn(const TreeFolder& folder, const TreeEntry& entry);
+
+    /** Whether both can hold an entry of the source by its name. */
+    static bool canHold(const TreeFolder& from, const QByteArray& name, const TreeFolder& to);
 
     /** Makes a folder in the target and opens it; an object that is not open when that fails. */
     TransferTarget makeFolder(TransferTarget& parent, const QByteArray& name);

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#ifndef TREEFAILURE_H
+#define TREEFAILURE_H
+
+#include "files/treefolder.h"
+
+/**
+ * Tells the log of the trees, in one line for people, what could not be done with a file or folder, and why.
+ *
+ * @param what like "removed", which the line puts after "could not be"
+ * @param reason the system's, or our own where the system has none
+ */
+void logFailure(const QByteArray& path, const QString& what, const QString& reason);
+
+/** The same with what the system says of its latest call. */
+void logSystemFailure(const QByteArray& path, const QString& what);
+
+/** The same of a folder that could not be removed. */
+void logFolderThatStays(const QByteArray& path);
+
+/** The same of a folder that could not be opened. */
+void logUnreadable(const TreeFolder& folder);
+
+void logFailedCopy(const QByteArray& source, const QByteArray& target, const QString& reason);
+
+#endif
