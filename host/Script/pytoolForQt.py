@@ -3,7 +3,7 @@
 
 docs/scripts.md says what each takes and answers.
 """
-from quenzo_files import argument_path
+from quenzo_files import argument_path, argument_text
 from quenzo_pack import pack
 from quenzo_report import Answer, DamagedArchive, report
 from quenzo_sdk import CONFIG_NAME, MAX_CONFIG_BYTES, ConfigError, SdkConfig
@@ -22,7 +22,7 @@ def zip(src, dest, apkfile):
 def unZip(src, dest, unused="NULL"):
     """Unpacks archive src into folder dest."""
     with Archive(argument_path(src, "the archive")) as archive:
-        unpack(archive, argument_path(dest, "the folder to unpack into"))
+        unpack(archive, argument_text(dest, "the folder to unpack into"))
     return 0
 
 
@@ -31,7 +31,7 @@ def importSDK(src, dest, idSDK=None):
     try:
         with Archive(argument_path(src, "the package")) as package:
             _check_package(package, idSDK)
-            unpack(package, argument_path(dest, "the folder to import into"))
+            unpack(package, argument_text(dest, "the folder to import into"))
         return IMPORTED
     except Answer as error:
         answer, cause = error.number, error
@@ -60,4 +60,4 @@ def _check_package(package, wanted):
     names = frozenset(one.name for one in package.entries)
     for name in config.files:
         if name not in names:
-            raise DamagedArchive("the package lacks %r, which its config.xml names" % name)
+            raise DamagedArchive("the package lacks '%s', which its config.xml names" % name)

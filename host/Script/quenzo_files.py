@@ -37,9 +37,14 @@ def argument_text(value, what):
     return value
 
 
+def scratch_name():
+    """A hidden name, used by nobody."""
+    return ".quenzo-%s.tmp" % binascii.hexlify(os.urandom(8))
+
+
 def scratch_beside(path):
-    """A hidden name, used by nobody, in the folder of path."""
-    return os.path.join(os.path.dirname(path), ".quenzo-%s.tmp" % binascii.hexlify(os.urandom(8)))
+    """Such a name in the folder of path."""
+    return os.path.join(os.path.dirname(path), scratch_name())
 
 
 def open_file(path, flags, mode=0o666):
@@ -74,14 +79,14 @@ def blocks(source):
     return iter(lambda: source.read(BLOCK), "")
 
 
-def check_replaceable(path):
-    """Raises unless path is a file that the caller may write; the rename that replaces it would not mind."""
-    kind = os.lstat(path).st_mode
+def check_replaceable(place, path):
+    """Raises unless a file that the caller may write is at place; the rename that replaces it would not mind."""
+    kind = os.lstat(place).st_mode
     if stat.S_ISDIR(kind):
         raise ToolError("a folder is in the way: %s" % path)
     if not stat.S_ISREG(kind):
         raise ToolError("a link, pipe, socket or device is in the way: %s" % path)
-    if not os.access(path, os.W_OK):
+    if not os.access(place, os.W_OK):
         raise IOError(errno.EACCES, "the file is write-protected", path)
 
 
@@ -141,7 +146,7 @@ def replaced(path):
     """
     alike = os.path.lexists(path)
     if alike:
-        check_replaceable(path)
+        check_replaceable(path, path)
     scratch = scratch_beside(path)
     made = open_new(scratch, 0o600 if alike else 0o666)
     try:
@@ -169,12 +174,12 @@ def work_folder(path):
 
 
 def make_alike(descriptor, status):
-    """Gives an open file the owner and rights of another."""
+    """Gives an open file the owner and rights of another, but never the owner's powers to whoever runs it."""
     try:
         os.fchown(descriptor, status.st_uid, status.st_gid)
     except OSError:
         pass  # Only root gives files away.
-    os.fchmod(descriptor, stat.S_IMODE(status.st_mode))
+    os.fchmod(descriptor, status.st_mode & 0o777)
 
 
 def _make_folder(path):

@@ -5,7 +5,7 @@ docs/scripts.md describes the record file, the two files written and the answers
 """
 import os
 
-from quenzo_files import argument_path, open_new
+from quenzo_files import argument_text, open_new
 from quenzo_place import placed
 from quenzo_records import RecordError, as_json, as_sheet, find_record, read_records
 from quenzo_report import ToolError, report
@@ -26,7 +26,7 @@ def export_develop_info(idChannel, dest):
     """Writes the channel's record into folder dest; answers 0, or another number above and nothing written."""
     try:
         channel = _channel_id(idChannel)
-        folder = argument_path(dest, "the folder to export into")
+        folder = argument_text(dest, "the folder to export into")
     except (ToolError, ValueError) as error:
         return _failed(BAD_ARGUMENT, error)
     try:

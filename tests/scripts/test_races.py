@@ -1,0 +1,176 @@
+# -*- coding: utf-8 -*-
+# SPDX-License-Identifier: MIT
+"""Folders that others exchange for links while an archive is unpacked: nothing goes where the link leads."""
+import os
+import time
+import unittest
+
+from support import FolderCase, Raw, raw_archive, tree, write
+
+import pytoolForQt
+
+NOBODY = 65534
+
+
+class Exchanges(FolderCase):
+    def setUp(self):
+        FolderCase.setUp(self)
+        self.src, self.base = self.path("in.zip"), self.path("base")
+        self.out, self.victim = self.path("base", "out"), self.path("victim")
+        raw_archive(self.src, [Raw("sub/%d" % number, "evil") for number in range(30)])
+        os.makedirs(os.path.join(self.out, "sub"))
+        os.makedirs(os.path.join(self.victim, "out", "sub"))
+
+    def unpack(self, dest=None):
+        try:
+            pytoolForQt.unZip(self.src, dest or self.out, "NULL")
+        except Exception:  # An error is as good an answer as folders that were moved away.
+            return False
+        return True
+
+    def assert_victim_untouched(self):
+        self.assertEqual({"out": None, "out/sub": None}, tree(self.victim))
+
+
+class AtTheWorstMoment(Exchanges):
+    """The exchange happens inside of a call that every unpacking makes."""
+
+    def exchange_at(self, function, folder, target):
+        """Lets the first call of os.function put a link to target in the place of folder."""
+        honest = getattr(os, function)
+        self.addCleanup(setattr, os, function, honest)
+
+        def called(*arguments):
+            setattr(os, function, honest)
+            os.rename(folder, self.path("away"))
+            os.symlink(target, folder)
+            return honest(*arguments)
+
+        setattr(os, function, called)
+
+    def test_aFolderAboveTheTargetLeadsNowhereElse(self):
+        for dest in (self.out, os.path.join(self.base, "fresh"), os.path.join(self.base, "two", "levels")):
+            self.exchange_at("urandom", self.base, self.victim)
+            self.unpack(dest)
+            self.assert_victim_untouched()
+            os.remove(self.base)
+            os.rename(self.path("away"), self.base)
+
+    def test_theTargetLeadsNowhereElse(self):
+        self.exchange_at("urandom", self.out, os.path.join(self.victim, "out"))
+        self.unpack()
+        self.assert_victim_untouched()
+
+    def test_aFolderInTheTargetLeadsNowhereElse(self):
+        listed = os.listdir
+        self.addCleanup(setattr, os, "listdir", listed)
+
+        def called(path):
+            if path.endswith("/new/sub"):
+                os.listdir = listed
+                os.rename(os.path.join(self.out, "sub"), self.path("away"))
+                os.symlink(os.path.join(self.victim, "out", "sub"), os.path.join(self.out, "sub"))
+            return listed(path)
+
+        os.listdir = called
+        self.assertTrue(self.unpack())
+        self.assert_victim_untouched()
+        self.assertEqual(30, len(listed(self.path("away"))))
+
+
+class WhileItRuns(Exchanges):
+    """A second process exchanges a folder again and again."""
+    ROUNDS, TRIES = 10, 8
+
+    def exchanging(self, folder, target):
+        """Starts it, as another user where root can."""
+        link, away = folder + ".link", folder + ".away"
+        os.symlink(target, link)
+        child = os.fork()
+        if child:
+            self.addCleanup(self._end, child)
+            return
+        try:
+            if os.geteuid() == 0:
+                os.setgid(NOBODY)
+                os.setuid(NOBODY)
+            parent = os.getppid()
+            while os.getppid() == parent:
+                for first, second, third in ((folder, link, away), (folder, away, link)):
+                    os.rename(first, third)
+                    os.rename(second, first)
+                    time.sleep(0.0004)
+        finally:
+            os._exit(0)
+
+    def _end(self, child):
+        os.kill(child, 9)
+        os.waitpid(child, 0)
+
+    def owned_by_somebody(self):
+        if os.geteuid() == 0:
+            os.chmod(self.folder, 0o711)
+            for folder, unused, unused in os.walk(self.base):
+                os.lchown(folder, NOBODY, NOBODY)
+
+    def count_hits(self):
+        """In how many rounds a file came to the victim."""
+        hits, unpacked = 0, 0
+        for unused in range(self.ROUNDS):
+            for unused in range(self.TRIES):
+                unpacked += self.unpack()
+                found = [name for name, content in tree(self.victim).items() if content is not None]
+                if found:
+                    hits += 1
+                    for name in found:
+                        os.remove(os.path.join(self.victim, name))
+                    break
+        return hits, unpacked
+
+    def test_aFolderInTheTargetLeadsNowhereElse(self):
+        self.owned_by_somebody()
+        self.exchanging(os.path.join(self.out, "sub"), os.path.join(self.victim, "out", "sub"))
+        hits, unpacked = self.count_hits()
+        self.assertEqual(0, hits)
+        self.assertGreater(unpacked, 0)
+
+    @unittest.skipUnless(os.geteuid() == 0, "a folder of one's own leads where one's own links say")
+    def test_aFolderOfSomebodyElseAboveTheTargetLeadsNowhereElse(self):
+        write(self.path("keep"), "x")
+        self.owned_by_somebody()
+        os.chown(self.path(), NOBODY, NOBODY)
+        self.exchanging(self.base, self.victim)
+        hits, unpacked = self.count_hits()
+        self.assertEqual(0, hits)
+        self.assertGreater(unpacked, 0)
+
+
+class Links(Exchanges):
+    @unittest.skipUnless(os.geteuid() == 0, "root alone has more rights than the link's owner")
+    def test_rootFollowsNoLinkThatOthersCanChange(self):
+        for make in (lambda link: os.lchown(link, NOBODY, NOBODY), lambda link: os.chmod(self.folder, 0o777)):
+            link = self.path("link")
+            os.symlink(self.victim, link)
+            make(link)
+            self.assertFalse(self.unpack(link))
+            self.assertFalse(self.unpack(os.path.join(link, "out")))
+            self.assert_victim_untouched()
+            os.remove(link)
+
+    def test_ownLinksAreFollowed(self):
+        os.symlink("base", self.path("link"))
+        os.symlink(self.path("link", "out"), self.path("far"))
+        self.assertTrue(self.unpack(self.path("far")))
+        self.assertTrue(self.unpack(self.path("far", "..", "fresh", ".", "new")))
+        self.assertEqual(30, len(os.listdir(os.path.join(self.out, "sub"))))
+        self.assertEqual(30, len(os.listdir(os.path.join(self.base, "fresh", "new", "sub"))))
+        self.assertEqual(["base", "far", "in.zip", "link", "victim"], sorted(os.listdir(self.folder)))
+
+    def test_linksInACircleFail(self):
+        os.symlink("two", self.path("one"))
+        os.symlink("one", self.path("two"))
+        self.assertFalse(self.unpack(self.path("one")))
+
+
+if __name__ == "__main__":
+    unittest.main()
