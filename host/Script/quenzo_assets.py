@@ -125,16 +125,16 @@ def decrypted_assets(archive, secret, work):
 
 def _authenticated_header(archive, entry, secret):
     if entry.size < Header.SIZE + TAG_BYTES:
-        raise NotAuthentic("%r is not encrypted, or cut off" % entry.name)
+        raise NotAuthentic("'%s' is not encrypted, or cut off" % entry.name)
     content = _Content(archive, entry)
     header = Header.unpack(content.read(Header.SIZE))
     if header.length != entry.size - Header.SIZE - TAG_BYTES:
-        raise NotAuthentic("%r has another length than it says" % entry.name)
+        raise NotAuthentic("'%s' has another length than it says" % entry.name)
     tag = Keys(secret, header.salt).tag(entry.name, header)
     for block in content.blocks(header.length):
         tag.update(block)
     if not hmac.compare_digest(tag.digest(), content.read(TAG_BYTES)):
-        raise NotAuthentic("%r was altered, or encrypted with another key" % entry.name)
+        raise NotAuthentic("'%s' was altered, or encrypted with another key" % entry.name)
     return header
 
 

@@ -4,6 +4,7 @@ import os
 import stat
 
 from quenzo_files import SCRATCH, argument_path, argument_text, blocks, open_regular, parents_made, replaced
+from quenzo_limits import check_content, check_entries
 from quenzo_names import check_names
 from quenzo_report import ToolError
 from quenzo_zipread import DEFLATED, STORED
@@ -27,11 +28,13 @@ def pack(src, dest, apkfile):
     extra = argument_text(apkfile, "the file to add") if apkfile or not isinstance(apkfile, basestring) else None
     if not os.path.isdir(root):
         raise ToolError("no such folder: %s" % root)
+    if _lies_in(target, root):
+        raise ToolError("the archive would lie in the folder to pack: %s" % target)
     with parents_made(target):
-        found = _contents(root, target)
+        found = _contents(root)
         if extra is not None:
             _add_extra(found, extra, target)
-        check_names(found)
+        _check(found)
         with replaced(target) as (out, _):
             _write(out, found)
 
@@ -44,8 +47,24 @@ def method_for(name, size):
     return DEFLATED
 
 
-def _contents(root, target):
-    """Entry name to path, for every file and every empty folder below root; target itself is left out."""
+def _lies_in(path, root):
+    """Whether path is root or below it, by whatever names."""
+    while path != "/":
+        if os.path.isdir(path) and os.path.samefile(path, root):
+            return True
+        path = os.path.dirname(path)
+    return os.path.samefile("/", root)
+
+
+def _check(found):
+    """Refuses at once what could not be unpacked again."""
+    check_entries(len(found))
+    check_names(found)
+    check_content(sum(os.path.getsize(path) for name, path in found.iteritems() if not name.endswith("/")))
+
+
+def _contents(root):
+    """Entry name to path, for every file and every empty folder below root."""
     found = {}
 
     def walk(folder, prefix):
@@ -55,9 +74,9 @@ def _contents(root, target):
             kind = os.lstat(path).st_mode
             if stat.S_ISDIR(kind):
                 walk(path, prefix + name + "/")
-            elif path != target:
-                found[prefix + name] = _file_behind(path, kind, root, target)
-        if prefix and not any(os.path.join(folder, name) != target for name in names):
+            else:
+                found[prefix + name] = _file_behind(path, kind, root)
+        if prefix and not names:
             found[prefix] = folder
 
     try:
@@ -67,14 +86,12 @@ def _contents(root, target):
     return found
 
 
-def _file_behind(path, kind, root, target):
+def _file_behind(path, kind, root):
     """The file to read for an entry; a link has to end at a file of the same tree."""
     if stat.S_ISLNK(kind):
         real = os.path.realpath(path)
         if not real.startswith(root.rstrip("/") + "/"):
             raise ToolError("a link leads out of the folder: %s" % path)
-        if real == target:
-            raise ToolError("a link leads to the archive to write: %s" % path)
         if not os.path.isfile(real):
             raise ToolError("a link leads to no file: %s" % path)
         return real
@@ -91,7 +108,7 @@ def _add_extra(found, extra, target):
     if not os.path.isfile(path):
         raise ToolError("no such file to add: %s" % extra)
     if any(entry.split("/", 1)[0] == name for entry in found):
-        raise ToolError("the folder holds a %r of its own" % name)
+        raise ToolError("the folder holds a '%s' of its own" % name)
     found[name] = path
 
 

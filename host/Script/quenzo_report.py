@@ -1,10 +1,17 @@
 # SPDX-License-Identifier: MIT
 """Failures of the packaging scripts, and the one line that names them on the error stream."""
 import sys
+import unicodedata
+
+_MOVING = frozenset(("Cc", "Cf", "Cs", "Zl", "Zp"))  # controls, marks of direction, half letters, line breaks
+_LONGEST = 5000
 
 
 class ToolError(Exception):
-    """A failure with a sentence for the user."""
+    """A failure with a sentence for the user; names from archives may be in it as they are."""
+
+    def __init__(self, text):
+        Exception.__init__(self, printable(text))
 
 
 class NoFile(ToolError):
@@ -23,14 +30,40 @@ class Answer(ToolError):
         self.number = number
 
 
+def printable(text):
+    """UTF-8 on one line; whatever could steer a terminal shows as an escape, and so do bytes that are no UTF-8."""
+    text = text if len(text) <= _LONGEST else text[:_LONGEST] + "..."
+    return u"".join(_shown(letter) for letter in _decoded(text)).encode("utf-8")
+
+
 def sentence(error):
-    """The text of an exception on one line, as bytes."""
+    """The text of an exception, printable."""
+    if isinstance(error, EnvironmentError) and error.strerror and isinstance(error.filename, str):
+        return printable("%s: %s" % (error.strerror, error.filename))
     try:
         text = str(error)
     except UnicodeError:
         text = repr(error)
-    text = text or error.__class__.__name__
-    return text.replace("\r", "\\r").replace("\n", "\\n")
+    return printable(text or error.__class__.__name__)
+
+
+def _decoded(text):
+    if isinstance(text, unicode):
+        return text
+    decoded = u""
+    while True:
+        try:
+            return decoded + text.decode("utf-8")
+        except UnicodeDecodeError as error:
+            decoded += text[:error.start].decode("utf-8")
+            decoded += u"".join(u"\\x%02x" % ord(letter) for letter in text[error.start:error.end])
+            text = text[error.end:]
+
+
+def _shown(letter):
+    if unicodedata.category(letter) in _MOVING:
+        return letter.encode("unicode_escape").decode("ascii")
+    return letter
 
 
 def report(function, error):

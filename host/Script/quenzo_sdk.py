@@ -100,4 +100,4 @@ def _check_file(name):
     except ToolError as error:
         raise ConfigError("config.xml: %s" % error)
     if name.endswith("/"):
-        raise ConfigError("config.xml: %r is a folder" % name)
+        raise ConfigError("config.xml: '%s' is a folder" % name)

@@ -12,14 +12,9 @@ import zipfile
 import zlib
 
 from quenzo_files import BLOCK, open_regular
+from quenzo_limits import check_content, check_directory, check_entries, check_ratio
 from quenzo_names import check_names, is_utf8
 from quenzo_report import DamagedArchive, ToolError
-
-MAX_ENTRIES = 200 * 1000
-MAX_DIRECTORY_BYTES = 128 << 20
-MAX_BYTES = 16 << 30            # all entries unpacked
-MAX_RATIO = 200                 # all entries unpacked to the archive's own size ...
-RATIO_FREE_BYTES = 64 << 20     # ... once they come to more than this
 
 STORED, DEFLATED = zipfile.ZIP_STORED, zipfile.ZIP_DEFLATED
 FLAG_ENCRYPTED = 0x1 | 0x40 | 0x2000
@@ -87,7 +82,7 @@ class Archive(object):
             self._file.seek(position)
             block = self._file.read(min(left, BLOCK))
             if not block:
-                raise DamagedArchive("the archive is cut off in %r" % entry.name)
+                raise DamagedArchive("the archive is cut off in '%s'" % entry.name)
             position += len(block)
             left -= len(block)
             yield block
@@ -101,11 +96,11 @@ class Archive(object):
         for block in unpacked:
             size += len(block)
             if size > entry.size:
-                raise ToolError("%r unpacks to more than it declares" % entry.name)
+                raise ToolError("'%s' unpacks to more than it declares" % entry.name)
             crc = zlib.crc32(block, crc)
             yield block
         if size != entry.size or crc & 0xffffffff != entry.crc:
-            raise DamagedArchive("%r is damaged (size or checksum)" % entry.name)
+            raise DamagedArchive("'%s' is damaged (size or checksum)" % entry.name)
 
     def verify(self, entry):
         """Reads an entry through."""
@@ -140,10 +135,8 @@ class Archive(object):
             position -= zipfile.sizeEndCentDir64 + zipfile.sizeEndCentDir64Locator
         if position < 0:
             raise DamagedArchive("the archive's directory is not complete")
-        if count > MAX_ENTRIES:
-            raise ToolError("the archive has more than %d entries" % MAX_ENTRIES)
-        if size > MAX_DIRECTORY_BYTES:
-            raise ToolError("the archive's directory has more than %d bytes" % MAX_DIRECTORY_BYTES)
+        check_entries(count)
+        check_directory(size)
         end_position = position + size
         for unused in range(count):
             self._file.seek(position)
@@ -154,26 +147,23 @@ class Archive(object):
 
     def _check_limits(self):
         total = sum(entry.size for entry in self.entries)
+        check_content(total)
         self._file.seek(0, 2)
-        own = self._file.tell()
-        if total > MAX_BYTES:
-            raise ToolError("the archive unpacks to %d bytes; the limit is %d" % (total, MAX_BYTES))
-        if total > RATIO_FREE_BYTES and total > own * MAX_RATIO:
-            raise ToolError("the archive unpacks to more than %d times its size" % MAX_RATIO)
+        check_ratio(total, self._file.tell())
 
     def _locate(self, entry):
         """Finds the packed bytes behind the local header, which has to agree with the directory."""
         if entry.header < 0:
-            raise DamagedArchive("%r lies before the archive" % entry.name)
+            raise DamagedArchive("'%s' lies before the archive" % entry.name)
         self._file.seek(entry.header)
         head = self._file.read(_LOCAL.size)
         if len(head) != _LOCAL.size:
-            raise DamagedArchive("the archive is cut off before %r" % entry.name)
+            raise DamagedArchive("the archive is cut off before '%s'" % entry.name)
         magic, _, flags, method, _, _, _, _, _, name_length, extra_length = _LOCAL.unpack(head)
         if magic != zipfile.stringFileHeader or self._file.read(name_length) != entry.raw_name:
-            raise DamagedArchive("no local header for %r" % entry.name)
+            raise DamagedArchive("no local header for '%s'" % entry.name)
         if method != entry.method or (flags ^ entry.flags) & FLAG_ENCRYPTED:
-            raise DamagedArchive("two headers disagree about %r" % entry.name)
+            raise DamagedArchive("two headers disagree about '%s'" % entry.name)
         entry.data = entry.header + _LOCAL.size + name_length + extra_length
 
     def _check_ranges(self, end):
@@ -181,7 +171,7 @@ class Archive(object):
         reached = 0
         for entry in sorted(self.entries, key=lambda one: one.header):
             if entry.header < reached:
-                raise ToolError("%r shares bytes with another entry" % entry.name)
+                raise ToolError("'%s' shares bytes with another entry" % entry.name)
             reached = entry.data + entry.packed
         if reached > end:
             raise DamagedArchive("the archive is cut off")
@@ -190,15 +180,15 @@ class Archive(object):
 def _check_kind(entry):
     kind = stat.S_IFMT(entry.attributes >> 16)
     if entry.flags & FLAG_ENCRYPTED:
-        raise ToolError("%r is encrypted" % entry.name)
+        raise ToolError("'%s' is encrypted" % entry.name)
     if entry.method not in (STORED, DEFLATED):
-        raise ToolError("%r is packed with the unknown method %d" % (entry.name, entry.method))
+        raise ToolError("'%s' is packed with the unknown method %d" % (entry.name, entry.method))
     if kind not in (0, stat.S_IFREG, stat.S_IFDIR):
-        raise ToolError("%r is a link or a device" % entry.name)
+        raise ToolError("'%s' is a link or a device" % entry.name)
     if entry.method == STORED and entry.packed != entry.size:
-        raise DamagedArchive("%r is stored in another size than its own" % entry.name)
+        raise DamagedArchive("'%s' is stored in another size than its own" % entry.name)
     if entry.is_folder and entry.size:
-        raise ToolError("the folder %r has content" % entry.name)
+        raise ToolError("the folder '%s' has content" % entry.name)
 
 
 def _path_name(info):
@@ -207,7 +197,7 @@ def _path_name(info):
     if is_utf8(name):
         return name
     if info.flag_bits & FLAG_UTF8:
-        raise ToolError("entry name is marked as UTF-8 and is not: %r" % name)
+        raise ToolError("entry name is marked as UTF-8 and is not: '%s'" % name)
     return name.decode("cp437").encode("utf-8") if info.create_system == DOS else name
 
 
@@ -220,11 +210,11 @@ def _inflated(packed, name):
                 yield inflater.decompress(block, BLOCK)
                 block = inflater.unconsumed_tail
                 if inflater.unused_data:
-                    raise DamagedArchive("%r has bytes behind its end" % name)
+                    raise DamagedArchive("'%s' has bytes behind its end" % name)
         # One more byte is left over by a stream that has ended, and eaten by one that has not.
         rest = inflater.decompress("\0")
         if inflater.unused_data != "\0":
-            raise DamagedArchive("%r is cut off" % name)
+            raise DamagedArchive("'%s' is cut off" % name)
     except zlib.error as error:
-        raise DamagedArchive("%r is damaged: %s" % (name, error))
+        raise DamagedArchive("'%s' is damaged: %s" % (name, error))
     yield rest

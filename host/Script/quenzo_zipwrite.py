@@ -3,6 +3,7 @@
 import struct
 import zlib
 
+from quenzo_limits import check_content, check_directory, check_entries, check_ratio
 from quenzo_names import is_utf8
 from quenzo_report import ToolError
 from quenzo_zipread import DEFLATED, FLAG_UTF8, STORED, UNIX
@@ -67,7 +68,7 @@ class ZipWriter(object):
         if deflater:
             self._out.write(deflater.flush())
         if size != record.size:
-            raise ToolError("%r changed while it was packed" % record.name)
+            raise ToolError("'%s' changed while it was packed" % record.name)
         record.crc = crc & 0xffffffff
         record.packed = self._out.tell() - start
         self._out.seek(record.offset)
@@ -83,11 +84,17 @@ class ZipWriter(object):
             self._out.write(block)
 
     def finish(self):
-        """Writes the directory."""
+        """Writes the directory, unless the archive became one that could not be unpacked again."""
         start = self._out.tell()
+        check_entries(len(self._records))
         for record in self._records:
             self._out.write(_central_header(record))
-        self._out.write(_end_records(len(self._records), start, self._out.tell()))
+        end = self._out.tell()
+        check_directory(end - start)
+        self._out.write(_end_records(len(self._records), start, end))
+        total = sum(record.size for record in self._records)
+        check_content(total)
+        check_ratio(total, self._out.tell())
         self._out.flush()
 
     def _begin(self, record):

@@ -10,6 +10,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import unicodedata
 import unittest
 import zlib
 from StringIO import StringIO
@@ -73,6 +74,15 @@ def tree(root):
             else:
                 found[os.path.relpath(path, root)] = read(path) if name in files else None
     return found
+
+
+def unprintable(text):
+    """What in a text could steer a terminal, or is no UTF-8."""
+    try:
+        letters = text.decode("utf-8")
+    except UnicodeDecodeError as error:
+        return str(error)
+    return [letter for letter in letters if unicodedata.category(letter) in ("Cc", "Cf", "Cs", "Zl", "Zp")]
 
 
 class Raw(object):

@@ -11,6 +11,7 @@ import warnings
 from support import APK, FolderCase, as_plain_user, contents, full_disk, killed_when, parsed, python, read, tree, write
 
 import pytoolForQt
+import quenzo_limits
 import quenzo_pack
 from quenzo_report import ToolError
 
@@ -169,26 +170,16 @@ class AddedFile(Packing):
 
 
 class Destination(Packing):
-    def test_anArchiveInsideTheFolderIsLeftOut(self):
-        write(os.path.join(self.src, "a.txt"), "a")
-        self.dest = os.path.join(self.src, "out.zip")
-        self.assertEqual({"a.txt": "a"}, self.pack())
-        first = read(self.dest)
-        self.assertEqual({"a.txt": "a"}, self.pack())
-        self.assertEqual(first, read(self.dest))
-
-    def test_aLinkToTheArchiveInsideIsRefused(self):
-        self.dest = write(os.path.join(self.src, "out.zip"), "old")
-        os.symlink("out.zip", os.path.join(self.src, "link"))
-        self.assert_refused("leads to the archive")
-
-    def test_anArchiveInAFolderOfItsOwnInsideGivesTheSameBytesTwice(self):
-        write(os.path.join(self.src, "a.txt"), "a")
-        self.dest = os.path.join(self.src, "bin", "out.zip")
-        self.pack()
-        first = read(self.dest)
-        self.pack()
-        self.assertEqual(first, read(self.dest))
+    def test_anArchiveInTheFolderItselfIsRefused(self):
+        write(os.path.join(self.src, "d", "a.txt"), "a")
+        write(os.path.join(self.src, "old.zip"), "old")
+        os.symlink("src/d", self.path("link"))
+        for self.dest in (os.path.join(self.src, "out.zip"), os.path.join(self.src, "new", "deep", "out.zip"),
+                          os.path.join(self.src, "d", "a.txt"), os.path.join(self.src, "old.zip"),
+                          self.path("link", "out.zip"), self.path("src", "d", "..", "out.zip")):
+            self.assert_refused("would lie in the folder")
+        self.dest = self.path("src.zip")
+        self.assertEqual({"d/a.txt": "a", "old.zip": "old"}, self.pack())
 
     def test_aPipeSocketOrDeviceInTheWayStays(self):
         os.mkfifo(self.dest)
@@ -349,6 +340,54 @@ class Hostile(Packing):
         write(os.path.join(self.src, ".quenzo-0123456789abcdee.tmp"), "x")
         write(os.path.join(self.src, ".quenzo-mine.tmp"), "x")
         self.assertEqual({".quenzo-mine.tmp": "x"}, self.pack())
+
+
+class Limits(Packing):
+    """What cannot be unpacked is not packed."""
+
+    def limit(self, name, value):
+        self.addCleanup(setattr, quenzo_limits, name, getattr(quenzo_limits, name))
+        setattr(quenzo_limits, name, value)
+
+    def assert_packs_what_unpacks(self):
+        self.pack()
+        pytoolForQt.unZip(self.dest, self.path("back"), "NULL")
+        shutil.rmtree(self.path("back"))
+        os.remove(self.dest)
+
+    def test_theNumberOfEntries(self):
+        for number in range(20):
+            os.mkdir(os.path.join(self.src, "d%d" % number))
+        self.limit("MAX_ENTRIES", 20)
+        self.assert_packs_what_unpacks()
+        write(os.path.join(self.src, "one more"), "x")
+        self.assert_refused("more than 20 entries")
+
+    def test_theSizeOfAllContent(self):
+        write(os.path.join(self.src, "a.png"), "x" * 600)
+        self.limit("MAX_BYTES", 1000)
+        write(os.path.join(self.src, "b"), "x" * 400)
+        self.assert_packs_what_unpacks()
+        write(os.path.join(self.src, "b"), "x" * 401)
+        self.assert_refused("unpacks to 1001 bytes")
+        write(os.path.join(self.src, "b"), "x" * 400)
+        self.assert_refused("unpacks to 1001 bytes", self.write("c.apk", "x"))
+
+    def test_theRatioOfContentToArchive(self):
+        write(os.path.join(self.src, "a"), "\0" * (4 << 20))
+        self.assert_packs_what_unpacks()
+        self.limit("RATIO_FREE_BYTES", (4 << 20) - 1)
+        self.assert_refused("more than 200 times its size")
+        write(os.path.join(self.src, "ballast.png"), os.urandom(32 << 10))
+        self.assert_packs_what_unpacks()
+
+    def test_theSizeOfTheDirectory(self):
+        for number in range(20):
+            write(os.path.join(self.src, "%02d" % number), "x")
+        self.limit("MAX_DIRECTORY_BYTES", 20 * 48)
+        self.assert_packs_what_unpacks()
+        write(os.path.join(self.src, "one more"), "x")
+        self.assert_refused("directory has more than")
 
 
 class Failures(Packing):

@@ -9,9 +9,10 @@ import unittest
 import zipfile
 
 from support import APK, LINK_ATTRIBUTES, FolderCase, Raw, as_plain_user, contents, deflated, full_disk, killed_when
-from support import python, raw_archive, read, tree, write
+from support import python, raw_archive, read, tree, unprintable, write
 
 import pytoolForQt
+import quenzo_limits
 import quenzo_zipread
 from quenzo_report import DamagedArchive, ToolError
 from quenzo_zipwrite import ZipWriter
@@ -170,6 +171,41 @@ class HostileEntries(Unpacking):
         self.assert_refused([Raw("a/", "content")], "has content")
 
 
+class Messages(Unpacking):
+    EVIL = "a\x1b[2J\r\n\x07\x7f\x9b31m\xff" + u"\u202e\u2028\x9b".encode("utf-8")
+
+    def test_noNameReachesATerminalAsItIs(self):
+        evil, packed = self.EVIL, deflated("x" * 99)
+        for entries in ([Raw("/" + evil)], [Raw("../" + evil)], [Raw("./" + evil)], [Raw(evil, flags=0x800)],
+                        [Raw(evil), Raw(evil)], [Raw(evil), Raw(evil + "/x")], [Raw("d/" * 100 + evil)],
+                        [Raw(evil, "x", attributes=LINK_ATTRIBUTES)], [Raw(evil, "x", flags=1)],
+                        [Raw(evil, "x", 12)], [Raw(evil + "/", "x")], [Raw(evil, "x", crc=1)],
+                        [Raw(evil, "", 8, packed=packed, size=9)], [Raw(evil, "x" * 99, 8, packed=packed[:-1])],
+                        [Raw(evil, "x", local_name="y" + evil)], [Raw(evil, "x", size=7)],
+                        [Raw(evil * 900, "x", crc=1)]):
+            raw_archive(self.src, entries)
+            with self.assertRaises(Exception) as caught:
+                pytoolForQt.unZip(self.src, self.dest, "NULL")
+            self.assertEqual([], unprintable(str(caught.exception)))
+            self.assertIn(pytoolForQt.importSDK(self.src, self.dest), (101, 102, 104))
+            self.assertEqual([], unprintable(self.said.getvalue().replace("\n", "")))
+
+    def test_noPathReachesATerminalAsItIs(self):
+        self.src = self.path(self.EVIL)
+        write(self.src, "no archive")
+        dest = self.write(self.EVIL + "file")
+        for arguments in ((self.src, self.dest), (self.src + "x", self.dest), (APK, dest)):
+            with self.assertRaises(Exception) as caught:
+                pytoolForQt.unZip(*arguments)
+            self.assertEqual([], unprintable(str(caught.exception)))
+            pytoolForQt.importSDK(*arguments)
+        self.assertEqual([], unprintable(self.said.getvalue().replace("\n", "")))
+        self.assertEqual(3, self.said.getvalue().count("\n"))
+
+    def test_otherLettersAreShownAsTheyAre(self):
+        self.assert_refused([Raw(u"../имя/日".encode("utf-8"))], u"'../имя/日'".encode("utf-8"))
+
+
 class Bombs(Unpacking):
     def test_whatUnpacksToMoreThanItDeclaresIsStopped(self):
         bomb = deflated("\0" * (32 << 20))
@@ -177,10 +213,10 @@ class Bombs(Unpacking):
             self.assert_refused([Raw("ok", "x"), Raw("a", "", 8, packed=bomb, size=size)], "more than it declares")
 
     def test_theRatioIsLimitedOnceItMatters(self):
-        self.addCleanup(setattr, quenzo_zipread, "RATIO_FREE_BYTES", quenzo_zipread.RATIO_FREE_BYTES)
+        self.addCleanup(setattr, quenzo_limits, "RATIO_FREE_BYTES", quenzo_limits.RATIO_FREE_BYTES)
         zeros = "\0" * (4 << 20)
         self.assertEqual({"a": zeros}, self.unpack(Raw("a", zeros, 8)))
-        quenzo_zipread.RATIO_FREE_BYTES = (4 << 20) - 1
+        quenzo_limits.RATIO_FREE_BYTES = (4 << 20) - 1
         self.assert_refused([Raw("a", zeros, 8)], "200 times")
 
     def test_aDeclaredFloodIsRefusedBeforeAnythingIsWritten(self):
@@ -195,8 +231,8 @@ class Bombs(Unpacking):
         self.assert_refused([whole, Raw("k", "y" * 50, offset=31)], "shares bytes")
 
     def test_tooManyEntriesAreRefused(self):
-        self.addCleanup(setattr, quenzo_zipread, "MAX_ENTRIES", quenzo_zipread.MAX_ENTRIES)
-        quenzo_zipread.MAX_ENTRIES = 20
+        self.addCleanup(setattr, quenzo_limits, "MAX_ENTRIES", quenzo_limits.MAX_ENTRIES)
+        quenzo_limits.MAX_ENTRIES = 20
         self.assert_refused([Raw("%d" % number) for number in range(21)], "more than 20 entries")
         self.dest = self.path("fits")
         self.assertEqual(20, len(self.unpack(*[Raw("%d" % number) for number in range(20)])))
