@@ -163,7 +163,7 @@ void tst_IconFiles::clearingIsNeverLedAway()
     const QByteArray folder = QFile::encodeName(job.out(QStringLiteral("folder")));
     const QByteArray precious = QFile::encodeName(job.path(QStringLiteral("precious")));
     fill(QStringLiteral("precious"));
-    for (int round = 0; round < 25; ++round) {
+    for (int round = 0; round < 10; ++round) {
         fill(QStringLiteral("out/folder"));
         const QByteArray aside = QFile::encodeName(job.path(QStringLiteral("aside%1").arg(round)));
         std::atomic<bool> stop{false};

@@ -45,8 +45,11 @@ QStringList IconScene::filesBelow(const QString& folder)
 {
     QStringList files;
     QDirIterator entries(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (entries.hasNext())
-        files.append(QDir(folder).relativeFilePath(entries.next()));
+    while (entries.hasNext()) {
+        entries.next();
+        if (entries.fileName() != marker())
+            files.append(QDir(folder).relativeFilePath(entries.filePath()));
+    }
     files.sort();
     return files;
 }

@@ -23,6 +23,9 @@ public:
     static QStringList words(const char* line) { return QuenzoProcess::words(line); }
     static const QStringList& cornerNames();
     static QByteArray contentOf(const QString& file);
+    /** The sign of an output folder that a run has made. */
+    static QString marker() { return QStringLiteral(".quenzo-icons"); }
+    /** All files but that one, by their paths in the folder. */
     static QStringList filesBelow(const QString& folder);
     static void makePipe(const QString& path);
 

@@ -45,6 +45,8 @@ private Q_SLOTS:
     void cornerAndMarkMayBeLeftOut();
     void numberedDefaultCornerIsTaken();
     void outputFolderIsClearedFirst();
+    void outputFolderOfAnEarlierRunIsClearedAgain();
+    void outputFolderMayBeALink();
     void keepLeavesOtherFilesAndReplacesItsOwn();
     void relativeOutputFolderIsBelowTheCurrentOne();
     void emptyListGivesAnEmptyFolder();
@@ -161,10 +163,38 @@ void tst_IconCommands::numberedDefaultCornerIsTaken()
 void tst_IconCommands::outputFolderIsClearedFirst()
 {
     write(out(QStringLiteral("old/file")), "old");
-    const Ended ended = icons(R"([{"folder": "a"}])");
+    const Ended ended = icons(R"([{"folder": "a"}])", words("--clear"));
+    QCOMPARE(ended.error, QByteArray());
     QCOMPARE(ended.code, 0);
     QVERIFY(!QFileInfo::exists(out(QStringLiteral("old"))));
     QCOMPARE(filesBelow(out()).size(), 7);
+}
+
+void tst_IconCommands::outputFolderOfAnEarlierRunIsClearedAgain()
+{
+    for (const char* list : {R"([{"folder": "a"}])", R"([{"folder": "b"}])", R"([{"folder": "c"}])"}) {
+        const Ended ended = icons(list);
+        QCOMPARE(ended.error, QByteArray());
+        QCOMPARE(ended.code, 0);
+        QCOMPARE(filesBelow(out()).size(), 7);
+        QVERIFY(QFileInfo::exists(out(marker())));
+    }
+}
+
+void tst_IconCommands::outputFolderMayBeALink()
+{
+    QVERIFY(QDir().mkpath(path(QStringLiteral("real/inner"))));
+    write(path(QStringLiteral("real/kept")), "kept");
+    QVERIFY(QFile::link(path(QStringLiteral("real/inner")), path(QStringLiteral("out"))));
+    const Ended ended = icons(R"([{"folder": "a"}])");
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(filesBelow(path(QStringLiteral("real/inner"))).size(), 7);
+    QVERIFY(QFileInfo(path(QStringLiteral("out"))).isSymLink());
+    // The folder above the link's target, and not the one above the link.
+    const Ended above = icons(R"([{"folder": "b"}])", words("--keep"), QStringLiteral("out/.."));
+    QCOMPARE(above.error, QByteArray());
+    QCOMPARE(filesBelow(path(QStringLiteral("real/b"))).size(), 7);
+    QVERIFY(!QFileInfo::exists(path(QStringLiteral("b"))));
 }
 
 void tst_IconCommands::keepLeavesOtherFilesAndReplacesItsOwn()
@@ -193,7 +223,7 @@ void tst_IconCommands::relativeOutputFolderIsBelowTheCurrentOne()
 void tst_IconCommands::emptyListGivesAnEmptyFolder()
 {
     write(out(QStringLiteral("old")), "old");
-    const Ended ended = icons("[]", words("--sheet sheet.png"));
+    const Ended ended = icons("[]", words("--clear --sheet sheet.png"));
     QCOMPARE(ended.error, QByteArray());
     QCOMPARE(ended.code, 0);
     QVERIFY(QDir(out()).exists());
@@ -243,12 +273,12 @@ void tst_IconCommands::jsonTellsAllOfARun()
 {
     write(out(QStringLiteral("b")), "in the way");
     const Ended ended = icons(R"([{"folder": "a", "mark": "blue"}, {"folder": "b"}])",
-                              words("--json --keep --sheet sheet.png"));
+                              words("--json --keep --ignore-missing --sheet sheet.png"));
     QCOMPARE(ended.code, 1);
     const QJsonObject told = ended.json();
     QStringList keys = told.keys();
     keys.sort();
-    QCOMPARE(keys, words("channels command error expected missing ok out sheet warnings written"));
+    QCOMPARE(keys, words("causes channels command error expected missing ok out sheet warnings written"));
     QCOMPARE(told.value(QStringLiteral("command")).toString(), QStringLiteral("icons"));
     QCOMPARE(told.value(QStringLiteral("ok")).toBool(true), false);
     QCOMPARE(told.value(QStringLiteral("channels")).toInt(), 2);
@@ -257,13 +287,17 @@ void tst_IconCommands::jsonTellsAllOfARun()
     QCOMPARE(told.value(QStringLiteral("missing")).toArray().size(), 7);
     QCOMPARE(told.value(QStringLiteral("missing")).toArray().first().toString(),
              QDir(root()).canonicalPath() + QStringLiteral("/out/b/icon36x36.png"));
+    QVERIFY(told.value(QStringLiteral("causes"))
+                .toArray()
+                .contains(QStringLiteral("the folder %1/out/b/ could not be made: File exists")
+                              .arg(QDir(root()).canonicalPath())));
     QCOMPARE(told.value(QStringLiteral("warnings")).toArray().size(), 1);
     QCOMPARE(told.value(QStringLiteral("error")).toString(), QStringLiteral("not written: 7 of 14 files"));
     QCOMPARE(told.value(QStringLiteral("out")).toString(),
              QDir(root()).canonicalPath() + QStringLiteral("/out"));
     QCOMPARE(told.value(QStringLiteral("sheet")).toString(), QStringLiteral("sheet.png"));
 
-    const QJsonObject good = icons(R"([{"folder": "a"}])", words("--json")).json();
+    const QJsonObject good = icons(R"([{"folder": "a"}])", words("--json --clear")).json();
     QCOMPARE(good.value(QStringLiteral("ok")).toBool(), true);
     QCOMPARE(good.value(QStringLiteral("written")).toInt(), 7);
     QVERIFY(good.value(QStringLiteral("missing")).isArray());

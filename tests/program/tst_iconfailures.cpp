@@ -9,7 +9,7 @@
 #include <QtTest>
 
 #include <csignal>
-
+#include <grp.h>
 #include <linux/capability.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -34,8 +34,12 @@ class tst_IconFailures : public QObject, private IconScene {
 private Q_SLOTS:
     void init() { prepare(); }
 
-    void faultOfAMarkIsWarnedOf_data();
-    void faultOfAMarkIsWarnedOf();
+    void missingMarkMayBeIgnored_data();
+    void missingMarkMayBeIgnored();
+    void markOutsideTheIconIsWarnedOf_data();
+    void markOutsideTheIconIsWarnedOf();
+    void refusedThreadsEndTheRun_data();
+    void refusedThreadsEndTheRun();
     void folderGivenTwiceIsWarnedOf();
     void fileInTheWayOfAFolderIsReported();
     void folderInTheWayOfAFileIsReported();
@@ -47,36 +51,93 @@ private Q_SLOTS:
     void sheetWithoutFontsIsWarnedOf();
 };
 
-void tst_IconFailures::faultOfAMarkIsWarnedOf_data()
+void tst_IconFailures::missingMarkMayBeIgnored_data()
 {
     QTest::addColumn<QByteArray>("entry");
-    QTest::addColumn<QByteArray>("warning");
-    QTest::newRow("no such mark") << QByteArray(R"("mark": "blue")")
-                                  << QByteArray("marks/blue/icon/right-bottom.png is missing");
-    QTest::newRow("small letters are no None")
-        << QByteArray(R"("mark": "none")") << QByteArray("marks/none/icon/right-bottom.png is missing");
-    QTest::newRow("no such corner's picture") << QByteArray(R"("mark": "half", "corner": "left-top")")
-                                              << QByteArray("marks/half/icon/left-top.png is missing");
-    QTest::newRow("no picture") << QByteArray(R"("mark": "half", "corner": "right-top")")
-                                << QByteArray("marks/half/icon/right-top.png cannot be read");
-    QTest::newRow("below the icon") << QByteArray(R"("mark": "red", "corner": 0, "x": 0, "y": -100)")
-                                    << QByteArray("lies outside the icon");
-    QTest::newRow("above the icon") << QByteArray(R"("mark": "red", "corner": 0, "x": 0, "y": 352)")
-                                    << QByteArray("lies outside the icon");
+    QTest::addColumn<QByteArray>("reason");
+    const auto row = [](const char* title, const char* entry, const char* reason) {
+        QTest::newRow(title) << QByteArray(entry) << QByteArray(reason);
+    };
+    row("no such mark", R"("mark": "blue")", "marks/blue/icon/right-bottom.png is missing");
+    row("small letters are no None", R"("mark": "none")", "marks/none/icon/right-bottom.png is missing");
+    row("no such corner's picture", R"("mark": "half", "corner": "left-top")",
+        "marks/half/icon/left-top.png is missing");
+    row("no picture", R"("mark": "half", "corner": "right-top")",
+        "marks/half/icon/right-top.png cannot be read (Unsupported image format)");
 }
 
-void tst_IconFailures::faultOfAMarkIsWarnedOf()
+void tst_IconFailures::missingMarkMayBeIgnored()
 {
     QFETCH(const QByteArray, entry);
-    QFETCH(const QByteArray, warning);
+    QFETCH(const QByteArray, reason);
     write(path(QStringLiteral("marks/half/icon/right-top.png")), "no picture");
-    const Ended ended = icons(R"([{"folder": "a", "name": "The shop", )" + entry + R"(}, {"folder": "b"}])");
-    QCOMPARE(ended.code, 0);
-    QCOMPARE(ended.error.count('\n'), 1);
-    QVERIFY2(ended.error.startsWith("quenzo: channel 'The shop': "), ended.error.constData());
-    QVERIFY2(ended.error.contains(warning), ended.error.constData());
+    const QByteArray list = R"([{"folder": "a", "name": "The shop", )" + entry + R"(}, {"folder": "b"}])";
+    const QByteArray told = "quenzo: channel 'The shop': the mark picture " + reason + '\n';
+    const Ended refused = icons(list);
+    QCOMPARE(refused.error, told);
+    QCOMPARE(refused.code, 1);
+    QVERIFY2(!QFileInfo::exists(out()), "icons were made");
+
+    const Ended ignored = icons(list, words("--ignore-missing"));
+    QCOMPARE(ignored.error, told);
+    QCOMPARE(ignored.code, 0);
     QCOMPARE(produced(QStringLiteral("a")), master());
     QCOMPARE(filesBelow(out()).size(), 14);
+}
+
+void tst_IconFailures::markOutsideTheIconIsWarnedOf_data()
+{
+    QTest::addColumn<QByteArray>("place");
+    QTest::newRow("below") << QByteArray(R"("x": 0, "y": -100)");
+    QTest::newRow("above") << QByteArray(R"("x": 0, "y": 352)");
+    QTest::newRow("left of it") << QByteArray(R"("x": -20, "y": 0)");
+}
+
+void tst_IconFailures::markOutsideTheIconIsWarnedOf()
+{
+    QFETCH(const QByteArray, place);
+    const Ended ended =
+        icons(R"([{"folder": "a", "name": "The shop", "mark": "red", "corner": 0, )" + place + "}]");
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(ended.error.count('\n'), 1);
+    QVERIFY2(ended.error.startsWith("quenzo: channel 'The shop': the mark lies outside the icon"),
+             ended.error.constData());
+    QCOMPARE(produced(QStringLiteral("a")), master());
+}
+
+void tst_IconFailures::refusedThreadsEndTheRun_data()
+{
+    QTest::addColumn<int>("limit");
+    for (int limit = 1; limit <= 6; ++limit)
+        QTest::addRow("limit of %d", limit) << limit;
+}
+
+void tst_IconFailures::refusedThreadsEndTheRun()
+{
+    QFETCH(const int, limit);
+    QVERIFY(QFile::setPermissions(root(), QFile::Permissions(0x7777)));
+    QVERIFY(photograph(800, 800).save(path(QStringLiteral("game.png")), nullptr, 100));
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    QuenzoProcess process(arguments(), root());
+    process.before = [limit] {
+        // A user that nobody else is: the limit counts all of a user's processes.
+        constexpr uid_t alone = 54321;
+        if (geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(alone) != 0 || setuid(alone) != 0))
+            _exit(127);
+        const rlimit threads{static_cast<rlim_t>(limit), static_cast<rlim_t>(limit)};
+        if (setrlimit(RLIMIT_NPROC, &threads) != 0)
+            _exit(127);
+    };
+    const Ended ended = process.end();
+    if (ended.code == 0) {
+        QCOMPARE(filesBelow(out()).size(), 7);
+        return;
+    }
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("no thread could be started")
+                 || ended.error.contains("the system gives no threads"),
+             ended.error.constData());
+    QVERIFY2(!QFileInfo::exists(out()), "something was made");
 }
 
 void tst_IconFailures::folderGivenTwiceIsWarnedOf()
@@ -94,7 +155,7 @@ void tst_IconFailures::fileInTheWayOfAFolderIsReported()
     const Ended ended =
         icons(R"([{"folder": "a"}, {"folder": "b"}, {"folder": "c"}])", words("--keep --sheet sheet.png"));
     QCOMPARE(ended.code, 1);
-    QVERIFY2(ended.error.contains("/out/b could not be made\n"), ended.error.constData());
+    QVERIFY2(ended.error.contains("/out/b/ could not be made: File exists\n"), ended.error.constData());
     QVERIFY2(ended.error.contains("not written: 7 of 21 files\n"), ended.error.constData());
     QVERIFY2(ended.output.startsWith("14 of 21 files in "), ended.output.constData());
     QCOMPARE(produced(QStringLiteral("c")), master());
@@ -111,6 +172,8 @@ void tst_IconFailures::folderInTheWayOfAFileIsReported()
     QVERIFY(QDir().mkpath(out(QStringLiteral("a/icon72x72.png"))));
     const Ended ended = icons(R"([{"folder": "a"}])", words("--keep"));
     QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("/out/a/icon72x72.png was not written: What is there is no regular file\n"),
+             ended.error.constData());
     QVERIFY2(ended.error.contains("/out/a: icon72x72.png\n"), ended.error.constData());
     QVERIFY2(ended.error.contains("not written: 1 of 7 files\n"), ended.error.constData());
 }
@@ -172,7 +235,7 @@ void tst_IconFailures::whatCannotBeClearedIsWarnedOf()
         write(out(QString::fromUtf8(name)), "old");
     for (const char* name : {"old", "a"})
         QVERIFY(QFile::setPermissions(out(QString::fromUtf8(name)), QFile::ReadOwner | QFile::ExeOwner));
-    QuenzoProcess process(arguments(words("--json")), root());
+    QuenzoProcess process(arguments(words("--json --clear")), root());
     process.before = dropPrivilege;
     const Ended ended = process.end();
     for (const char* name : {"old", "a"})

@@ -2,6 +2,7 @@
 #include "iconpictures.h"
 #include "iconscene.h"
 
+#include <QDir>
 #include <QFile>
 #include <QtTest>
 
@@ -27,6 +28,9 @@ private Q_SLOTS:
 
     void whatItReadsIsNeverCleared_data();
     void whatItReadsIsNeverCleared();
+    void foreignFolderIsNotCleared_data();
+    void foreignFolderIsNotCleared();
+    void goneCurrentFolderIsNamed();
     void whatItReadsIsNeverOverwritten_data();
     void whatItReadsIsNeverOverwritten();
     void sheetNeverReplacesWhatIsRead_data();
@@ -86,6 +90,58 @@ void tst_IconRefusals::whatItReadsIsNeverCleared()
     QCOMPARE(kept.error, QByteArray());
     QCOMPARE(kept.code, 0);
     QCOMPARE(filesBelow(root()).size(), before.size() + 16);
+}
+
+void tst_IconRefusals::foreignFolderIsNotCleared_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::newRow("file") << QStringLiteral("notes.txt");
+    QTest::newRow("hidden file") << QStringLiteral(".notes");
+    QTest::newRow("file in a folder") << QStringLiteral("deep/notes.txt");
+}
+
+void tst_IconRefusals::foreignFolderIsNotCleared()
+{
+    QFETCH(const QString, entry);
+    const QByteArray list = R"([{"folder": "a"}])";
+    write(out(entry), "precious");
+    const Ended refused = icons(list);
+    QCOMPARE(refused.code, 1);
+    QVERIFY2(refused.error.contains("is not empty, and no earlier run has made it: --clear deletes"),
+             refused.error.constData());
+    QCOMPARE(contentOf(out(entry)), QByteArray("precious"));
+
+    // Files that a run has left untouched make the folder nobody's to clear.
+    QCOMPARE(icons(list, words("--keep")).code, 0);
+    QCOMPARE(icons(list).code, 1);
+    QCOMPARE(contentOf(out(entry)), QByteArray("precious"));
+
+    QCOMPARE(icons(list, words("--clear")).error, QByteArray());
+    QVERIFY(!QFileInfo::exists(out(entry)));
+}
+
+void tst_IconRefusals::goneCurrentFolderIsNamed()
+{
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
+    QVERIFY(QDir().mkdir(path(QStringLiteral("gone"))));
+    QStringList absolute;
+    for (const QString& word : arguments({}, QStringLiteral("quenzo-icons-of-a-test")))
+        absolute.append(
+            QStringList{QStringLiteral("game.png"), QStringLiteral("marks"), QStringLiteral("channels.json")}
+                    .contains(word)
+                ? path(word)
+                : word);
+    QuenzoProcess process(absolute, path(QStringLiteral("gone")));
+    const QByteArray gone = QFile::encodeName(path(QStringLiteral("gone")));
+    process.before = [&gone] {
+        if (rmdir(gone.constData()) != 0)
+            _exit(127);
+    };
+    const Ended ended = process.end();
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("'quenzo-icons-of-a-test' cannot be found: the current folder is gone"),
+             ended.error.constData());
+    QVERIFY(!QFileInfo::exists(QStringLiteral("/quenzo-icons-of-a-test")));
 }
 
 void tst_IconRefusals::whatItReadsIsNeverOverwritten_data()
@@ -187,7 +243,7 @@ void tst_IconRefusals::sheetNeverReplacesAnIcon()
              ended.error.constData());
     QCOMPARE(QFileInfo::exists(icon), there);
 
-    const Ended beside = icons(R"([{"folder": "a"}])", words("--sheet out/a/sheet.png"));
+    const Ended beside = icons(R"([{"folder": "a"}])", words("--clear --sheet out/a/sheet.png"));
     QCOMPARE(beside.error, QByteArray());
     QCOMPARE(beside.code, 0);
 }
@@ -327,7 +383,8 @@ void tst_IconRefusals::badUsageExitsWithTwo_data()
     QTest::newRow("corner too large") << whole + words("--default-corner 4");
     QTest::newRow("x a word") << whole + words("--default-x left");
     QTest::newRow("broken y") << whole + words("--default-y 1.5");
-    QTest::newRow("unknown option") << whole + words("--clear");
+    QTest::newRow("clear and keep") << whole + words("--clear --keep");
+    QTest::newRow("unknown option") << whole + words("--clean");
 }
 
 void tst_IconRefusals::badUsageExitsWithTwo()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "icons/channellist.h"
 
+#include "icons/iconset.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
@@ -18,12 +20,6 @@ struct Channels {
 
 constexpr int longestName = 255; // bytes of a file name
 const QLatin1String noMark("None");
-
-QStringList cornerNames()
-{
-    return {QStringLiteral("left-top"), QStringLiteral("left-bottom"), QStringLiteral("right-top"),
-            QStringLiteral("right-bottom"), QStringLiteral("default")};
-}
 
 // Collects what is wrong with one entry, and names the entry by what is known of it.
 class Entry {
@@ -103,12 +99,12 @@ public:
     {
         const QJsonValue value = m_values.value(key);
         if (value.isUndefined())
-            return ChannelList::cornerOf(QStringLiteral("default"));
+            return IconSet::Default;
         const int corner =
             ChannelList::cornerOf(value.isDouble() ? QString::number(value.toDouble()) : value.toString());
         if (corner < 0)
             complain(Channels::tr("\"%1\" is none of %2, nor a number from 0 to 4")
-                         .arg(key, cornerNames().join(QStringLiteral(", "))));
+                         .arg(key, IconSet::cornerNames().join(QStringLiteral(", "))));
         return corner;
     }
 
@@ -193,7 +189,7 @@ QVector<ListedChannel> ChannelList::read(const QString& path, QStringList& error
 
 int ChannelList::cornerOf(const QString& text)
 {
-    const QStringList names = cornerNames();
+    const QStringList names = IconSet::cornerNames();
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
     if (isNumber)

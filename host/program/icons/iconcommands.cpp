@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "command.h"
 #include "console/console.h"
+#include "console/diagnostics.h"
 #include "console/worker.h"
+#include "fileidentity.h"
 #include "icons/channellist.h"
 #include "icons/contactsheet.h"
 #include "icons/filetally.h"
 #include "icons/iconjob.h"
+#include "icons/iconset.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -32,16 +35,20 @@ QString readOptions(const QCommandLineParser& parser, IconJob& job)
     const QString platform = parser.value(QStringLiteral("platform"));
     if (platform != QLatin1String("android") && platform != QLatin1String("ios"))
         return IconCommands::tr("--platform is android or ios, not '%1'").arg(platform);
-    job.platform = platform == QLatin1String("android") ? 0 : 1;
+    job.platform = platform == QLatin1String("android") ? IconSet::Android : IconSet::Ios;
     job.icon = parser.value(QStringLiteral("icon"));
     job.marks = parser.value(QStringLiteral("marks"));
-    job.out = QDir::cleanPath(QDir::current().absoluteFilePath(parser.value(QStringLiteral("out"))));
+    job.out = parser.value(QStringLiteral("out"));
     job.list = parser.positionalArguments().at(1);
     job.sheet = parser.value(QStringLiteral("sheet"));
     job.keep = parser.isSet(QStringLiteral("keep"));
+    job.clear = parser.isSet(QStringLiteral("clear"));
+    job.ignoreMissing = parser.isSet(QStringLiteral("ignore-missing"));
+    if (job.keep && job.clear)
+        return IconCommands::tr("--keep and --clear exclude each other");
 
     job.defaultCorner = ChannelList::cornerOf(parser.value(QStringLiteral("default-corner")));
-    if (job.defaultCorner < 0 || job.defaultCorner > 3)
+    if (job.defaultCorner < 0 || job.defaultCorner > IconSet::RightBottom)
         return IconCommands::tr(
             "--default-corner is left-top, left-bottom, right-top or right-bottom, or 0 to 3");
     bool isX = false;
@@ -62,22 +69,46 @@ QString faultOfIcon(const QString& path)
     return icon.read().isNull() ? icon.errorString() : QString();
 }
 
-// Looks at everything that would make the run fail, or destroy something; false after an error.
-bool isReady(IconJob& job, Console& console)
+// Puts the place that the system takes the word for; false when it is none.
+bool resolve(QString& folder)
 {
-    QStringList errors;
+    if (!folder.startsWith(QLatin1Char('/'))) {
+        const QString current = QDir::currentPath();
+        if (!current.startsWith(QLatin1Char('/'))) // Qt makes nothing of it, and the root would be meant
+            return false;
+        // Joined by hand: Qt takes a leading colon for the name of a built-in resource.
+        folder.prepend(current + QLatin1Char('/'));
+    }
+    folder = placeOf(folder);
+    return true;
+}
+
+QStringList faultsOfPictures(const IconJob& job)
+{
+    QStringList faults;
     const QString fault = faultOfIcon(job.icon);
     if (!fault.isEmpty())
-        errors.append(IconCommands::tr("the icon '%1' cannot be read: %2").arg(job.icon, fault));
+        faults.append(IconCommands::tr("the icon '%1' cannot be read: %2").arg(job.icon, fault));
     if (!QFileInfo(job.marks).isDir())
-        errors.append(IconCommands::tr("the marks' folder '%1' does not exist").arg(job.marks));
-    job.channels = ChannelList::read(job.list, errors);
-    const QString danger = errors.isEmpty() ? job.danger() : QString();
+        faults.append(IconCommands::tr("the marks' folder '%1' does not exist").arg(job.marks));
+    return faults;
+}
+
+// Completes the job by what its files hold; the faults of all of it.
+QStringList readInputs(IconJob& job)
+{
+    const QString word = job.out;
+    if (!resolve(job.out))
+        return {IconCommands::tr("'%1' cannot be found: the current folder is gone; give a whole path")
+                    .arg(word)};
+    QStringList faults = faultsOfPictures(job);
+    job.channels = ChannelList::read(job.list, faults);
+    const QString danger = faults.isEmpty() ? job.danger() : QString();
     if (!danger.isEmpty())
-        errors.append(danger);
-    for (const QString& error : qAsConst(errors))
-        console.error(error);
-    return errors.isEmpty();
+        faults.append(danger);
+    if (faults.isEmpty() && !job.ignoreMissing)
+        faults = job.missingMarks();
+    return faults;
 }
 
 // What is worth a look although the run goes on.
@@ -109,7 +140,8 @@ QString progressBar(int done, int all)
              IconCommands::tr("%1 of %2 files").arg(done).arg(all));
 }
 
-void produce(const IconJob& job, FileTally& tally, Console& console)
+// False when nothing was done.
+bool produce(const IconJob& job, FileTally& tally, Console& console)
 {
     QList<ST_CHANNEL_ICON> icons;
     for (const ListedChannel& channel : job.channels)
@@ -119,39 +151,45 @@ void produce(const IconJob& job, FileTally& tally, Console& console)
     thread.setInfo(job.marks, icons);
     thread.setOutputDir(job.out + QLatin1Char('/'));
     thread.setClearDirFirst(!job.keep);
-    runWorker(thread, console, [&tally] {
+    return runWorker(thread, console, [&tally] {
         const int done = tally.seen();
         return progressBar(done, tally.expected());
     });
 }
 
-// Says what of each channel was not written. A folder that is not there stands for its files.
+// Says what of each channel was not written, after what the library knows of it.
 void reportMissing(const IconJob& job, const QStringList& missing, Console& console)
 {
+    constexpr int mostCauses = 10;
+    const QStringList causes = Diagnostics::takeAll();
+    console.set(QStringLiteral("missing"), QJsonArray::fromStringList(missing));
+    if (missing.isEmpty())
+        return;
+    for (const QString& cause : causes.mid(0, mostCauses))
+        console.warn(cause);
+    if (causes.size() > mostCauses)
+        console.warn(IconCommands::tr("and %1 more like these").arg(causes.size() - mostCauses));
+    console.set(QStringLiteral("causes"), QJsonArray::fromStringList(causes));
+
     QMap<QString, QStringList> filesOfFolder;
     for (const QString& path : missing)
         filesOfFolder[QFileInfo(path).path()].append(QFileInfo(path).fileName());
-    for (auto folder = filesOfFolder.cbegin(); folder != filesOfFolder.cend(); ++folder) {
-        if (!QFileInfo(folder.key()).isDir())
-            console.warn(IconCommands::tr("the folder %1 could not be made").arg(folder.key()));
-        else
-            console.warn(IconCommands::tr("not written in %1: %2")
-                             .arg(folder.key(), folder->join(QStringLiteral(", "))));
-    }
-    console.set(QStringLiteral("missing"), QJsonArray::fromStringList(missing));
-    if (!missing.isEmpty())
-        console.error(
-            IconCommands::tr("not written: %1 of %2 files").arg(missing.size()).arg(job.files().size()));
+    for (auto folder = filesOfFolder.cbegin(); folder != filesOfFolder.cend(); ++folder)
+        console.warn(
+            IconCommands::tr("not written in %1: %2").arg(folder.key(), folder->join(QStringLiteral(", "))));
+    console.error(
+        IconCommands::tr("not written: %1 of %2 files").arg(missing.size()).arg(job.files().size()));
 }
 
 bool writeSheet(const IconJob& job, Console& console)
 {
-    const QString shown =
-        job.platform == 0 ? QStringLiteral("/icon144x144.png") : QStringLiteral("/Icon-144.png");
+    constexpr int shownSide = 144; // which both platforms have
+    const QString shown = QLatin1Char('/') + IconSet::fileName(job.platform, shownSide);
     QVector<SheetEntry> entries;
     for (const ListedChannel& channel : job.channels)
         entries.append({channel.name, job.folderOf(channel) + shown});
-    const QString platform = job.platform == 0 ? QStringLiteral("Android") : QStringLiteral("iOS");
+    const QString platform =
+        job.platform == IconSet::Android ? QStringLiteral("Android") : QStringLiteral("iOS");
     const QString title = IconCommands::tr("%1, channels: %2").arg(platform).arg(entries.size());
     QSaveFile file(job.sheet);
     if (file.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&file, "PNG")
@@ -168,6 +206,8 @@ QStringList warningsAfter(const IconJob& job)
 {
     QStringList texts;
     const QStringList leftovers = job.leftovers();
+    if (!job.keep && QFileInfo(job.out).isDir() && !job.markAsOwn())
+        texts.append(IconCommands::tr("the next run into %1 will need --clear").arg(job.out));
     if (!leftovers.isEmpty())
         texts.append(IconCommands::tr("not deleted: %1").arg(leftovers.join(QStringLiteral(", "))));
     if (!job.sheet.isEmpty() && !canWriteOnSheets())
@@ -202,15 +242,19 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
         console.error(fault);
         return ExitUsage;
     }
-    if (!isReady(job, console))
+    const QStringList faults = readInputs(job);
+    for (const QString& text : faults)
+        console.error(text);
+    if (!faults.isEmpty())
         return ExitFailed;
     Warnings warnings(console);
-    warnings.add(job.warnings());
+    warnings.add((job.ignoreMissing ? job.missingMarks() : QStringList()) + job.warnings());
 
     QElapsedTimer time;
     time.start();
     FileTally tally(job.files());
-    produce(job, tally, console);
+    if (!produce(job, tally, console))
+        return ExitFailed;
     const bool complete = reportFiles(job, tally, time, console);
     warnings.add(warningsAfter(job));
     const bool sheetDone = job.sheet.isEmpty() || writeSheet(job, console);
@@ -234,7 +278,9 @@ QVector<Command> iconCommands()
     icons.options = {
         option("icon", C::tr("The game's icon, in any usual format."), "FILE"),
         option("marks", C::tr("The folder that holds a folder a mark."), "DIR"),
-        option("out", C::tr("The output folder. It is deleted first."), "DIR"),
+        option("out",
+               C::tr("The output folder. It is deleted first, and must be empty or of an earlier run."),
+               "DIR"),
         option("platform", C::tr("The set of sizes: android or ios."), "NAME"),
         option("default-corner", C::tr("The corner of channels with the corner \"default\" (right-bottom)."),
                "CORNER", "right-bottom"),
@@ -242,6 +288,10 @@ QVector<Command> iconCommands()
         option("default-y", C::tr("Where these channels' marks go, as \"y\" (0)."), "N", "0"),
         QCommandLineOption(QStringLiteral("keep"),
                            C::tr("Deletes nothing: files of the same names are overwritten.")),
+        QCommandLineOption(QStringLiteral("clear"),
+                           C::tr("Deletes an output folder that no earlier run has made, too.")),
+        QCommandLineOption(QStringLiteral("ignore-missing"),
+                           C::tr("Leaves icons unmarked whose marks are missing or cannot be read.")),
         option("sheet", C::tr("Draws all channels' icons with their names into one picture."), "FILE.png"),
     };
     icons.run = makeIcons;

@@ -6,8 +6,10 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QImage>
 #include <QImageReader>
 #include <QSet>
 
@@ -27,21 +29,21 @@ bool holds(const QString& folder, const QString& path)
         && (inner == folder || folder == QLatin1String("/") || inner.startsWith(folder + QLatin1Char('/')));
 }
 
-QStringList cornerFiles()
+// In an output folder that a run has made, and the next one may therefore clear.
+QString markerOf(const IconJob& job)
 {
-    return {QStringLiteral("left-top.png"), QStringLiteral("left-bottom.png"),
-            QStringLiteral("right-top.png"), QStringLiteral("right-bottom.png")};
+    return job.out + QLatin1String("/.quenzo-icons");
 }
 
-QString markPath(const IconJob& job, const QString& mark, const QString& cornerFile)
+QString markPath(const IconJob& job, const QString& mark, int corner)
 {
-    return job.marks + QLatin1Char('/') + mark + QLatin1String("/icon/") + cornerFile;
+    return job.marks + QLatin1Char('/') + mark + QLatin1Char('/') + IconSet::cornerFile(corner);
 }
 
 QString markPath(const IconJob& job, const ST_CHANNEL_ICON& icon)
 {
-    const int corner = icon.nCorner == 4 ? job.defaultCorner : icon.nCorner;
-    return markPath(job, icon.strMarkName, cornerFiles().at(qMin(corner, 3)));
+    return markPath(job, icon.strMarkName,
+                    icon.nCorner == IconSet::Default ? job.defaultCorner : icon.nCorner);
 }
 
 bool isMarked(const ListedChannel& channel)
@@ -65,8 +67,8 @@ QVector<Input> inputsOf(const IconJob& job)
         marks.append(channel.icon.strMarkName);
     marks.removeDuplicates();
     for (const QString& mark : qAsConst(marks)) {
-        for (const QString& file : cornerFiles()) {
-            const QString path = markPath(job, mark, file);
+        for (int corner = 0; corner <= IconSet::RightBottom; ++corner) {
+            const QString path = markPath(job, mark, corner);
             inputs.append({path, Job::tr("the mark picture '%1'").arg(path)});
         }
     }
@@ -141,40 +143,45 @@ QString faultOfClearing(const IconJob& job)
     return {};
 }
 
-// What is wrong with a mark on the way to the icon; empty when it will be seen.
-QString faultOfMark(const IconJob& job, const ST_CHANNEL_ICON& icon, const QSize& iconSize)
+bool isEmpty(const QString& folder)
 {
-    const QString path = markPath(job, icon);
-    QImageReader reader(path);
+    return QDir(folder).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+}
+
+QString faultOfForeignFolder(const IconJob& job)
+{
+    if (job.keep || job.clear || isEmpty(job.out) || QFileInfo::exists(markerOf(job)))
+        return {};
+    return Job::tr("the output folder '%1' is not empty, and no earlier run has made it: --clear deletes "
+                   "what is in it, --keep leaves it")
+        .arg(job.out);
+}
+
+// Why a mark cannot be drawn; empty when it can.
+QString faultOfMark(const QString& path)
+{
     if (!QFileInfo(path).isFile())
-        return Job::tr("the mark picture %1 is missing; the icon stays unmarked").arg(path);
-    const QImage mark = reader.read();
-    if (mark.isNull())
-        return Job::tr("the mark picture %1 cannot be read (%2); the icon stays unmarked")
-            .arg(path, reader.errorString());
-    const bool byDefault = icon.nCorner == 4;
+        return Job::tr("the mark picture %1 is missing").arg(path);
+    QImageReader reader(path);
+    return reader.read().isNull()
+        ? Job::tr("the mark picture %1 cannot be read (%2)").arg(path, reader.errorString())
+        : QString();
+}
+
+// Why nothing of a mark will be seen; empty when something will.
+QString faultOfPlace(const IconJob& job, const ST_CHANNEL_ICON& icon, const QSize& markSize,
+                     const QSize& iconSize)
+{
+    const bool byDefault = icon.nCorner == IconSet::Default;
     const qint64 x = byDefault ? job.defaultX : icon.nOffsetX;
     const qint64 y = -qint64(byDefault ? job.defaultY : icon.nOffsetY);
-    if (x >= iconSize.width() || y >= iconSize.height() || x + mark.width() <= 0 || y + mark.height() <= 0)
+    if (x >= iconSize.width() || y >= iconSize.height() || x + markSize.width() <= 0
+        || y + markSize.height() <= 0)
         return Job::tr("the mark lies outside the icon: its top left corner is at (%1, %2)").arg(x).arg(y);
     return {};
 }
 
 } // namespace
-
-QStringList IconJob::fileNames() const
-{
-    QStringList names;
-    if (platform == 0) {
-        for (const int side : {36, 48, 72, 96, 144, 192})
-            names.append(QStringLiteral("icon%1x%1.png").arg(side));
-    } else {
-        for (const int side : {29, 40, 50, 57, 58, 72, 76, 80, 87, 100, 114, 120, 144, 152, 180})
-            names.append(QStringLiteral("Icon-%1.png").arg(side));
-    }
-    names.append(QStringLiteral("icon512x512.png"));
-    return names;
-}
 
 QString IconJob::folderOf(const ListedChannel& channel) const
 {
@@ -184,7 +191,7 @@ QString IconJob::folderOf(const ListedChannel& channel) const
 QStringList IconJob::files() const
 {
     QStringList paths;
-    const QStringList names = fileNames();
+    const QStringList names = IconSet::fileNames(platform);
     for (const ListedChannel& channel : channels) {
         for (const QString& name : names)
             paths.append(folderOf(channel) + QLatin1Char('/') + name);
@@ -198,7 +205,8 @@ QString IconJob::danger() const
     const QFileInfo root(out);
     if (root.exists() && !root.isDir())
         return Job::tr("the output folder '%1' is not a folder").arg(out);
-    for (const auto& faultOf : {faultOfMarkFiles, faultOfIcons, faultOfSheet, faultOfClearing}) {
+    for (const auto& faultOf :
+         {faultOfMarkFiles, faultOfIcons, faultOfSheet, faultOfClearing, faultOfForeignFolder}) {
         QString fault = faultOf(*this);
         if (!fault.isEmpty())
             return fault;
@@ -231,6 +239,17 @@ QStringList IconJob::leftovers() const
     return others;
 }
 
+QStringList IconJob::missingMarks() const
+{
+    QStringList texts;
+    for (const ListedChannel& channel : channels) {
+        const QString fault = isMarked(channel) ? faultOfMark(markPath(*this, channel.icon)) : QString();
+        if (!fault.isEmpty())
+            texts.append(Job::tr("channel '%1': %2").arg(channel.name, fault));
+    }
+    return texts;
+}
+
 QStringList IconJob::warnings() const
 {
     QStringList texts;
@@ -242,9 +261,18 @@ QStringList IconJob::warnings() const
             texts.append(
                 Job::tr("the folder '%1' is given twice; the later channel's icons stay").arg(folder));
         folders.insert(folder);
-        const QString fault = isMarked(channel) ? faultOfMark(*this, channel.icon, iconSize) : QString();
+        const QSize markSize =
+            isMarked(channel) ? QImageReader(markPath(*this, channel.icon)).size() : QSize();
+        const QString fault =
+            markSize.isValid() ? faultOfPlace(*this, channel.icon, markSize, iconSize) : QString();
         if (!fault.isEmpty())
             texts.append(Job::tr("channel '%1': %2").arg(channel.name, fault));
     }
     return texts;
+}
+
+bool IconJob::markAsOwn() const
+{
+    QFile marker(markerOf(*this));
+    return marker.open(QIODevice::WriteOnly);
 }

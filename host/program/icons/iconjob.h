@@ -3,6 +3,7 @@
 #define ICONJOB_H
 
 #include "icons/channellist.h"
+#include "icons/iconset.h"
 
 #include <QString>
 #include <QStringList>
@@ -12,18 +13,17 @@
 struct IconJob {
     QString icon;
     QString marks;
-    QString out; ///< absolute, without a separator at the end
+    QString out; ///< absolute, without links and a separator at the end
     QString list;
     QString sheet; ///< empty when none is wanted
-    int platform = 0;
-    int defaultCorner = 3;
+    int platform = IconSet::Android;
+    int defaultCorner = IconSet::RightBottom;
     int defaultX = 0;
     int defaultY = 0;
     bool keep = false;
+    bool clear = false; ///< also a folder that no earlier run has made
+    bool ignoreMissing = false; ///< marks that cannot be read leave their icons unmarked
     QVector<ListedChannel> channels;
-
-    /** The names of the files that each channel gets. */
-    QStringList fileNames() const;
 
     /** The path of every file, each once: channels may share a folder. */
     QStringList files() const;
@@ -33,11 +33,17 @@ struct IconJob {
     /** Why the job must not be run, since it would destroy what it must not; empty when it may. */
     QString danger() const;
 
+    /** The marks that cannot be drawn, each with its channel and the reason. */
+    QStringList missingMarks() const;
+
     /** What of the output folder's earlier content is still there after a run that was to clear it. */
     QStringList leftovers() const;
 
-    /** What the library would pass over in silence although it can be known beforehand. */
+    /** What is worth a look although the job can be run. */
     QStringList warnings() const;
+
+    /** Leaves a sign in the output folder that a run may clear it; false when that failed. */
+    bool markAsOwn() const;
 };
 
 #endif

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#include "icons/iconset.h"
+
+#include <QVector>
+
+QStringList IconSet::cornerNames()
+{
+    return {QStringLiteral("left-top"), QStringLiteral("left-bottom"), QStringLiteral("right-top"),
+            QStringLiteral("right-bottom"), QStringLiteral("default")};
+}
+
+QString IconSet::cornerFile(int corner)
+{
+    return QLatin1String("icon/") + cornerNames().at(qMin<int>(corner, RightBottom)) + QLatin1String(".png");
+}
+
+QString IconSet::fileName(int platform, int side)
+{
+    return platform == Android ? QStringLiteral("icon%1x%1.png").arg(side)
+                               : QStringLiteral("Icon-%1.png").arg(side);
+}
+
+QStringList IconSet::fileNames(int platform)
+{
+    const QVector<int> sides = platform == Android
+        ? QVector<int>{36, 48, 72, 96, 144, 192}
+        : QVector<int>{29, 40, 50, 57, 58, 72, 76, 80, 87, 100, 114, 120, 144, 152, 180};
+    QStringList names;
+    for (const int side : sides)
+        names.append(fileName(platform, side));
+    names.append(QStringLiteral("icon512x512.png"));
+    return names;
+}

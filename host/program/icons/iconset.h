@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#ifndef ICONSET_H
+#define ICONSET_H
+
+#include <QString>
+#include <QStringList>
+
+/** The names that the library's icons and marks have: sizes, corners, files. */
+namespace IconSet {
+
+enum Platform : int { Android = 0, Ios = 1 };
+enum Corner : int { RightBottom = 3, Default = 4 };
+
+/** The words for the corners, each at its number; the last one is that of Default. */
+QStringList cornerNames();
+
+/** The file of a mark's picture for a corner, in the mark's folder. */
+QString cornerFile(int corner);
+
+/** The names of the files that each channel gets. */
+QStringList fileNames(int platform);
+
+/** The name of the file of one size, in pixels. */
+QString fileName(int platform, int side);
+
+} // namespace IconSet
+
+#endif
