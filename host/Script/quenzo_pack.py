@@ -1,14 +1,19 @@
 # SPDX-License-Identifier: MIT
 """Packs a folder so that equal content gives equal bytes."""
+import collections
+import itertools
 import os
 import stat
+import zlib
 
-from quenzo_files import SCRATCH, argument_path, argument_text, blocks, open_regular, parents_made, replaced
+from quenzo_ahead import in_order
+from quenzo_files import SCRATCH, argument_path, argument_text, blocks, open_regular, parents_made, read_small
+from quenzo_files import replaced
 from quenzo_limits import check_content, check_entries
 from quenzo_names import check_names
 from quenzo_report import ToolError
 from quenzo_zipread import DEFLATED, STORED
-from quenzo_zipwrite import Record, ZipWriter
+from quenzo_zipwrite import FOLDER_ATTRIBUTES, Record, ZipWriter, changed, deflated
 
 # What Android maps or streams straight out of the package, and what deflating cannot make smaller.
 STORED_NAMES = frozenset(("resources.arsc",))
@@ -19,6 +24,10 @@ STORED_SUFFIXES = frozenset((
     ".smf", ".xmf", ".amr", ".awb", ".jet",
     ".mp4", ".m4v", ".3gp", ".3gpp", ".3g2", ".3gpp2", ".mpg", ".mpeg", ".webm", ".mkv", ".wmv",
     ".zip", ".jar", ".apk", ".obb", ".gz", ".xz", ".7z"))
+
+BATCH_BYTES = 1 << 18           # files are read and deflated together up to this; a larger one goes block by block
+
+Source = collections.namedtuple("Source", "name path size")
 
 
 def pack(src, dest, apkfile):
@@ -60,24 +69,24 @@ def _check(found):
     """Refuses at once what could not be unpacked again."""
     check_entries(len(found))
     check_names(found)
-    check_content(sum(os.path.getsize(path) for name, path in found.iteritems() if not name.endswith("/")))
+    check_content(sum(source.size for source in found.itervalues()))
 
 
 def _contents(root):
-    """Entry name to path, for every file and every empty folder below root."""
+    """Entry name to Source, for every file and every empty folder below root."""
     found = {}
 
     def walk(folder, prefix):
         names = [name for name in os.listdir(folder) if not SCRATCH.match(name)]
         for name in names:
             path = os.path.join(folder, name)
-            kind = os.lstat(path).st_mode
-            if stat.S_ISDIR(kind):
+            status = os.lstat(path)
+            if stat.S_ISDIR(status.st_mode):
                 walk(path, prefix + name + "/")
             else:
-                found[prefix + name] = _file_behind(path, kind, root)
+                found[prefix + name] = _file_behind(prefix + name, path, status, root)
         if prefix and not names:
-            found[prefix] = folder
+            found[prefix] = Source(prefix, folder, 0)
 
     try:
         walk(root, "")
@@ -86,18 +95,18 @@ def _contents(root):
     return found
 
 
-def _file_behind(path, kind, root):
+def _file_behind(name, path, status, root):
     """The file to read for an entry; a link has to end at a file of the same tree."""
-    if stat.S_ISLNK(kind):
+    if stat.S_ISLNK(status.st_mode):
         real = os.path.realpath(path)
         if not real.startswith(root.rstrip("/") + "/"):
             raise ToolError("a link leads out of the folder: %s" % path)
         if not os.path.isfile(real):
             raise ToolError("a link leads to no file: %s" % path)
-        return real
-    if not stat.S_ISREG(kind):
+        return Source(name, real, os.path.getsize(real))
+    if not stat.S_ISREG(status.st_mode):
         raise ToolError("neither file nor folder: %s" % path)
-    return path
+    return Source(name, path, status.st_size)
 
 
 def _add_extra(found, extra, target):
@@ -109,16 +118,53 @@ def _add_extra(found, extra, target):
         raise ToolError("no such file to add: %s" % extra)
     if any(entry.split("/", 1)[0] == name for entry in found):
         raise ToolError("the folder holds a '%s' of its own" % name)
-    found[name] = path
+    found[name] = Source(name, path, os.path.getsize(path))
 
 
 def _write(out, found):
     writer = ZipWriter(out)
-    for name in sorted(found):
-        if name.endswith("/"):
-            writer.add_folder(name)
+    batches = _batches([found[name] for name in sorted(found)])
+    for batch, packed in itertools.izip(batches, in_order(_packed, batches)):
+        if packed is None:
+            _add_large(writer, batch[0])
             continue
-        with open_regular(found[name]) as source:
-            size = os.fstat(source.fileno()).st_size
-            writer.add(Record(name, method_for(name, size), size), blocks(source))
+        for record, data, crc in packed:
+            writer.add_packed(record, [data], len(data), crc)
     writer.finish()
+
+
+def _batches(sources):
+    """Neighbours of few bytes go together: handing work to another thread costs as much as deflating a short text."""
+    batches, size = [], 0
+    for source in sources:
+        if not batches or size + source.size > BATCH_BYTES:
+            batches.append([])
+            size = 0
+        batches[-1].append(source)
+        size += max(source.size, 1 << 10)
+    return batches
+
+
+def _packed(batch):
+    """(record, packed bytes, checksum) of each source; None for a single large one."""
+    if batch[0].size > BATCH_BYTES:
+        return None
+    return [_packed_folder(one) if one.name.endswith("/") else _packed_file(one) for one in batch]
+
+
+def _packed_folder(source):
+    return Record(source.name, STORED, 0, attributes=FOLDER_ATTRIBUTES), "", 0
+
+
+def _packed_file(source):
+    data = read_small(source.path, source.size + 1)
+    record = Record(source.name, method_for(source.name, source.size), source.size)
+    if len(data) != source.size:
+        raise changed(source.name)
+    packed = deflated(data) if record.method == DEFLATED else data
+    return record, packed, zlib.crc32(data) & 0xffffffff
+
+
+def _add_large(writer, source):
+    with open_regular(source.path) as opened:
+        writer.add(Record(source.name, method_for(source.name, source.size), source.size), blocks(opened))

@@ -14,7 +14,7 @@ FOLDER_ATTRIBUTES = 0o040755 << 16 | 0x10
 
 ALIGNMENT = 4
 LIBRARY_ALIGNMENT = 16384       # serves devices with pages of 4 KiB and of 16 KiB
-COMPRESSION_LEVEL = 9
+COMPRESSION_LEVEL = 6           # 9 makes packages less than a hundredth smaller, in twice the time
 
 LIMIT_32 = 0xffffffff
 LIMIT_16 = 0xffff
@@ -22,6 +22,21 @@ ZIP64_SIZE = 0xf0000000         # sizes from here on are written in the long for
 _PADDING_ID = 0xd935            # the extra field that Android's own tools align with
 _LOCAL = struct.Struct("<4s5HLLL2H")
 _CENTRAL = struct.Struct("<4s6HLLL5HLL")
+
+
+def deflater():
+    return zlib.compressobj(COMPRESSION_LEVEL, zlib.DEFLATED, -zlib.MAX_WBITS)
+
+
+def deflated(data):
+    """The packed form of a whole content."""
+    stream = deflater()
+    return stream.compress(data) + stream.flush()
+
+
+def changed(name):
+    """The failure of a content that has another size than it had."""
+    return ToolError("'%s' changed while it was packed" % name)
 
 
 class Record(object):
@@ -58,17 +73,15 @@ class ZipWriter(object):
         self._begin(record)
         start = self._out.tell()
         size = crc = 0
-        deflater = None
-        if record.method == DEFLATED:
-            deflater = zlib.compressobj(COMPRESSION_LEVEL, zlib.DEFLATED, -zlib.MAX_WBITS)
+        stream = deflater() if record.method == DEFLATED else None
         for block in blocks:
             size += len(block)
             crc = zlib.crc32(block, crc)
-            self._out.write(deflater.compress(block) if deflater else block)
-        if deflater:
-            self._out.write(deflater.flush())
+            self._out.write(stream.compress(block) if stream else block)
+        if stream:
+            self._out.write(stream.flush())
         if size != record.size:
-            raise ToolError("'%s' changed while it was packed" % record.name)
+            raise changed(record.name)
         record.crc = crc & 0xffffffff
         record.packed = self._out.tell() - start
         self._out.seek(record.offset)
@@ -110,7 +123,7 @@ def _alignment(record):
 
 def _padding(record, position):
     """The length of the extra field that brings data at position to where it belongs."""
-    if record.method != STORED or not record.size:
+    if record.method != STORED:  # Empty entries and folders count, too: whoever checks looks at all that is stored.
         return 0
     alignment = _alignment(record)
     length = -position % alignment

@@ -105,8 +105,8 @@ class ShippedScripts(unittest.TestCase):
     def test_scriptsUseTheStandardLibraryAndEachOtherOnly(self):
         names = [name[:-3] for name in os.listdir(SCRIPTS) if name.endswith(".py")]
         wanted = set(names) | set((
-            "binascii collections contextlib errno fcntl hashlib hmac json os re shutil stat struct subprocess sys "
-            "tempfile unicodedata xml zipfile zlib").split())
+            "Queue binascii collections contextlib errno fcntl hashlib hmac itertools json os re shutil stat struct subprocess "
+            "sys tempfile thread threading unicodedata xml zipfile zlib").split())
         for folder in (SCRIPTS, TOOL_PYTHON):
             for name in os.listdir(folder):
                 if not name.endswith(".py"):

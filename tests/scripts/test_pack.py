@@ -5,12 +5,14 @@ import os
 import shutil
 import socket
 import stat
+import threading
 import unittest
 import warnings
 
 from support import APK, FolderCase, as_plain_user, contents, full_disk, killed_when, parsed, python, read, tree, write
 
 import pytoolForQt
+import quenzo_ahead
 import quenzo_limits
 import quenzo_pack
 from quenzo_report import ToolError
@@ -61,6 +63,45 @@ class Format(Packing):
                 self.assertEqual(0, one.start % boundary, "%s begins at %d" % (one.name, one.start))
                 checked += 1
         self.assertEqual(41, checked)
+
+    def test_emptyFoldersAndFilesAreAlignedToo(self):
+        for length in range(1, 9):
+            os.mkdir(os.path.join(self.src, "d" * length))
+            write(os.path.join(self.src, "e" * length), "")
+            write(os.path.join(self.src, "x" * length), "text" * length)
+        write(os.path.join(self.src, "lib", "empty.so"), "")
+        self.pack()
+        for one in parsed(self.dest):
+            if one.method == STORED:
+                boundary = 16384 if one.name.endswith(".so") else 4
+                self.assertEqual(0, one.start % boundary, "%s begins at %d" % (one.name, one.start))
+        self.assertEqual(8 + 8 + 1, len([one for one in parsed(self.dest) if one.method == STORED]))
+
+    def test_bytesDoNotDependOnTheNumberOfThreads(self):
+        for number in range(30):
+            text = "".join("%d " % (value * number) for value in range(number * 3000))
+            write(os.path.join(self.src, "f%d" % (number % 5), "%02d.txt" % number), text)
+        cores = quenzo_ahead._cores
+        self.addCleanup(setattr, quenzo_ahead, "_cores", cores)
+        results = set()
+        for count in (1, 2, 3, 8):
+            quenzo_ahead._cores = lambda: count
+            self.pack()
+            results.add(read(self.dest))
+        self.assertEqual(1, len(results))
+
+    def test_memoryStaysBoundedHoweverMuchIsPacked(self):
+        code = ("import resource, sys, pytoolForQt, quenzo_ahead\n"
+                "quenzo_ahead._cores = lambda: 2\n"
+                "pytoolForQt.zip(sys.argv[1], sys.argv[2], '')\n"
+                "print(resource.getrusage(resource.RUSAGE_SELF).ru_maxrss)")
+        peaks = []
+        data = os.urandom(250000)
+        for count in (20, 160):
+            for number in range(count):
+                write(os.path.join(self.src, "%d.png" % number), data)
+            peaks.append(int(python(code, self.src, self.dest).communicate()[0]))
+        self.assertLess(peaks[1] - peaks[0], 16 << 10)
 
     def test_entriesCarryOneTimeFixedRightsAndAscendingNames(self):
         for name in ("b.txt", "a.txt", "Z.txt", "d/x", "d.txt"):
@@ -408,7 +449,7 @@ class Failures(Packing):
         self.assertEqual(["src"], os.listdir(self.folder))
 
     def test_aFileThatGrowsMeanwhileFails(self):
-        path = write(os.path.join(self.src, "a.txt"), "x" * 100)
+        path = write(os.path.join(self.src, "a.txt"), "x" * (quenzo_pack.BATCH_BYTES + 1))
         read_blocks = quenzo_pack.blocks
         self.addCleanup(setattr, quenzo_pack, "blocks", read_blocks)
 
@@ -426,6 +467,38 @@ class Failures(Packing):
             pytoolForQt.zip(self.src, self.dest, "")
         self.assertIn("changed while it was packed", str(caught.exception))
         self.assertEqual(["src"], os.listdir(self.folder))
+
+    def test_aSmallFileThatChangesMeanwhileFails(self):
+        path = os.path.join(self.src, "d", "a.txt")
+        check = quenzo_pack.check_names
+        self.addCleanup(setattr, quenzo_pack, "check_names", check)
+        for later in ("x" * 101, "x" * 99, ""):
+            write(path, "x" * 100)
+            write(os.path.join(self.src, "b.txt"), "b" * 100)
+            quenzo_pack.check_names = lambda names: (check(names), write(path, later))
+            with self.assertRaises(ToolError) as caught:
+                pytoolForQt.zip(self.src, self.dest, "")
+            self.assertIn("'d/a.txt' changed while it was packed", str(caught.exception))
+            self.assertEqual(["src"], os.listdir(self.folder))
+
+    def test_noThreadOutlivesTheCall(self):
+        for number in range(40):
+            write(os.path.join(self.src, "%02d.txt" % number), os.urandom(quenzo_pack.BATCH_BYTES // 2 + 1))
+        self.pack()
+        self.assertEqual(1, threading.active_count())
+        os.remove(os.path.join(self.src, "05.txt"))
+        os.symlink("06.txt", os.path.join(self.src, "05.txt"))
+        read_small = quenzo_pack.read_small
+        self.addCleanup(setattr, quenzo_pack, "read_small", read_small)
+
+        def failing(path, most):
+            if path.endswith("03.txt"):
+                raise IOError(5, "Input/output error", path)
+            return read_small(path, most)
+
+        quenzo_pack.read_small = failing
+        self.assertRaises(IOError, pytoolForQt.zip, self.src, self.dest, "")
+        self.assertEqual(1, threading.active_count())
 
     def test_aFullDiskLeavesTheOldArchiveAndNothingElse(self):
         write(os.path.join(self.src, "a.png"), os.urandom(1 << 20))
