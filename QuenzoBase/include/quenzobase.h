@@ -29,6 +29,9 @@ public:
      * Appends one entry to `<run path>/../log/quenzotool.log`, whose folder is made when it is missing: the
      * local time in ISO 8601 with milliseconds, a blank, @p text as it stands, a line feed.
      *
+     * A line within @p text that looks like the beginning of an entry, with such a time and a blank, gets a
+     * blank in front.
+     *
      * Entries of several threads, and of several processes, never mix. The entry is handed to the system
      * before the function returns. A log that cannot be written is dropped in silence.
      *

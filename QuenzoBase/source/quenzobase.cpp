@@ -19,6 +19,35 @@ const QString& runPath()
     return path;
 }
 
+// Whether a line begins like an entry: with a time as appendTime() writes it, and a blank.
+bool looksLikeEntry(const char* line, int size)
+{
+    constexpr char form[] = "0000-00-00T00:00:00.000 ";
+    constexpr int length = sizeof form - 1;
+    for (int i = 0; i < length; ++i) {
+        if (i >= size)
+            return false;
+        const bool digit = line[i] >= '0' && line[i] <= '9';
+        if (form[i] == '0' ? !digit : line[i] != form[i])
+            return false;
+    }
+    return true;
+}
+
+// Texts may hold line breaks, and lines in them that would pass for entries of their own.
+void appendText(QByteArray& entry, const QByteArray& text)
+{
+    int written = 0;
+    for (int i = 1; i < text.size(); ++i) {
+        const bool beginsLine = text.at(i - 1) == '\n' || text.at(i - 1) == '\r';
+        if (!beginsLine || !looksLikeEntry(text.constData() + i, text.size() - i))
+            continue;
+        entry.append(text.constData() + written, i - written).append(' ');
+        written = i;
+    }
+    entry.append(text.constData() + written, text.size() - written);
+}
+
 class LogFile {
 public:
     void append(const QString& text)
@@ -31,7 +60,9 @@ public:
         QByteArray entry;
         entry.reserve(bytes.size() + 32);
         appendTime(entry, now);
-        entry.append(' ').append(bytes).append('\n');
+        entry.append(' ');
+        appendText(entry, bytes);
+        entry.append('\n');
         // One write to a file in append mode: entries of several processes do not mix either.
         m_file.write(entry);
     }

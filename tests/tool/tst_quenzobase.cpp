@@ -73,6 +73,8 @@ private Q_SLOTS:
     void folderIsMadeWhenMissing();
     void textStandsAsItIs_data();
     void textStandsAsItIs();
+    void lineWithinAnEntryPassesForNoOther_data();
+    void lineWithinAnEntryPassesForNoOther();
     void entriesAreAppended();
     void logRemovedWhileRunningIsBegunAnew();
     void logMovedAwayAndBegunByAnotherIsGoneOnWith();
@@ -137,6 +139,9 @@ void tst_QuenzoBase::textStandsAsItIs_data()
     QTest::newRow("line feeds") << QStringLiteral("one\ntwo\r\n\n");
     QTest::newRow("blanks around") << QStringLiteral("  \t text  ");
     QTest::newRow("place markers") << QStringLiteral("%1 %s %n");
+    QTest::newRow("a time at the beginning") << QStringLiteral("2001-02-03T04:05:06.007 text");
+    QTest::newRow("a time within a line") << QStringLiteral("one\n 2001-02-03T04:05:06.007 text");
+    QTest::newRow("a line with a date") << QStringLiteral("one\n2001-02-03 text\n2001-02-03T04:05:06");
     QTest::newRow("null character") << QStringLiteral("a").append(QChar(0)).append(QLatin1Char('b'));
     QTest::newRow("a million letters") << QString(1000000, QLatin1Char('x'));
 }
@@ -147,6 +152,34 @@ void tst_QuenzoBase::textStandsAsItIs()
     QuenzoBase::Log(text);
     const QByteArray log = RunRoot::log();
     QCOMPARE(log.mid(log.indexOf(' ')), ' ' + text.toUtf8() + '\n');
+}
+
+void tst_QuenzoBase::lineWithinAnEntryPassesForNoOther_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("written");
+    const QString time = QStringLiteral("2001-02-03T04:05:06.007 ");
+    const auto row = [](const char* name, const QString& text, const QString& written) {
+        QTest::newRow(name) << text << written;
+    };
+    row("line feed", QStringLiteral("a\n") + time + QStringLiteral("b"),
+        QStringLiteral("a\n ") + time + QStringLiteral("b"));
+    row("carriage return", QStringLiteral("a\r") + time, QStringLiteral("a\r ") + time);
+    row("both", QStringLiteral("a\r\n") + time, QStringLiteral("a\r\n ") + time);
+    row("several", QStringLiteral("\n") + time + QStringLiteral("x\n\n") + time + QStringLiteral("y\nz"),
+        QStringLiteral("\n ") + time + QStringLiteral("x\n\n ") + time + QStringLiteral("y\nz"));
+    row("a path in a failed copy",
+        QStringLiteral("Copy Fail:\r\nSrc:/a\n") + time + QStringLiteral("b\r\nDest:/c\r\n"),
+        QStringLiteral("Copy Fail:\r\nSrc:/a\n ") + time + QStringLiteral("b\r\nDest:/c\r\n"));
+}
+
+void tst_QuenzoBase::lineWithinAnEntryPassesForNoOther()
+{
+    QFETCH(const QString, text);
+    QFETCH(const QString, written);
+    QuenzoBase::Log(text);
+    const QByteArray log = RunRoot::log();
+    QCOMPARE(log.mid(log.indexOf(' ')), ' ' + written.toUtf8() + '\n');
 }
 
 void tst_QuenzoBase::entriesAreAppended()
