@@ -19,7 +19,9 @@ QString quotedTool(const QString& name)
 
 QString removal(const QString& apkPath)
 {
-    return QStringLiteral(" uninstall ") + CInstallApk::getApkPackageName(apkPath);
+    const QString package = CInstallApk::getApkPackageName(apkPath);
+    qCInfo(devicesLog).noquote() << "removing the package" << package << "and its data";
+    return QStringLiteral(" uninstall ") + package;
 }
 
 // A failure that reaches no host by a signal.
@@ -177,6 +179,7 @@ void CInstallApk::Install(QString device)
         m_process->close();
         releaseChild();
     }
+    qCInfo(devicesLog).noquote() << "installing" << m_apkPath;
     startChild(QStringLiteral(" install -r \"") + m_apkPath + QLatin1Char('"'), device,
                &CInstallApk::onInstallFinish);
 }

@@ -6,6 +6,7 @@
 
 #include <QtTest>
 
+#include <csignal>
 #include <memory>
 
 namespace {
@@ -29,13 +30,18 @@ private Q_SLOTS:
     void packageNameIsPrinted();
     void unusableApkIsRefused_data();
     void unusableApkIsRefused();
+    void failingAdbIsNoEmptyList_data();
+    void failingAdbIsNoEmptyList();
+    void yesIsNeededInAPipe();
     void installReportsItsSuccess();
     void refusalIsExplained_data();
     void refusalIsExplained();
     void uninstallReportsItsOutcome();
     void severalDevicesInAPipeAreListed();
     void namedDeviceIsTaken();
-    void serialWithBlanksIsTaken();
+    void serialIsHandedOverAsOneWord_data();
+    void serialIsHandedOverAsOneWord();
+    void serialWithAQuotationMarkIsRefused();
     void otherDeviceThanTheOnlyOneIsRefused();
     void serialOfTheEnvironmentIsTheDefault();
     void onlyDeviceIsFixedForAdb();
@@ -50,11 +56,15 @@ private Q_SLOTS:
     void installIsConfirmedOnATerminal();
     void refusedConfirmationChangesNothing();
     void yesIsNotAsked();
+    void uninstallIsConfirmedOnATerminal();
     void progressIsShownOnATerminal();
+    void interruptionTellsWhatWasBegun_data();
+    void interruptionTellsWhatWasBegun();
 
 private:
     static void prepare(QuenzoProcess& process);
     static Ended quenzo(const QStringList& arguments);
+    static Ended confirmed(const QStringList& arguments);
     static void start(QuenzoProcess& process, const Terminal& terminal);
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -88,6 +98,11 @@ Ended tst_DeviceCommands::quenzo(const QStringList& arguments)
     QuenzoProcess process(arguments);
     prepare(process);
     return process.end();
+}
+
+Ended tst_DeviceCommands::confirmed(const QStringList& arguments)
+{
+    return quenzo(arguments + QStringList{QStringLiteral("--yes")});
 }
 
 void tst_DeviceCommands::start(QuenzoProcess& process, const Terminal& terminal)
@@ -129,7 +144,7 @@ void tst_DeviceCommands::inaccessibleDeviceIsNoDevice()
     QCOMPARE(run.output, QByteArray("b\n"));
     QVERIFY2(run.error.startsWith("quenzo: not usable: 0123 no permissions"), run.error.constData());
     // The flow sees two: the one that is a device is taken without a question.
-    run = quenzo({QStringLiteral("install"), m_apk});
+    run = confirmed({QStringLiteral("install"), m_apk});
     QCOMPARE(run.code, 0);
     QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><b><install><-r><%1>").arg(m_apk));
 }
@@ -139,7 +154,7 @@ void tst_DeviceCommands::missingToolIsSaidPlainly()
     ScriptedTools::attach({QStringLiteral("a")});
     for (const char* tool : {"aapt", "adb"}) {
         QVERIFY(QFile::remove(RunRoot::path() + QStringLiteral("/tool/mac/") + QLatin1String(tool)));
-        const Ended run = quenzo({QStringLiteral("install"), m_apk});
+        const Ended run = confirmed({QStringLiteral("install"), m_apk});
         QCOMPARE(run.code, 1);
         const QByteArray wanted = QByteArray("quenzo: the program ") + tool + " is missing";
         QVERIFY2(run.error.startsWith(wanted), run.error.constData());
@@ -180,6 +195,17 @@ void tst_DeviceCommands::unusableApkIsRefused_data()
     QTest::newRow("a folder") << QStringLiteral(".") << QByteArray(":") << QByteArray("no such file");
     QTest::newRow("no APK") << QStringLiteral("my game.apk") << QByteArray("echo ERROR >&2; exit 1")
                             << QByteArray("aapt finds no package name");
+    const auto named = [](const char* name) -> QByteArray {
+        return QByteArray("printf \"package: name='") + name + "' versionCode='1'\"";
+    };
+    const QByteArray noName("cannot be the name of a package");
+    const QString game = QStringLiteral("my game.apk");
+    QTest::newRow("option for a name") << game << named("-k") << noName;
+    QTest::newRow("two words for a name") << game << named("a.b c.d") << noName;
+    QTest::newRow("no-break blank in a name") << game << named("a.b\\302\\240c.d") << noName;
+    QTest::newRow("vertical blank in a name") << game << named("a.b\\013c.d") << noName;
+    QTest::newRow("line feed in a name") << game << named("a.b\\n") << noName;
+    QTest::newRow("quotation mark in a name") << game << named("a.b\\042\\042") << noName;
     QTest::newRow("quotation mark") << QStringLiteral("a\"b.apk") << QByteArray(":")
                                     << QByteArray("quotation mark");
 }
@@ -194,17 +220,55 @@ void tst_DeviceCommands::unusableApkIsRefused()
     if (name.contains(QLatin1Char('"')))
         QVERIFY(QFile(m_folder->filePath(name)).open(QIODevice::WriteOnly));
     for (const char* command : {"install", "uninstall", "package-name"}) {
-        const Ended run = quenzo({QLatin1String(command), m_folder->filePath(name)});
+        const QStringList arguments{QLatin1String(command), m_folder->filePath(name)};
+        const bool asks = QLatin1String(command) != QLatin1String("package-name");
+        const Ended run = asks ? confirmed(arguments) : quenzo(arguments);
         QCOMPARE(run.code, 1);
         QVERIFY2(run.error.contains(reason), run.error.constData());
     }
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
 }
 
+void tst_DeviceCommands::failingAdbIsNoEmptyList_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QByteArray>("cause");
+    QTest::newRow("exit code") << QByteArray("echo 'cannot bind' >&2; exit 1")
+                               << QByteArray("/adb ended with code 1: cannot bind");
+    QTest::newRow("crash") << QByteArray("kill -9 $$") << QByteArray("/adb crashed: it said nothing");
+    QTest::newRow("no list") << QByteArray("echo hello") << QByteArray("adb listed no devices: hello");
+}
+
+void tst_DeviceCommands::failingAdbIsNoEmptyList()
+{
+    QFETCH(const QByteArray, answer);
+    QFETCH(const QByteArray, cause);
+    ScriptedTools::answer(QStringLiteral("devices"), answer);
+    for (const Ended& run :
+         {quenzo({QStringLiteral("devices")}), confirmed({QStringLiteral("install"), m_apk})}) {
+        QCOMPARE(run.code, 1);
+        QVERIFY2(run.error.startsWith("quenzo: the devices cannot be listed: "), run.error.constData());
+        QVERIFY2(run.error.endsWith(cause + '\n'), run.error.constData());
+    }
+    const QJsonObject json = quenzo({QStringLiteral("devices"), QStringLiteral("--json")}).json();
+    QCOMPARE(json.value(QStringLiteral("ok")).toBool(true), false);
+}
+
+void tst_DeviceCommands::yesIsNeededInAPipe()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    for (const char* command : {"install", "uninstall"}) {
+        const Ended run = quenzo({QLatin1String(command), m_apk});
+        QCOMPARE(run.code, 2);
+        QVERIFY2(run.error.contains("--yes"), run.error.constData());
+    }
+    QCOMPARE(ScriptedTools::calls(), QStringList());
+}
+
 void tst_DeviceCommands::installReportsItsSuccess()
 {
     ScriptedTools::attach({QStringLiteral("a")});
-    Ended run = quenzo({QStringLiteral("install"), m_apk});
+    Ended run = confirmed({QStringLiteral("install"), m_apk});
     QCOMPARE(run.code, 0);
     QCOMPARE(run.output, QByteArray("Installation is complete!\n"));
     QCOMPARE(run.error, QByteArray());
@@ -212,7 +276,7 @@ void tst_DeviceCommands::installReportsItsSuccess()
              QStringList({QStringLiteral("adb <uninstall><org.example.game>"),
                           QStringLiteral("adb <install><-r><%1>").arg(m_apk)}));
 
-    run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
+    run = confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
     QCOMPARE(run.code, 0);
     const QJsonObject json = run.json();
     QCOMPARE(json.value(QStringLiteral("ok")).toBool(), true);
@@ -247,7 +311,7 @@ void tst_DeviceCommands::refusalIsExplained()
     QFETCH(const QString, text);
     ScriptedTools::attach({QStringLiteral("a")});
     ScriptedTools::answer(QStringLiteral("install"), "echo P; echo 'Failure [" + key + "]'");
-    const Ended run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
+    const Ended run = confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
     QCOMPARE(run.code, 1);
     QCOMPARE(run.error, QStringLiteral("quenzo: %1\n").arg(text).toUtf8());
     QCOMPARE(run.json().value(QStringLiteral("error")).toString(), text);
@@ -258,15 +322,15 @@ void tst_DeviceCommands::refusalIsExplained()
 void tst_DeviceCommands::uninstallReportsItsOutcome()
 {
     ScriptedTools::attach({QStringLiteral("a")});
-    Ended run = quenzo({QStringLiteral("uninstall"), m_apk});
+    Ended run = confirmed({QStringLiteral("uninstall"), m_apk});
     QCOMPARE(run.code, 0);
     QCOMPARE(run.output, QByteArray("Uninstall successful!\n"));
     ScriptedTools::answer(QStringLiteral("uninstall"), "echo 'Failure [DELETE_FAILED_INTERNAL_ERROR]'");
-    run = quenzo({QStringLiteral("uninstall"), m_apk});
+    run = confirmed({QStringLiteral("uninstall"), m_apk});
     QCOMPARE(run.code, 1);
     QCOMPARE(run.error, QByteArray("quenzo: Uninstallation failed (app may not exist)!\n"));
     ScriptedTools::answer(QStringLiteral("uninstall"), "echo 'own words' >&2; kill -9 $$");
-    run = quenzo({QStringLiteral("uninstall"), m_apk});
+    run = confirmed({QStringLiteral("uninstall"), m_apk});
     QCOMPARE(run.code, 1);
     QCOMPARE(run.error, QByteArray("quenzo: own words\n"));
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<install>")), QStringList());
@@ -276,7 +340,7 @@ void tst_DeviceCommands::severalDevicesInAPipeAreListed()
 {
     ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b c")});
     for (const char* command : {"install", "uninstall"}) {
-        const Ended run = quenzo({QLatin1String(command), m_apk});
+        const Ended run = confirmed({QLatin1String(command), m_apk});
         QCOMPARE(run.code, 1);
         QCOMPARE(
             run.error,
@@ -289,32 +353,55 @@ void tst_DeviceCommands::namedDeviceIsTaken()
 {
     const QString serial = QStringLiteral("10.0.0.1:5555");
     ScriptedTools::attach({QStringLiteral("a"), serial});
-    const Ended run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--device"), serial});
+    const Ended run = confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--device"), serial});
     QCOMPARE(run.code, 0);
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")),
              QStringList({QStringLiteral("adb <-s><10.0.0.1:5555><uninstall><org.example.game>"),
                           QStringLiteral("adb <-s><10.0.0.1:5555><install><-r><%1>").arg(m_apk)}));
 }
 
-void tst_DeviceCommands::serialWithBlanksIsTaken()
+void tst_DeviceCommands::serialIsHandedOverAsOneWord_data()
 {
-    const QString serial = QStringLiteral("my (2) phone");
+    QTest::addColumn<QString>("serial");
+    QTest::newRow("blanks") << QStringLiteral("my (2) phone");
+    QTest::newRow("no-break blank") << QStringLiteral("my\u00a0phone");
+    QTest::newRow("vertical blank") << QStringLiteral("my\vphone");
+    QTest::newRow("line separator") << QStringLiteral("my\u2028phone");
+    QTest::newRow("leading dash") << QStringLiteral("-k");
+    QTest::newRow("shell's own characters") << QStringLiteral("a;$(b)`c`'d'&*");
+}
+
+void tst_DeviceCommands::serialIsHandedOverAsOneWord()
+{
+    QFETCH(const QString, serial);
     ScriptedTools::attach({QStringLiteral("a"), serial});
-    const Ended run = quenzo({QStringLiteral("uninstall"), m_apk, QStringLiteral("--device"), serial});
-    QCOMPARE(run.code, 0);
+    const Ended run = confirmed({QStringLiteral("uninstall"), m_apk, QStringLiteral("--device=") + serial});
+    QVERIFY2(run.code == 0, run.error.constData());
     QCOMPARE(ScriptedTools::calls().last(),
-             QStringLiteral("adb <-s><my (2) phone><uninstall><org.example.game>"));
+             QStringLiteral("adb <-s><%1><uninstall><org.example.game>").arg(serial));
+}
+
+void tst_DeviceCommands::serialWithAQuotationMarkIsRefused()
+{
+    const QString serial = QStringLiteral("my\" \"phone");
+    ScriptedTools::attach({QStringLiteral("a"), serial});
+    for (const char* command : {"install", "uninstall"}) {
+        const Ended run = confirmed({QLatin1String(command), m_apk, QStringLiteral("--device"), serial});
+        QCOMPARE(run.code, 1);
+        QVERIFY2(run.error.startsWith("quenzo: my\" \"phone: a serial with"), run.error.constData());
+    }
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
 }
 
 void tst_DeviceCommands::otherDeviceThanTheOnlyOneIsRefused()
 {
     ScriptedTools::attach({QStringLiteral("a")});
     const Ended run =
-        quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--device"), QStringLiteral("b")});
+        confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--device"), QStringLiteral("b")});
     QCOMPARE(run.code, 1);
     QCOMPARE(run.error, QByteArray("quenzo: the device b is not ready. Ready:\n  1  a\n"));
     ScriptedTools::attach({});
-    QCOMPARE(quenzo({QStringLiteral("install"), m_apk}).error,
+    QCOMPARE(confirmed({QStringLiteral("install"), m_apk}).error,
              QByteArray("quenzo: no device is ready: connect one, unlock it and allow debugging\n"));
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
 }
@@ -323,7 +410,7 @@ void tst_DeviceCommands::serialOfTheEnvironmentIsTheDefault()
 {
     ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b")});
     qputenv("ANDROID_SERIAL", "b");
-    const int code = quenzo({QStringLiteral("uninstall"), m_apk}).code;
+    const int code = confirmed({QStringLiteral("uninstall"), m_apk}).code;
     qunsetenv("ANDROID_SERIAL");
     QCOMPARE(code, 0);
     QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><b><uninstall><org.example.game>"));
@@ -334,7 +421,7 @@ void tst_DeviceCommands::onlyDeviceIsFixedForAdb()
     ScriptedTools::attach({QStringLiteral("a b")});
     ScriptedTools::answer(QStringLiteral("uninstall"),
                           R"(echo "$ANDROID_SERIAL" >"$dir/serial"; echo Success)");
-    QCOMPARE(quenzo({QStringLiteral("uninstall"), m_apk}).code, 0);
+    QCOMPARE(confirmed({QStringLiteral("uninstall"), m_apk}).code, 0);
     QFile serial(RunRoot::path() + QStringLiteral("/tool/mac/serial"));
     QVERIFY(serial.open(QIODevice::ReadOnly));
     QCOMPARE(serial.readAll(), QByteArray("a b\n"));
@@ -346,7 +433,7 @@ void tst_DeviceCommands::silenceEndsByTimeOut()
     ScriptedTools::attach({QStringLiteral("a")});
     ScriptedTools::answer(QStringLiteral("install"), "echo P; echo 'Error: no code'");
     const Ended run =
-        quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("1")});
+        confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("1")});
     QCOMPARE(run.code, 1);
     QVERIFY2(run.error.startsWith("quenzo: no outcome was reported within 1 s."), run.error.constData());
 }
@@ -359,7 +446,7 @@ void tst_DeviceCommands::programThatCannotStartEndsByTimeOut()
                           "[ ! -e \"$dir/asked\" ] || chmod -x \"$dir/adb\"; : >\"$dir/asked\"\n"
                           "echo \"package: name='a.b'\"");
     const Ended run =
-        quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("1")});
+        confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("1")});
     QCOMPARE(run.code, 1);
     QVERIFY2(run.error.startsWith("quenzo: no outcome was reported within 1 s."), run.error.constData());
 }
@@ -370,9 +457,9 @@ void tst_DeviceCommands::adbIsGivenTheRemainingTime()
     const QByteArray slow = R"(echo "$QUENZO_ADB_TIMEOUT" >>"$dir/limits"; sleep 1.5; echo; echo Success)";
     ScriptedTools::answer(QStringLiteral("uninstall"), slow);
     ScriptedTools::answer(QStringLiteral("install"), slow);
-    QCOMPARE(
-        quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("500")}).code,
-        0);
+    QCOMPARE(confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("500")})
+                 .code,
+             0);
     QFile limits(RunRoot::path() + QStringLiteral("/tool/mac/limits"));
     QVERIFY(limits.open(QIODevice::ReadOnly));
     const QByteArrayList lines = limits.readAll().split('\n');
@@ -390,7 +477,7 @@ void tst_DeviceCommands::wrongTimeOutIsAUsageError_data()
 void tst_DeviceCommands::wrongTimeOutIsAUsageError()
 {
     QFETCH(const QString, value);
-    const Ended run = quenzo({QStringLiteral("install"), m_apk, QStringLiteral("--timeout=") + value});
+    const Ended run = confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--timeout=") + value});
     QCOMPARE(run.code, 2);
     QCOMPARE(ScriptedTools::calls(), QStringList());
 }
@@ -412,7 +499,7 @@ void tst_DeviceCommands::deviceIsChosenByNumberOnATerminal()
 {
     ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b c")});
     Terminal terminal;
-    QuenzoProcess process(QuenzoProcess::words("uninstall") << m_apk);
+    QuenzoProcess process(QuenzoProcess::words("uninstall --yes") << m_apk);
     start(process, terminal);
     QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("Number of the device:"), timeLimitMs);
     QVERIFY2(terminal.shown().contains("  1  a\r\n  2  b c\r\n"), terminal.shown().constData());
@@ -490,6 +577,51 @@ void tst_DeviceCommands::progressIsShownOnATerminal()
     QCOMPARE(ended.code, 0);
     QVERIFY2(terminal.shown().endsWith("\r\033[K"), terminal.shown().constData());
     QCOMPARE(ended.output, QByteArray("Installation is complete!\n"));
+}
+
+void tst_DeviceCommands::uninstallIsConfirmedOnATerminal()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    for (const char* answer : {"n\n", "y\n"}) {
+        Terminal terminal;
+        QuenzoProcess process(QuenzoProcess::words("uninstall") << m_apk);
+        start(process, terminal);
+        QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
+        QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<uninstall>")), QStringList());
+        terminal.type(answer);
+        QCOMPARE(process.end().code, *answer == 'y' ? 0 : 1);
+    }
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<uninstall>")).size(), 1);
+}
+
+void tst_DeviceCommands::interruptionTellsWhatWasBegun_data()
+{
+    QTest::addColumn<QString>("step");
+    QTest::addColumn<QString>("told");
+    const QString head = QStringLiteral("quenzo: interrupted on a. The last of these may be done or not:\n");
+    const QString removal = QStringLiteral("removing the package org.example.game and its data\n");
+    QTest::newRow("removal") << QStringLiteral("uninstall") << head + removal;
+    QTest::newRow("install") << QStringLiteral("install")
+                             << head + removal + QStringLiteral("installing %1\n");
+}
+
+void tst_DeviceCommands::interruptionTellsWhatWasBegun()
+{
+    QFETCH(const QString, step);
+    QFETCH(const QString, told);
+    ScriptedTools::attach({QStringLiteral("a")});
+    ScriptedTools::answer(step, "read line <\"$dir/gate\"");
+    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    prepare(process);
+    process.start();
+    const QString call = QStringLiteral("<%1>").arg(step);
+    QTRY_VERIFY_WITH_TIMEOUT(!ScriptedTools::calls().filter(call).isEmpty(), timeLimitMs);
+    ::kill(pid_t(process.processId()), SIGINT);
+    const Ended ended = process.end();
+    QCOMPARE(ended.code, -SIGINT);
+    QCOMPARE(QString::fromUtf8(ended.error), told.contains(QLatin1Char('%')) ? told.arg(m_apk) : told);
+    // adb was not meant, and is still at work.
+    ScriptedTools::openGate();
 }
 
 QTEST_GUILESS_MAIN(tst_DeviceCommands)

@@ -13,6 +13,7 @@ namespace {
 QBasicMutex mutex;
 // Workers may still have something to say while the program leaves main.
 QStringList& texts = *new QStringList;
+QStringList& stepTexts = *new QStringList;
 QtMessageHandler handlerBefore = nullptr;
 QLoggingCategory::CategoryFilter filterBefore = nullptr;
 
@@ -41,7 +42,7 @@ void keep(QtMsgType type, const QMessageLogContext& context, const QString& text
     const bool isStatement = isDescribed && qstrcmp(context.file, "QuenzoTool/source/dbhelper") == 0;
     if (isOfTheLibrary(context.category) || isStatement) {
         const QMutexLocker locker(&mutex);
-        texts.append(text);
+        (type == QtInfoMsg ? stepTexts : texts).append(text);
     } else if (!isDescribed) {
         handlerBefore(type, context, Console::shown(text));
     }
@@ -59,6 +60,12 @@ QStringList Diagnostics::takeAll()
 {
     const QMutexLocker locker(&mutex);
     return std::exchange(texts, {});
+}
+
+QStringList Diagnostics::steps()
+{
+    const QMutexLocker locker(&mutex);
+    return stepTexts;
 }
 
 QString Diagnostics::take()

@@ -21,6 +21,9 @@ QStringList takeAll();
 /** The same in one line; empty when it said nothing. */
 QString take();
 
+/** What the library said it does, step by step (its messages at info level), since the program began. */
+QStringList steps();
+
 } // namespace Diagnostics
 
 #endif

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "command.h"
 #include "console/console.h"
+#include "console/diagnostics.h"
 #include "console/worker.h"
 #include "devices/devicetask.h"
 #include "devices/installerrors.h"
@@ -12,6 +13,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QRegularExpression>
 #include <QThread>
 
 #include <memory>
@@ -30,6 +32,7 @@ constexpr int longestTimeout = 24 * 60 * 60;
 // Lets a blocking question run beside the event loop, so that a terminal shows that something happens.
 template <typename Question> auto askTool(const Question& question, Console& console, const QString& text)
 {
+    Diagnostics::takeAll();
     decltype(question()) answer;
     const std::unique_ptr<QThread> worker(QThread::create([&] { answer = question(); }));
     runWorker(*worker, console, [&text] { return text; });
@@ -44,6 +47,12 @@ bool toolWorks(const QString& name, Console& console)
     return problem.isEmpty();
 }
 
+// Why the question before had no answer: the cause that the library learnt first is the nearest one.
+QString firstCause()
+{
+    return Diagnostics::takeAll().value(0);
+}
+
 QStringList readyDevices(Console& console)
 {
     QStringList serials =
@@ -56,6 +65,24 @@ QStringList readyDevices(Console& console)
     }
     console.set(QStringLiteral("devices"), QJsonArray::fromStringList(serials));
     return serials;
+}
+
+// Whether there is none since adb failed, which is reported then.
+bool adbFailed(Console& console)
+{
+    const QString cause = firstCause();
+    if (!cause.isEmpty())
+        console.error(DeviceCommands::tr("the devices cannot be listed: %1").arg(cause));
+    return !cause.isEmpty();
+}
+
+// What Android takes for one. Another would be split into further words of adb's command line, or be an
+// option.
+bool isPackageName(const QString& name)
+{
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(QStringLiteral("[A-Za-z][A-Za-z0-9_.]*")));
+    return form.match(name).hasMatch();
 }
 
 // The path as the library can hand it on; empty when it cannot.
@@ -80,10 +107,16 @@ QString packageOf(const QString& apk, Console& console)
 {
     QString name = askTool([&apk] { return CInstallApk::getApkPackageName(apk); }, console,
                            DeviceCommands::tr("reading the package name"));
-    if (name.isEmpty())
-        console.error(DeviceCommands::tr("%1: aapt finds no package name; is it an APK?").arg(apk));
-    else
-        console.set(QStringLiteral("package"), name);
+    if (name.isEmpty()) {
+        console.error(DeviceCommands::tr("%1: aapt finds no package name; is it an APK?").arg(apk),
+                      {firstCause()});
+        return {};
+    }
+    if (!isPackageName(name)) {
+        console.error(DeviceCommands::tr("%1: \"%2\" cannot be the name of a package").arg(apk, name));
+        return {};
+    }
+    console.set(QStringLiteral("package"), name);
     return name;
 }
 
@@ -101,7 +134,9 @@ QString chooseDevice(const QString& wanted, Console& console)
 {
     const QStringList serials = readyDevices(console);
     if (serials.isEmpty()) {
-        console.error(DeviceCommands::tr("no device is ready: connect one, unlock it and allow debugging"));
+        if (!adbFailed(console))
+            console.error(
+                DeviceCommands::tr("no device is ready: connect one, unlock it and allow debugging"));
         return {};
     }
     if (!wanted.isEmpty()) {
@@ -132,10 +167,11 @@ QString chooseDevice(const QString& wanted, Console& console)
     return {};
 }
 
-bool isConfirmed(const QString& package, const QString& serial, Console& console)
+bool isConfirmed(bool install, const QString& package, const QString& serial, Console& console)
 {
-    const QString question =
-        DeviceCommands::tr("%1 and its data are removed from %2 before the install. Go on? [y/N]");
+    const QString question = install
+        ? DeviceCommands::tr("%1 and its data are removed from %2 before the install. Go on? [y/N]")
+        : DeviceCommands::tr("%1 and its data are removed from %2. Go on? [y/N]");
     const QString answer = console.ask(question.arg(package, serial)).toLower();
     if (answer == DeviceCommands::tr("y") || answer == DeviceCommands::tr("yes"))
         return true;
@@ -153,7 +189,8 @@ ExitCode tell(const TaskOutcome& outcome, const DeviceTask& task, Console& conso
         console.error(
             DeviceCommands::tr("no outcome was reported within %1 s. adb failed without a code, could not be "
                                "started, or is still at work.")
-                .arg(task.timeoutSeconds));
+                .arg(task.timeoutSeconds),
+            Diagnostics::takeAll());
         return ExitFailed;
     }
     QString text = outcome.information.trimmed();
@@ -177,6 +214,11 @@ ExitCode runTask(const QCommandLineParser& parser, Console& console, bool instal
             DeviceCommands::tr("--timeout takes a number of seconds, from 1 to %1").arg(longestTimeout));
         return ExitUsage;
     }
+    if (!parser.isSet(yesOption) && !Console::isInteractive()) {
+        console.error(DeviceCommands::tr(
+            "this removes a package and its data: --yes is needed where nobody can be asked"));
+        return ExitUsage;
+    }
     task.apk = usableApk(parser.positionalArguments().at(1), console);
     if (task.apk.isEmpty() || !toolWorks(QStringLiteral("adb"), console)
         || !toolWorks(QStringLiteral("aapt"), console))
@@ -189,9 +231,14 @@ ExitCode runTask(const QCommandLineParser& parser, Console& console, bool instal
     task.serial = chooseDevice(wanted, console);
     if (task.serial.isEmpty())
         return ExitFailed;
+    // It would end the word that the flow's command line has for the serial.
+    if (task.serial.contains(QLatin1Char('"'))) {
+        console.error(
+            DeviceCommands::tr("%1: a serial with a quotation mark cannot be used").arg(task.serial));
+        return ExitFailed;
+    }
     console.set(QStringLiteral("device"), task.serial);
-    const bool asks = install && !parser.isSet(yesOption) && Console::isInteractive();
-    if (asks && !isConfirmed(package, task.serial, console))
+    if (!parser.isSet(yesOption) && !isConfirmed(install, package, task.serial, console))
         return ExitFailed;
     return tell(runDeviceTask(task, console), task, console);
 }
@@ -203,6 +250,8 @@ ExitCode listDevices(const QCommandLineParser& /*parser*/, Console& console)
     const QStringList serials = readyDevices(console);
     for (const QString& serial : serials)
         console.print(serial);
+    if (serials.isEmpty() && adbFailed(console))
+        return ExitFailed;
     if (serials.isEmpty())
         console.warn(DeviceCommands::tr("no device is ready"));
     return ExitDone;
@@ -234,7 +283,8 @@ QVector<Command> deviceCommands()
         timeoutOption, DeviceCommands::tr("Gives up after this number of seconds. Default: 600."),
         QStringLiteral("SECONDS"), QStringLiteral("600"));
     const QCommandLineOption yes(yesOption,
-                                 DeviceCommands::tr("Does not ask before it removes the installed package."));
+                                 DeviceCommands::tr("Does not ask before it removes the installed package. "
+                                                    "Needed where no terminal is."));
     const auto install = [](const QCommandLineParser& parser, Console& console) {
         return runTask(parser, console, true);
     };
@@ -263,8 +313,8 @@ QVector<Command> deviceCommands()
         {QStringLiteral("uninstall"),
          DeviceCommands::tr("removes an APK's package from a device"),
          {apk},
-         {device, timeout},
+         {device, timeout, yes},
          uninstall,
-         DeviceCommands::tr("All data of the package goes with it.")},
+         DeviceCommands::tr("All data of the package goes with it. On a terminal you are asked first.")},
     };
 }

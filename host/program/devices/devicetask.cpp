@@ -2,6 +2,8 @@
 #include "devices/devicetask.h"
 
 #include "console/console.h"
+#include "console/diagnostics.h"
+#include "console/interruptguard.h"
 
 #include <installapk.h>
 
@@ -16,10 +18,22 @@ struct DeviceTaskText {
     Q_DECLARE_TR_FUNCTIONS(DeviceTask)
 };
 
-// The flow splits its command line into words; quotation marks keep a serial with blanks in one.
+// The flow splits its command line into words; quotation marks keep a serial with blanks of any kind in one.
 QString asOneWord(const QString& serial)
 {
-    return serial.contains(QLatin1Char(' ')) ? QLatin1Char('"') + serial + QLatin1Char('"') : serial;
+    return QLatin1Char('"') + serial + QLatin1Char('"');
+}
+
+void tellInterruption(const DeviceTask& task, Console& console)
+{
+    console.clearProgress();
+    const QStringList steps = Diagnostics::steps();
+    if (steps.isEmpty())
+        console.error(DeviceTaskText::tr("interrupted; nothing was changed on %1").arg(task.serial));
+    else
+        console.error(
+            DeviceTaskText::tr("interrupted on %1. The last of these may be done or not:").arg(task.serial),
+            steps);
 }
 
 // The launcher gives its report before we stop listening, in the second step of an install as well.
@@ -40,6 +54,7 @@ TaskOutcome runDeviceTask(const DeviceTask& task, Console& console)
     // With one device left the flow names none: then this keeps adb from another that has come in its place.
     qputenv("ANDROID_SERIAL", task.serial.toUtf8());
 
+    const InterruptGuard guard([&] { tellInterruption(task, console); });
     TaskOutcome outcome;
     outcome.timedOut = true;
     QEventLoop loop;
