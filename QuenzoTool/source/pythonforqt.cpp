@@ -71,11 +71,20 @@ private:
     QString m_cause;
 };
 
+// A folder as it stands between the quotation marks of a statement. A backslash is a letter there. A
+// quotation mark would end the text, and what follows would be code: a line feed in its place leaves the text
+// without an end, so that the whole statement fails.
+QString quoted(QString folder)
+{
+    return folder.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+        .replace(QLatin1Char('\''), QLatin1Char('\n'));
+}
+
 // A statement of the start-up with its place filled in; the texts are in the translation context as they
 // were.
 std::string statement(const QString& source, const QString& place)
 {
-    return source.arg(place, 0, QLatin1Char(' ')).toStdString();
+    return source.arg(quoted(place), 0, QLatin1Char(' ')).toStdString();
 }
 
 bool holdsInterpreterLock()
@@ -180,7 +189,7 @@ void PythonForQt::callScript(QString scriptPath, QString function, const QList<Q
     runPythonStatement("import sys");
     runPythonStatement("import os");
     const std::string moduleName = script.completeBaseName().toStdString();
-    const std::string folder = "str('" + script.absolutePath().toStdString() + "').decode('utf8')";
+    const std::string folder = "str('" + quoted(script.absolutePath()).toStdString() + "').decode('utf8')";
     runPythonStatement("reload(sys);sys.setdefaultencoding('utf8');");
     runPythonStatement("sys.path.append(" + folder + ")");
 

@@ -48,6 +48,7 @@ private Q_SLOTS:
 
     void oddFolders_data();
     void oddFolders();
+    void folderWithAQuotationMarkIsNotFound_data();
     void folderWithAQuotationMarkIsNotFound();
     void folderWithALineFeedIsNotFound();
     void oddModuleNames_data();
@@ -345,6 +346,9 @@ void tst_PythonForQt::oddFolders_data()
     QTest::newRow("blanks") << QStringLiteral(" two  words ");
     QTest::newRow("beyond ASCII") << QStringLiteral("é 中文 \U0001F600");
     QTest::newRow("double quotation mark") << QStringLiteral("a\"b");
+    QTest::newRow("backslash") << QStringLiteral("a\\b");
+    QTest::newRow("like an escape sequence") << QStringLiteral("a\\n\\x41\\t");
+    QTest::newRow("backslash at the end") << QStringLiteral("a\\");
     QTest::newRow("dots and signs") << QStringLiteral("a.b,c;d#e%1$f");
 }
 
@@ -358,15 +362,35 @@ void tst_PythonForQt::oddFolders()
     QCOMPARE(countInPath(QFileInfo(script).absolutePath()), 0);
 }
 
+void tst_PythonForQt::folderWithAQuotationMarkIsNotFound_data()
+{
+    QTest::addColumn<QString>("name");
+    const QString code = QStringLiteral("__import__('__builtin__').ran=1");
+    const auto row = [](const char* name, const QString& folder) { QTest::newRow(name) << folder; };
+    row("one", QStringLiteral("it's"));
+    row("at the end", QStringLiteral("its'"));
+    row("several", QString(3, QLatin1Char('\'')));
+    row("behind a backslash", QStringLiteral("it\\'s"));
+    row("closing the call", QStringLiteral("x').decode('utf8'));%1;str(str('").arg(code));
+    row("closing the call, with a comment", QStringLiteral("x'));%1#").arg(code));
+    row("behind a backslash, closing the call", QStringLiteral("x\\'));%1#").arg(code));
+    row("an expression", QStringLiteral("x'+str(setattr(__import__('__builtin__'),'ran',1))+'"));
+    row("behind a line feed", QStringLiteral("x\n'));%1#").arg(code));
+    row("behind a continued line", QStringLiteral("x\\\n'));%1#").arg(code));
+}
+
 void tst_PythonForQt::folderWithAQuotationMarkIsNotFound()
 {
-    const QString script = writeScript("def f(): return 1\n", QStringLiteral("Script/it's"));
+    QFETCH(const QString, name);
+    const QString script = writeScript("def f(): return 1\n", QStringLiteral("Script/") + name);
     const QString before = pythonValue(QStringLiteral("__import__('sys').path"));
     PythonForQt bridge;
     bridge.callScript(script, QStringLiteral("f"), {}, true);
     QCOMPARE(bridge.getResultAsInt(), -1);
     QCOMPARE(m_log->takeDebugTexts().value(1), notFound);
     QCOMPARE(pythonValue(QStringLiteral("__import__('sys').path")), before);
+    QCOMPARE(pythonValue(QStringLiteral("hasattr(__import__('__builtin__'), 'ran')")),
+             QStringLiteral("False"));
 }
 
 void tst_PythonForQt::folderWithALineFeedIsNotFound()

@@ -18,7 +18,9 @@ private Q_SLOTS:
     void secondStartDoesNothing();
     void startWithoutItsModuleIsTrue_data();
     void startWithoutItsModuleIsTrue();
+    void folderWithAQuotationMarkIsTrue_data();
     void folderWithAQuotationMarkIsTrue();
+    void folderWithBackslashesIsFound();
     void folderBeyondAsciiIsFound();
     void startModuleThatExitsDoesNotEndTheProcess_data();
     void startModuleThatExitsDoesNotEndTheProcess();
@@ -67,13 +69,31 @@ void tst_PythonStart::startWithoutItsModuleIsTrue()
     QVERIFY2(root.error().contains(printed), root.error().constData());
 }
 
+void tst_PythonStart::folderWithAQuotationMarkIsTrue_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("one") << QStringLiteral("it's");
+    QTest::newRow("code") << QStringLiteral("x';print 'HOSTILE';#");
+    QTest::newRow("code in the call") << QStringLiteral("x'));os.write(1,'HOSTILE');#");
+    QTest::newRow("code in both") << QStringLiteral("x'+str(os.write(1,'HOSTILE'))+'");
+}
+
 void tst_PythonStart::folderWithAQuotationMarkIsTrue()
 {
-    StartRoot root(QStringLiteral("it's"));
+    QFETCH(const QString, name);
+    StartRoot root(name);
     root.writeStartModule(countStarts);
     // Neither the start-up's folder nor a script's is found there, and the process goes on.
     QCOMPARE(root.run(QStringLiteral("call")), QByteArray("true\n-1\n"));
     QCOMPARE(root.error().count("SyntaxError: "), 2 + 1);
+}
+
+void tst_PythonStart::folderWithBackslashesIsFound()
+{
+    StartRoot root(QStringLiteral("a\\n\\x41\\"));
+    root.writeStartModule(countStarts);
+    QCOMPARE(root.run(QStringLiteral("twice")), QByteArray("true\ntrue\n1\n1\n/../tool/mac/Python\n5\n"));
+    QCOMPARE(root.error(), QByteArray());
 }
 
 void tst_PythonStart::folderBeyondAsciiIsFound()
