@@ -53,7 +53,7 @@ public:
      */
     static CInstallApk* getInstance();
 
-    explicit CInstallApk(QObject* parent = nullptr);
+    CInstallApk(QObject* parent = nullptr);
 
     /** Does not stop a running child. */
     ~CInstallApk() override;

@@ -76,7 +76,7 @@ class QUENZOTOOL_EXPORT PythonForQt : public QObject {
 
 public:
     /** Starts the interpreter when it is not running yet. */
-    explicit PythonForQt(QObject* parent = nullptr);
+    PythonForQt(QObject* parent = nullptr);
     ~PythonForQt() override;
 
     /**

@@ -48,7 +48,7 @@ class QUENZOTOOL_EXPORT PythonToolThread : public QThread {
     Q_OBJECT
 
 public:
-    explicit PythonToolThread(QObject* parent = nullptr);
+    PythonToolThread(QObject* parent = nullptr);
     ~PythonToolThread() override;
 
     /**
@@ -56,7 +56,8 @@ public:
      * for good.
      *
      * @param op the task; a value outside the enumeration does nothing when it is run
-     * @param params the task's parameters. What the task writes goes to a copy of the object's own.
+     * @param params the task's parameters. What the task writes goes to a copy of the object's own. The map
+     * that onTaskFinsih() points to is emptied first: hand over a copy of it.
      * @return false, with nothing changed, while a task is recorded or runs
      */
     bool StartOperate(PYTHON_TOOL_OPERATE op, const QVariantMap& params);

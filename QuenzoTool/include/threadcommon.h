@@ -69,7 +69,7 @@ class QUENZOTOOL_EXPORT ThreadCommon : public QThread {
     Q_OBJECT
 
 public:
-    explicit ThreadCommon(QObject* parent = nullptr);
+    ThreadCommon(QObject* parent = nullptr);
     ~ThreadCommon() override;
 
     /**

@@ -64,7 +64,7 @@ class QUENZOTOOL_EXPORT ThreadGenerateIcon : public QThread {
     Q_OBJECT
 
 public:
-    explicit ThreadGenerateIcon(QObject* parent = nullptr);
+    ThreadGenerateIcon(QObject* parent = nullptr);
     ~ThreadGenerateIcon() override;
 
     /**

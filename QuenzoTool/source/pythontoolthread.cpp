@@ -62,6 +62,8 @@ bool PythonToolThread::StartOperate(PYTHON_TOOL_OPERATE op, const QVariantMap& p
         return false;
     m_bExecTask.store(true, std::memory_order_release);
     m_operate = op;
+    // Emptied first, and so left empty by whoever hands over the object's own map, got by onTaskFinsih().
+    m_params.clear();
     m_params = params;
     return true;
 }

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void mapIsTheObjectsOwnAndStays();
     void callersMapIsNeverWritten();
     void resultKeysAreGoneWithTheNextTask();
+    void ownMapIsEmptiedFirst();
     void outcomeReachesAnotherThreadQueued();
     void severalThreadsRunSideBySide();
     void destroyedAfterItsTask();
@@ -231,6 +232,18 @@ void tst_PythonToolThread::resultKeysAreGoneWithTheNextTask()
     setAnswer("1");
     worker.perform(3, given);
     QCOMPARE(worker.emissions.front().values, given);
+}
+
+void tst_PythonToolThread::ownMapIsEmptiedFirst()
+{
+    Worker worker;
+    worker.perform(2, params({{"apkfile", text("a")}}));
+    QVariantMap* const own = worker.emissions.front().map;
+    QCOMPARE(own->size(), 2);
+    QVERIFY(worker.StartOperate(PYTHON_TOOL_ENCRYPT, *own));
+    QCOMPARE(*own, QVariantMap());
+    QVERIFY(worker.startAndWait());
+    QCOMPARE(takeCalls(), QStringList());
 }
 
 void tst_PythonToolThread::outcomeReachesAnotherThreadQueued()
