@@ -2,7 +2,7 @@
 #include "records/dbstatement.h"
 
 #include "records/connectionlock.h"
-#include "records/sqliterun.h"
+#include "records/sqlitedirect.h"
 #include "records/statementtext.h"
 
 #include <QSqlDriver>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "records/sqliterun.h"
+#include "records/sqlitedirect.h"
 
 #include <QByteArray>
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#ifndef SQLITERUN_H
-#define SQLITERUN_H
+#ifndef SQLITEDIRECT_H
+#define SQLITEDIRECT_H
 
 #include <QString>
 #include <QVariant>
