@@ -5,18 +5,12 @@
 #include <quenzotool.h>
 
 #include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QtTest>
 
-#include <functional>
 #include <limits>
 #include <memory>
 
 using Row = QMap<QString, QVariant>;
-using Call = std::function<bool(DBHelper& database, const QString& tableName)>;
-
-Q_DECLARE_METATYPE(Call)
 
 namespace {
 
@@ -54,8 +48,6 @@ private Q_SLOTS:
     void failedListInsertRollsBackTheOpenTransaction();
     void failedListInsertWithoutTransactionKeepsRowsBefore();
     void failedMapInsertRollsNothingBack();
-    void emptyRowFails();
-    void elementWithoutMapIsAnEmptyRow();
 
     void updateConditionIsNeverEncoded();
     void updateConditionIsBoundAsText();
@@ -73,16 +65,8 @@ private Q_SLOTS:
     void selectDecodesItsConditionsAndReturnsValuesAsStored();
     void fieldsOfTheSameNameYieldTheLastOne();
     void selectedValuesKeepTheirTypes();
-    void selectFromADamagedFileReportsTheCause();
 
-    void failuresWriteThreeMessages_data();
-    void failuresWriteThreeMessages();
-    void failedPreparationIsNamedByItsCause();
-    void closedConnectionFails_data();
-    void closedConnectionFails();
-    void removedConnectionNeverTurnsToTheHostsDefaultOne();
     void argumentsStayAsTheyAre();
-    void columnNamesBeyondAsciiFail();
 
     void hostileValuesAreBound_data();
     void hostileValuesAreBound();
@@ -223,21 +207,6 @@ void tst_DBStatements::failedMapInsertRollsNothingBack()
     QVERIFY(m_database->insertToDatabase(table, values, false));
     QVERIFY(!m_database->insertToDatabase(table, values, false));
     QVERIFY(connection.commit());
-    QCOMPARE(m_database->committedIds(), QVariantList{1});
-}
-
-void tst_DBStatements::emptyRowFails()
-{
-    Row nothing;
-    QVERIFY(!m_database->insertToDatabase(table, nothing, false));
-    QCOMPARE(m_log->takeDebugTexts().value(0), QStringLiteral("INSERT INTO channel() VALUES();"));
-}
-
-void tst_DBStatements::elementWithoutMapIsAnEmptyRow()
-{
-    QList<QVariant> rows{row(1, QVariant()), QStringLiteral("no map"), row(2, QVariant())};
-    QVERIFY(!m_database->insertToDatabase(table, rows, false));
-    QCOMPARE(m_log->takeDebugTexts().value(0), QStringLiteral("INSERT INTO channel() VALUES();"));
     QCOMPARE(m_database->committedIds(), QVariantList{1});
 }
 
@@ -395,158 +364,6 @@ void tst_DBStatements::selectedValuesKeepTheirTypes()
     QCOMPARE(second.value(QStringLiteral("state")).toLongLong(), std::numeric_limits<qint64>::max());
 }
 
-void tst_DBStatements::selectFromADamagedFileReportsTheCause()
-{
-    QList<QVariant> rows;
-    for (int id = 0; id < 2000; ++id)
-        rows.append(row(id, QString(200, QLatin1Char('x'))));
-    QVERIFY(m_database->insertToDatabase(table, rows, false));
-    m_database->closeDB();
-    QFile file(m_database->path());
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.seek(file.size() / 2));
-    file.write(QByteArray(32 * 1024, '\xff'));
-    file.close();
-    QVERIFY(m_database->reopen());
-    QVERIFY(m_database->selectFromDatabase(table, false).size() < 2000);
-    const QStringList texts = m_log->takeDebugTexts();
-    QCOMPARE(texts.size(), 3);
-    QCOMPARE(texts.at(1), QStringLiteral("Error at select channel"));
-    QVERIFY2(texts.at(2).contains(QLatin1String("malformed")), qUtf8Printable(texts.at(2)));
-}
-
-void tst_DBStatements::failuresWriteThreeMessages_data()
-{
-    QTest::addColumn<Call>("succeeds");
-    QTest::addColumn<QString>("statement");
-    QTest::addColumn<QString>("operation");
-    QTest::addColumn<int>("line");
-    QTest::addColumn<QString>("function");
-    QTest::newRow("insert, map") << Call([](DBHelper& database, const QString& name) {
-        Row values = row(1, 2);
-        return database.insertToDatabase(name, values, false);
-    }) << QStringLiteral("INSERT INTO no such(id, name) VALUES(:id, :name);")
-                                 << QStringLiteral("Error at insert no such") << 285
-                                 << QStringLiteral(
-                                        "bool __cdecl DBHelper::insertToDatabase(class QString,class "
-                                        "QMap<class QString,class QVariant> &,bool)");
-    QTest::newRow("insert, list") << Call([](DBHelper& database, const QString& name) {
-        QList<QVariant> rows{row(1, 2)};
-        return database.insertToDatabase(name, rows, false);
-    }) << QStringLiteral("INSERT INTO no such(id, name) VALUES(:id, :name);")
-                                  << QStringLiteral("Error at insert no such") << 337
-                                  << QStringLiteral(
-                                         "bool __cdecl DBHelper::insertToDatabase(class QString,class "
-                                         "QList<class QVariant> &,bool)");
-    QTest::newRow("update, map")
-        << Call([](DBHelper& database, const QString& name) {
-               Row values{{QStringLiteral("name"), 1}};
-               return database.updateToDatabase(name, QStringLiteral("id"), 1, values, false);
-           })
-        << QStringLiteral("UPDATE no such SET name = :name WHERE id = :id;")
-        << QStringLiteral("Error at update no such") << 385
-        << QStringLiteral("bool __cdecl DBHelper::updateToDatabase(class QString,class QString,class "
-                          "QVariant,class QMap<class QString,class QVariant> &,bool)");
-    QTest::newRow("update, list")
-        << Call([](DBHelper& database, const QString& name) {
-               QList<QVariant> rows{Row{{QStringLiteral("name"), 1}}};
-               return database.updateToDatabase(name, QStringLiteral("id"), 1, rows, false);
-           })
-        << QStringLiteral("UPDATE no such SET name = :name WHERE id = :id;")
-        << QStringLiteral("Error at update no such") << 437
-        << QStringLiteral("bool __cdecl DBHelper::updateToDatabase(class QString,class QString,class "
-                          "QVariant,class QList<class QVariant> &,bool)");
-    QTest::newRow("delete") << Call([](DBHelper& database, const QString& name) {
-        return database.deleteFromDatabase(name);
-    }) << QStringLiteral("DELETE FROM no such;")
-                            << QStringLiteral("Error at delete no such") << 499
-                            << QStringLiteral("bool __cdecl DBHelper::deleteFromDatabase(class QString,class "
-                                              "QMap<class QString,class QVariant> &,bool)");
-    QTest::newRow("select") << Call([](DBHelper& database, const QString& name) {
-        return !database.selectFromDatabase(name, false).isEmpty();
-    }) << QStringLiteral("SELECT * FROM no such;")
-                            << QStringLiteral("Error at select no such") << 562
-                            << QStringLiteral(
-                                   "class QList<class QVariant> __cdecl DBHelper::selectFromDatabase("
-                                   "class QString,class QMap<class QString,class QVariant> &,bool)");
-}
-
-void tst_DBStatements::failuresWriteThreeMessages()
-{
-    QFETCH(const Call, succeeds);
-    QFETCH(const QString, statement);
-    QFETCH(const QString, operation);
-    QFETCH(const int, line);
-    QFETCH(const QString, function);
-    QVERIFY(!succeeds(*m_database, QStringLiteral("no such")));
-
-    const QVector<LoggedMessage> messages = m_log->take();
-    QCOMPARE(messages.size(), 3);
-    QCOMPARE(messages.at(0).text, statement);
-    QCOMPARE(messages.at(1).text, operation);
-    QVERIFY(!messages.at(2).text.isEmpty());
-    for (int i = 0; i < 3; ++i) {
-        QCOMPARE(messages.at(i).type, QtDebugMsg);
-        QCOMPARE(messages.at(i).file, QStringLiteral("QuenzoTool/source/dbhelper"));
-        QCOMPARE(messages.at(i).line, line + i);
-        QCOMPARE(messages.at(i).function, function);
-    }
-}
-
-void tst_DBStatements::failedPreparationIsNamedByItsCause()
-{
-    QVERIFY(!m_database->deleteFromDatabase(QStringLiteral("missing"), QStringLiteral("id"), 1, false));
-    const QString cause = m_log->takeDebugTexts().value(2);
-    QVERIFY2(cause.contains(QLatin1String("no such table: missing")), qUtf8Printable(cause));
-}
-
-void tst_DBStatements::closedConnectionFails_data()
-{
-    QTest::addColumn<bool>("removed");
-    QTest::newRow("closed") << false;
-    QTest::newRow("removed") << true;
-}
-
-void tst_DBStatements::closedConnectionFails()
-{
-    QFETCH(const bool, removed);
-    m_database->closeDB();
-    if (removed)
-        m_database = std::make_unique<SteppedDatabase>();
-    Row values = row(1, 2);
-    QList<QVariant> rows{values};
-    QVERIFY(!m_database->insertToDatabase(table, values, false));
-    QVERIFY(!m_database->insertToDatabase(table, rows, false));
-    QVERIFY(!m_database->updateToDatabase(table, QStringLiteral("id"), 1, values, false));
-    QVERIFY(!m_database->updateToDatabase(table, QStringLiteral("id"), 1, rows, false));
-    QVERIFY(!m_database->deleteFromDatabase(table));
-    QVERIFY(m_database->selectFromDatabase(table, false).isEmpty());
-    const QStringList texts = m_log->takeDebugTexts();
-    QCOMPARE(texts.size(), 18);
-    for (int i = 2; i < texts.size(); i += 3)
-        QCOMPARE(texts.at(i), QStringLiteral("Database not open"));
-}
-
-void tst_DBStatements::removedConnectionNeverTurnsToTheHostsDefaultOne()
-{
-    {
-        QSqlDatabase hosts = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
-        hosts.setDatabaseName(QStringLiteral(":memory:"));
-        QVERIFY(hosts.open());
-        QSqlQuery query(hosts);
-        QVERIFY(query.exec(QStringLiteral("CREATE TABLE channel(id, name)")));
-
-        SteppedDatabase never; // opened
-        QVERIFY(!never.insertToDatabase(table, QStringLiteral("id"), 1, false));
-        QVERIFY(never.selectFromDatabase(table, false).isEmpty());
-        QVERIFY(query.exec(QStringLiteral("SELECT count(*) FROM channel")));
-        QVERIFY(query.next());
-        QCOMPARE(query.value(0).toInt(), 0);
-    }
-    QSqlDatabase::removeDatabase(QLatin1String(QSqlDatabase::defaultConnection));
-    QCOMPARE(m_log->takeDebugTexts().size(), 6);
-}
-
 void tst_DBStatements::argumentsStayAsTheyAre()
 {
     Row values = row(1234, QStringLiteral("hello world"));
@@ -560,13 +377,6 @@ void tst_DBStatements::argumentsStayAsTheyAre()
     m_database->selectFromDatabase(table, values, true);
     QCOMPARE(values, before);
     QCOMPARE(rows, rowsBefore);
-}
-
-void tst_DBStatements::columnNamesBeyondAsciiFail()
-{
-    m_database->outside(QStringLiteral("CREATE TABLE wide(\u540d)"));
-    QVERIFY(!m_database->insertToDatabase(QStringLiteral("wide"), QStringLiteral("\u540d"), 1, false));
-    QCOMPARE(m_log->takeDebugTexts().size(), 3);
 }
 
 void tst_DBStatements::hostileValuesAreBound_data()
