@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "codec.h"
 #include "quenzotool.h"
+
+#include <algorithm>
+#include <array>
 
 namespace {
 
@@ -7,15 +11,159 @@ namespace {
 // and a text too short for decoding to choose otherwise has nothing in front of its tail.
 constexpr int tailLength = 6;
 
-// "ab" becomes "ba" in each of the pairs: a plain loop over whole pairs, which compilers turn into vector
-// shuffles.
+// Base64 has groups of three bytes in four characters. The tail reaches into the last group but one: that
+// has its first pair swapped, those before it have both.
+constexpr int groupBytes = 3;
+constexpr int groupLetters = 4;
+
+// So many groups are taken before looking whether all was well.
+constexpr int groupsAtOnce = 64;
+
+constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+constexpr std::array<int, 128> makeValues()
+{
+    std::array<int, 128> values{};
+    for (int& value : values)
+        value = -1;
+    for (int i = 0; i < 64; ++i)
+        values[static_cast<std::size_t>(alphabet[i])] = i;
+    return values;
+}
+
+constexpr std::array<int, 128> values = makeValues();
+
+int scrambledLength(int bytes)
+{
+    return (bytes + groupBytes - 1) / groupBytes * groupLetters;
+}
+
+// Places of a group's letters.
+struct Order {
+    int first;
+    int second;
+    int third;
+    int fourth;
+};
+
+constexpr Order swapped{1, 0, 3, 2};
+constexpr Order halfSwapped{1, 0, 2, 3};
+constexpr Order plain{0, 1, 2, 3};
+
+template <typename Unit, typename Letter>
+inline unsigned encodeGroup(const Unit* in, Letter* out, const Order& order)
+{
+    const unsigned seen = unsigned(in[0]) | unsigned(in[1]) | unsigned(in[2]);
+    const unsigned bits = unsigned(in[0]) << 16 | unsigned(in[1]) << 8 | unsigned(in[2]);
+    out[order.first] = static_cast<Letter>(alphabet[bits >> 18 & 63]);
+    out[order.second] = static_cast<Letter>(alphabet[bits >> 12 & 63]);
+    out[order.third] = static_cast<Letter>(alphabet[bits >> 6 & 63]);
+    out[order.fourth] = static_cast<Letter>(alphabet[bits & 63]);
+    return seen;
+}
+
+// The last group, padded where it is not full.
+template <typename Unit, typename Letter> unsigned encodeLastGroup(const Unit* in, int bytes, Letter* out)
+{
+    const Unit full[groupBytes] = {in[0], bytes > 1 ? in[1] : Unit(0), bytes > 2 ? in[2] : Unit(0)};
+    const unsigned seen = encodeGroup(full, out, plain);
+    std::fill(out + bytes + 1, out + groupLetters, static_cast<Letter>('='));
+    return seen;
+}
+
+// Encodes four bytes or more. What is ored from all bytes tells whether they were bytes; it may come early
+// when they were not below the limit.
+template <typename Unit, typename Letter>
+unsigned encodeBytes(const Unit* in, int bytes, Letter* out, unsigned limit)
+{
+    const int groups = (bytes + groupBytes - 1) / groupBytes;
+    unsigned seen = 0;
+    int done = 0;
+    while (done < groups - 2) {
+        const int next = std::min(groups - 2, done + groupsAtOnce);
+        for (; done < next; ++done)
+            seen |= encodeGroup(in + done * groupBytes, out + done * groupLetters, swapped);
+        if (seen >= limit)
+            return seen;
+    }
+    seen |= encodeGroup(in + done * groupBytes, out + done * groupLetters, halfSwapped);
+    ++done;
+    return seen
+        | encodeLastGroup(in + done * groupBytes, bytes - done * groupBytes, out + done * groupLetters);
+}
+
+struct Decoded {
+    unsigned seen = 0; // ored from all bytes
+    int problem = 0; // below zero when a letter is none of the alphabet, or a byte is zero
+};
+
+template <typename Unit>
+inline void decodeGroup(const ushort* in, Unit* out, const Order& order, Decoded& all)
+{
+    const int first = values[in[order.first] & 127];
+    const int second = values[in[order.second] & 127];
+    const int third = values[in[order.third] & 127];
+    const int fourth = values[in[order.fourth] & 127];
+    const int bits = first << 18 | second << 12 | third << 6 | fourth;
+    const int bytes[groupBytes] = {bits >> 16 & 255, bits >> 8 & 255, bits & 255};
+    all.problem |= first | second | third | fourth | (bytes[0] - 1) | (bytes[1] - 1) | (bytes[2] - 1)
+        | (127 - (in[0] | in[1] | in[2] | in[3]));
+    for (int i = 0; i < groupBytes; ++i) {
+        out[i] = static_cast<Unit>(bytes[i]);
+        all.seen |= static_cast<unsigned>(bytes[i]);
+    }
+}
+
+int paddingOf(const ushort* letters, int length)
+{
+    if (letters[length - 1] != '=')
+        return 0;
+    return letters[length - 2] == '=' ? 2 : 1;
+}
+
+// The last group, whose padding stands for no bytes.
+template <typename Unit> void decodeLastGroup(const ushort* in, int padding, Unit* out, Decoded& all)
+{
+    ushort full[groupLetters] = {in[0], in[1], in[2], in[3]};
+    std::fill(full + groupLetters - padding, full + groupLetters, ushort('A'));
+    int bytes[groupBytes] = {};
+    Decoded last;
+    decodeGroup(full, bytes, plain, last);
+    Q_UNUSED(last)
+    for (int i = 0; i < groupBytes - padding; ++i) {
+        out[i] = static_cast<Unit>(bytes[i]);
+        all.seen |= static_cast<unsigned>(bytes[i]);
+        all.problem |= bytes[i] - 1;
+    }
+    for (const ushort letter : full)
+        all.problem |= values[letter & 127] | (127 - letter);
+}
+
+// Decodes what ckEncode() makes of a text, two groups at least; whatever is otherwise is a problem.
+template <typename Unit>
+Decoded decodeLetters(const ushort* in, int length, int padding, Unit* out, unsigned limit)
+{
+    const int groups = length / groupLetters;
+    Decoded all;
+    int done = 0;
+    while (done < groups - 2) {
+        const int next = std::min(groups - 2, done + groupsAtOnce);
+        for (; done < next; ++done)
+            decodeGroup(in + done * groupLetters, out + done * groupBytes, swapped, all);
+        if (all.problem < 0 || all.seen >= limit)
+            return all;
+    }
+    decodeGroup(in + done * groupLetters, out + done * groupBytes, halfSwapped, all);
+    ++done;
+    decodeLastGroup(in + done * groupLetters, padding, out + done * groupBytes, all);
+    return all;
+}
+
+// "ab" becomes "ba" in each of the pairs.
 void swapPairs(char* bytes, int length)
 {
-    for (int i = 0; i + 1 < length; i += 2) {
-        const char first = bytes[i];
-        bytes[i] = bytes[i + 1];
-        bytes[i + 1] = first;
-    }
+    for (int i = 0; i + 1 < length; i += 2)
+        std::swap(bytes[i], bytes[i + 1]);
 }
 
 // A text up to the first zero byte, never null. Qt's decoder takes a byte order mark off, which is a
@@ -27,18 +175,8 @@ QString textOf(const QByteArray& bytes)
     return bytes.startsWith("\xEF\xBB\xBF") ? QChar(QChar::ByteOrderMark) + text : text;
 }
 
-} // namespace
-
-QString QuenzoTool::ckEncode(QString text)
-{
-    QByteArray bytes = text.toUtf8().toBase64();
-    if (bytes.size() < tailLength)
-        return QLatin1String("");
-    swapPairs(bytes.data(), bytes.size() - tailLength);
-    return QString::fromLatin1(bytes);
-}
-
-QString QuenzoTool::ckDecode(QString text)
+// Any text at all.
+QString decodeStepByStep(const QString& text)
 {
     QByteArray bytes = text.toUtf8();
     const int front = bytes.size() - tailLength;
@@ -49,4 +187,67 @@ QString QuenzoTool::ckDecode(QString text)
             bytes.insert(front - 1, bytes.at(front));
     }
     return textOf(QByteArray::fromBase64(bytes));
+}
+
+constexpr unsigned asciiEnd = 0x80;
+constexpr unsigned bytesEnd = 0x100;
+
+QString encodeWide(const QByteArray& bytes)
+{
+    if (bytes.size() <= groupBytes)
+        return QLatin1String("");
+    QString scrambled(scrambledLength(bytes.size()), Qt::Uninitialized);
+    encodeBytes(reinterpret_cast<const uchar*>(bytes.constData()), bytes.size(),
+                reinterpret_cast<ushort*>(scrambled.data()), bytesEnd);
+    return scrambled;
+}
+
+} // namespace
+
+QString QuenzoTool::ckEncode(QString text)
+{
+    if (text.size() <= groupBytes)
+        return encodeWide(text.toUtf8());
+    QString scrambled(scrambledLength(text.size()), Qt::Uninitialized);
+    const unsigned seen =
+        encodeBytes(text.utf16(), text.size(), reinterpret_cast<ushort*>(scrambled.data()), asciiEnd);
+    return seen < asciiEnd ? scrambled : encodeWide(text.toUtf8());
+}
+
+std::size_t Codec::encode(const QString& text, std::string& bytes)
+{
+    const auto reserve = [&bytes](int size) {
+        const auto length = static_cast<std::size_t>(size <= groupBytes ? 0 : scrambledLength(size));
+        if (bytes.size() < length)
+            bytes.resize(length);
+        return length;
+    };
+    const std::size_t length = reserve(text.size());
+    if (length > 0 && encodeBytes(text.utf16(), text.size(), bytes.data(), asciiEnd) < asciiEnd)
+        return length;
+    const QByteArray wide = text.toUtf8();
+    const std::size_t wideLength = reserve(wide.size());
+    if (wideLength > 0) {
+        encodeBytes(reinterpret_cast<const uchar*>(wide.constData()), wide.size(), bytes.data(), bytesEnd);
+    }
+    return wideLength;
+}
+
+QString QuenzoTool::ckDecode(QString text)
+{
+    const int length = text.size();
+    if (length < 2 * groupLetters || length % groupLetters != 0)
+        return decodeStepByStep(text);
+    const ushort* const letters = text.utf16();
+    const int padding = paddingOf(letters, length);
+    const int size = length / groupLetters * groupBytes - padding;
+    QString decoded(size, Qt::Uninitialized);
+    const Decoded ascii =
+        decodeLetters(letters, length, padding, reinterpret_cast<ushort*>(decoded.data()), asciiEnd);
+    if (ascii.problem >= 0 && ascii.seen < asciiEnd)
+        return decoded;
+    QByteArray bytes(size, Qt::Uninitialized);
+    const Decoded wide =
+        decodeLetters(letters, length, padding, reinterpret_cast<uchar*>(bytes.data()), bytesEnd);
+    return wide.problem >= 0 ? textOf(bytes) : decodeStepByStep(text);
 }

@@ -66,7 +66,11 @@ private Q_SLOTS:
     void knownTextsEncode();
     void knownTextsDecode_data();
     void knownTextsDecode();
+    void everyLengthEncodesAndComesBack_data();
     void everyLengthEncodesAndComesBack();
+    void everyLengthWithOneFlawDecodesAsThePlainFormDoes_data();
+    void everyLengthWithOneFlawDecodesAsThePlainFormDoes();
+    void everyPaddingDecodesAsThePlainFormDoes();
     void textsUnderFourBytesEncodeToAnEmptyTextThatIsNotNull_data();
     void textsUnderFourBytesEncodeToAnEmptyTextThatIsNotNull();
     void decodedTextIsNeverNull();
@@ -121,17 +125,70 @@ void tst_Codec::knownTextsDecode()
     QCOMPARE(QuenzoTool::ckDecode(scrambled), plain);
 }
 
+void tst_Codec::everyLengthEncodesAndComesBack_data()
+{
+    QTest::addColumn<QString>("letters");
+    QTest::newRow("ascii") << QStringLiteral("x~!aZ09 \x7f");
+    QTest::newRow("chinese") << QStringLiteral("\u4e2d\u6587").repeated(5);
+    QTest::newRow("latin") << QStringLiteral("a\u00e4\u00ff\u0100");
+    QTest::newRow("emoji") << QStringLiteral("\U0001F600");
+    QTest::newRow("wide at the end") << QStringLiteral("0123456789abcdefghijklmnopqrstuvwxyz").repeated(20)
+            + QStringLiteral("\u4e2d");
+}
+
 void tst_Codec::everyLengthEncodesAndComesBack()
 {
-    for (int length = 0; length <= 64; ++length) {
-        for (const QChar letter : {QLatin1Char('x'), QLatin1Char('~')}) {
-            QString text;
-            for (int i = 0; i < length; ++i)
-                text += QChar(letter.unicode() - i % 40);
-            const QString scrambled = QuenzoTool::ckEncode(text);
-            QCOMPARE(scrambled, plainlyEncoded(text));
-            if (length >= 4)
-                QCOMPARE(QuenzoTool::ckDecode(scrambled), text);
+    QFETCH(const QString, letters);
+    const int longest = letters.size() < 9 ? 600 : 4096;
+    const QString all = letters.repeated(longest / letters.size() + 1);
+    for (int length = 0; length <= longest; ++length) {
+        const QString text = all.left(length);
+        const QString scrambled = QuenzoTool::ckEncode(text);
+        QCOMPARE(scrambled, plainlyEncoded(text));
+        QCOMPARE(QuenzoTool::ckDecode(scrambled), QString::fromUtf8(plainlyDecoded(scrambled)));
+    }
+}
+
+void tst_Codec::everyLengthWithOneFlawDecodesAsThePlainFormDoes_data()
+{
+    QTest::addColumn<QString>("flaw");
+    QTest::newRow("padding") << QStringLiteral("=");
+    QTest::newRow("blank") << QStringLiteral(" ");
+    QTest::newRow("no letter of the alphabet") << QStringLiteral("*");
+    QTest::newRow("null character") << QString(QChar(QChar::Null));
+    QTest::newRow("not ascii") << QStringLiteral("\u00c1");
+    QTest::newRow("like a letter but for its upper byte") << QString(QChar(0x4e41));
+    QTest::newRow("half a surrogate pair") << QString(QChar(0xd800));
+    QTest::newRow("two letters") << QStringLiteral("AA");
+    QTest::newRow("nothing") << QString();
+}
+
+void tst_Codec::everyLengthWithOneFlawDecodesAsThePlainFormDoes()
+{
+    QFETCH(const QString, flaw);
+    QRandomGenerator random(20260101);
+    const QString plain = QStringLiteral("0123456789abcdefghijklmnopqrstuvwxyz~ ").repeated(120);
+    for (int length = 4; length <= 4096; length += length < 300 ? 1 : 37) {
+        const QString scrambled = QuenzoTool::ckEncode(plain.left(length));
+        for (const int place : {0, 1, scrambled.size() - 1, scrambled.size() - 2, scrambled.size() - 3,
+                                scrambled.size() - 7, random.bounded(scrambled.size())}) {
+            if (place < 0)
+                continue;
+            QString flawed = scrambled;
+            flawed.replace(place, 1, flaw);
+            QCOMPARE(QuenzoTool::ckDecode(flawed), QString::fromUtf8(plainlyDecoded(flawed)));
+        }
+    }
+}
+
+void tst_Codec::everyPaddingDecodesAsThePlainFormDoes()
+{
+    // Bits behind the last byte, and padding that is longer or shorter than its group.
+    for (const char* tail :
+         {"AAAA", "AAA=", "AA==", "A===", "====", "AAB=", "AB==", "//==", "//8=", "=A==", "A=A="}) {
+        for (const char* front : {"", "aGVsbG8g", "4Lit5paHaGVsbG8g", "AAAAAAAA"}) {
+            const QString text = QLatin1String(front) + QLatin1String(tail);
+            QCOMPARE(QuenzoTool::ckDecode(text), QString::fromUtf8(plainlyDecoded(text)));
         }
     }
 }
