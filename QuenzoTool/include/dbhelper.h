@@ -15,7 +15,10 @@
 
 #include <atomic>
 #include <deque>
+#include <memory>
 #include <optional>
+
+class KeptStatements;
 
 /** What a queued command does. Any other value is taken from the queue and ignored. */
 enum DB_COMMAND : int {
@@ -70,8 +73,17 @@ public:
  * **Bursts.** All commands that the worker finds queued are one transaction, which it commits when the queue
  * has run empty. Only a failed list insert rolls back, and then the whole burst so far; what follows it in
  * the burst runs without a transaction, each statement by itself, and the closing commit fails into the
- * tool's log. Failed updates, deletes and selects leave the burst as it is. Queued commands report no result
- * but for a select's rows: failures are messages at debug level in Qt's log.
+ * tool's log. Failed updates, deletes and selects leave the burst as it is, unless the database itself ends
+ * the transaction as it fails: a table's ON CONFLICT ROLLBACK or a trigger's RAISE(ROLLBACK) says so, and a
+ * full disk may. Then all is as after a failed list insert. Queued commands report no result but for a
+ * select's rows: failures are messages at debug level in Qt's log, and their causes are lines of the logging
+ * category "quenzo.records", which is off unless a host switches it on.
+ *
+ * **A commit that fails** because another process reads or writes the file is reported once, into the tool's
+ * log, and isRunning() becomes false; but the transaction stays open, which locks other processes out. The
+ * worker tries again once a second, and once more when the process ends by exit() or by leaving main, until
+ * it is through; a burst that is queued meanwhile joins the transaction. Rows that never got through are
+ * lost, and so they are with closeDB().
  *
  * **Threads.** threadToDatabase() and the statement functions may be called from every thread. The connection
  * is shared: a direct statement waits for one statement of the worker at most (and the other way round), it
@@ -79,6 +91,13 @@ public:
  * Open, close and remove while no other thread uses the object. A file that another process holds blocks a
  * statement for five seconds before it fails. A receiver of onSelectFinish() that is connected directly runs
  * on the worker.
+ *
+ * **Queries of the host's own** on the connection "Quenzo" (QSqlDatabase::database("Quenzo") and a QSqlQuery)
+ * know nothing of the lock that the functions here take: beside a worker that has commands to run, or direct
+ * statements on another thread, they corrupt the driver's state and may corrupt the file. They are safe on
+ * the thread that opened the database as long as no other thread is at work: before StartThread(), or while
+ * isRunning() is false and nothing is queued or called elsewhere, and no failed commit is being tried again.
+ * At any time a connection of another name to the same file is safe.
  *
  * **Names and values.** Values are bound and may hold anything. **Names of tables and columns are pasted into
  * the statement as they are**, neither quoted nor checked: never take them from a person or a file, or check
@@ -111,7 +130,7 @@ public:
      */
     bool initDatabase(QString path);
 
-    /** Closes the connection. An uncommitted burst is lost. Always true. */
+    /** Closes the connection. An uncommitted burst, or one whose commit failed, is lost. Always true. */
     bool closeDB();
 
     /** Removes the connection "Quenzo" from Qt's connections; statements fail until initDatabase(). */
@@ -207,7 +226,8 @@ public:
                           QMap<QString, QVariant>& mapValue, bool bEncode);
 
     /**
-     * One such update for each element, in order. The first failure ends it; the updates before it stay.
+     * One such update for each element, in order. The first failure ends it; the updates before it stay, but
+     * where the database has ended their transaction.
      *
      * @return true when all succeeded, or none were given
      */
@@ -242,7 +262,8 @@ public:
      * @param bEncode Kept: conditions are passed through QuenzoTool::ckDecode(), where the other statements
      * encode theirs. The rows come as they are stored; decode them yourself.
      * @return rows, each a QVariant that holds a `QMap<QString, QVariant>` of column to value (of columns
-     * with the same name the last one); empty also when the select failed
+     * with the same name the last one); empty also when the select failed. When the reading breaks off half
+     * way, as in a damaged file, the rows before; that is told in the category "quenzo.records" alone.
      */
     QList<QVariant> selectFromDatabase(QString tableName, QMap<QString, QVariant>& mapValue, bool bEncode);
 
@@ -274,6 +295,10 @@ private:
     std::optional<ST_DB_COMMAND> takeCommand();
     void perform(ST_DB_COMMAND& command);
     void commit();
+    void closeConnection();
+    bool isTransactionOpen() const;
+    void commitLeftOpen();
+    static void commitAtExit();
 
     static DBHelper* singleInstance;
     QMutex m_mutex;
@@ -284,6 +309,9 @@ private:
     QSqlDatabase m_db;
     // The queue's length, which the worker looks at without the queue's mutex.
     std::atomic<int> m_nQueued{0};
+    // The last commit failed, and what the burst has written waits for another one.
+    std::atomic<bool> m_bLeftOpen{false};
+    std::unique_ptr<KeptStatements> m_kept;
 };
 
 #endif

@@ -4,6 +4,8 @@
 #include "exitgate.h"
 #include "messages.h"
 #include "records/connectionlock.h"
+#include "records/keptstatements.h"
+#include "records/sqlitedirect.h"
 
 #include <quenzobase.h>
 
@@ -12,6 +14,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+#include <cstdlib>
 #include <mutex>
 #include <typeinfo>
 #include <utility>
@@ -58,13 +61,24 @@ DBCommandEvent::DBCommandEvent()
 
 DBCommandEvent::~DBCommandEvent() = default;
 
-DBHelper::DBHelper() = default;
+DBHelper::DBHelper()
+    : m_kept(std::make_unique<KeptStatements>())
+{
+}
 
 DBHelper::~DBHelper()
 {
+    closeConnection();
     const ConnectionLock lock;
-    m_db.close();
     m_db = QSqlDatabase();
+}
+
+void DBHelper::closeConnection()
+{
+    const ConnectionLock lock;
+    m_kept->clear();
+    m_db.close();
+    m_bLeftOpen.store(false, std::memory_order_relaxed);
 }
 
 DBHelper* DBHelper::getInstance()
@@ -83,6 +97,8 @@ bool DBHelper::initDatabase(QString path)
         const ConnectionLock lock;
         wasOpen = m_db.isOpen();
         if (!wasOpen) {
+            m_kept->clear();
+            m_bLeftOpen.store(false, std::memory_order_relaxed);
             // Given back first: Qt warns of a connection that is replaced or removed while somebody holds it.
             m_db = QSqlDatabase();
             QSqlDatabase::removeDatabase(connectionName());
@@ -103,16 +119,17 @@ bool DBHelper::initDatabase(QString path)
         return false;
     }
     static std::once_flag armed;
-    std::call_once(armed, ExitGate::arm);
+    std::call_once(armed, [] {
+        // Runs behind the gate's closing, when the worker rests.
+        std::atexit(commitAtExit);
+        ExitGate::arm();
+    });
     return true;
 }
 
 bool DBHelper::closeDB()
 {
-    {
-        const ConnectionLock lock;
-        m_db.close();
-    }
+    closeConnection();
     m_bRunning.store(false, std::memory_order_release);
     m_nEventCount.store(1, std::memory_order_relaxed);
     return true;
@@ -121,8 +138,10 @@ bool DBHelper::closeDB()
 void DBHelper::removeDatabase()
 {
     const ConnectionLock lock;
-    if (singleInstance != nullptr)
+    if (singleInstance != nullptr) {
+        singleInstance->closeConnection();
         singleInstance->m_db = QSqlDatabase();
+    }
     QSqlDatabase::removeDatabase(connectionName());
 }
 
@@ -228,6 +247,10 @@ void DBHelper::run()
     for (;;) {
         if (m_nQueued.load(std::memory_order_acquire) == 0) {
             QThread::sleep(1);
+            if (m_bLeftOpen.load(std::memory_order_relaxed)) {
+                const ExitGate::Step step;
+                commitLeftOpen();
+            }
             continue;
         }
         const ExitGate::Step step;
@@ -288,16 +311,42 @@ void DBHelper::perform(ST_DB_COMMAND& command)
 
 void DBHelper::commit()
 {
-    QString error;
+    QSqlError error;
     bool committed = false;
     {
         const ConnectionLock lock;
         committed = m_db.commit();
         if (!committed)
-            error = m_db.lastError().text();
+            error = m_db.lastError();
+        m_bLeftOpen.store(!committed && isTransactionOpen(), std::memory_order_relaxed);
     }
-    if (!committed)
-        QuenzoBase::Log(error);
+    if (!committed) {
+        QuenzoBase::Log(error.text());
+        qCCritical(recordsLog).noquote() << "cannot commit:" << error.databaseText().simplified();
+    }
     m_bRunning.store(false, std::memory_order_release);
     m_bTransaction.store(false, std::memory_order_release);
+}
+
+bool DBHelper::isTransactionOpen() const
+{
+    const bool isLocked = m_db.lastError().databaseText().contains(QLatin1String("database is locked"));
+    return m_db.isOpen() && SqliteDirect::isInTransaction(*m_db.driver()).value_or(isLocked);
+}
+
+// The commit that failed before, once more and quietly. Not within a later burst, which has joined the
+// transaction and commits it as a whole.
+void DBHelper::commitLeftOpen()
+{
+    if (!m_bLeftOpen.load(std::memory_order_relaxed) || m_bTransaction.load(std::memory_order_acquire))
+        return;
+    const ConnectionLock lock;
+    const bool stillOpen = isTransactionOpen() && !m_db.commit() && isTransactionOpen();
+    m_bLeftOpen.store(stillOpen, std::memory_order_relaxed);
+}
+
+void DBHelper::commitAtExit()
+{
+    if (singleInstance != nullptr)
+        singleInstance->commitLeftOpen();
 }

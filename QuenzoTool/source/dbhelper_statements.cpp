@@ -2,52 +2,64 @@
 #include "dbhelper.h"
 
 #include "messages.h"
-#include "quenzotool.h"
-#include "records/connectionlock.h"
 #include "records/dbstatement.h"
-#include "records/statementtext.h"
+#include "records/keptstatements.h"
 
 namespace {
 
 using Row = QMap<QString, QVariant>;
+using StatementText::Shape;
 
-QVariant encoded(const QVariant& value)
+Conversion encodedIf(bool bEncode)
 {
-    return QuenzoTool::ckEncode(value.toString());
+    return bEncode ? Conversion::Encode : Conversion::None;
 }
 
-QVariant decoded(const QVariant& value)
+// An empty key has a placeholder, too: a bare colon.
+QString notNull(const QString& key)
 {
-    return QuenzoTool::ckDecode(value.toString());
+    return key.isNull() ? QLatin1String("") : key;
 }
 
-DBStatement insertStatement(QSqlDatabase& database, const QString& tableName, bool bEncode)
+// The database's own words, in one line.
+QString causeOf(const QSqlError& error)
 {
-    const auto text = [tableName](const QStringList& columns) {
-        return StatementText::insertRow(tableName, columns);
-    };
-    return {database, text, bEncode ? encoded : nullptr};
+    const QString text = error.databaseText().isEmpty() ? error.driverText() : error.databaseText();
+    return text.simplified();
 }
 
-DBStatement updateStatement(QSqlDatabase& database, const QString& tableName, const QString& whereKey,
-                            const QVariant& whereValue, bool bEncode)
+// How an operation is named in the described messages, and to a person.
+struct Words {
+    const char* described;
+    const char* plain;
+};
+
+constexpr Words insertion{"Error at insert ", "insert into"};
+constexpr Words changing{"Error at update ", "update"};
+constexpr Words deletion{"Error at delete ", "delete from"};
+constexpr Words selection{"Error at select ", "select from"};
+
+// The cause for a person, in one line.
+void logCause(const char* operation, const QString& tableName, const DBStatement& statement,
+              const char* remark = "")
 {
-    const auto text = [tableName, whereKey](const QStringList& columns) {
-        return StatementText::updateRow(tableName, columns, whereKey);
-    };
-    // An empty key has a placeholder, too: a bare colon.
-    const QString key = whereKey.isNull() ? QLatin1String("") : whereKey;
-    return {database, text, bEncode ? encoded : nullptr, key, whereValue.toString()};
+    qCWarning(recordsLog).noquote().nospace()
+        << "cannot " << operation << ' ' << tableName.simplified() << ": " << causeOf(statement.error())
+        << " (" << statement.text().simplified() << ')' << remark;
 }
 
-// Three messages, with the lines and functions that logs know them by.
-void reportFailure(const DBStatement& statement, const char* what, const QString& tableName, int line,
-                   const char* function)
+// Three messages, with the lines and functions that logs know them by, and the cause.
+void reportFailure(const DBStatement& statement, const Words& words, const QString& tableName, bool inBurst,
+                   int line, const char* function)
 {
     constexpr const char* file = "QuenzoTool/source/dbhelper";
     writeMessage(file, line, function, statement.text());
-    writeMessage(file, line + 1, function, QLatin1String(what) + QLatin1Char(' ') + tableName);
-    writeMessage(file, line + 2, function, statement.error());
+    writeMessage(file, line + 1, function, QLatin1String(words.described) + tableName);
+    writeMessage(file, line + 2, function, statement.error().text());
+    if (!recordsLog().isWarningEnabled())
+        return;
+    const bool isUndone = inBurst && !statement.isInTransaction().value_or(true);
+    logCause(words.plain, tableName, statement, isUndone ? "; its transaction is rolled back" : "");
 }
 
 } // namespace
@@ -60,11 +72,11 @@ bool DBHelper::insertToDatabase(QString tableName, QString column, QVariant valu
 
 bool DBHelper::insertToDatabase(QString tableName, QMap<QString, QVariant>& mapValue, bool bEncode)
 {
-    DBStatement statement = insertStatement(m_db, tableName, bEncode);
+    DBStatement statement(m_db, *m_kept, {Shape::Insert, tableName, {}}, encodedIf(bEncode));
     if (statement.run(mapValue))
         return true;
     reportFailure(
-        statement, "Error at insert", tableName, 285,
+        statement, insertion, tableName, m_bTransaction, 285,
         "bool __cdecl DBHelper::insertToDatabase(class QString,class QMap<class QString,class QVariant> "
         "&,bool)");
     return false;
@@ -74,12 +86,12 @@ bool DBHelper::insertToDatabase(QString tableName, QList<QVariant>& lsRecord, bo
 {
     if (lsRecord.isEmpty())
         return true;
-    DBStatement statement = insertStatement(m_db, tableName, bEncode);
+    DBStatement statement(m_db, *m_kept, {Shape::Insert, tableName, {}}, encodedIf(bEncode));
     for (const QVariant& record : qAsConst(lsRecord)) {
         if (statement.runOrRollBack(record.toMap()))
             continue;
         reportFailure(
-            statement, "Error at insert", tableName, 337,
+            statement, insertion, tableName, m_bTransaction, 337,
             "bool __cdecl DBHelper::insertToDatabase(class QString,class QList<class QVariant> &,bool)");
         return false;
     }
@@ -89,10 +101,11 @@ bool DBHelper::insertToDatabase(QString tableName, QList<QVariant>& lsRecord, bo
 bool DBHelper::updateToDatabase(QString tableName, QString whereKey, QVariant whereValue,
                                 QMap<QString, QVariant>& mapValue, bool bEncode)
 {
-    DBStatement statement = updateStatement(m_db, tableName, whereKey, whereValue, bEncode);
+    DBStatement statement(m_db, *m_kept, {Shape::Update, tableName, notNull(whereKey)}, encodedIf(bEncode),
+                          whereValue.toString());
     if (statement.run(mapValue))
         return true;
-    reportFailure(statement, "Error at update", tableName, 385,
+    reportFailure(statement, changing, tableName, m_bTransaction, 385,
                   "bool __cdecl DBHelper::updateToDatabase(class QString,class QString,class QVariant,class "
                   "QMap<class QString,class QVariant> &,bool)");
     return false;
@@ -103,12 +116,13 @@ bool DBHelper::updateToDatabase(QString tableName, QString whereKey, QVariant wh
 {
     if (lsRecord.isEmpty())
         return true;
-    DBStatement statement = updateStatement(m_db, tableName, whereKey, whereValue, bEncode);
+    DBStatement statement(m_db, *m_kept, {Shape::Update, tableName, notNull(whereKey)}, encodedIf(bEncode),
+                          whereValue.toString());
     for (const QVariant& record : qAsConst(lsRecord)) {
         if (statement.run(record.toMap()))
             continue;
         reportFailure(
-            statement, "Error at update", tableName, 437,
+            statement, changing, tableName, m_bTransaction, 437,
             "bool __cdecl DBHelper::updateToDatabase(class QString,class QString,class QVariant,class "
             "QList<class QVariant> &,bool)");
         return false;
@@ -130,14 +144,11 @@ bool DBHelper::deleteFromDatabase(QString tableName, QString key, QVariant value
 
 bool DBHelper::deleteFromDatabase(QString tableName, QMap<QString, QVariant>& mapValue, bool bEncode)
 {
-    const auto text = [tableName](const QStringList& columns) {
-        return StatementText::deleteRows(tableName, columns);
-    };
-    DBStatement statement(m_db, text, bEncode ? encoded : nullptr);
+    DBStatement statement(m_db, *m_kept, {Shape::Delete, tableName, {}}, encodedIf(bEncode));
     if (statement.run(mapValue))
         return true;
     reportFailure(
-        statement, "Error at delete", tableName, 499,
+        statement, deletion, tableName, m_bTransaction, 499,
         "bool __cdecl DBHelper::deleteFromDatabase(class QString,class QMap<class QString,class QVariant> "
         "&,bool)");
     return false;
@@ -163,20 +174,15 @@ QList<QVariant> DBHelper::selectFromDatabase(QString tableName, QString key, int
 QList<QVariant> DBHelper::selectFromDatabase(QString tableName, QMap<QString, QVariant>& mapValue,
                                              bool bEncode)
 {
-    const auto text = [tableName](const QStringList& columns) {
-        return StatementText::selectRows(tableName, columns);
-    };
-    DBStatement statement(m_db, text, bEncode ? decoded : nullptr);
+    DBStatement statement(m_db, *m_kept, {Shape::Select, tableName, {}},
+                          bEncode ? Conversion::Decode : Conversion::None);
     QList<QVariant> rows;
-    bool selected = false;
-    {
-        const ConnectionLock lock;
-        selected = statement.run(mapValue) && statement.fetch(rows);
-    }
-    if (!selected) {
-        reportFailure(statement, "Error at select", tableName, 562,
+    if (!statement.select(mapValue, rows)) {
+        reportFailure(statement, selection, tableName, m_bTransaction, 562,
                       "class QList<class QVariant> __cdecl DBHelper::selectFromDatabase(class QString,class "
                       "QMap<class QString,class QVariant> &,bool)");
+    } else if (statement.error().isValid()) {
+        logCause("read all rows of", tableName, statement, "");
     }
     return rows;
 }

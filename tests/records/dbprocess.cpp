@@ -3,6 +3,8 @@
 #include <dbhelper.h>
 
 #include <QCoreApplication>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTextStream>
 #include <QThread>
 
@@ -74,6 +76,26 @@ int exitOnWorker(const QString& file)
     return EXIT_FAILURE;
 }
 
+// The worker's commit fails since somebody reads, who ends just before the process does.
+int endWithTransactionLeftOpen(const QString& file)
+{
+    DBHelper* const database = DBHelper::getInstance();
+    database->initDatabase(file);
+    QSqlQuery(QSqlDatabase::database(QStringLiteral("Quenzo")))
+        .exec(QStringLiteral("PRAGMA busy_timeout = 1"));
+    database->insertToDatabase(table, QStringLiteral("burst"), 1, false);
+    QSqlDatabase reader = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("reader"));
+    reader.setDatabaseName(file);
+    QSqlQuery query(reader.open() ? reader : QSqlDatabase());
+    const bool reading = query.exec(QStringLiteral("SELECT * FROM bursts")) && query.next();
+    QMap<QString, QVariant> row{{QStringLiteral("burst"), 2}};
+    database->threadToDatabase(DB_INSERT, table, row, QString(), QVariant(), false, QString());
+    database->StartThread();
+    for (int i = 0; i < 3000 && database->isRunning(); ++i)
+        QThread::msleep(10);
+    return reading && !database->isRunning() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
 // The worker goes on while one application object follows the other.
 int changeApplications(int argc, char* argv[], const QString& file)
 {
@@ -129,6 +151,8 @@ int main(int argc, char* argv[])
         return writeBursts(file);
     if (std::strcmp(behaviour, "leave") == 0)
         return leaveMain(file, QByteArray(argc > 3 ? argv[3] : "0").toULong());
+    if (std::strcmp(behaviour, "left-open") == 0)
+        return endWithTransactionLeftOpen(file);
     if (std::strcmp(behaviour, "exit-on-worker") == 0)
         return exitOnWorker(file);
     return EXIT_FAILURE;

@@ -2,6 +2,8 @@
 #include "messagelog.h"
 #include "steppeddatabase.h"
 
+#include <QFile>
+#include <QLoggingCategory>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QtTest>
@@ -23,6 +25,12 @@ Row row(const QVariant& id, const QVariant& name)
     return {{QStringLiteral("id"), id}, {QStringLiteral("name"), name}};
 }
 
+// A host that has switched the causes on.
+struct CategoryOn {
+    CategoryOn() { QLoggingCategory::setFilterRules(QStringLiteral("quenzo.records=true")); }
+    ~CategoryOn() { QLoggingCategory::setFilterRules(QString()); }
+};
+
 } // namespace
 
 // What a statement that fails says, and where.
@@ -33,7 +41,12 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void selectFromADamagedFileReportsTheCause();
+    void brokenReadingYieldsWhatItReadAndWritesNoMessage();
+    void brokenReadingIsToldInTheCategory();
+    void causesAreToldInTheCategory_data();
+    void causesAreToldInTheCategory();
+    void transactionThatTheDatabaseEndedIsTold_data();
+    void transactionThatTheDatabaseEndedIsTold();
     void failuresWriteThreeMessages_data();
     void failuresWriteThreeMessages();
     void failedPreparationIsNamedByItsCause();
@@ -45,6 +58,8 @@ private Q_SLOTS:
     void elementWithoutMapIsAnEmptyRow();
 
 private:
+    void damagedFile();
+
     std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<SteppedDatabase> m_database;
 };
@@ -63,7 +78,7 @@ void tst_DBFailures::cleanup()
     m_log.reset();
 }
 
-void tst_DBFailures::selectFromADamagedFileReportsTheCause()
+void tst_DBFailures::damagedFile()
 {
     QList<QVariant> rows;
     for (int id = 0; id < 2000; ++id)
@@ -76,11 +91,104 @@ void tst_DBFailures::selectFromADamagedFileReportsTheCause()
     file.write(QByteArray(32 * 1024, '\xff'));
     file.close();
     QVERIFY(m_database->reopen());
-    QVERIFY(m_database->selectFromDatabase(table, false).size() < 2000);
-    const QStringList texts = m_log->takeDebugTexts();
-    QCOMPARE(texts.size(), 3);
-    QCOMPARE(texts.at(1), QStringLiteral("Error at select channel"));
-    QVERIFY2(texts.at(2).contains(QLatin1String("malformed")), qUtf8Printable(texts.at(2)));
+}
+
+void tst_DBFailures::brokenReadingYieldsWhatItReadAndWritesNoMessage()
+{
+    damagedFile();
+    const QList<QVariant> found = m_database->selectFromDatabase(table, false);
+    QVERIFY2(!found.isEmpty() && found.size() < 2000, qPrintable(QString::number(found.size())));
+    for (int id = 0; id < found.size(); ++id)
+        QCOMPARE(found.at(id).toMap().value(QStringLiteral("id")).toInt(), id);
+    QVERIFY2(m_log->take().isEmpty(), "the select itself has not failed");
+}
+
+void tst_DBFailures::brokenReadingIsToldInTheCategory()
+{
+    damagedFile();
+    const CategoryOn records;
+    m_database->selectFromDatabase(table, false);
+    QCOMPARE(m_log->takeWarnings(),
+             QStringList{QStringLiteral("cannot read all rows of channel: database disk image is malformed "
+                                        "(SELECT * FROM channel;)")});
+}
+
+void tst_DBFailures::causesAreToldInTheCategory_data()
+{
+    QTest::addColumn<Call>("succeeds");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("insert")
+        << Call([](DBHelper& database, const QString& name) {
+               return database.insertToDatabase(name, QStringLiteral("id"), 1, false);
+           })
+        << QStringLiteral(
+               "cannot insert into missing: no such table: missing (INSERT INTO missing(id) VALUES(:id);)");
+    QTest::newRow("list insert") << Call([](DBHelper& database, const QString&) {
+        QList<QVariant> rows{row(1, 1), row(1, 1)};
+        return database.insertToDatabase(table, rows, false);
+    })
+                                 << QStringLiteral(
+                                        "cannot insert into channel: UNIQUE constraint failed: channel.id "
+                                        "(INSERT INTO channel(id, name) VALUES(:id, :name);)");
+    QTest::newRow("update") << Call([](DBHelper& database, const QString& name) {
+        Row values{{QStringLiteral("name"), 1}};
+        return database.updateToDatabase(name, QStringLiteral("id"), 1, values, false);
+    })
+                            << QStringLiteral("cannot update missing: no such table: missing (UPDATE missing "
+                                              "SET name = :name WHERE id = :id;)");
+    QTest::newRow("delete") << Call([](DBHelper& database, const QString& name) {
+        return database.deleteFromDatabase(name);
+    }) << QStringLiteral("cannot delete from missing: no such table: missing (DELETE FROM missing;)");
+    QTest::newRow("select") << Call([](DBHelper& database, const QString&) {
+        return !database.selectFromDatabase(QStringLiteral("no\nsuch"), false).isEmpty();
+    }) << QStringLiteral("cannot select from no such: no such table: no (SELECT * FROM no such;)");
+    QTest::newRow("closed") << Call([](DBHelper& database, const QString& name) {
+        database.closeDB();
+        return database.deleteFromDatabase(name);
+    }) << QStringLiteral("cannot delete from missing: Database not open (DELETE FROM missing;)");
+}
+
+void tst_DBFailures::causesAreToldInTheCategory()
+{
+    QFETCH(const Call, succeeds);
+    QFETCH(const QString, line);
+    const CategoryOn records;
+    QVERIFY(!succeeds(*m_database, QStringLiteral("missing")));
+    const QVector<LoggedMessage> messages = m_log->take();
+    QCOMPARE(messages.size(), 4);
+    QCOMPARE(messages.last().type, QtWarningMsg);
+    QCOMPARE(messages.last().text, line);
+}
+
+void tst_DBFailures::transactionThatTheDatabaseEndedIsTold_data()
+{
+    QTest::addColumn<QString>("conflict");
+    QTest::addColumn<bool>("ended");
+    QTest::newRow("abort") << QStringLiteral("ABORT") << false;
+    QTest::newRow("fail") << QStringLiteral("FAIL") << false;
+    QTest::newRow("rollback") << QStringLiteral("ROLLBACK") << true;
+}
+
+void tst_DBFailures::transactionThatTheDatabaseEndedIsTold()
+{
+    QFETCH(const QString, conflict);
+    QFETCH(const bool, ended);
+    m_database->outside(QStringLiteral("CREATE TABLE picky(id UNIQUE ON CONFLICT ") + conflict
+                        + QStringLiteral(", name)"));
+    m_database->outside(QStringLiteral("INSERT INTO picky VALUES('1', 0), ('2', 0)"));
+    const CategoryOn records;
+    const QString picky = QStringLiteral("picky");
+    QList<QVariant> changes{Row{{QStringLiteral("name"), 5}},
+                            Row{{QStringLiteral("ID"), QStringLiteral("2")}}};
+    QVERIFY(
+        m_database->threadToDatabase(DB_UPDATE, picky, changes, QStringLiteral("id"), 1, false, QString()));
+    m_database->runBurst();
+    const QStringList lines = m_log->takeWarnings();
+    QCOMPARE(lines.size(), ended ? 2 : 1);
+    QCOMPARE(lines.first().endsWith(QLatin1String("its transaction is rolled back")), ended);
+    QCOMPARE(lines.last().startsWith(QLatin1String("cannot commit: ")), ended);
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT name FROM picky ORDER BY id")),
+             (QVariantList{ended ? 0 : 5, 0}));
 }
 
 void tst_DBFailures::failuresWriteThreeMessages_data()

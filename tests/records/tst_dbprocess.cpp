@@ -20,6 +20,7 @@ private Q_SLOTS:
     void killedProcessLeavesWholeBurstsOnly();
     void processWithAWorkerEndsCleanlyWhenMainReturns();
     void processMayEndOnTheWorkerItself();
+    void transactionLeftOpenIsCommittedAtTheEnd();
     void workerOutlivesApplicationObjects();
     void nothingIsQueuedWithoutApplication();
 
@@ -120,6 +121,12 @@ void tst_DBProcess::processMayEndOnTheWorkerItself()
     timer.start();
     run({QStringLiteral("exit-on-worker"), path()}, 30000);
     QVERIFY2(timer.elapsed() < 9000, "the worker waited for itself");
+}
+
+void tst_DBProcess::transactionLeftOpenIsCommittedAtTheEnd()
+{
+    run({QStringLiteral("left-open"), path()}, 60000);
+    QCOMPARE(ask(QStringLiteral("SELECT group_concat(burst) FROM bursts")).toString(), QStringLiteral("1,2"));
 }
 
 void tst_DBProcess::workerOutlivesApplicationObjects()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "messagelog.h"
+#include "runroot.h"
 
 #include <dbhelper.h>
 
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void stoppingFailsAndTheWorkerKeepsRunning();
     void selectsAreReportedOnTheWorker();
     void receiversOfOtherThreadsGetTheirRowsQueued();
+    void failedCommitIsTriedAgainWhenIdle();
     void load_data();
     void load();
     void directWritersAndTheWorkerLoseNothing_data();
@@ -164,6 +166,37 @@ void tst_DBWorker::receiversOfOtherThreadsGetTheirRowsQueued()
     QTRY_COMPARE_WITH_TIMEOUT(receiver, QThread::currentThread(), 30000);
     QCOMPARE(rows, 1);
     disconnect(connection);
+}
+
+void tst_DBWorker::failedCommitIsTriedAgainWhenIdle()
+{
+    RunRoot::clear();
+    QVERIFY(QSqlQuery(QSqlDatabase::database(QStringLiteral("Quenzo")))
+                .exec(QStringLiteral("PRAGMA busy_timeout = 50")));
+    QVERIFY(m_database->insertToDatabase(table, QStringLiteral("number"), 1, false));
+    QVERIFY(m_database->StartThread());
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        other.setDatabaseName(m_folder->filePath(QStringLiteral("records.db")));
+        QVERIFY(other.open());
+        QSqlQuery query(other);
+        QVERIFY(query.exec(QStringLiteral("SELECT * FROM records")));
+        QVERIFY(query.next());
+        QVariantMap row = record(1, 2);
+        QVERIFY(m_database->threadToDatabase(DB_INSERT, table, row, QString(), QVariant(), false, QString()));
+        QTRY_VERIFY_WITH_TIMEOUT(!m_database->isRunning(), 60000);
+        // Time for further attempts while somebody still reads.
+        QTest::qWait(2500);
+        QVERIFY(!m_database->isRunning());
+        query.finish();
+        const auto write = [&query] { return query.exec(QStringLiteral("UPDATE records SET caller = 5")); };
+        QTRY_VERIFY_WITH_TIMEOUT(write(), 60000);
+        QVERIFY(query.exec(QStringLiteral("SELECT count(*) FROM records")) && query.next());
+        QCOMPARE(query.value(0).toInt(), 2);
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("other"));
+    QVERIFY2(RunRoot::log().count("database is locked") == 1, RunRoot::log().constData());
+    QCOMPARE(m_log->take().size(), 0);
 }
 
 void tst_DBWorker::load_data()

@@ -2,84 +2,45 @@
 #include "records/dbstatement.h"
 
 #include "records/connectionlock.h"
-#include "records/sqlitedirect.h"
-#include "records/statementtext.h"
+#include "records/keptstatements.h"
 
 #include <QSqlDriver>
-#include <QSqlError>
 #include <QSqlRecord>
-#include <QSqlResult>
-#include <QVector>
 
-#include <algorithm>
 #include <utility>
 
 namespace {
 
-// A row without its values, and where these stand in the result: of fields with the same name the last one
-// counts.
-struct RowPattern {
-    QMap<QString, QVariant> row;
-    QVector<int> indexes; // in the row's order
-};
+// Of statements that are wrong, among others.
+const QLatin1String genericError("1");
 
-RowPattern patternOf(const QSqlRecord& record)
+QStringList namesOf(const QSqlRecord& record)
 {
-    QMap<QString, int> indexes;
+    QStringList names;
     for (int i = 0; i < record.count(); ++i)
-        indexes.insert(record.fieldName(i), i);
-    RowPattern pattern;
-    for (auto field = indexes.cbegin(); field != indexes.cend(); ++field) {
-        pattern.row.insert(field.key(), QVariant());
-        pattern.indexes.append(field.value());
-    }
-    return pattern;
-}
-
-// Qt looks a placeholder up by its name for each value. The values themselves are for drivers to read;
-// writing them there takes a third of the time.
-struct BoundValues : QSqlResult {
-    static QVector<QVariant>& of(const QSqlQuery& query)
-    {
-        return (query.result()->*(&BoundValues::boundValues))();
-    }
-};
-
-// What Qt takes for the whole name of a placeholder.
-bool isPlainName(const QString& column)
-{
-    return !column.isEmpty() && std::all_of(column.cbegin(), column.cend(), [](QChar letter) {
-        return letter == QLatin1Char('_') || (letter.unicode() < 128 && letter.isLetterOrNumber());
-    });
-}
-
-// Rows are often made of the same literals.
-bool isSame(const QString& one, const QString& other)
-{
-    return one.size() == other.size() && (one.constData() == other.constData() || one == other);
+        names.append(record.fieldName(i));
+    return names;
 }
 
 } // namespace
 
-DBStatement::DBStatement(QSqlDatabase& database, Text text, Conversion convert, const QString& lastColumn,
-                         const QVariant& lastValue)
+DBStatement::DBStatement(QSqlDatabase& database, KeptStatements& kept, StatementText::Shape shape,
+                         Conversion conversion, QString key)
     : m_database(database)
-    , m_makeText(std::move(text))
-    , m_convert(convert)
-    , m_lastColumn(lastColumn)
-    , m_lastValue(lastValue)
+    , m_kept(kept)
+    , m_shape(std::move(shape))
+    , m_conversion(conversion)
+    , m_key(std::move(key))
 {
-    const ConnectionLock lock;
-    if (database.isOpen()) {
-        m_query = std::make_unique<QSqlQuery>(database);
-        m_query->setForwardOnly(true);
-    }
 }
 
 DBStatement::~DBStatement()
 {
+    if (!m_query && !m_own)
+        return;
     const ConnectionLock lock;
     m_query.reset();
+    m_own.reset();
 }
 
 bool DBStatement::run(const QMap<QString, QVariant>& row)
@@ -97,33 +58,109 @@ bool DBStatement::runOrRollBack(const QMap<QString, QVariant>& row)
     return done;
 }
 
-bool DBStatement::execute(const QMap<QString, QVariant>& row)
+bool DBStatement::select(const QMap<QString, QVariant>& conditions, QList<QVariant>& rows)
+{
+    const ConnectionLock lock;
+    if (!execute(conditions))
+        return false;
+    m_error = QSqlError();
+    fetch(rows);
+    m_query.reset();
+    return true;
+}
+
+std::optional<bool> DBStatement::isInTransaction() const
+{
+    const ConnectionLock lock;
+    return isOpen() ? SqliteDirect::isInTransaction(*m_database.driver()) : std::nullopt;
+}
+
+bool DBStatement::isOpen() const
 {
     // Asked each time: between two rows another thread may have closed the connection.
-    const QSqlDriver* const driver = m_query ? m_query->driver() : nullptr;
-    if (driver == nullptr || !driver->isOpen()) {
-        takeColumns(row);
-        m_error =
-            m_database.isOpenError() ? m_database.lastError().text() : QStringLiteral("Database not open");
+    return m_database.isOpen();
+}
+
+bool DBStatement::execute(const QMap<QString, QVariant>& row)
+{
+    if (!isOpen()) {
+        takeText(row);
+        m_error = m_database.isOpenError() ? m_database.lastError()
+                                           : QSqlError(QStringLiteral("Database not open"));
         return false;
     }
-    const bool again = rebind(row);
-    const SqliteRun run =
-        again ? runBySqlite(*m_query, BoundValues::of(*m_query), m_error) : SqliteRun::NotTried;
-    if (run != SqliteRun::NotTried)
-        return run == SqliteRun::Done;
-    const bool done = (again || prepare(row)) && m_query->exec();
+    bool done = false;
+    return runReady(row, done) ? done : prepareAndRun(row);
+}
+
+// False when no statement is ready for such a row.
+bool DBStatement::runReady(const QMap<QString, QVariant>& row, bool& done)
+{
+    const bool own = m_own && m_own->serves(m_shape, row);
+    RowStatement* const ready = own ? m_own.get() : m_kept.find(m_shape, row);
+    if (ready == nullptr)
+        return false;
+    const SqliteDirect::Outcome outcome =
+        ready->run({row, m_conversion, m_shape.key.isNull() ? nullptr : &m_key}, m_error);
+    done = outcome == SqliteDirect::Outcome::Done;
+    // What was compiled anew may by now mean another table.
+    const bool lasts = done && (own || !SqliteDirect::wasCompiledAnew(ready->query()));
+    if (!lasts && !own)
+        m_kept.dropFound();
+    if (outcome == SqliteDirect::Outcome::NotTried) {
+        m_own.reset();
+        return false;
+    }
+    if (!done) {
+        takeText(row);
+        learnOfFailedPreparation();
+    }
+    return true;
+}
+
+bool DBStatement::prepareAndRun(const QMap<QString, QVariant>& row)
+{
+    takeText(row);
+    m_query = std::make_unique<QSqlQuery>(m_database);
+    m_query->setForwardOnly(true);
+    // A failed preparation would show as a failing run, too, but with a text that does not tell why.
+    const bool prepared = m_query->prepare(m_text);
+    if (prepared) {
+        for (auto value = row.cbegin(); value != row.cend(); ++value)
+            m_query->bindValue(StatementText::placeholder(value.key()), converted(*value, m_conversion),
+                               QSql::In);
+        if (!m_shape.key.isNull())
+            m_query->bindValue(StatementText::placeholder(m_shape.key), m_key, QSql::In);
+    }
+    const bool done = prepared && m_query->exec();
     if (!done)
-        m_error = m_query->lastError().text();
+        m_error = m_query->lastError();
+    else if (m_shape.kind != StatementText::Shape::Select)
+        makeReady(row.keys());
     return done;
 }
 
-bool DBStatement::fetch(QList<QVariant>& rows)
+void DBStatement::makeReady(const QStringList& columns)
 {
-    const ConnectionLock lock;
-    const RowPattern pattern = patternOf(m_query->record());
+    if (!RowStatement::bindsInOrder(*m_query, m_shape, columns))
+        return;
+    const bool direct = m_kept.isDirect(*m_query->driver());
+    const bool lasting = direct && SqliteDirect::isLasting(*m_query, m_shape.table);
+    RowStatement statement(m_shape, columns, std::move(m_query), direct);
+    if (lasting)
+        m_kept.add(std::move(statement));
+    else
+        m_own = std::make_unique<RowStatement>(std::move(statement));
+}
+
+void DBStatement::fetch(QList<QVariant>& rows)
+{
+    const QStringList names = namesOf(m_query->record());
+    if (m_kept.isDirect(*m_query->driver())
+        && SqliteDirect::read(*m_query, names, rows, m_error) != SqliteDirect::Outcome::NotTried)
+        return;
+    const RowPattern pattern(names);
     while (m_query->next()) {
-        // Copying a map costs less than sorting each name in anew.
         QMap<QString, QVariant> row = pattern.row;
         auto value = row.begin();
         for (const int index : pattern.indexes)
@@ -131,55 +168,21 @@ bool DBStatement::fetch(QList<QVariant>& rows)
         rows.append(row);
     }
     // Reading may fail on the way, in a damaged file for one.
-    if (m_query->lastError().isValid())
-        m_error = m_query->lastError().text();
-    return !m_query->lastError().isValid();
+    m_error = m_query->lastError();
 }
 
-void DBStatement::takeColumns(const QMap<QString, QVariant>& row)
+// A statement whose table has changed fails as it runs, where a new one would fail before: that is told by
+// preparing it once more, not by running it.
+void DBStatement::learnOfFailedPreparation()
 {
-    m_columns = row.keys();
-    m_text = m_makeText(m_columns);
+    if (m_error.nativeErrorCode() != genericError)
+        return;
+    QSqlQuery query(m_database);
+    if (!query.prepare(m_text))
+        m_error = query.lastError();
 }
 
-bool DBStatement::prepare(const QMap<QString, QVariant>& row)
+void DBStatement::takeText(const QMap<QString, QVariant>& row)
 {
-    m_rebindable = false;
-    takeColumns(row);
-    // A failed preparation would show as a failing run, too, but with a text that does not tell why.
-    if (!m_query->prepare(m_text))
-        return false;
-    for (auto value = row.cbegin(); value != row.cend(); ++value)
-        m_query->bindValue(StatementText::placeholder(value.key()), converted(*value), QSql::In);
-    if (!m_lastColumn.isNull())
-        m_query->bindValue(StatementText::placeholder(m_lastColumn), m_lastValue, QSql::In);
-    m_rebindable = bindsInOrder();
-    return true;
-}
-
-bool DBStatement::bindsInOrder() const
-{
-    // Qt numbers the placeholders of the whole text: those of plain names, and no others, are the values in
-    // order.
-    const int last = m_lastColumn.isNull() ? 0 : 1;
-    return std::all_of(m_columns.cbegin(), m_columns.cend(), isPlainName)
-        && (last == 0 || (isPlainName(m_lastColumn) && !m_columns.contains(m_lastColumn)))
-        && BoundValues::of(*m_query).size() == m_columns.size() + last;
-}
-
-bool DBStatement::rebind(const QMap<QString, QVariant>& row)
-{
-    if (!m_rebindable || row.size() != m_columns.size())
-        return false;
-    auto column = m_columns.cbegin();
-    QVariant* bound = BoundValues::of(*m_query).data();
-    for (auto value = row.cbegin(); value != row.cend(); ++value, ++column, ++bound) {
-        if (!isSame(*column, value.key()))
-            return false;
-        if (m_convert == nullptr)
-            *bound = *value;
-        else
-            *bound = m_convert(*value);
-    }
-    return true;
+    m_text = m_shape.text(row.keys());
 }

@@ -2,19 +2,22 @@
 #ifndef DBSTATEMENT_H
 #define DBSTATEMENT_H
 
-#include <QList>
-#include <QMap>
-#include <QSqlDatabase>
-#include <QSqlQuery>
-#include <QString>
-#include <QStringList>
-#include <QVariant>
+#include "records/rowvalues.h"
+#include "records/statementtext.h"
 
-#include <functional>
+#include <QList>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+
 #include <memory>
+#include <optional>
+
+class KeptStatements;
+class RowStatement;
 
 /**
- * One call's query on the shared connection. It is run once a row; a row of the same columns as the one
+ * One call's statement on the shared connection. It is run once a row; a row of the same columns as one
  * before needs neither a new text nor a new preparation.
  *
  * Takes the connection's lock by itself for each operation. A connection that is not open fails here: Qt
@@ -23,17 +26,13 @@
  */
 class DBStatement {
 public:
-    using Text = std::function<QString(const QStringList& columns)>;
-    using Conversion = QVariant (*)(const QVariant& value);
-
     /**
      * @param database the member handle, which is read under the lock
-     * @param text builds the statement for the columns of a row
-     * @param convert turns a row's value into the one that is bound; null binds it as it is
-     * @param lastColumn if not null, bound behind the columns of each row, to @p lastValue as it is
+     * @param kept the statements that outlive the call
+     * @param key the value of the shape's key, as text
      */
-    DBStatement(QSqlDatabase& database, Text text, Conversion convert, const QString& lastColumn = {},
-                const QVariant& lastValue = {});
+    DBStatement(QSqlDatabase& database, KeptStatements& kept, StatementText::Shape shape,
+                Conversion conversion, QString key = {});
     ~DBStatement();
     DBStatement(const DBStatement&) = delete;
     DBStatement& operator=(const DBStatement&) = delete;
@@ -45,39 +44,40 @@ public:
     bool runOrRollBack(const QMap<QString, QVariant>& row);
 
     /**
-     * Appends the rows that the last run yields. The lock is to be held since that run.
+     * Runs a select and appends its rows.
      *
-     * @return false when the database failed on the way; the rows before are appended
+     * @return whether it ran; error() is valid also when the reading failed on the way
      */
-    bool fetch(QList<QVariant>& rows);
+    bool select(const QMap<QString, QVariant>& conditions, QList<QVariant>& rows);
 
-    /** The text of the last run. */
+    /** The text of the last run that failed, or that selected. */
     QString text() const { return m_text; }
 
     /** Why the last run failed, in the database's words. */
-    QString error() const { return m_error; }
+    QSqlError error() const { return m_error; }
+
+    /** Whether the connection is in a transaction; nothing when that cannot be told. */
+    std::optional<bool> isInTransaction() const;
 
 private:
     bool execute(const QMap<QString, QVariant>& row);
-    void takeColumns(const QMap<QString, QVariant>& row);
-    bool prepare(const QMap<QString, QVariant>& row);
-    bool bindsInOrder() const;
-    bool rebind(const QMap<QString, QVariant>& row);
-    QVariant converted(const QVariant& value) const
-    {
-        return m_convert != nullptr ? m_convert(value) : value;
-    }
+    bool runReady(const QMap<QString, QVariant>& row, bool& done);
+    bool prepareAndRun(const QMap<QString, QVariant>& row);
+    void makeReady(const QStringList& columns);
+    void fetch(QList<QVariant>& rows);
+    bool isOpen() const;
+    void learnOfFailedPreparation();
+    void takeText(const QMap<QString, QVariant>& row);
 
     QSqlDatabase& m_database;
-    std::unique_ptr<QSqlQuery> m_query;
-    Text m_makeText;
-    Conversion m_convert;
+    KeptStatements& m_kept;
+    const StatementText::Shape m_shape;
+    const Conversion m_conversion;
+    const QString m_key;
+    std::unique_ptr<QSqlQuery> m_query; // prepared for one row alone
+    std::unique_ptr<RowStatement> m_own; // for rows of this call only
     QString m_text;
-    QStringList m_columns;
-    bool m_rebindable = false; // another row of the same columns needs no preparation
-    QString m_lastColumn;
-    QVariant m_lastValue;
-    QString m_error;
+    QSqlError m_error;
 };
 
 #endif

@@ -2,32 +2,80 @@
 #ifndef SQLITEDIRECT_H
 #define SQLITEDIRECT_H
 
+#include "records/rowvalues.h"
+
+#include <QList>
+#include <QSqlError>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
-#include <QVector>
+
+#include <optional>
+#include <string>
+#include <vector>
 
 QT_BEGIN_NAMESPACE
+class QSqlDriver;
 class QSqlQuery;
 QT_END_NAMESPACE
 
-/** What came of a run by SQLite itself. */
-enum class SqliteRun {
+/**
+ * The way straight to SQLite, past the bookkeeping of Qt's driver, which takes longer than SQLite's own work.
+ * What is stored and read, and what a failure says, is what the driver would make of it.
+ *
+ * Each function says so when it cannot serve: the caller then goes through QSqlQuery, as builds without
+ * SQLite's interface always do. The connection's lock is to be held.
+ */
+namespace SqliteDirect {
+
+/**
+ * Whether the driver calls the very copy of SQLite that this library calls. A copy of its own, even of the
+ * same version, has its own state and may be built otherwise: its statements must never meet the code of
+ * another one.
+ */
+bool isSharedWith(const QSqlDriver& driver);
+
+enum class Outcome {
     Done,
     Failed,
     NotTried ///< nothing has happened: the run is left to QSqlQuery::exec
 };
 
+/** Texts on their way into the database, in the memory of the texts before. */
+using TextBuffers = std::vector<std::string>;
+
 /**
- * Runs a prepared statement that yields no rows once more, straight through SQLite's own interface: what Qt
- * does around it takes half as long again as the insertion of a row.
+ * Runs a prepared statement that yields no rows once more. Not tried for values whose stored form is the
+ * driver's matter, dates for one.
  *
- * Not tried when Qt's driver has another SQLite than this library, and for values whose stored form is the
- * driver's matter, dates for one. The connection's lock is to be held.
- *
- * @param query has been run before
- * @param values one for each placeholder, in order; they stay the caller's
+ * @param query of a shared driver
  * @param error set when the run failed, to what Qt would say
  */
-SqliteRun runBySqlite(const QSqlQuery& query, const QVector<QVariant>& values, QString& error);
+Outcome run(const QSqlQuery& query, const RowValues& values, TextBuffers& buffers, QSqlError& error);
+
+/** Takes the values off a statement that has run, which the driver would keep until the next ones. */
+void forgetValues(const QSqlQuery& query);
+
+/**
+ * Whether a statement on this table means the same whenever it is run again: whatever changes its meaning
+ * makes SQLite compile it anew, as long as the table is the main database's own.
+ */
+bool isLasting(const QSqlQuery& query, const QString& table);
+
+/** Whether a change of the schema had the statement compiled anew since its preparation. */
+bool wasCompiledAnew(const QSqlQuery& query);
+
+/**
+ * Appends the rows of a select that Qt has just run, and ends it.
+ *
+ * @param names the fields as Qt names them; of fields with the same name the last one counts
+ * @param error set when the reading failed on the way; the rows before are appended
+ */
+Outcome read(const QSqlQuery& query, const QStringList& names, QList<QVariant>& rows, QSqlError& error);
+
+/** Whether the connection is in a transaction; nothing when that cannot be told. */
+std::optional<bool> isInTransaction(const QSqlDriver& driver);
+
+} // namespace SqliteDirect
 
 #endif

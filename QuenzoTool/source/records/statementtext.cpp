@@ -25,6 +25,21 @@ QString conditions(const QStringList& columns)
 
 } // namespace
 
+QString StatementText::Shape::text(const QStringList& columns) const
+{
+    switch (kind) {
+    case Insert:
+        return insertRow(table, columns);
+    case Update:
+        return updateRow(table, columns, key);
+    case Delete:
+        return deleteRows(table, columns);
+    case Select:
+        break;
+    }
+    return selectRows(table, columns);
+}
+
 QString StatementText::placeholder(const QString& column)
 {
     return QLatin1Char(':') + column;

@@ -11,6 +11,16 @@
  */
 namespace StatementText {
 
+/** What a statement does, but for the columns of its row. */
+struct Shape {
+    enum Kind { Insert, Update, Delete, Select };
+    Kind kind;
+    QString table;
+    QString key; ///< update only, and never null there: the condition's column
+
+    QString text(const QStringList& columns) const;
+};
+
 QString placeholder(const QString& column);
 
 QString insertRow(const QString& table, const QStringList& columns);
