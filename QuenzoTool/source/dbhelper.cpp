@@ -93,6 +93,7 @@ bool DBHelper::initDatabase(QString path)
     constexpr const char* function = "bool __cdecl DBHelper::initDatabase(class QString)";
     bool wasOpen = false;
     bool opened = false;
+    QString cause;
     {
         const ConnectionLock lock;
         wasOpen = m_db.isOpen();
@@ -105,6 +106,7 @@ bool DBHelper::initDatabase(QString path)
             m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName());
             m_db.setDatabaseName(path);
             opened = m_db.open();
+            cause = m_db.lastError().databaseText().simplified();
             // Makes what Qt keeps for queries, so that it outlives the registration at exit below.
             if (opened)
                 const QSqlQuery query(m_db);
@@ -112,10 +114,12 @@ bool DBHelper::initDatabase(QString path)
     }
     if (wasOpen) {
         writeHelperMessage(89, function, QStringLiteral("Database was opened!"));
+        qCWarning(recordsLog) << "cannot open a database: one is open";
         return false;
     }
     if (!opened) {
         writeHelperMessage(97, function, QStringLiteral("fail to open database!"));
+        qCWarning(recordsLog).noquote().nospace() << "cannot open the database '" << path << "': " << cause;
         return false;
     }
     static std::once_flag armed;
@@ -340,9 +344,14 @@ void DBHelper::commitLeftOpen()
 {
     if (!m_bLeftOpen.load(std::memory_order_relaxed) || m_bTransaction.load(std::memory_order_acquire))
         return;
-    const ConnectionLock lock;
-    const bool stillOpen = isTransactionOpen() && !m_db.commit() && isTransactionOpen();
-    m_bLeftOpen.store(stillOpen, std::memory_order_relaxed);
+    bool committed = false;
+    {
+        const ConnectionLock lock;
+        committed = isTransactionOpen() && m_db.commit();
+        m_bLeftOpen.store(!committed && isTransactionOpen(), std::memory_order_relaxed);
+    }
+    if (committed)
+        qCInfo(recordsLog) << "committed at last";
 }
 
 void DBHelper::commitAtExit()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "terminal.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -50,6 +51,11 @@ private Q_SLOTS:
     void failureExitsWithOneAndTheDatabasesWords();
     void failedQueuedInsertLeavesNoRow();
     void failedQueuedUpdateSaysWhatStays();
+    void failedQueuedUpdateSaysThatAllIsUndone();
+    void failuresAreToldWhateverTheLoggingRules_data();
+    void failuresAreToldWhateverTheLoggingRules();
+    void brokenSelectFails_data();
+    void brokenSelectFails();
     void failedDirectWritingNamesTheRow_data();
     void failedDirectWritingNamesTheRow();
     void fileThatIsNoDatabaseIsNamed();
@@ -352,7 +358,8 @@ void tst_DBCommands::failureExitsWithOneAndTheDatabasesWords()
     ask(QStringLiteral("INSERT INTO channel(id) VALUES('1')"));
     const Ended ended = db(arguments);
     QCOMPARE(ended.code, 1);
-    QVERIFY2(ended.error.contains(": " + cause + ". The statement: "), ended.error.constData());
+    QVERIFY2(ended.error.contains(": " + cause + " ("), ended.error.constData());
+    QCOMPARE(ended.error.count('\n'), 1);
     QCOMPARE(ended.output, QByteArray());
 }
 
@@ -360,9 +367,10 @@ void tst_DBCommands::failedQueuedInsertLeavesNoRow()
 {
     const Ended ended = db(words("insert channel"), "{\"id\": 1}\n{\"id\": 2}\n{\"id\": 2}\n{\"id\": 3}\n");
     QCOMPARE(ended.code, 1);
-    QCOMPARE(ended.error,
-             QByteArray("quenzo: cannot insert into channel: UNIQUE constraint failed: channel.id. No row is "
-                        "written. The statement: INSERT INTO channel(id) VALUES(:id);\n"));
+    QCOMPARE(
+        ended.error,
+        QByteArray("quenzo: cannot insert into channel: UNIQUE constraint failed: channel.id (INSERT INTO "
+                   "channel(id) VALUES(:id);); its transaction is rolled back. No row is written.\n"));
     QCOMPARE(ask(QStringLiteral("SELECT id FROM channel")), QStringList());
 }
 
@@ -372,16 +380,67 @@ void tst_DBCommands::failedQueuedUpdateSaysWhatStays()
     const Ended ended = db(words("update channel --where id=1"),
                            "{\"name\": \"one\"}\n{\"nme\": \"typo\"}\n{\"state\": 1}\n");
     QCOMPARE(ended.code, 1);
-    QCOMPARE(
-        ended.error,
-        QByteArray("quenzo: cannot update channel: no such column: nme. What the rows before this one "
-                   "changed stays written. The statement: UPDATE channel SET nme = :nme WHERE id = :id;\n"));
+    QCOMPARE(ended.error,
+             QByteArray("quenzo: cannot update channel: no such column: nme (UPDATE channel SET nme = :nme "
+                        "WHERE id = :id;). What the rows before this one changed stays written.\n"));
     QCOMPARE(ask(QStringLiteral("SELECT name || ifnull(state, '-') FROM channel")),
              QStringList{QStringLiteral("one-")});
     const QByteArray help = db({QStringLiteral("--help")}).output.simplified();
     QVERIFY2(help.contains("integers beyond 2^53 and infinite numbers (9e999) as text"), help.constData());
-    QVERIFY2(help.contains("of an update, what the rows before a failed one changed stays"),
+    QVERIFY2(help.contains("of an update, what the rows before a failed one changed stays, too, unless the "
+                           "table says ON CONFLICT ROLLBACK"),
              help.constData());
+}
+
+void tst_DBCommands::failedQueuedUpdateSaysThatAllIsUndone()
+{
+    ask(QStringLiteral("CREATE TABLE picky(id UNIQUE ON CONFLICT ROLLBACK, name)"));
+    ask(QStringLiteral("INSERT INTO picky VALUES('1', 'old'), ('2', 'old')"));
+    const Ended ended = db(words("update picky --where id=1"), "{\"name\": \"new\"}\n{\"ID\": \"2\"}\n");
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("What the rows before this one changed is undone, too."),
+             ended.error.constData());
+    QCOMPARE(ask(QStringLiteral("SELECT name FROM picky")),
+             (QStringList{QStringLiteral("old"), QStringLiteral("old")}));
+}
+
+void tst_DBCommands::failuresAreToldWhateverTheLoggingRules_data()
+{
+    failureExitsWithOneAndTheDatabasesWords_data();
+}
+
+void tst_DBCommands::failuresAreToldWhateverTheLoggingRules()
+{
+    const QByteArray before = qgetenv("QT_LOGGING_RULES");
+    for (const char* rules : {"*.debug=false", "*=false", "quenzo.*=false"}) {
+        qputenv("QT_LOGGING_RULES", rules);
+        ask(QStringLiteral("DELETE FROM channel"));
+        failureExitsWithOneAndTheDatabasesWords();
+    }
+    before.isNull() ? qunsetenv("QT_LOGGING_RULES") : qputenv("QT_LOGGING_RULES", before);
+}
+
+void tst_DBCommands::brokenSelectFails_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("queued") << words("select channel");
+    QTest::newRow("direct") << words("select channel --direct");
+}
+
+void tst_DBCommands::brokenSelectFails()
+{
+    QFETCH(const QStringList, arguments);
+    ask(QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
+                       "INSERT INTO channel SELECT i, printf('%0200d', i), 0 FROM n"));
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(file.size() / 2));
+    file.write(QByteArray(32 * 1024, '\xff'));
+    file.close();
+    const Ended ended = db(arguments);
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.error,
+             QByteArray("quenzo: cannot read all rows of channel: database disk image is malformed "
+                        "(SELECT * FROM channel;)\n"));
 }
 
 void tst_DBCommands::failedDirectWritingNamesTheRow_data()

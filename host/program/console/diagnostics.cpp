@@ -38,9 +38,7 @@ void keep(QtMsgType type, const QMessageLogContext& context, const QString& text
     if (text.startsWith(QLatin1String("QStandardPaths:")))
         return;
     const bool isDescribed = type == QtDebugMsg && qstrncmp(context.file, "QuenzoTool/source/", 18) == 0;
-    // A statement that failed is told by these alone.
-    const bool isStatement = isDescribed && qstrcmp(context.file, "QuenzoTool/source/dbhelper") == 0;
-    if (isOfTheLibrary(context.category) || isStatement) {
+    if (isOfTheLibrary(context.category)) {
         const QMutexLocker locker(&mutex);
         (type == QtInfoMsg ? stepTexts : texts).append(text);
     } else if (!isDescribed) {

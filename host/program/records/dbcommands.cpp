@@ -183,7 +183,8 @@ Command dbCommand()
                 C::tr("Goes without the queue: each row is committed by itself, and those before a failed "
                       "one stay. "
                       "The queue writes all rows of an insert or none; of an update, what the rows before a "
-                      "failed one changed stays with it, too.")),
+                      "failed one changed stays, too, unless the table says ON CONFLICT ROLLBACK or the disk "
+                      "is full.")),
          option("csv",
                 C::tr("Prints rows as CSV; otherwise as a table on a terminal, elsewhere as JSON lines."))},
         runDatabase,

@@ -7,8 +7,6 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QSqlDatabase>
-#include <QSqlError>
 #include <QTimer>
 
 #include <algorithm>
@@ -21,12 +19,6 @@ struct DBSession {
 
 const QLatin1String rowsTag("rows");
 const QLatin1String endTag("end");
-
-// What the connection last failed at; it is this thread's, and the worker is idle.
-QString connectionError()
-{
-    return QSqlDatabase::database(QStringLiteral("Quenzo"), false).lastError().text();
-}
 
 void queueRequest(DBHelper& database, DBRequest& request)
 {
@@ -93,23 +85,17 @@ void runDirectly(DBHelper& database, DBRequest& request, DBOutcome& outcome)
     }
 }
 
-QString failureText(const DBRequest& request, const QString& cause)
+// How the library's lines begin that say what became of a burst as a whole.
+const QLatin1String commitFailed("cannot commit: ");
+const QLatin1String commitCameLate("committed at last");
+
+bool isOfCommit(const QString& line)
 {
-    switch (request.command) {
-    case DB_INSERT:
-        return DBSession::tr("cannot insert into %1: %2.").arg(request.table, cause);
-    case DB_UPDATE:
-        return DBSession::tr("cannot update %1: %2.").arg(request.table, cause);
-    case DB_DELETE:
-        return DBSession::tr("cannot delete from %1: %2.").arg(request.table, cause);
-    case DB_SELECT:
-        break;
-    }
-    return DBSession::tr("cannot select from %1: %2.").arg(request.table, cause);
+    return line.startsWith(commitFailed) || line.startsWith(commitCameLate);
 }
 
 // What a failed statement has left in the file.
-QString remainsText(const DBRequest& request, int written)
+QString remainsText(const DBRequest& request, int written, bool committed)
 {
     if (request.rows.size() < 2)
         return {};
@@ -117,41 +103,26 @@ QString remainsText(const DBRequest& request, int written)
         return DBSession::tr("This is row %1 of %2; those before it stay written.")
             .arg(QString::number(written + 1), QString::number(request.rows.size()));
     }
-    return request.command == DB_INSERT
-        ? DBSession::tr("No row is written.")
-        : DBSession::tr("What the rows before this one changed stays written.");
+    if (request.command == DB_INSERT)
+        return DBSession::tr("No row is written.");
+    return committed ? DBSession::tr("What the rows before this one changed stays written.")
+                     : DBSession::tr("What the rows before this one changed is undone, too.");
 }
 
-// The driver adds what it was doing, in words of its own.
-QString causeOf(QString text)
+// From the lines of the library alone: whoever fails tells so there.
+QString errorOf(const DBRequest& request, const DBOutcome& outcome, const QStringList& lines)
 {
-    for (const char* doing :
-         {"Unable to fetch row", "Unable to execute statement", "Parameter count mismatch",
-          "Unable to commit transaction", "Error opening database"}) {
-        if (text.endsWith(QLatin1String(doing)) && text.size() > int(qstrlen(doing)))
-            text.chop(int(qstrlen(doing)));
+    const auto failure = std::find_if_not(lines.cbegin(), lines.cend(), isOfCommit);
+    const QString commit = lines.isEmpty() || !isOfCommit(lines.last()) ? QString() : lines.last();
+    const bool committed = !commit.startsWith(commitFailed);
+    if (failure != lines.cend()) {
+        const QString remains = remainsText(request, outcome.written, committed);
+        return remains.isEmpty() ? *failure : *failure + QStringLiteral(". ") + remains;
     }
-    return text.trimmed();
-}
-
-QString errorOf(const DBRequest& request, const DBOutcome& outcome)
-{
-    // A failed statement gives three messages: its text, the operation and the cause.
-    const QStringList messages = Diagnostics::takeAll();
-    if (messages.size() >= 3) {
-        QStringList sentences{failureText(request, causeOf(messages.at(2)))};
-        const QString remains = remainsText(request, outcome.written);
-        if (!remains.isEmpty())
-            sentences.append(remains);
-        sentences.append(DBSession::tr("The statement: %1").arg(messages.at(0)));
-        return sentences.join(QLatin1Char(' '));
-    }
-    // A failed commit goes to the tool's log, beside the connection.
-    const QString cause = connectionError();
-    if (!messages.isEmpty() || cause.isEmpty())
-        return messages.join(QStringLiteral("; "));
+    if (committed)
+        return {};
     return DBSession::tr("the transaction on %1 cannot be committed: %2. Nothing is written.")
-        .arg(request.table, causeOf(cause));
+        .arg(request.table, commit.mid(commitFailed.size()));
 }
 
 } // namespace
@@ -161,8 +132,7 @@ DBOutcome runRequest(DBRequest request, Console& console)
     DBOutcome outcome;
     DBHelper& database = *DBHelper::getInstance();
     if (!database.initDatabase(request.file)) {
-        outcome.error = DBSession::tr("the database '%1' cannot be opened: %2")
-                            .arg(request.file, causeOf(connectionError()));
+        outcome.error = Diagnostics::take();
         return outcome;
     }
     if (request.direct) {
@@ -171,8 +141,9 @@ DBOutcome runRequest(DBRequest request, Console& console)
         queueRequest(database, request);
         outcome.rows = waitUntilDrained(database, console);
     }
-    outcome.error = errorOf(request, outcome);
+    // Closed first: until then a commit that failed is tried again.
     database.closeDB();
     DBHelper::removeDatabase();
+    outcome.error = errorOf(request, outcome, Diagnostics::takeAll());
     return outcome;
 }
