@@ -402,7 +402,7 @@ void tst_DBHelper::messagesAreWrittenWithoutTheConnectionsLock()
     m_database->reopen();
     qInstallMessageHandler(before);
     QLoggingCategory::setFilterRules(QString());
-    QCOMPARE(handledStatements, 25);
+    QCOMPARE(handledStatements, 26);
 }
 
 void tst_DBHelper::signalsAreEmittedWithoutTheConnectionsLock()
