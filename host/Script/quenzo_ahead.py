@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
-"""Does a list of jobs on all cores, some jobs ahead of whoever takes the results in order.
+"""Does jobs on all cores, some jobs ahead of whoever takes the results in order.
 
-Threads serve as long as the work leaves the interpreter lock, as deflating and reading do.
+Threads serve where the work leaves the interpreter lock for long, as deflating does.
 """
 import collections
 import os
@@ -15,25 +15,26 @@ _AHEAD = 4              # jobs a thread that are begun or done before their turn
 
 
 def in_order(work, jobs):
-    """Yields work(job) for every job of a list; an exception comes out in its job's turn, and ends the others."""
-    count = min(_cores(), MOST_THREADS, len(jobs))
-    if count < 2:
-        for job in jobs:
-            yield work(job)
-        return
-    queue, waiting = Queue.Queue(), collections.deque()
-    threads = [threading.Thread(target=_serve, args=(queue,)) for unused in range(count)]
+    """Yields (job, work(job)) for each job; an exception comes out in its job's turn, and ends the others.
+
+    The jobs are taken from their iterator on the caller's thread, a few ahead of the results. Close the generator
+    (contextlib.closing) where the results may not be taken to the end.
+    """
+    queue, waiting, threads = Queue.Queue(), collections.deque(), []
+    count = min(_cores(), MOST_THREADS)
     try:
-        for one in threads:
-            one.start()
         for job in jobs:
-            turn = _Turn(work, job)
-            waiting.append(turn)
-            queue.put(turn)
+            if len(threads) < count:
+                threads.append(threading.Thread(target=_serve, args=(queue,)))
+                threads[-1].start()
+            waiting.append(_Turn(work, job))
+            queue.put(waiting[-1])
             if len(waiting) > _AHEAD * count:
-                yield waiting.popleft().result()
+                turn = waiting.popleft()
+                yield turn.job, turn.result()
         while waiting:
-            yield waiting.popleft().result()
+            turn = waiting.popleft()
+            yield turn.job, turn.result()
     finally:
         _finish(queue, waiting, threads)
 
@@ -43,7 +44,7 @@ class _Turn(object):
 
     def __init__(self, work, job):
         self._work = work
-        self._job = job
+        self.job = job
         self._result = self._error = None
         self._done = thread.allocate_lock()
         self._done.acquire()
@@ -54,7 +55,7 @@ class _Turn(object):
     def run(self):
         try:
             work = self._work
-            self._result = work(self._job) if work else None
+            self._result = work(self.job) if work else None
         except Exception:
             self._error = sys.exc_info()
         finally:
@@ -76,10 +77,9 @@ def _finish(queue, waiting, threads):
     """No thread may outlive the call: the host may leave, and modules may be unloaded."""
     for turn in waiting:
         turn.cancel()
-    begun = [one for one in threads if one.ident is not None]
-    for unused in begun:
+    for unused in threads:
         queue.put(None)
-    for one in begun:
+    for one in threads:
         one.join()
 
 

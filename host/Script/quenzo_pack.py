@@ -1,10 +1,11 @@
 # SPDX-License-Identifier: MIT
 """Packs a folder so that equal content gives equal bytes."""
+import binascii
 import collections
+import contextlib
 import itertools
 import os
 import stat
-import zlib
 
 from quenzo_ahead import in_order
 from quenzo_files import SCRATCH, argument_path, argument_text, blocks, open_regular, parents_made, read_small
@@ -26,6 +27,7 @@ STORED_SUFFIXES = frozenset((
     ".zip", ".jar", ".apk", ".obb", ".gz", ".xz", ".7z"))
 
 BATCH_BYTES = 1 << 18           # files are read and deflated together up to this; a larger one goes block by block
+ENTRY_BYTES = 1 << 10           # what an entry costs besides its content
 
 Source = collections.namedtuple("Source", "name path size")
 
@@ -123,48 +125,51 @@ def _add_extra(found, extra, target):
 
 def _write(out, found):
     writer = ZipWriter(out)
-    batches = _batches([found[name] for name in sorted(found)])
-    for batch, packed in itertools.izip(batches, in_order(_packed, batches)):
-        if packed is None:
-            _add_large(writer, batch[0])
-            continue
-        for record, data, crc in packed:
-            writer.add_packed(record, [data], len(data), crc)
+    batches = _batches(found[name] for name in sorted(found))
+    with contextlib.closing(in_order(_packed, batches)) as done:
+        for batch, packed in done:
+            for (source, record, data), content in itertools.izip(batch, packed):
+                if data is None:
+                    _add_large(writer, source, record)
+                else:
+                    writer.add_packed(record, [content], len(content), record.crc)
     writer.finish()
 
 
 def _batches(sources):
-    """Neighbours of few bytes go together: handing work to another thread costs as much as deflating a short text."""
-    batches, size = [], 0
+    """Lists of (source, record, content), content being None for a large file.
+
+    Files are read here, on one thread: each step that hands the interpreter lock over costs as much as a short text.
+    """
+    batch, size = [], 0
     for source in sources:
-        if not batches or size + source.size > BATCH_BYTES:
-            batches.append([])
-            size = 0
-        batches[-1].append(source)
-        size += max(source.size, 1 << 10)
-    return batches
+        record, data = _record(source), None
+        if source.size <= BATCH_BYTES:
+            data = "" if source.name.endswith("/") else read_small(source.path, source.size + 1)
+            if len(data) != source.size:
+                raise changed(source.name)
+            record.crc = binascii.crc32(data) & 0xffffffff
+        batch.append((source, record, data))
+        size += len(data or "") + ENTRY_BYTES
+        if size > BATCH_BYTES or data is None:
+            yield batch
+            batch, size = [], 0
+    if batch:
+        yield batch
 
 
 def _packed(batch):
-    """(record, packed bytes, checksum) of each source; None for a single large one."""
-    if batch[0].size > BATCH_BYTES:
-        return None
-    return [_packed_folder(one) if one.name.endswith("/") else _packed_file(one) for one in batch]
+    """What each content of a batch is in the archive."""
+    deflating = iter(deflated([data for _, record, data in batch if data and record.method == DEFLATED]))
+    return [next(deflating) if data and record.method == DEFLATED else data for _, record, data in batch]
 
 
-def _packed_folder(source):
-    return Record(source.name, STORED, 0, attributes=FOLDER_ATTRIBUTES), "", 0
+def _record(source):
+    if source.name.endswith("/"):
+        return Record(source.name, STORED, 0, attributes=FOLDER_ATTRIBUTES)
+    return Record(source.name, method_for(source.name, source.size), source.size)
 
 
-def _packed_file(source):
-    data = read_small(source.path, source.size + 1)
-    record = Record(source.name, method_for(source.name, source.size), source.size)
-    if len(data) != source.size:
-        raise changed(source.name)
-    packed = deflated(data) if record.method == DEFLATED else data
-    return record, packed, zlib.crc32(data) & 0xffffffff
-
-
-def _add_large(writer, source):
+def _add_large(writer, source, record):
     with open_regular(source.path) as opened:
-        writer.add(Record(source.name, method_for(source.name, source.size), source.size), blocks(opened))
+        writer.add(record, blocks(opened))

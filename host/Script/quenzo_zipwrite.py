@@ -28,10 +28,9 @@ def deflater():
     return zlib.compressobj(COMPRESSION_LEVEL, zlib.DEFLATED, -zlib.MAX_WBITS)
 
 
-def deflated(data):
-    """The packed form of a whole content."""
-    stream = deflater()
-    return stream.compress(data) + stream.flush()
+def deflated(contents):
+    """The packed forms of whole contents: one call each, without the frame that it puts around."""
+    return [packed[2:-4] for packed in map(zlib.compress, contents, [COMPRESSION_LEVEL] * len(contents))]
 
 
 def changed(name):
