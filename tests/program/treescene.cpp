@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-void TreeScene::open(const QString& folderTemplate)
+void TreeScene::openScene(const QString& folderTemplate)
 {
     m_folder = folderTemplate.isEmpty() ? std::make_unique<QTemporaryDir>()
                                         : std::make_unique<QTemporaryDir>(folderTemplate);
@@ -14,7 +14,7 @@ void TreeScene::open(const QString& folderTemplate)
 }
 
 // Names that are no text stop the temporary folder's own removal.
-void TreeScene::close()
+void TreeScene::closeScene()
 {
     if (m_folder)
         QProcess::execute(QStringLiteral("rm"), {QStringLiteral("-rf"), m_folder->path()});

@@ -11,8 +11,8 @@
 /** A folder of its own for each test of the tree commands, which are run in it. */
 class TreeScene {
 protected:
-    void open(const QString& folderTemplate = {});
-    void close();
+    void openScene(const QString& folderTemplate = {});
+    void closeScene();
 
     QString path(const QString& relative) const { return m_folder->filePath(relative); }
     QString folder() const { return m_folder->path(); }

@@ -16,8 +16,8 @@ class tst_HostOutput : public QObject, private TreeScene {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { open(); }
-    void cleanup() { close(); }
+    void init() { openScene(); }
+    void cleanup() { closeScene(); }
 
     void outputLeavesNamesAndRestoresRights();
     void outputThroughAnAliasEnds();
@@ -97,8 +97,8 @@ void tst_HostOutput::outputGivesRightsBackToAFolderItMade()
 void tst_HostOutput::interruptedOutputGivesRightsBack()
 {
     // Listed from the newest on, where it is in memory: the folder is done first, and the files are not.
-    close();
-    open(TreeFiles::quickFolder());
+    closeScene();
+    openScene(TreeFiles::quickFolder());
     for (int i = 0; i < 40000; ++i)
         write(m_root + "/source/file" + QByteArray::number(i), "");
     const QByteArray out = m_root + "/source/out";
@@ -123,8 +123,8 @@ void tst_HostOutput::plainUsersOutputIsWhole_data()
 void tst_HostOutput::plainUsersOutputIsWhole()
 {
     QFETCH(QString, folder);
-    close();
-    open(folder);
+    closeScene();
+    openScene(folder);
     // Whatever the order of the listing is, some come after the output folder.
     constexpr int count = 40;
     for (int i = 0; i < count; ++i) {

@@ -5,7 +5,11 @@
 
 #include <QtTest>
 
+#include <atomic>
+#include <cstdio>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 using TreeFiles::exists;
@@ -15,14 +19,21 @@ class tst_HostRemoval : public QObject, private TreeScene {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { open(); }
-    void cleanup() { close(); }
+    void init() { openScene(); }
+    void cleanup() { closeScene(); }
 
     void removeTakesEverythingButWhatLinksLeadTo();
     void foldersBehindLinksAreNamedAsTheSystemDoes();
     void removeLeavesFilesBehindLinksWithoutTextualNames();
     void removeLeavesTheRightsOfFilesWithOtherNames();
-    void removeStopsAtALinkThatCannotBeRemoved();
+    void removeTellsWhatCannotBeRemoved();
+    void removeGoesOnBehindWhatStays();
+    void removeReachesAnyDepth();
+    void removeFollowsNoLinkThatComesMeanwhile();
+    void removeFollowsNoLinkThatAFolderBecomes();
+
+private:
+    Ended removeUnder(const std::function<void()>& attack) const;
 };
 
 void tst_HostRemoval::removeTakesEverythingButWhatLinksLeadTo()
@@ -73,7 +84,7 @@ void tst_HostRemoval::removeLeavesTheRightsOfFilesWithOtherNames()
     QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0644);
 }
 
-void tst_HostRemoval::removeStopsAtALinkThatCannotBeRemoved()
+void tst_HostRemoval::removeTellsWhatCannotBeRemoved()
 {
     write(m_root + "/elsewhere/file", "kept");
     TreeFiles::makeFolder(m_root + "/source/closed");
@@ -89,6 +100,98 @@ void tst_HostRemoval::removeStopsAtALinkThatCannotBeRemoved()
     QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0644);
     QCOMPARE(TreeFiles::content(m_root), before);
     chmod(closed.constData(), 0755);
+}
+
+void tst_HostRemoval::removeGoesOnBehindWhatStays()
+{
+    for (const char* folder : {"/source/a", "/source/b", "/source/c"})
+        write(m_root + folder + "/file");
+    giveToPlainUser();
+    const QByteArray closed = m_root + "/source/b";
+    chmod(closed.constData(), 0555);
+    const Ended outcome = runPlainly("remove source --json");
+    QCOMPARE(outcome.code, 1);
+    QCOMPARE(outcome.json().value(QStringLiteral("files")), QJsonValue(2));
+    QCOMPARE(outcome.json().value(QStringLiteral("error")).toString(),
+             QStringLiteral("'%1/source/b/file' could not be removed: Permission denied").arg(folder()));
+    QCOMPARE(TreeFiles::content(m_root + "/source").keys(), (QList<QByteArray>{"b", "b/file"}));
+    chmod(closed.constData(), 0755);
+}
+
+// Further down than paths, and the handles of a process, reach.
+void tst_HostRemoval::removeReachesAnyDepth()
+{
+    constexpr int depth = 3000;
+    TreeFiles::makeFolder(m_root + "/source");
+    const QByteArray source = m_root + "/source";
+    int handle = open(source.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (int i = 0; i < depth && handle >= 0; ++i) {
+        QCOMPARE(mkdirat(handle, "folder", 0755), 0);
+        const int next = openat(handle, "folder", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        close(handle);
+        handle = next;
+    }
+    QVERIFY(handle >= 0);
+    close(openat(handle, "file", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    close(handle);
+    const Ended outcome = run("remove source --json");
+    QCOMPARE(outcome.error, QByteArray());
+    QCOMPARE(outcome.json().value(QStringLiteral("files")), QJsonValue(1));
+    QVERIFY(!exists(m_root + "/source"));
+}
+
+// Somebody else works in the tree until the program has ended.
+Ended tst_HostRemoval::removeUnder(const std::function<void()>& attack) const
+{
+    constexpr int files = 1500;
+    write(m_root + "/elsewhere/file", "kept");
+    write(m_root + "/elsewhere/folder/file", "kept");
+    for (int i = 0; i < files; ++i)
+        write(m_root + "/source/" + QByteArray::number(i % 30) + "/file" + QByteArray::number(i), "");
+    std::atomic<bool> ended{false};
+    std::thread other([&] {
+        while (!ended)
+            attack();
+    });
+    const Ended outcome = run("remove source");
+    ended = true;
+    other.join();
+    return outcome;
+}
+
+void tst_HostRemoval::removeFollowsNoLinkThatComesMeanwhile()
+{
+    const Ended outcome = removeUnder([this] {
+        for (int i = 0; i < 30; ++i) {
+            const QByteArray trap = m_root + "/source/" + QByteArray::number(i) + "/trap";
+            [[maybe_unused]] const int made = symlink("../../elsewhere", trap.constData());
+        }
+    });
+    QVERIFY2(outcome.code == 0 || outcome.code == 1, outcome.error.constData());
+    QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0644);
+    QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/folder/file"), 0644);
+    QCOMPARE(TreeFiles::read(m_root + "/elsewhere/folder/file"), QByteArray("kept"));
+}
+
+void tst_HostRemoval::removeFollowsNoLinkThatAFolderBecomes()
+{
+    TreeFiles::makeFolder(m_root + "/aside");
+    const Ended outcome = removeUnder([this] {
+        for (int i = 0; i < 30; ++i) {
+            const QByteArray folder = m_root + "/source/" + QByteArray::number(i);
+            const QByteArray aside = m_root + "/aside/" + QByteArray::number(i);
+            // Away, with a link in its place; and the next time back again.
+            if (rename(folder.constData(), aside.constData()) != 0) {
+                unlink(folder.constData());
+                rename(aside.constData(), folder.constData());
+            } else if (symlink("../elsewhere", folder.constData()) != 0) {
+                rename(aside.constData(), folder.constData());
+            }
+        }
+    });
+    QVERIFY2(outcome.code == 0 || outcome.code == 1, outcome.error.constData());
+    QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0644);
+    QCOMPARE(TreeFiles::read(m_root + "/elsewhere/folder/file"), QByteArray("kept"));
 }
 
 QTEST_GUILESS_MAIN(tst_HostRemoval)

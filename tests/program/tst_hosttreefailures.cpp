@@ -17,8 +17,8 @@ class tst_HostTreeFailures : public QObject, private TreeScene {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { open(); }
-    void cleanup() { close(); }
+    void init() { openScene(); }
+    void cleanup() { closeScene(); }
 
     void failedOutputNamesTheFileFromTheLog();
     void failedCopyNamesTheEntry();

@@ -14,8 +14,8 @@ class tst_HostTrees : public QObject, private TreeScene {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { open(); }
-    void cleanup() { close(); }
+    void init() { openScene(); }
+    void cleanup() { closeScene(); }
 
     void copyReportsFilesAndBytes();
     void cutEmptiesTheSource();
@@ -121,8 +121,8 @@ void tst_HostTrees::progressIsShownOnATerminal()
 {
     QFETCH(QString, call);
     constexpr int count = 40000;
-    close();
-    open(TreeFiles::quickFolder());
+    closeScene();
+    openScene(TreeFiles::quickFolder());
     for (int i = 0; i < count; ++i)
         write(m_root + "/source/" + QByteArray::number(i / 100) + "/file" + QByteArray::number(i), "1234");
     Terminal terminal;

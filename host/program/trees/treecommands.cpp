@@ -5,21 +5,15 @@
 #include "trees/treecount.h"
 #include "trees/treeoperation.h"
 #include "trees/treepaths.h"
-#include "trees/treeprogress.h"
-
-#include <quenzotool.h>
+#include "trees/treeremoval.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QLocale>
-#include <QLoggingCategory>
 #include <QThread>
 
-#include <cerrno>
 #include <memory>
-#include <unistd.h>
 
 namespace {
 
@@ -71,63 +65,6 @@ ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Conso
     return ExitDone;
 }
 
-// Removes what the library would follow out of the tree to change rights there: links, and files that have
-// other names, too. Counts the tree; returns an error, for which nothing more may be done.
-QString removeTiesToOutside(const TreeScope& tree, TreeCount& count)
-{
-    QString error;
-    tree.walk([&](const WalkedEntry& entry) {
-        count.add(entry);
-        const bool isTie = entry.isLink || (!entry.isFolder() && entry.status.st_nlink > 1);
-        const QByteArray path = tree.top + '/' + entry.path;
-        if (!isTie || unlink(path.constData()) == 0 || errno == ENOENT)
-            return TreeScope::GoOn;
-        const QString reason = qt_error_string(errno);
-        const QString text = entry.isLink
-            ? TreeCommands::tr("the link '%1' could not be removed (%2); it and what comes after it stay")
-            : TreeCommands::tr(
-                "'%1', which has other names, could not be removed (%2); it and what comes after "
-                "it stay");
-        error = text.arg(QFile::decodeName(path), reason);
-        return TreeScope::Stop;
-    });
-    return error;
-}
-
-// False when it could not even begin.
-bool removeTree(const TreeScope& tree, Console& console)
-{
-    TreeProgress progress(tree);
-    const auto isGone = [&tree](const QByteArray& path) {
-        struct stat status { };
-        return lstat(QByteArray(tree.top + '/' + path).constData(), &status) != 0;
-    };
-    // The message of every single file is for those who look for an error.
-    QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, false);
-    const std::unique_ptr<QThread> worker(QThread::create([&tree] {
-        QDir folder(QFile::decodeName(tree.top));
-        QuenzoTool::removeRecursively(folder);
-    }));
-    const bool began = runWorker(*worker, console, [&] {
-        const QLocale locale;
-        return TreeCommands::tr("files: %1 of %2")
-            .arg(locale.toString(progress.done(isGone).files), locale.toString(progress.all().files));
-    });
-    QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, true);
-    return began;
-}
-
-// What is left of a tree: something that keeps the rest.
-QString remainder(const TreeScope& tree)
-{
-    QByteArray path = tree.top;
-    tree.walk([&](const WalkedEntry& entry) {
-        path = tree.top + '/' + entry.path;
-        return entry.isFolder() ? TreeScope::GoOn : TreeScope::Stop;
-    });
-    return QFile::decodeName(path);
-}
-
 ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
 {
     const RemovalPath path(parser.positionalArguments().at(1));
@@ -136,22 +73,23 @@ ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
     if (!objection.isEmpty())
         return fail(console, objection);
 
-    const TreeScope tree{QFile::encodeName(path.realFolder), TreeScope::Kept};
+    const QByteArray folder = QFile::encodeName(path.realFolder);
     console.showProgress(TreeCommands::tr("counting"));
-    TreeCount gone;
-    const QString tie = removeTiesToOutside(tree, gone);
-    if (!tie.isEmpty())
-        return fail(console, tie);
-    if (!removeTree(tree, console))
+    const TreeCount all = TreeCount::of({folder, TreeScope::Kept});
+    TreeRemoval removal(folder);
+    const std::unique_ptr<QThread> worker(QThread::create([&removal] { removal.run(); }));
+    const bool began = runWorker(*worker, console, [&] {
+        const QLocale locale;
+        return TreeCommands::tr("files: %1 of %2")
+            .arg(locale.toString(removal.filesGone()), locale.toString(all.files));
+    });
+    if (!began)
         return ExitFailed;
-    gone -= TreeCount::of(tree);
-    setCount(console, gone);
-    if (QDir(path.realFolder).exists()) {
-        return fail(console,
-                    TreeCommands::tr("not everything in '%1' could be removed: there is still '%2'")
-                        .arg(path.folder, remainder(tree)));
-    }
-    console.print(TreeCommands::tr("Removed %1: %2").arg(Console::shown(path.folder), summaryOf(gone)));
+    setCount(console, removal.gone());
+    if (!removal.error().isEmpty())
+        return fail(console, removal.error());
+    console.print(
+        TreeCommands::tr("Removed %1: %2").arg(Console::shown(path.folder), summaryOf(removal.gone())));
     return ExitDone;
 }
 
