@@ -60,6 +60,8 @@ private Q_SLOTS:
     void progressIsShownOnATerminal();
     void interruptionTellsWhatWasBegun_data();
     void interruptionTellsWhatWasBegun();
+    void progressKeepsToOneLine();
+    void dumbTerminalsGetNoControlCharacters();
 
 private:
     static void prepare(QuenzoProcess& process);
@@ -622,6 +624,36 @@ void tst_DeviceCommands::interruptionTellsWhatWasBegun()
     QCOMPARE(QString::fromUtf8(ended.error), told.contains(QLatin1Char('%')) ? told.arg(m_apk) : told);
     // adb was not meant, and is still at work.
     ScriptedTools::openGate();
+}
+
+void tst_DeviceCommands::progressKeepsToOneLine()
+{
+    // Each of these letters takes two columns.
+    const QString serial = QString(15, QChar(0x624b)) + QStringLiteral("-phone");
+    ScriptedTools::attach({serial});
+    ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
+    Terminal terminal;
+    terminal.setColumns(30);
+    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    start(process, terminal);
+    // The last column stays free: 16 for the words before leave 13.
+    const QByteArray line = "/ installing on " + QString(6, QChar(0x624b)).toUtf8() + "\r\033[K";
+    QTRY_VERIFY2_WITH_TIMEOUT(terminal.shown().contains(line), terminal.shown().constData(), timeLimitMs);
+    ScriptedTools::openGate();
+    QCOMPARE(process.end().code, 0);
+}
+
+void tst_DeviceCommands::dumbTerminalsGetNoControlCharacters()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
+    Terminal terminal;
+    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    process.setVariable("TERM", QStringLiteral("dumb"));
+    start(process, terminal);
+    ScriptedTools::openGate();
+    QCOMPARE(process.end().code, 0);
+    QCOMPARE(terminal.shown(), QByteArray());
 }
 
 QTEST_GUILESS_MAIN(tst_DeviceCommands)

@@ -22,6 +22,7 @@ QuenzoProcess::QuenzoProcess(const QStringList& arguments, const QString& folder
     setProgram(QStringLiteral(QUENZO_PROGRAM));
     setArguments(arguments);
     setWorkingDirectory(folder);
+    setVariable("TERM", QStringLiteral("xterm"));
     connect(this, &QProcess::started, this, [this] { m_started = true; });
 }
 

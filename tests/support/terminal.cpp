@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 Terminal::Terminal()
@@ -28,6 +29,13 @@ Terminal::~Terminal()
 QString Terminal::path() const
 {
     return QFile::decodeName(ptsname(m_master));
+}
+
+void Terminal::setColumns(unsigned short columns)
+{
+    const winsize size{24, columns, 0, 0};
+    if (ioctl(m_master, TIOCSWINSZ, &size) != 0)
+        qFatal("cannot set the size");
 }
 
 void Terminal::type(const QByteArray& text)

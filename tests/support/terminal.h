@@ -16,6 +16,9 @@ public:
     /** What a program opens. */
     QString path() const;
 
+    /** How many letters a line holds; without this it tells nothing of it. */
+    void setColumns(unsigned short columns);
+
     void type(const QByteArray& text);
 
     /** What the programs have written so far, what was typed included. */

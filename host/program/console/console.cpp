@@ -7,8 +7,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cwchar>
 #include <iostream>
 #include <string>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 using StandardStreams::write;
@@ -50,6 +52,27 @@ QString withoutControls(const QString& text, const QString& kept)
     return result;
 }
 
+// The columns of the terminal that shows the diagnostics; some tell nothing.
+int terminalWidth()
+{
+    constexpr int usual = 80;
+    winsize size{};
+    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+}
+
+// As much of a text as a line holds; one that is wrapped could not be taken back.
+QString inOneLine(const QString& text, int columns)
+{
+    QString line;
+    for (const uint letter : text.toUcs4()) {
+        columns -= std::max(0, wcwidth(static_cast<wchar_t>(letter)));
+        if (columns < 0)
+            break;
+        line += QString::fromUcs4(&letter, 1);
+    }
+    return line;
+}
+
 // Inside its strings JSON can name every character by its number, and outside of them there are no controls.
 QString jsonLine(const QJsonObject& values)
 {
@@ -80,7 +103,7 @@ bool Console::isInteractive()
 
 bool Console::showsProgress()
 {
-    return isatty(STDERR_FILENO) != 0;
+    return isatty(STDERR_FILENO) != 0 && qgetenv("TERM") != "dumb";
 }
 
 bool Console::outputIsTerminal()
@@ -135,7 +158,7 @@ void Console::showProgress(const QString& text)
 {
     if (!showsProgress())
         return;
-    write(stderr, QStringLiteral("\r\033[K") + shown(text));
+    write(stderr, QStringLiteral("\r\033[K") + inOneLine(shown(text), terminalWidth() - 1));
     m_progressShown = true;
 }
 

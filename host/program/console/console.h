@@ -27,7 +27,7 @@ public:
     /** Whether a person watches the diagnostics, and thus wants progress and may be asked. */
     static bool isInteractive();
 
-    /** Whether there is a terminal for the state of work at hand. */
+    /** Whether there is a terminal for the state of work at hand, and one that can take a line back. */
     static bool showsProgress();
 
     /** Whether a person reads the results. */
@@ -51,7 +51,7 @@ public:
     /** Asks the person at the terminal; empty at the end of the input. */
     QString ask(const QString& question);
 
-    /** Shows the state of work at hand on a terminal, in the place of the state before. */
+    /** Shows the state of work at hand on a terminal, in the place of the state before, cut to one line. */
     void showProgress(const QString& text);
     void clearProgress();
 

@@ -2,11 +2,11 @@
 #include "console/worker.h"
 
 #include "console/console.h"
+#include "console/spinner.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QThread>
-#include <QTimer>
 
 namespace {
 
@@ -18,18 +18,9 @@ struct Worker {
 
 bool runWorker(QThread& worker, Console& console, const std::function<QString()>& progress)
 {
-    constexpr int intervalMs = 120;
-    const QString signs = QStringLiteral("|/-\\");
-    int turn = 0;
-
+    const Spinner spinner(console, progress);
     QEventLoop loop;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&] {
-        console.showProgress(signs.at(turn++ % signs.size()) + QLatin1Char(' ') + progress());
-    });
     QObject::connect(&worker, &QThread::finished, &loop, &QEventLoop::quit);
-    if (Console::showsProgress())
-        timer.start(intervalMs);
     worker.start();
     // One that could not be started tells so by a warning only, and never finishes.
     if (!worker.isRunning() && !worker.isFinished()) {
@@ -38,6 +29,5 @@ bool runWorker(QThread& worker, Console& console, const std::function<QString()>
     }
     loop.exec();
     worker.wait();
-    console.clearProgress();
     return true;
 }

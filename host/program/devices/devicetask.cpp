@@ -4,6 +4,7 @@
 #include "console/console.h"
 #include "console/diagnostics.h"
 #include "console/interruptguard.h"
+#include "console/spinner.h"
 
 #include <installapk.h>
 
@@ -48,7 +49,6 @@ TaskOutcome runDeviceTask(const DeviceTask& task, Console& console)
 {
     constexpr int intervalMs = 120;
     constexpr int graceMs = 3000;
-    const QString signs = QStringLiteral("|/-\\");
     const QString text =
         task.install ? DeviceTaskText::tr("installing on %1") : DeviceTaskText::tr("uninstalling from %1");
     // With one device left the flow names none: then this keeps adb from another that has come in its place.
@@ -73,19 +73,15 @@ TaskOutcome runDeviceTask(const DeviceTask& task, Console& console)
     QElapsedTimer elapsed;
     elapsed.start();
     QTimer ticker;
-    int turn = 0;
-    const auto tick = [&] {
-        limitAdb(task.timeoutSeconds - elapsed.elapsed() / 1000);
-        console.showProgress(signs.at(turn++ % signs.size()) + QLatin1Char(' ') + text.arg(task.serial));
-    };
+    const auto tick = [&] { limitAdb(task.timeoutSeconds - elapsed.elapsed() / 1000); };
     QObject::connect(&ticker, &QTimer::timeout, &loop, tick);
     ticker.start(intervalMs);
     tick();
+    const Spinner spinner(console, [&] { return text.arg(task.serial); });
 
     installer->startTask(task.apk, task.install);
     const qint64 left = task.timeoutSeconds * qint64(1000) + graceMs - elapsed.elapsed();
     QTimer::singleShot(int(qMax<qint64>(0, left)), &loop, &QEventLoop::quit);
     loop.exec();
-    console.clearProgress();
     return outcome;
 }
