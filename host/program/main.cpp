@@ -163,6 +163,16 @@ ExitCode run(const QStringList& words)
     return runCommand(*command, words);
 }
 
+// A word that is no text would become the name of something else. Returns which one it is, or 0.
+int firstNoText(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        if (QString::fromLocal8Bit(argv[i]).toLocal8Bit() != argv[i])
+            return i;
+    }
+    return 0;
+}
+
 // What a command has done is of no use to a caller that gets only half of the answer.
 ExitCode checkedForOutput(ExitCode code)
 {
@@ -183,6 +193,10 @@ int main(int argc, char* argv[])
     QStringList words;
     for (int i = 1; i < argc; ++i)
         words.append(QString::fromLocal8Bit(argv[i]));
+    const int noText = firstNoText(argc, argv);
+    if (noText > 0)
+        return usageError(
+            Program::tr("word %1, '%2', is not UTF-8 text").arg(noText).arg(words.at(noText - 1)));
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, words);
     QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
     return checkedForOutput(run(words));

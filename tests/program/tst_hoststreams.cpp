@@ -27,6 +27,9 @@ private Q_SLOTS:
     void closedInputIsAtItsEnd();
     void closedStreamsHarmNothing();
     void inputThatCannotBeReadIsAFailure();
+    void wordsThatAreNoTextAreRefused_data();
+    void wordsThatAreNoTextAreRefused();
+    void negativeSdkNumbersAreRefused();
     void unknownCommandsAreShownEscaped();
     void resultsSteerNoTerminal();
 
@@ -119,6 +122,34 @@ void tst_HostStreams::inputThatCannotBeReadIsAFailure()
     const Ended ended = quenzo(words("db --file records.db insert channel"), QStringLiteral("< ."));
     QCOMPARE(ended.code, 1);
     QVERIFY2(ended.error.contains("the standard input cannot be read"), ended.error.constData());
+}
+
+void tst_HostStreams::wordsThatAreNoTextAreRefused_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::newRow("command") << QStringLiteral("\"$0\" \"$(printf 'rem\\377ove')\" folder");
+    for (const char* line : {"remove", "copy folder", "db --file", "icons --out", "install", "encode", "run"})
+        QTest::newRow(line) << QStringLiteral("\"$0\" %1 \"$(printf 'a\\377')\"").arg(QLatin1String(line));
+    QTest::newRow("mark of order") << QStringLiteral("\"$0\" encode \"$(printf '\\357\\273\\277abcd')\"");
+}
+
+void tst_HostStreams::wordsThatAreNoTextAreRefused()
+{
+    QFETCH(QString, line);
+    QuenzoProcess process({QStringLiteral("-c"), line, QStringLiteral(QUENZO_PROGRAM)}, m_folder.path());
+    process.setProgram(QStringLiteral("/bin/sh"));
+    const Ended ended = process.end();
+    QCOMPARE(ended.output, QByteArray());
+    QVERIFY2(ended.error.contains("is not UTF-8 text\n"), ended.error.constData());
+    QCOMPARE(ended.code, 2);
+}
+
+void tst_HostStreams::negativeSdkNumbersAreRefused()
+{
+    const Ended ended = QuenzoProcess(words("import script.py target --sdk-id -1"), m_folder.path()).end();
+    QCOMPARE(ended.error, QByteArray("quenzo: --sdk-id takes a whole number that is not negative\n"));
+    QCOMPARE(ended.code, 2);
+    QVERIFY(!QFile::exists(m_folder.filePath(QStringLiteral("target"))));
 }
 
 void tst_HostStreams::unknownCommandsAreShownEscaped()

@@ -76,11 +76,13 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
     const QString sdkOption = QStringLiteral("sdk-id");
     if (parser.isSet(sdkOption)) {
         bool isNumber = false;
-        parameters.insert(QStringLiteral("idSDK"), parser.value(sdkOption).toInt(&isNumber));
-        if (!isNumber) {
-            console.error(ScriptCommands::tr("--sdk-id takes a whole number"));
+        const int id = parser.value(sdkOption).toInt(&isNumber);
+        // One below 0 would switch the check off.
+        if (!isNumber || id < 0) {
+            console.error(ScriptCommands::tr("--sdk-id takes a whole number that is not negative"));
             return ExitUsage;
         }
+        parameters.insert(QStringLiteral("idSDK"), id);
     }
     if (!exists(console, package))
         return ExitFailed;
