@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 using TreeFiles::exists;
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void outputThroughAnAliasEnds();
     void outputGivesRightsBackToEveryFolder();
     void outputGivesRightsBackToAFolderItMade();
+    void interruptedOutputGivesRightsBack_data();
     void interruptedOutputGivesRightsBack();
     void plainUsersOutputIsWhole_data();
     void plainUsersOutputIsWhole();
@@ -94,8 +96,19 @@ void tst_HostOutput::outputGivesRightsBackToAFolderItMade()
     QCOMPARE(TreeFiles::mode(m_root + "/source/out"), int(0777 & ~mask));
 }
 
+void tst_HostOutput::interruptedOutputGivesRightsBack_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGQUIT") << SIGQUIT;
+    QTest::newRow("SIGUSR1") << SIGUSR1;
+    QTest::newRow("SIGXCPU") << SIGXCPU;
+    QTest::newRow("SIGRTMIN") << SIGRTMIN;
+}
+
 void tst_HostOutput::interruptedOutputGivesRightsBack()
 {
+    QFETCH(int, number);
     // Listed from the newest on, where it is in memory: the folder is done first, and the files are not.
     closeScene();
     openScene(TreeFiles::quickFolder());
@@ -104,12 +117,18 @@ void tst_HostOutput::interruptedOutputGivesRightsBack()
     const QByteArray out = m_root + "/source/out";
     TreeFiles::makeFolder(out);
     QuenzoProcess process(QuenzoProcess::words("output source source/out"), folder());
+    process.before = [] {
+        const struct rlimit none {
+            0, 0
+        };
+        setrlimit(RLIMIT_CORE, &none);
+    };
     process.start();
     QVERIFY(process.waitForStarted());
     while (TreeFiles::mode(out) != 02 && process.state() == QProcess::Running)
         process.waitForFinished(1);
-    kill(pid_t(process.processId()), SIGINT);
-    QCOMPARE(process.end().code, -SIGINT);
+    kill(pid_t(process.processId()), number);
+    QCOMPARE(process.end().code, -number);
     QCOMPARE(TreeFiles::mode(out), 0755);
 }
 

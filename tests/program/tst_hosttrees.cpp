@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <sys/stat.h>
 
 using TreeFiles::write;
 
@@ -19,6 +20,8 @@ private Q_SLOTS:
 
     void copyReportsFilesAndBytes();
     void cutEmptiesTheSource();
+    void filesThatCannotBeMovedAwayAreNotMoved_data();
+    void filesThatCannotBeMovedAwayAreNotMoved();
     void wrongNumberOfArgumentsIsAUsageError();
     void namesWithAColonAreFilesAndNotResources();
     void countsFollowLinksAsTheLibraryDoes();
@@ -54,6 +57,34 @@ void tst_HostTrees::cutEmptiesTheSource()
     QCOMPARE(outcome.code, 0);
     QVERIFY(TreeFiles::content(m_root + "/source").isEmpty());
     QCOMPARE(TreeFiles::read(m_root + "/target/folder/file"), QByteArray("12345"));
+}
+
+void tst_HostTrees::filesThatCannotBeMovedAwayAreNotMoved_data()
+{
+    QTest::addColumn<QString>("call");
+    for (const char* call : {"cut source target --json", "output source target --json"})
+        QTest::newRow(call) << QString::fromLatin1(call);
+}
+
+void tst_HostTrees::filesThatCannotBeMovedAwayAreNotMoved()
+{
+    QFETCH(QString, call);
+    write(m_root + "/source/folder/moved");
+    write(m_root + "/source/stays");
+    TreeFiles::makeFolder(m_root + "/target");
+    giveToPlainUser();
+    const QByteArray source = m_root + "/source";
+    chmod(source.constData(), 0555);
+    const Ended ended = runPlainly(qPrintable(call));
+    chmod(source.constData(), 0755);
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.json().value(QStringLiteral("files")), QJsonValue(1));
+    QCOMPARE(ended.json().value(QStringLiteral("error")).toString(),
+             QStringLiteral("everything was copied to '%1/target', but not all could be removed from "
+                            "'%1/source': files: 1, the first is '%1/source/stays'")
+                 .arg(folder()));
+    QVERIFY(TreeFiles::exists(m_root + "/target/stays"));
+    QVERIFY(TreeFiles::exists(m_root + "/source/stays"));
 }
 
 void tst_HostTrees::wrongNumberOfArgumentsIsAUsageError()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "console/interruptguard.h"
 
+#include <QVector>
+
 #include <pthread.h>
 #include <utility>
 
@@ -13,13 +15,26 @@ bool isIgnored(int signal)
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
+// Every signal that ends a program and can wait: no fault of its own, and none that merely stops it.
+QVector<int> endings()
+{
+    QVector<int> all{SIGINT,  SIGTERM, SIGHUP,  SIGQUIT,   SIGALRM, SIGUSR1,
+                     SIGUSR2, SIGPIPE, SIGPROF, SIGVTALRM, SIGXCPU, SIGXFSZ};
+#ifdef __linux__
+    all += {SIGIO, SIGPWR, SIGSTKFLT};
+    for (int signal = SIGRTMIN; signal <= SIGRTMAX; ++signal)
+        all.append(signal);
+#endif
+    return all;
+}
+
 } // namespace
 
 InterruptGuard::InterruptGuard(std::function<void()> putInOrder)
     : m_putInOrder(std::move(putInOrder))
 {
     sigemptyset(&m_signals);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : endings()) {
         if (!isIgnored(signal))
             sigaddset(&m_signals, signal);
     }
@@ -39,7 +54,7 @@ void InterruptGuard::look()
 {
     sigset_t pending{};
     sigpending(&pending);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : endings()) {
         if (sigismember(&m_signals, signal) != 1 || sigismember(&pending, signal) != 1)
             continue;
         m_putInOrder();

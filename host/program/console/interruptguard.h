@@ -8,7 +8,7 @@
 #include <functional>
 
 /**
- * While it lives, a signal that asks the program to end is held back until something has been put in order;
+ * While it lives, a signal that would end the program is held back until something has been put in order;
  * then the program ends by it. To be made before the threads that shall not receive the signal, and with a
  * running event loop.
  */

@@ -121,8 +121,20 @@ TreeCount TreeOperation::handled() const
         return {};
     TreeCount count = m_progress->all();
     if (m_operate != OPERATE_COPY)
-        count -= TreeCount::of(m_scope);
+        count -= left();
     return count;
+}
+
+QString TreeOperation::firstLeft() const
+{
+    QByteArray path;
+    m_scope.walk([&](const WalkedEntry& entry) {
+        if (entry.isFolder())
+            return TreeScope::GoOn;
+        path = m_scope.top + '/' + entry.path;
+        return TreeScope::Stop;
+    });
+    return QFile::decodeName(path);
 }
 
 // What a cut for output has moved into a target inside its source may move on within it.

@@ -27,6 +27,10 @@ public:
     /** The files that were to be copied, or that are gone from the source. */
     TreeCount handled() const;
 
+    /** After a move: the files that are still in the source, though they should not; and one of them. */
+    TreeCount left() const { return TreeCount::of(m_scope); }
+    QString firstLeft() const;
+
 private:
     bool start(Console& console, const QStringList& left);
     bool runOutput(Console& console);
