@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the tree commands of the program "quenzo" rest on: progress seen from outside, and the log read.
+// What the tree commands of the program "quenzo" rest on: progress seen from outside.
 #include "treefiles.h"
-#include "trees/copylog.h"
 #include "trees/treeprogress.h"
 
 #include <QTemporaryDir>
@@ -26,8 +25,6 @@ private Q_SLOTS:
     void filesFromBeforeHaveNotArrived();
     void filesMovedOnWithinTheTargetHaveArrived();
     void bytesWithoutANameCount();
-    void logNamesTheFailedFile_data();
-    void logNamesTheFailedFile();
 
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -151,43 +148,6 @@ void tst_HostTreeParts::bytesWithoutANameCount()
     QCOMPARE(TreeArrival({m_root + "/target"}).unnamedBytes(), 0);
     close(handle);
     QCOMPARE(arrival.unnamedBytes(), 0);
-}
-
-void tst_HostTreeParts::logNamesTheFailedFile_data()
-{
-    QTest::addColumn<QString>("log");
-    QTest::addColumn<QString>("file");
-    const auto entry = [](const QString& source, const QString& target) {
-        return QStringLiteral("2026-01-02T03:04:05.678 Copy Fail:\r\nSrc:%1\r\nDest:%2\r\n\n")
-            .arg(source, target);
-    };
-    const QString other = QStringLiteral("2026-01-02T03:04:05.678 something else\n");
-    const auto failed = [&entry](const QString& name) {
-        return entry(QStringLiteral("/s/") + name, QStringLiteral("/t/") + name);
-    };
-    QTest::newRow("nothing") << QString() << QString();
-    QTest::newRow("one") << failed(QStringLiteral("a/b")) << QStringLiteral("a/b");
-    QTest::newRow("among others") << other + failed(QStringLiteral("b")) + other << QStringLiteral("b");
-    QTest::newRow("of another run") << entry(QStringLiteral("/x/a"), QStringLiteral("/t/a")) << QString();
-    QTest::newRow("to another target") << entry(QStringLiteral("/s/a"), QStringLiteral("/x/a")) << QString();
-    QTest::newRow("two") << failed(QStringLiteral("a")) + failed(QStringLiteral("b")) << QString();
-    QTest::newRow("cut short") << failed(QStringLiteral("a")).chopped(1) << QString();
-    for (const char* name : {"a\r\nDest:evil", "a\r\nDest:/t/evil", "a\r\n\n2026 b", "\r\n", "Dest:\r\n\n"})
-        QTest::newRow(name) << failed(QString::fromLatin1(name)) << QString::fromLatin1(name);
-    QTest::newRow("an entry within a name")
-        << failed(QStringLiteral("a") + failed(QStringLiteral("b"))) << QString();
-}
-
-void tst_HostTreeParts::logNamesTheFailedFile()
-{
-    QFETCH(QString, log);
-    QFETCH(QString, file);
-    QCOMPARE(CopyLog::failedFile(log, QStringLiteral("/s"), QStringLiteral("/t")), file);
-    // What lies in a target inside the source may have failed without ending anything.
-    const QString inner = QString(log)
-                              .replace(QLatin1String("/t/"), QLatin1String("/s/out/out/"))
-                              .replace(QLatin1String("Src:/s/"), QLatin1String("Src:/s/out/"));
-    QCOMPARE(CopyLog::failedFile(inner, QStringLiteral("/s"), QStringLiteral("/s/out")), QString());
 }
 
 QTEST_GUILESS_MAIN(tst_HostTreeParts)

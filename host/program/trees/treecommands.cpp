@@ -59,14 +59,13 @@ ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Conso
         setCount(console, handled);
     if (!done)
         return ExitFailed;
-    // The library removes what it has copied as well as it can, and says nothing of it.
+    // The library removes what it has copied as well as it can, and its result says nothing of it.
     const TreeCount stayed = operate == OPERATE_COPY ? TreeCount() : operation.left();
     if (stayed.files > 0) {
-        return fail(
-            console,
-            TreeCommands::tr("everything was copied to '%1', but not all could be removed from '%2': "
-                             "files: %3, the first is '%4'")
-                .arg(paths.target, paths.source, QLocale().toString(stayed.files), operation.firstLeft()));
+        console.error(TreeCommands::tr("everything was copied to '%1', but files are still in '%2': %3")
+                          .arg(paths.target, paths.source, QLocale().toString(stayed.files)),
+                      operation.causes());
+        return ExitFailed;
     }
     const QString text =
         operate == OPERATE_COPY ? TreeCommands::tr("Copied to %1: %2") : TreeCommands::tr("Moved to %1: %2");

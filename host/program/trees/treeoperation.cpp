@@ -2,17 +2,15 @@
 #include "trees/treeoperation.h"
 
 #include "console/console.h"
+#include "console/diagnostics.h"
 #include "console/interruptguard.h"
 #include "console/worker.h"
-#include "trees/copylog.h"
-#include "trees/treefailure.h"
 #include "trees/treeprogress.h"
 #include "trees/treerightskeeper.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QLocale>
 
 #include <unistd.h>
@@ -31,6 +29,32 @@ QString progressText(const TreeCount& done, const TreeCount& all)
              locale.toString(all.bytes));
 }
 
+// Whether something is a folder, or one of those above it.
+bool isLineOf(const FileIdentity& one, QByteArray folder)
+{
+    while (!(identityOf(QFile::decodeName(folder)) == one)) {
+        if (folder.size() <= 1)
+            return false;
+        folder.truncate(qMax(1, folder.lastIndexOf('/')));
+    }
+    return true;
+}
+
+// A link in the tree to the target, or to what holds it: what comes to the target would belong to the tree,
+// too, without an end.
+QByteArray linkToTarget(TreeScope scope, const QByteArray& target)
+{
+    QByteArray found;
+    scope.filesToo = false;
+    scope.walk([&](const WalkedEntry& entry) {
+        if (!entry.isLink || !entry.isFolder() || !isLineOf(FileIdentity(entry.status), target))
+            return TreeScope::GoOn;
+        found = scope.top + '/' + entry.path;
+        return TreeScope::Stop;
+    });
+    return found;
+}
+
 } // namespace
 
 TreeOperation::TreeOperation(THREAD_OPERATE operate, const TreePaths& paths, const QStringList& left)
@@ -47,6 +71,14 @@ TreeOperation::~TreeOperation() = default;
 
 bool TreeOperation::run(Console& console)
 {
+    console.showProgress(TreeOperations::tr("counting"));
+    const QByteArray endless = linkToTarget(m_scope, m_target);
+    if (!endless.isEmpty()) {
+        console.error(TreeOperations::tr(
+                          "'%1' is a link to the target, or to a folder that holds it; nothing was touched")
+                          .arg(QFile::decodeName(endless)));
+        return false;
+    }
     // Made here, so that what the cut does to its rights can be undone.
     if (m_paths.isNested() && !QDir(m_paths.realTarget).exists() && !QDir().mkdir(m_paths.realTarget)) {
         console.error(TreeOperations::tr("the folder '%1' could not be made").arg(m_paths.target));
@@ -55,12 +87,6 @@ bool TreeOperation::run(Console& console)
     struct stat status { };
     if (m_paths.isNested() && stat(m_target.constData(), &status) == 0)
         m_scope.apart = FileIdentity(status);
-    console.showProgress(TreeOperations::tr("counting"));
-    const TreeFailure::Entry endless = TreeFailure::linkToTarget(m_scope, m_target);
-    if (!endless.source.isEmpty()) {
-        console.error(TreeFailure::sentence(endless));
-        return false;
-    }
     m_progress = std::make_unique<TreeProgress>(m_scope);
     m_arrival = std::make_unique<TreeArrival>(targets());
     const bool done = m_operate == OPERATE_CUT_OUTPUT ? runOutput(console) : start(console, {});
@@ -73,7 +99,7 @@ bool TreeOperation::start(Console& console, const QStringList& left)
                     {QStringLiteral("dest"), m_paths.realTarget}};
     if (!left.isEmpty())
         map.insert(QStringLiteral("filter"), left.join(QLatin1Char(',')));
-    CopyLog log;
+    Diagnostics::takeAll();
     ThreadCommon worker;
     worker.StartOperate(m_operate, map);
     m_started = runWorker(worker, console, [this] {
@@ -81,7 +107,7 @@ bool TreeOperation::start(Console& console, const QStringList& left)
         done.bytes += m_arrival->unnamedBytes();
         return progressText(done, m_progress->all());
     });
-    m_loggedFile = log.failedFile(m_paths.realSource, m_paths.realTarget);
+    m_causes = Diagnostics::takeAll();
     return m_started && worker.getResult().toBool();
 }
 
@@ -108,10 +134,23 @@ bool TreeOperation::finishOutput(Console& console, const TreeRightsKeeper& right
     return start(console, m_left + QStringList(first)) && TreeCount::of(m_scope).files == 0;
 }
 
+// A move into the source passes over some failures before the one that ends it: that comes late.
+QStringList TreeOperation::causes() const
+{
+    constexpr int most = 5;
+    return m_causes.mid(qMax(0, m_causes.size() - most));
+}
+
 bool TreeOperation::fail(Console& console) const
 {
-    if (m_started)
-        console.error(failure());
+    if (!m_started)
+        return false;
+    const QStringList lines = causes();
+    if (lines.isEmpty())
+        console.error(TreeOperations::tr("not everything has come to '%1'; the rest is in '%2'")
+                          .arg(m_paths.target, m_paths.source));
+    else
+        console.error(lines.first(), lines.mid(1));
     return false;
 }
 
@@ -125,18 +164,6 @@ TreeCount TreeOperation::handled() const
     return count;
 }
 
-QString TreeOperation::firstLeft() const
-{
-    QByteArray path;
-    m_scope.walk([&](const WalkedEntry& entry) {
-        if (entry.isFolder())
-            return TreeScope::GoOn;
-        path = m_scope.top + '/' + entry.path;
-        return TreeScope::Stop;
-    });
-    return QFile::decodeName(path);
-}
-
 // What a cut for output has moved into a target inside its source may move on within it.
 QVector<QByteArray> TreeOperation::targets() const
 {
@@ -144,24 +171,4 @@ QVector<QByteArray> TreeOperation::targets() const
     if (m_paths.isNested())
         paths.append(m_target + m_target.mid(m_scope.top.size()));
     return paths;
-}
-
-QString TreeOperation::failure() const
-{
-    TreeFailure::Entry entry = TreeFailure::firstMissing(m_scope, m_target, *m_arrival);
-    const auto below = [](const QString& folder, const QString& path) {
-        return QFile::encodeName(folder + QLatin1Char('/') + path);
-    };
-    const QByteArray logged = below(m_paths.realSource, m_loggedFile);
-    // The log knows names as texts only: the same file as the one found is better known by its bytes.
-    if (!m_loggedFile.isEmpty() && logged != QFile::encodeName(QFile::decodeName(entry.source)))
-        entry = {logged, below(m_paths.realTarget, m_loggedFile)};
-    const QFileInfo within(QFile::decodeName(targets().last()));
-    if (m_loggedFile.isEmpty() && m_paths.isNested() && within.exists() && !within.isDir())
-        entry = {m_target, targets().last()};
-    if (!entry.source.isEmpty())
-        return TreeFailure::sentence(entry);
-    return TreeOperations::tr(
-               "not everything has come to '%1', and the cause is not known; the rest is in '%2'")
-        .arg(m_paths.target, m_paths.source);
 }

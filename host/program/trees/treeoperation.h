@@ -27,9 +27,11 @@ public:
     /** The files that were to be copied, or that are gone from the source. */
     TreeCount handled() const;
 
-    /** After a move: the files that are still in the source, though they should not; and one of them. */
+    /** After a move: the files that are still in the source, though they should not. */
     TreeCount left() const { return TreeCount::of(m_scope); }
-    QString firstLeft() const;
+
+    /** What the library could not do, line by line, if anything; the last of it when there is much. */
+    QStringList causes() const;
 
 private:
     bool start(Console& console, const QStringList& left);
@@ -37,7 +39,6 @@ private:
     bool finishOutput(Console& console, const TreeRightsKeeper& rights);
     bool fail(Console& console) const;
     QVector<QByteArray> targets() const;
-    QString failure() const;
 
     const THREAD_OPERATE m_operate;
     const TreePaths m_paths;
@@ -46,7 +47,7 @@ private:
     TreeScope m_scope;
     std::unique_ptr<TreeProgress> m_progress;
     std::unique_ptr<TreeArrival> m_arrival;
-    QString m_loggedFile; // what the library's log says could not be copied
+    QStringList m_causes;
     bool m_started = false;
 };
 
