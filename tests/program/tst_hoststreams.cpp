@@ -2,6 +2,7 @@
 #include "quenzoprocess.h"
 #include "terminal.h"
 
+#include <QDir>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -32,6 +33,7 @@ private Q_SLOTS:
     void negativeSdkNumbersAreRefused();
     void unknownCommandsAreShownEscaped();
     void resultsSteerNoTerminal();
+    void namesMakeNoLinesOnATerminal();
 
 private:
     QString path() const { return m_folder.filePath(QStringLiteral("records.db")); }
@@ -174,6 +176,21 @@ void tst_HostStreams::resultsSteerNoTerminal()
     process.setStandardOutputFile(terminal.path());
     QCOMPARE(process.end().code, 0);
     QCOMPARE(terminal.shown(), QByteArray("two\r\nlines \\x1b[2J \\x9b2J\r\n"));
+}
+
+void tst_HostStreams::namesMakeNoLinesOnATerminal()
+{
+    QVERIFY(QDir(m_folder.path()).mkpath(QStringLiteral("packed")));
+    Terminal terminal;
+    QuenzoProcess process(
+        {QStringLiteral("pack"), QStringLiteral("packed"), QStringLiteral("a\nb\t\x1b[2J.zip")},
+        m_folder.path());
+    process.setStandardOutputFile(terminal.path());
+    const Ended ended = process.end();
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QVERIFY2(terminal.shown().startsWith("packed packed into a\\nb\\t\\x1b[2J.zip, "),
+             terminal.shown().constData());
+    QCOMPARE(terminal.shown().count('\n'), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_HostStreams)

@@ -113,11 +113,16 @@ bool Console::outputIsTerminal()
 
 void Console::print(const QString& line)
 {
+    printText(outputIsTerminal() ? shown(line) : line);
+}
+
+void Console::printText(const QString& text)
+{
     if (m_json)
         return;
     clearProgress();
-    const QString text = outputIsTerminal() ? withoutControls(line, QStringLiteral("\n\t")) : line;
-    write(stdout, text + QLatin1Char('\n'));
+    const QString whole = outputIsTerminal() ? withoutControls(text, QStringLiteral("\n\t")) : text;
+    write(stdout, whole + QLatin1Char('\n'));
 }
 
 void Console::set(const QString& key, const QJsonValue& value)

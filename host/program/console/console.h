@@ -34,10 +34,13 @@ public:
     static bool outputIsTerminal();
 
     /**
-     * A result for people; nothing with JSON. It is printed as it stands, but for a terminal, where only line
-     * feeds and tabs keep their effect: names in it may need shown().
+     * A line for people; nothing with JSON. A terminal gets it without anything that would steer it, and
+     * without other lines; what is no terminal gets it as it stands.
      */
     void print(const QString& line);
+
+    /** The same of a text that may have lines and tabs: a table, or what was asked for itself. */
+    void printText(const QString& text);
 
     /** A value of the result for machines; nothing without JSON. */
     void set(const QString& key, const QJsonValue& value);

@@ -74,7 +74,7 @@ void reportRows(Console& console, const QVariantList& rows, bool csv)
     }
     console.set(QStringLiteral("rows"), array);
     if (!lines.isEmpty())
-        console.print(lines.join(QLatin1Char('\n')));
+        console.printText(lines.join(QLatin1Char('\n')));
 }
 
 void reportWritten(Console& console, const DBRequest& request)
@@ -139,7 +139,7 @@ ExitCode encodeText(const QCommandLineParser& parser, Console& console)
 ExitCode decodeText(const QCommandLineParser& parser, Console& console)
 {
     const QString plain = QuenzoTool::ckDecode(parser.positionalArguments().at(1));
-    console.print(plain);
+    console.printText(plain);
     console.set(QStringLiteral("text"), plain);
     return ExitDone;
 }
