@@ -3,6 +3,7 @@
 #include "console/console.h"
 #include "console/diagnostics.h"
 #include "console/standardstreams.h"
+#include "suggestion.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -53,7 +54,11 @@ QString overview(const QVector<Command>& commands)
     QString text = Program::tr("Usage: quenzo COMMAND [options] [arguments]\n\nCommands:\n");
     for (const Command& command : commands)
         text += QStringLiteral("  %1  %2\n").arg(command.name, -width).arg(command.summary);
-    return text + Program::tr("\nquenzo COMMAND --help tells more; quenzo --version prints the version.");
+    return text
+        + Program::tr(
+               "\nquenzo help COMMAND tells more; quenzo version prints the version. Words behind -- are no "
+               "options.\n"
+               "Exit codes: 0 done, 1 failed, 2 wrong words.");
 }
 
 ExitCode usageError(const QString& text, const QString& command = {})
@@ -77,15 +82,40 @@ QString syntaxOf(const Argument& argument)
     return argument.name;
 }
 
-bool isComplete(const Command& command, int given)
+QString withSuggestion(const QString& error, const QString& word, const QStringList& names)
 {
-    int least = 0;
+    const QString meant = likelyMeant(word, names);
+    return meant.isEmpty() ? error : Program::tr("%1; did you mean '%2'?").arg(error, meant);
+}
+
+// What is wrong with the number of the words; empty if nothing is.
+QString objectionToNumber(const Command& command, const QStringList& given)
+{
+    QStringList needed;
     bool open = false;
     for (const Argument& argument : command.arguments) {
-        least += argument.count == Argument::Once ? 1 : 0;
+        if (argument.count == Argument::Once)
+            needed.append(argument.name);
         open = open || argument.count == Argument::AnyNumber;
     }
-    return given >= least && (open || given <= command.arguments.size());
+    if (given.size() < needed.size())
+        return Program::tr("%1: missing: %2")
+            .arg(command.name, needed.mid(given.size()).join(QLatin1Char(' ')));
+    if (!open && given.size() > command.arguments.size())
+        return Program::tr("%1: '%2' is one word too many")
+            .arg(command.name, given.at(command.arguments.size()));
+    return {};
+}
+
+QString objectionToOptions(const Command& command, const QCommandLineParser& parser)
+{
+    QStringList names{QStringLiteral("help"), QStringLiteral("json")};
+    for (const QCommandLineOption& option : command.options)
+        names += option.names();
+    const QString unknown = parser.unknownOptionNames().value(0);
+    if (unknown.isEmpty())
+        return QStringLiteral("%1: %2").arg(command.name, parser.errorText());
+    return withSuggestion(Program::tr("%1: unknown option '%2'").arg(command.name, unknown), unknown, names);
 }
 
 // The parser knows of no commands: its usage line is replaced.
@@ -114,14 +144,15 @@ ExitCode runCommand(const Command& command, QStringList words)
 
     words.prepend(QStringLiteral("quenzo"));
     if (!parser.parse(words))
-        return usageError(parser.errorText(), command.name);
+        return usageError(objectionToOptions(command, parser), command.name);
     if (parser.isSet(help)) {
         writeLine(stdout, helpText(command, parser));
         return ExitDone;
     }
     // The command's own name is the first positional argument.
-    if (!isComplete(command, parser.positionalArguments().size() - 1))
-        return usageError(Program::tr("%1: wrong number of arguments").arg(command.name), command.name);
+    const QString objection = objectionToNumber(command, parser.positionalArguments().mid(1));
+    if (!objection.isEmpty())
+        return usageError(objection, command.name);
 
     Console console(parser.isSet(json));
     const ExitCode code = command.run(parser, console);
@@ -141,26 +172,39 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, const 
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
-ExitCode run(const QStringList& words)
+ExitCode showText(const QString& text)
+{
+    writeLine(stdout, text);
+    return ExitDone;
+}
+
+QStringList namesOf(const QVector<Command>& commands)
+{
+    QStringList names{QStringLiteral("help"), QStringLiteral("version")};
+    for (const Command& command : commands)
+        names.append(command.name);
+    return names;
+}
+
+ExitCode run(QStringList words)
 {
     const QVector<Command> commands = allCommands();
+    // "help copy" and "copy --help" are the same.
+    if (words.size() > 1 && words.first() == QLatin1String("help"))
+        words = QStringList{words.at(1), QStringLiteral("--help")};
 
     if (words.isEmpty())
         return usageError(Program::tr("no command given"));
     const QString& name = words.first();
-    if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
-        writeLine(stdout, overview(commands));
-        return ExitDone;
-    }
-    if (name == QLatin1String("--version")) {
-        writeLine(stdout, QStringLiteral("quenzo " QUENZO_VERSION));
-        return ExitDone;
-    }
+    if (name == QLatin1String("help") || name == QLatin1String("--help") || name == QLatin1String("-h"))
+        return showText(overview(commands));
+    if (name == QLatin1String("version") || name == QLatin1String("--version") || name == QLatin1String("-V"))
+        return showText(QStringLiteral("quenzo " QUENZO_VERSION));
     const auto command = std::find_if(commands.cbegin(), commands.cend(),
                                       [&name](const Command& candidate) { return candidate.name == name; });
-    if (command == commands.cend())
-        return usageError(Program::tr("unknown command '%1'").arg(name));
-    return runCommand(*command, words);
+    if (command != commands.cend())
+        return runCommand(*command, words);
+    return usageError(withSuggestion(Program::tr("unknown command '%1'").arg(name), name, namesOf(commands)));
 }
 
 // A word that is no text would become the name of something else. Returns which one it is, or 0.
@@ -197,6 +241,8 @@ int main(int argc, char* argv[])
     if (noText > 0)
         return usageError(
             Program::tr("word %1, '%2', is not UTF-8 text").arg(noText).arg(words.at(noText - 1)));
+    if (words.value(0) == QLatin1String("--"))
+        words.removeFirst();
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, words);
     QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
     return checkedForOutput(run(words));

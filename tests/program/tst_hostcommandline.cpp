@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#include "quenzoprocess.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+Ended quenzo(const char* line)
+{
+    return QuenzoProcess(QuenzoProcess::words(line)).end();
+}
+
+} // namespace
+
+// What the program makes of its words before a command has a say.
+class tst_HostCommandLine : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void helpIsGivenInEveryForm_data();
+    void helpIsGivenInEveryForm();
+    void versionIsGivenInEveryForm_data();
+    void versionIsGivenInEveryForm();
+    void wrongWordsAreNamed_data();
+    void wrongWordsAreNamed();
+    void wordsBehindDashesAreNoOptions();
+};
+
+void tst_HostCommandLine::helpIsGivenInEveryForm_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QByteArray>("beginning");
+    const QByteArray overview = "Usage: quenzo COMMAND [options] [arguments]\n\nCommands:\n  ";
+    for (const char* line : {"help", "--help", "-h", "-- help"})
+        QTest::newRow(line) << QString::fromLatin1(line) << overview;
+    for (const char* line : {"help copy", "copy --help", "copy -h", "copy a b --help", "-- copy --help"})
+        QTest::newRow(line) << QString::fromLatin1(line)
+                            << QByteArray("Usage: quenzo copy [options] SRC DEST\n");
+}
+
+void tst_HostCommandLine::helpIsGivenInEveryForm()
+{
+    QFETCH(QString, line);
+    QFETCH(QByteArray, beginning);
+    const Ended ended = quenzo(qPrintable(line));
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.output.left(beginning.size()), beginning);
+    QCOMPARE(ended.code, 0);
+}
+
+void tst_HostCommandLine::versionIsGivenInEveryForm_data()
+{
+    QTest::addColumn<QString>("line");
+    for (const char* line : {"version", "--version", "-V"})
+        QTest::newRow(line) << QString::fromLatin1(line);
+}
+
+void tst_HostCommandLine::versionIsGivenInEveryForm()
+{
+    QFETCH(QString, line);
+    const Ended ended = quenzo(qPrintable(line));
+    const QRegularExpression form(QStringLiteral("^quenzo \\d+\\.\\d+\\.\\d+\n$"));
+    QVERIFY2(form.match(QString::fromUtf8(ended.output)).hasMatch(), ended.output.constData());
+    QCOMPARE(ended.code, 0);
+}
+
+void tst_HostCommandLine::wrongWordsAreNamed_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QByteArray>("error");
+    const auto row = [](const char* line, const char* error) {
+        QTest::newRow(line) << QString::fromLatin1(line) << QByteArray("quenzo: ") + error + '\n';
+    };
+    row("", "no command given\nTry: quenzo --help");
+    row("cpoy a b", "unknown command 'cpoy'; did you mean 'copy'?\nTry: quenzo --help");
+    row("instal x", "unknown command 'instal'; did you mean 'install'?\nTry: quenzo --help");
+    row("COPY a b", "unknown command 'COPY'; did you mean 'copy'?\nTry: quenzo --help");
+    row("hlep", "unknown command 'hlep'; did you mean 'help'?\nTry: quenzo --help");
+    row("help frobnicate", "unknown command 'frobnicate'\nTry: quenzo --help");
+    row("xyz", "unknown command 'xyz'\nTry: quenzo --help");
+    row("copy", "copy: missing: SRC DEST\nTry: quenzo copy --help");
+    row("copy a", "copy: missing: DEST\nTry: quenzo copy --help");
+    row("copy a b c", "copy: 'c' is one word too many\nTry: quenzo copy --help");
+    row("copy a b --jsno", "copy: unknown option 'jsno'; did you mean 'json'?\nTry: quenzo copy --help");
+    row("output a b --laeve x",
+        "output: unknown option 'laeve'; did you mean 'leave'?\nTry: quenzo output --help");
+    row("copy a b --frobnicate", "copy: unknown option 'frobnicate'\nTry: quenzo copy --help");
+}
+
+void tst_HostCommandLine::wrongWordsAreNamed()
+{
+    QFETCH(QString, line);
+    QFETCH(QByteArray, error);
+    const Ended ended = quenzo(qPrintable(line));
+    QCOMPARE(ended.output, QByteArray());
+    QCOMPARE(ended.error, error);
+    QCOMPARE(ended.code, 2);
+}
+
+void tst_HostCommandLine::wordsBehindDashesAreNoOptions()
+{
+    QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("--help/inner")));
+    const Ended ended = QuenzoProcess(QuenzoProcess::words("copy -- --help -V"), folder.path()).end();
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.code, 0);
+    QVERIFY(QDir(folder.filePath(QStringLiteral("-V/inner"))).exists());
+    QCOMPARE(quenzo("encode -- --help").output, quenzo("-- encode -- --help").output);
+}
+
+QTEST_GUILESS_MAIN(tst_HostCommandLine)
+#include "tst_hostcommandline.moc"
