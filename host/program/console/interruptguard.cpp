@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "console/interruptguard.h"
 
-#include <QVector>
-
 #include <pthread.h>
 #include <utility>
 
@@ -15,9 +13,12 @@ bool isIgnored(int signal)
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-// Every signal that ends a program and can wait: no fault of its own, and none that merely stops it.
-QVector<int> endings()
+// As endings, every signal that ends a program and can wait: no fault of its own, and none that merely stops
+// it.
+QVector<int> numbersOf(InterruptGuard::Signals held)
 {
+    if (held == InterruptGuard::Requests)
+        return {SIGINT, SIGTERM, SIGHUP};
     QVector<int> all{SIGINT,  SIGTERM, SIGHUP,  SIGQUIT,   SIGALRM, SIGUSR1,
                      SIGUSR2, SIGPIPE, SIGPROF, SIGVTALRM, SIGXCPU, SIGXFSZ};
 #ifdef __linux__
@@ -30,11 +31,12 @@ QVector<int> endings()
 
 } // namespace
 
-InterruptGuard::InterruptGuard(std::function<void()> putInOrder)
+InterruptGuard::InterruptGuard(std::function<void()> putInOrder, Signals held)
     : m_putInOrder(std::move(putInOrder))
+    , m_numbers(numbersOf(held))
 {
     sigemptyset(&m_signals);
-    for (const int signal : endings()) {
+    for (const int signal : m_numbers) {
         if (!isIgnored(signal))
             sigaddset(&m_signals, signal);
     }
@@ -54,7 +56,7 @@ void InterruptGuard::look()
 {
     sigset_t pending{};
     sigpending(&pending);
-    for (const int signal : endings()) {
+    for (const int signal : m_numbers) {
         if (sigismember(&m_signals, signal) != 1 || sigismember(&pending, signal) != 1)
             continue;
         m_putInOrder();

@@ -3,6 +3,7 @@
 #define INTERRUPTGUARD_H
 
 #include <QTimer>
+#include <QVector>
 
 #include <csignal>
 #include <functional>
@@ -14,7 +15,11 @@
  */
 class InterruptGuard {
 public:
-    explicit InterruptGuard(std::function<void()> putInOrder);
+    /** Requests are what a person or a system sends; programs that are started meanwhile hold them back, too.
+     */
+    enum Signals { Requests, Endings };
+
+    explicit InterruptGuard(std::function<void()> putInOrder, Signals held = Requests);
     ~InterruptGuard();
     InterruptGuard(const InterruptGuard&) = delete;
     InterruptGuard& operator=(const InterruptGuard&) = delete;
@@ -23,6 +28,7 @@ private:
     void look();
 
     const std::function<void()> m_putInOrder;
+    const QVector<int> m_numbers;
     sigset_t m_signals{};
     sigset_t m_before{};
     QTimer m_timer;
