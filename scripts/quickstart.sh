@@ -17,6 +17,7 @@ sample=host/sample
 rm -rf "$out"
 mkdir -p "$out"
 PATH="$PWD/build/release/bin:$PATH"
+export XDG_DATA_HOME="$PWD/$out/data"  # the key of this sample does not belong among the person's own
 
 run() {
     printf '\n$ %s\n' "$*"

@@ -7,8 +7,8 @@ from quenzo_apk import decrypt_file, encrypt_file
 from quenzo_assets import assets_of, has_encrypted
 from quenzo_cipher import CipherFailure, NotAuthentic
 from quenzo_files import argument_path
-from quenzo_key import KEY_FILE, KeyFailure, secret
-from quenzo_report import Answer, DamagedArchive, NoFile, report
+from quenzo_key import KeyFailure, secret
+from quenzo_report import Answer, DamagedArchive, NoFile, report, tell
 from quenzo_zipread import Archive
 
 DONE = 0
@@ -22,26 +22,24 @@ NOT_AUTHENTIC = 7       # altered assets, another key, or a result that failed i
 REFUSED = 8             # hostile or too large archive, or any other failure
 
 
-def encryptApk(runPath, apkFile):
+def encryptApk(runPath, apkFile, keyFile=None):
     """Replaces the files below the APK's assets/ by their encrypted form; answers 0, or another number above."""
-    return _answered("encryptApk", _encrypt, apkFile)
+    def work(path, archive):
+        if has_encrypted(archive):
+            raise Answer(WRONG_FORM, "the assets are encrypted already")
+        encrypt_file(path, archive, secret(keyFile, True, lambda text: tell("encryptApk", text)))
+
+    return _answered("encryptApk", work, apkFile)
 
 
-def decryptApk(runPath, apkFile):
+def decryptApk(runPath, apkFile, keyFile=None):
     """The way back: every asset gets its bytes again; same answers."""
-    return _answered("decryptApk", _decrypt, apkFile)
+    def work(path, archive):
+        if not has_encrypted(archive):
+            raise Answer(WRONG_FORM, "the assets are not encrypted")
+        decrypt_file(path, archive, secret(keyFile, False, lambda text: tell("decryptApk", text)))
 
-
-def _encrypt(path, archive):
-    if has_encrypted(archive):
-        raise Answer(WRONG_FORM, "the assets are encrypted already")
-    encrypt_file(path, archive, secret(KEY_FILE, make=True))
-
-
-def _decrypt(path, archive):
-    if not has_encrypted(archive):
-        raise Answer(WRONG_FORM, "the assets are not encrypted")
-    decrypt_file(path, archive, secret(KEY_FILE, make=False))
+    return _answered("decryptApk", work, apkFile)
 
 
 def _check(archive):

@@ -1,11 +1,12 @@
 # SPDX-License-Identifier: MIT
 """The encrypted form of an APK's assets: made from their content, authenticated, and turned back."""
+import binascii
 import hashlib
 import hmac
 import os
 
-from quenzo_cipher import (MAGIC, SALT_BYTES, STREAM_HEAD_BYTES, STREAM_MAGIC, TAG_BYTES, Header, Keys, NotAuthentic,
-                           padded)
+from quenzo_cipher import (MAGIC, NO_FINGERPRINT, SALT_BYTES, STREAM_HEAD_BYTES, STREAM_MAGIC, TAG_BYTES, Header, Keys,
+                           NotAuthentic, fingerprint_of, padded)
 from quenzo_files import BLOCK, open_new, remove
 
 
@@ -66,6 +67,7 @@ class EncryptedAssets(object):
         plain = os.path.join(work, "plain")
         self._path = os.path.join(work, "cipher")
         self._keys = Keys(secret, os.urandom(SALT_BYTES))
+        self._fingerprint = fingerprint_of(secret)
         self._headers = self._write_plain(archive, plain)
         self._keys.encrypt(plain, self._path)
         remove(plain)
@@ -96,7 +98,8 @@ class EncryptedAssets(object):
                 for block in archive.blocks(entry):
                     stream.write(block)
                 stream.write("\0" * (padded(entry.size) - entry.size))
-                headers[entry.name] = Header(self._keys.salt, "", offset, entry.size, 0, entry.method)
+                headers[entry.name] = Header(self._keys.salt, "", offset, entry.size, 0, entry.method,
+                                             self._fingerprint)
                 offset += padded(entry.size)
         for header in headers.itervalues():
             header.total = offset
@@ -128,6 +131,7 @@ def _authenticated_header(archive, entry, secret):
         raise NotAuthentic("'%s' is not encrypted, or cut off" % entry.name)
     content = _Content(archive, entry)
     header = Header.unpack(content.read(Header.SIZE))
+    _check_key(entry.name, header.fingerprint, fingerprint_of(secret))
     if header.length != entry.size - Header.SIZE - TAG_BYTES:
         raise NotAuthentic("'%s' has another length than it says" % entry.name)
     tag = Keys(secret, header.salt).tag(entry.name, header)
@@ -136,6 +140,12 @@ def _authenticated_header(archive, entry, secret):
     if not hmac.compare_digest(tag.digest(), content.read(TAG_BYTES)):
         raise NotAuthentic("'%s' was altered, or encrypted with another key" % entry.name)
     return header
+
+
+def _check_key(name, wanted, given):
+    if wanted not in (given, NO_FINGERPRINT):
+        raise NotAuthentic("'%s' was encrypted with the key %s, and this is the key %s"
+                           % (name, binascii.hexlify(wanted), binascii.hexlify(given)))
 
 
 def _common_stream(headers):

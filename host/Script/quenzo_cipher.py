@@ -17,12 +17,14 @@ from quenzo_report import ToolError
 PROGRAM = "openssl"
 MAGIC = "QZASSET1"
 SALT_BYTES = 16
+FINGERPRINT_BYTES = 7
+NO_FINGERPRINT = "\0" * FINGERPRINT_BYTES    # what packages of the first versions have
 TAG_BYTES = 32
 BLOCK_BYTES = 16                # assets begin at a multiple of it, so that each can be decrypted alone
 STREAM_MAGIC = "Salted__"       # openssl's own head of a stream, followed by its salt
 STREAM_HEAD_BYTES = 16
 _ITERATIONS = "1000"            # the phrase is random already; this many satisfies every policy
-_HEADER = struct.Struct("<8s16s8sQQQB7x")
+_HEADER = struct.Struct("<8s16s8sQQQB7s")
 _MAX_FILES_TO_CLOSE = 1 << 20
 
 
@@ -39,26 +41,32 @@ class Header(object):
 
     SIZE = _HEADER.size
 
-    def __init__(self, salt, stream_salt, offset, length, total, method):
+    def __init__(self, salt, stream_salt, offset, length, total, method, fingerprint):
         self.salt, self.stream_salt = salt, stream_salt
         self.offset, self.length, self.total = offset, length, total
         self.method = method
+        self.fingerprint = fingerprint
 
     @classmethod
     def unpack(cls, data):
         fields = _HEADER.unpack(data)
-        header = cls(*fields[1:])
-        if header.pack() != data:  # The zeros at its end count too.
+        if fields[0] != MAGIC:
             raise NotAuthentic("not an encrypted asset")
-        return header
+        return cls(*fields[1:])
 
     def pack(self):
-        return _HEADER.pack(MAGIC, self.salt, self.stream_salt, self.offset, self.length, self.total, self.method)
+        return _HEADER.pack(MAGIC, self.salt, self.stream_salt, self.offset, self.length, self.total, self.method,
+                            self.fingerprint)
 
     @property
     def stream(self):
         """What all assets encrypted together have in common."""
         return self.salt, self.stream_salt, self.total
+
+
+def fingerprint_of(secret):
+    """Names the secret and gives nothing of it away."""
+    return hmac.new(secret, "quenzo key fingerprint", hashlib.sha256).digest()[:FINGERPRINT_BYTES]
 
 
 class Keys(object):

@@ -1,15 +1,20 @@
 # SPDX-License-Identifier: MIT
-"""The secret that assets are encrypted with: one file beside the scripts, for its owner alone."""
+"""The secret that assets are encrypted with: one file for its owner alone.
+
+It is the file that the caller names, else the one that QUENZO_KEY names, else the person's own, which is made at
+the first use. A key beside the scripts, where it was kept once, serves as long as the person has no other.
+"""
 import binascii
 import errno
 import os
 import re
 import stat
 
-from quenzo_files import flush_folder, open_new, open_regular, remove, scratch_beside
-from quenzo_report import ToolError
+from quenzo_files import argument_path, flush_folder, open_new, open_regular, remove, scratch_beside
+from quenzo_report import NoFile, ToolError
 
-KEY_FILE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "encrypt.key")
+VARIABLE = "QUENZO_KEY"
+BESIDE_SCRIPTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "encrypt.key")
 SECRET_BYTES = 32
 _TEXT = re.compile(r"^[0-9a-f]{%d}\n?\Z" % (2 * SECRET_BYTES))
 
@@ -18,18 +23,46 @@ class KeyFailure(ToolError):
     """The key file cannot be made, read or trusted."""
 
 
-def secret(path, make):
-    """The secret's bytes; make says whether a missing file is made."""
+def secret(named, make, tell):
+    """The secret's bytes; make says whether a missing key of the person's own is made, tell(text) is told of it."""
     try:
-        if make and not os.path.lexists(path):
-            _make(path)
-        return _read(path)
+        named = named or os.environ.get(VARIABLE)
+        if named:
+            return _read(_named_file(named))
+        own = own_file()
+        if not os.path.lexists(own):
+            if os.path.lexists(BESIDE_SCRIPTS):
+                tell("the key is still beside the scripts; move it from %s to %s" % (BESIDE_SCRIPTS, own))
+                return _read(BESIDE_SCRIPTS)
+            if not make:
+                raise KeyFailure("there is no key: %s" % own)
+            if _make(own):
+                tell("made the key %s; keep a copy, without it nothing can be decrypted" % own)
+        return _read(own)
     except EnvironmentError as error:
-        raise KeyFailure("the key file: %s" % error)
+        raise KeyFailure("the key file: %s: %s" % (error.strerror, error.filename))
+
+
+def _named_file(value):
+    try:
+        return argument_path(value, "the key file")
+    except NoFile as error:
+        raise KeyFailure(str(error))
+
+
+def own_file():
+    """Where the person's own key is, by the rules for programs' data."""
+    base = os.environ.get("XDG_DATA_HOME", "")
+    if not os.path.isabs(base):
+        base = os.path.expanduser("~/.local/share")
+    if not os.path.isabs(base):
+        raise KeyFailure("the key has no place: neither XDG_DATA_HOME nor HOME names a folder")
+    return os.path.join(base, "quenzo", "encrypt.key")
 
 
 def _make(path):
-    """A whole file appears under the name or none: linking fails where another run was first."""
+    """A whole file appears under the name or none: linking fails, and the answer is no, where another run was first."""
+    _make_folder(os.path.dirname(path))
     scratch = scratch_beside(path)
     try:
         with open_new(scratch, 0o600) as out:
@@ -41,9 +74,19 @@ def _make(path):
     except OSError as error:
         if error.errno != errno.EEXIST:
             raise
+        return False
     finally:
         remove(scratch)
     flush_folder(os.path.dirname(path))
+    return True
+
+
+def _make_folder(path):
+    try:
+        os.makedirs(path, 0o700)
+    except OSError as error:
+        if error.errno != errno.EEXIST or not os.path.isdir(path):
+            raise
 
 
 def _read(path):

@@ -68,7 +68,12 @@ def _shown(letter):
 
 def report(function, error):
     """Names the cause of a failure whose caller gets a number only; never fails itself."""
+    tell(function, sentence(error))
+
+
+def tell(function, text):
+    """A line for the person on the error stream; never fails."""
     try:
-        sys.stderr.write("%s: %s\n" % (function, sentence(error)))
+        sys.stderr.write("%s: %s\n" % (function, printable(text)))
     except (AttributeError, EnvironmentError, ValueError):
         pass  # A host without an error stream.

@@ -15,7 +15,9 @@ from support import APK, SCRIPTS, FolderCase, Raw, as_plain_user, contents, full
 from support import raw_archive, read, tree, write
 
 import encrypt
+import quenzo_assets
 import quenzo_cipher
+import quenzo_key
 
 DONE, NO_APK, DAMAGED, NOTHING_THERE, WRONG_FORM, KEY_UNUSABLE, CIPHER_FAILED, NOT_AUTHENTIC, REFUSED = range(9)
 HEADER = struct.Struct("<8s16s8sQQQ8s")
@@ -32,10 +34,23 @@ class Encrypting(FolderCase):
         FolderCase.setUp(self)
         self.scripts = self.path("Script")
         shutil.copytree(SCRIPTS, self.scripts, ignore=shutil.ignore_patterns("*.pyc", "*.key"))
-        self.key, self.apk = self.path("Script", "encrypt.key"), self.path("apk", "game.apk")
-        self.addCleanup(setattr, encrypt, "KEY_FILE", encrypt.KEY_FILE)
-        encrypt.KEY_FILE = self.key
+        self.key, self.apk = self.path("data", "quenzo", "encrypt.key"), self.path("apk", "game.apk")
+        self.beside = self.path("Script", "encrypt.key")
+        self.addCleanup(setattr, quenzo_key, "BESIDE_SCRIPTS", quenzo_key.BESIDE_SCRIPTS)
+        quenzo_key.BESIDE_SCRIPTS = self.beside
+        self.set_variable("QUENZO_KEY", "")
+        self.set_variable("XDG_DATA_HOME", self.path("data"))
+        self.write_key(self.key, "ab" * 32)
         write(self.apk, read(APK))
+
+    def set_variable(self, name, value):
+        before = os.environ.get(name)
+        os.environ[name] = value
+        self.addCleanup(lambda: os.environ.pop(name) if before is None else os.environ.update({name: before}))
+
+    def write_key(self, path, text):
+        os.chmod(write(path, text + "\n"), 0o600)
+        return path
 
     def made(self, **assets):
         """Writes an APK of those assets and a manifest."""
@@ -171,7 +186,8 @@ class RoundTrip(Encrypting):
             magic, salt, stream_salt, offset, length, total, rest = HEADER.unpack(data[:HEADER.size])
             tag_key = hmac.new(secret, "quenzo asset authentication" + salt, hashlib.sha256).digest()
             tag = hmac.new(tag_key, struct.pack("<Q", len(name)) + name + data[:-32], hashlib.sha256).digest()
-            self.assertEqual(("QZASSET1", "\0" * 7, tag), (magic, rest[1:], data[-32:]))
+            fingerprint = hmac.new(secret, "quenzo key fingerprint", hashlib.sha256).digest()[:7]
+            self.assertEqual(("QZASSET1", fingerprint, tag), (magic, rest[1:], data[-32:]))
             stream[offset] = data[HEADER.size:-32]
             wanted[offset] = contents(APK)[name]
             self.assertEqual(length, len(wanted[offset]))
@@ -239,31 +255,99 @@ class Tampering(Encrypting):
         other = contents(self.apk)["assets/a"]
         self.assert_noticed(lambda entries: entries[1].__setitem__(1, other))
 
-    def test_anotherKeyIsNoticed(self):
-        write(self.key, "0" * 64 + "\n")
-        os.chmod(self.key, 0o600)
+    def test_anotherKeyIsNamedAsSuch(self):
+        self.write_key(self.key, "0" * 64)
         self.refused(NOT_AUTHENTIC, encrypt.decryptApk)
+        named = [binascii.hexlify(hmac.new(secret, "quenzo key fingerprint", hashlib.sha256).digest()[:7])
+                 for secret in (binascii.unhexlify("ab" * 32), "\0" * 32)]
+        self.assertIn("encrypted with the key %s, and this is the key %s" % tuple(named), self.said.getvalue())
+
+    def test_packagesWithoutAFingerprintDecryptAndNoticeAnotherKey(self):
+        """What the first versions made."""
+        self.made(a="first asset", b="the second asset, a longer one", c="third")
+        fingerprint_of = quenzo_assets.fingerprint_of
+        self.addCleanup(setattr, quenzo_assets, "fingerprint_of", fingerprint_of)
+        quenzo_assets.fingerprint_of = lambda secret: "\0" * 7
+        self.encrypted()
+        quenzo_assets.fingerprint_of = fingerprint_of
+        self.assertEqual("\0" * 7, HEADER.unpack(contents(self.apk)["assets/a"][:HEADER.size])[-1][1:])
+        self.write_key(self.key, "0" * 64)
+        self.refused(NOT_AUTHENTIC, encrypt.decryptApk)
+        self.assertIn("altered, or encrypted with another key", self.said.getvalue())
+        self.write_key(self.key, "ab" * 32)
+        self.decrypted()
+        self.assertEqual(self.plain, contents(self.apk))
 
 
 class Key(Encrypting):
-    def test_itIsMadeOnceForItsOwnerAloneBesideTheScripts(self):
+    def test_itIsMadeOnceForItsOwnerAloneAndToldOnce(self):
+        shutil.rmtree(self.path("data"))
         umask = os.umask(0)
         self.addCleanup(os.umask, umask)
         child = python(ENCRYPT, self.apk, scripts=self.scripts)
-        self.assertEqual(("", ""), child.communicate())
+        self.assertEqual(("", "encryptApk: made the key %s; keep a copy, without it nothing can be decrypted\n" % self.key),
+                         child.communicate())
         self.assertEqual(0, child.returncode)
         self.assertEqual(0o600, stat.S_IMODE(os.stat(self.key).st_mode))
+        self.assertEqual(0o700, stat.S_IMODE(os.stat(os.path.dirname(self.key)).st_mode))
+        self.assertFalse(os.path.exists(self.beside))
         text = read(self.key)
         self.assertRegexpMatches(text, r"^[0-9a-f]{64}\n\Z")
         write(self.apk, read(APK))
         self.encrypted()
         self.assertEqual(text, read(self.key))
-        self.assertEqual([], [name for name in os.listdir(self.scripts) if name.startswith(".")])
+        self.assertEqual("", self.said.getvalue())
+        self.assertEqual(["encrypt.key"], os.listdir(os.path.dirname(self.key)))
+
+    def test_withoutAFolderForDataItIsInTheUsualOne(self):
+        for value in ("", "relative"):
+            shutil.rmtree(self.path("home"), True)
+            child = python(ENCRYPT, self.apk, scripts=self.scripts,
+                           environment={"XDG_DATA_HOME": value, "HOME": self.path("home")})
+            self.assertIn("made the key", child.communicate()[1])
+            self.assertTrue(os.path.isfile(self.path("home", ".local", "share", "quenzo", "encrypt.key")))
+            write(self.apk, read(APK))
+
+    def test_aKeyBesideTheScriptsServesAndIsToBeMoved(self):
+        os.rename(self.key, self.beside)
+        advice = "Apk: the key is still beside the scripts; move it from %s to %s\n" % (self.beside, self.key)
+        self.encrypted()
+        self.assertEqual("encrypt" + advice, self.said.getvalue())
+        self.said.truncate(0)
+        self.decrypted()
+        self.assertEqual("decrypt" + advice, self.said.getvalue())
+        self.encrypted()
+        os.rename(self.beside, self.key)
+        self.said.truncate(0)
+        self.decrypted()
+        self.assertEqual("", self.said.getvalue())
+
+    def test_aNamedKeyGoesBeforeTheVariableAndThatBeforeTheOwn(self):
+        first = self.write_key(self.path("first.key"), "1" * 64)
+        second = self.write_key(self.path("second.key"), "2" * 64)
+        os.symlink("second.key", self.path("link"))
+        os.environ["QUENZO_KEY"] = self.path("link")
+        self.assertEqual(DONE, encrypt.encryptApk(".", self.apk, first))
+        for named, answer in ((None, NOT_AUTHENTIC), (second, NOT_AUTHENTIC), (first, DONE)):
+            self.assertEqual(answer, encrypt.decryptApk(".", self.apk, named))
+        self.encrypted()
+        os.environ["QUENZO_KEY"] = ""
+        for named, answer in ((None, NOT_AUTHENTIC), (unicode(second), DONE)):
+            self.assertEqual(answer, encrypt.decryptApk(".", self.apk, named))
+
+    def test_aNamedKeyThatIsMissingIsNotMade(self):
+        for named in (self.path("absent"), "a\0b", self.folder, 1.5):
+            self.assertEqual(KEY_UNUSABLE, encrypt.encryptApk(".", self.apk, named))
+        os.environ["QUENZO_KEY"] = self.path("absent")
+        self.refused(KEY_UNUSABLE)
+        self.assertFalse(os.path.exists(self.path("absent")))
 
     def test_manyProcessesAtOnceAgreeOnOneKey(self):
+        os.remove(self.key)
         apks = [write(self.path("apk%d" % number, "game.apk"), read(APK)) for number in range(6)]
         children = [python(ENCRYPT, apk, scripts=self.scripts) for apk in apks]
-        self.assertEqual([("", "")] * 6, [child.communicate() for child in children])
+        said = [child.communicate()[1] for child in children]
+        self.assertEqual([0, 0, 0, 0, 0, 1], sorted(text.count("made the key") for text in said), said)
         self.assertEqual([0] * 6, [child.returncode for child in children])
         for self.apk in apks:
             self.decrypted()
@@ -284,8 +368,9 @@ class Key(Encrypting):
             self.assertEqual(text, read(self.key))
 
     def test_aKeyThatIsNoFileIsRefused(self):
+        os.remove(self.key)
         os.chmod(self.write("elsewhere", "0" * 64), 0o600)
-        for make in (lambda: os.symlink("../elsewhere", self.key), lambda: os.symlink("../absent", self.key),
+        for make in (lambda: os.symlink("../../elsewhere", self.key), lambda: os.symlink("../../absent", self.key),
                      lambda: os.mkfifo(self.key)):
             make()
             self.refused(KEY_UNUSABLE)
@@ -295,9 +380,9 @@ class Key(Encrypting):
         self.assertFalse(os.path.exists(self.path("absent")))
 
     def test_aKeyThatCannotBeMadeIsAnAnswer(self):
-        os.chmod(self.folder, 0o755)
-        encrypt.KEY_FILE = self.path("no such folder", "encrypt.key")
-        self.refused(KEY_UNUSABLE)
+        for value in (self.write("file", "x"), "/proc/nowhere"):
+            os.environ["XDG_DATA_HOME"] = value
+            self.refused(KEY_UNUSABLE)
 
     def test_decryptingMakesNoKey(self):
         self.encrypted()
@@ -332,7 +417,6 @@ class Refusals(Encrypting):
 
     def test_decryptingWhatIsNotEncryptedIsRefused(self):
         self.refused(WRONG_FORM, encrypt.decryptApk)
-        self.assertFalse(os.path.exists(self.key))
 
     def test_anApkThatIsHalfEncryptedIsNotEncryptedAgain(self):
         self.encrypted()
@@ -383,6 +467,7 @@ class Rights(Encrypting):
         os.chmod(self.folder, 0o777)
         os.chmod(self.scripts, 0o777)
         os.chmod(self.path("apk"), 0o777)
+        shutil.rmtree(self.path("data"))
 
     def test_rightsAndOwnerOfTheApkAreKept(self):
         for mode in (0o640, 0o600, 0o755, 0o666):
@@ -419,17 +504,15 @@ class Rights(Encrypting):
         self.addCleanup(os.chmod, self.path("apk"), 0o777)
         self.assertEqual(NO_APK, self.plain_answer())
 
-    def test_scriptsInAClosedFolderGiveNoKey(self):
+    def test_aClosedFolderForDataGivesNoKey(self):
         os.chmod(self.apk, 0o666)
-        os.chmod(self.scripts, 0o555)
-        self.addCleanup(os.chmod, self.scripts, 0o777)
+        os.mkdir(self.path("data"), 0o555)
         self.assertEqual(KEY_UNUSABLE, self.plain_answer())
 
     @unittest.skipUnless(os.geteuid() == 0, "only root can give a key file to somebody else")
     def test_aKeyOfSomebodyElseIsRefused(self):
         os.chmod(self.apk, 0o666)
-        write(self.key, "0" * 64)
-        os.chmod(self.key, 0o600)
+        self.write_key(self.key, "0" * 64)
         self.assertEqual(KEY_UNUSABLE, self.plain_answer())
 
 
