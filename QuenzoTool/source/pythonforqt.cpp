@@ -3,6 +3,7 @@
 
 #include "pythonforqt.h"
 
+#include "exitgate.h"
 #include "messages.h"
 #include "quenzotool.h"
 #include "scripts/pythonruntime.h"
@@ -13,6 +14,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -26,6 +28,11 @@ public:
     }
     ~CallMessages()
     {
+        if (m_messages.isEmpty() && m_cause.isEmpty())
+            return;
+        const ExitGate::Call call;
+        if (!call.mayGoOn())
+            return;
         for (const Message& message : qAsConst(m_messages))
             writeMessage("QuenzoTool/source/pythonforqt", message.line, m_function, message.text);
         if (!m_cause.isEmpty())
@@ -101,6 +108,27 @@ QString textOf(PyObject* object)
     return QString::fromUtf8(text);
 }
 
+// What each reader does around its conversion: takes the result and the interpreter lock, and lets no error
+// pass, neither one that was pending before nor that of a result of another kind.
+class TakenResult {
+public:
+    explicit TakenResult(PyObject*& result)
+        : m_result(std::exchange(result, nullptr))
+    {
+        PyErr_Clear();
+    }
+    ~TakenResult() { PyErr_Clear(); }
+    TakenResult(const TakenResult&) = delete;
+    TakenResult& operator=(const TakenResult&) = delete;
+
+    PyObject* object() const { return m_result.get(); }
+
+private:
+    // The reference goes first, while the lock is held.
+    PyThreadStateLock m_lock;
+    PyReference m_result;
+};
+
 // Only the caller's own module object: another task may be importing the module anew at this moment.
 void unloadModule(const std::string& name, PyObject* module)
 {
@@ -154,8 +182,13 @@ bool PythonForQt::initPythonEnv()
 {
     static std::atomic<bool> starting{false};
     static std::recursive_mutex startMutex;
+    static std::once_flag armed;
+    std::call_once(armed, ExitGate::arm);
     if (PythonRuntime::isRunning() && (!starting || holdsInterpreterLock()))
         return true;
+    const ExitGate::Call call;
+    if (!call.mayGoOn())
+        return false;
     QString cause;
     {
         const std::lock_guard<std::recursive_mutex> guard(startMutex);
@@ -175,6 +208,9 @@ bool PythonForQt::initPythonEnv()
 void PythonForQt::callScript(QString scriptPath, QString function, const QList<QVariant>& arguments,
                              bool unload)
 {
+    const ExitGate::Call call;
+    if (!call.mayGoOn())
+        return;
     CallMessages messages("void __cdecl PythonForQt::callScript(class QString,class QString,"
                           "const class QList<class QVariant> &,bool)");
     const QFileInfo script(scriptPath);
@@ -220,54 +256,42 @@ int PythonForQt::getResultAsInt()
 {
     if (pResult == nullptr)
         return -1;
-    const PyThreadStateLock lock;
-    PyErr_Clear();
-    const int number = _PyInt_AsInt(pResult);
-    PyErr_Clear();
-    releaseObj(&pResult);
-    return number;
+    const TakenResult result(pResult);
+    return _PyInt_AsInt(result.object());
 }
 
 QString PythonForQt::getResultAsString()
 {
     if (pResult == nullptr)
         return {};
-    const PyThreadStateLock lock;
-    PyErr_Clear();
-    QString text = textOf(pResult);
-    releaseObj(&pResult);
-    return text;
+    const TakenResult result(pResult);
+    return textOf(result.object());
 }
 
 QStringList PythonForQt::getResultAsStrList()
 {
-    QStringList texts;
     if (pResult == nullptr)
-        return texts;
-    const PyThreadStateLock lock;
-    PyErr_Clear();
-    const Py_ssize_t count = PyList_Size(pResult);
+        return {};
+    const TakenResult result(pResult);
+    QStringList texts;
+    const Py_ssize_t count = PyList_Size(result.object());
     PyErr_Clear();
     for (Py_ssize_t i = 0; i < count; ++i)
-        texts.append(textOf(PyList_GetItem(pResult, i)));
-    releaseObj(&pResult);
+        texts.append(textOf(PyList_GetItem(result.object(), i)));
     return texts;
 }
 
 QMap<QString, QString> PythonForQt::getResultAsStrDict()
 {
-    QMap<QString, QString> texts;
     if (pResult == nullptr)
-        return texts;
-    const PyThreadStateLock lock;
-    PyErr_Clear();
+        return {};
+    const TakenResult result(pResult);
+    QMap<QString, QString> texts;
     PyObject* key = nullptr;
     PyObject* value = nullptr;
     Py_ssize_t position = 0;
-    while (PyDict_Next(pResult, &position, &key, &value) != 0)
+    while (PyDict_Next(result.object(), &position, &key, &value) != 0)
         texts.insert(textOf(key), textOf(value));
-    PyErr_Clear();
-    releaseObj(&pResult);
     return texts;
 }
 

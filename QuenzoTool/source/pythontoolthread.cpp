@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "pythontoolthread.h"
 
+#include "exitgate.h"
 #include "pythonforqt.h"
 
 #include <quenzobase.h>
@@ -75,6 +76,10 @@ bool PythonToolThread::bExecTask()
 
 void PythonToolThread::run()
 {
+    // A report needs what is destroyed at exit as much as the script call does.
+    const ExitGate::Call call;
+    if (!call.mayGoOn())
+        return;
     const auto lacks = [this](const char* key) { return !m_params.contains(QLatin1String(key)); };
     if (m_operate == PYTHON_TOOL_IMPORT_SDK && (lacks("src") || lacks("dest"))) {
         // The flag goes first here, and only once: whoever hears of it may have recorded the next task.

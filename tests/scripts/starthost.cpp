@@ -3,16 +3,21 @@
 //   starthost WAY    prints what it saw, a line each
 #include <Python.h>
 
+#include <dbhelper.h>
 #include <pythonforqt.h>
 #include <quenzobase.h>
 #include <quenzotool.h>
 
+#include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QMap>
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <functional>
 #include <thread>
 
 #include <unistd.h>
@@ -163,6 +168,79 @@ void startInVain()
     print(interrupts == 1 ? QStringLiteral("handled") : QStringLiteral("not handled"));
 }
 
+std::atomic<bool> ending{false};
+
+// Made before anything of Qt, and thus destroyed after it.
+struct SlowEnd {
+    ~SlowEnd() { std::this_thread::sleep_for(duration); }
+    std::chrono::milliseconds duration{0};
+} slowEnd;
+
+void callUntil(const std::atomic<bool>& stop)
+{
+    PythonForQt bridge;
+    while (!stop) {
+        bridge.callScript(QuenzoBase::getRunPath() + QStringLiteral("/../Script/absent.py"),
+                          QStringLiteral("f"), {}, true);
+    }
+}
+
+// Leaves main while other threads call scripts that fail.
+void leaveWhileCallsRun()
+{
+    slowEnd.duration = std::chrono::milliseconds(300);
+    // A long one, since it is the formatting of a message that the end would hit.
+    qSetMessagePattern(QStringLiteral("%{time yyyy-MM-dd hh:mm:ss.zzz} %{threadid} ").repeated(100)
+                       + QStringLiteral("%{file} %{message}"));
+    PythonForQt::initPythonEnv();
+    for (int i = 0; i < 3; ++i)
+        std::thread(callUntil, std::cref(ending)).detach();
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+}
+
+// Leaves main while an exit handler waits for a thread that calls scripts: one that runs after the gate
+// closed.
+void leaveAndJoin()
+{
+    static std::thread caller;
+    std::atexit([] {
+        ending = true;
+        caller.join();
+        print(QStringLiteral("joined"));
+    });
+    PythonForQt::initPythonEnv();
+    caller = std::thread(callUntil, std::cref(ending));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+}
+
+void callInAnExitHandler()
+{
+    std::atexit([] { print(QString::number(callAnswer("five"))); });
+    printAnswer(PythonForQt::initPythonEnv());
+}
+
+// Leaves main while a slot of the database worker is about to call a script.
+void leaveWhileASlotCalls()
+{
+    static std::atomic<bool> inSlot{false};
+    DBHelper* const database = DBHelper::getInstance();
+    database->initDatabase(QStringLiteral(":memory:"));
+    QObject::connect(database, &DBHelper::onSelectFinish, [] {
+        inSlot = true;
+        while (!ending)
+            std::this_thread::yield();
+        // The next exit handler is the library's.
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        print(QString::number(callAnswer("five")));
+    });
+    printAnswer(PythonForQt::initPythonEnv());
+    database->threadToDatabase(DB_SELECT, QStringLiteral("sqlite_master"), false, QString());
+    database->StartThread();
+    while (!inSlot)
+        std::this_thread::yield();
+    std::atexit([] { ending = true; });
+}
+
 const QMap<QString, void (*)()>& ways()
 {
     static const QMap<QString, void (*)()> all{
@@ -174,6 +252,10 @@ const QMap<QString, void (*)()>& ways()
         {QStringLiteral("handlers"), keepHandlers},
         {QStringLiteral("interrupt"), waitForInterrupt},
         {QStringLiteral("failing"), startInVain},
+        {QStringLiteral("leave"), leaveWhileCallsRun},
+        {QStringLiteral("join"), leaveAndJoin},
+        {QStringLiteral("exit handler"), callInAnExitHandler},
+        {QStringLiteral("slot"), leaveWhileASlotCalls},
         {QStringLiteral("ascii"), callFromAFolderBeyondAscii},
     };
     return all;
@@ -199,6 +281,7 @@ int main(int argc, char* argv[])
     const auto way = ways().value(QString::fromLocal8Bit(argc > 1 ? argv[1] : ""));
     if (way == nullptr)
         return 2;
+    const QCoreApplication application(argc, argv);
     way();
     return 0;
 }
