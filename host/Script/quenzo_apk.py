@@ -1,10 +1,13 @@
 # SPDX-License-Identifier: MIT
 """Writes an APK anew with its assets in another form; every other entry is carried over as it was packed."""
+import contextlib
 import re
 
 from quenzo_assets import EncryptedAssets, content_digests, decrypted_assets, is_asset
 from quenzo_cipher import NotAuthentic
-from quenzo_files import replaced, work_folder
+from quenzo_files import replaced
+from quenzo_folder import parents_made
+from quenzo_place import Work
 from quenzo_report import DamagedArchive
 from quenzo_zipread import FLAG_UTF8, STORED, Archive
 from quenzo_zipwrite import Record, ZipWriter
@@ -14,7 +17,7 @@ _SIGNATURE = re.compile(r"^META-INF/(MANIFEST\.MF|[^/]+\.(SF|RSA|DSA|EC))\Z", re
 
 def encrypt_file(path, archive, secret):
     """Replaces the APK by its encrypted form, once that form has given the same assets back."""
-    with work_folder(path) as work, replaced(path) as (out, name):
+    with _rewriting(path) as (out, name, work):
         encrypted = EncryptedAssets(archive, secret, work)
 
         def add(writer, entry):
@@ -29,7 +32,7 @@ def encrypt_file(path, archive, secret):
 
 def decrypt_file(path, archive, secret):
     """Replaces the encrypted APK by one with the assets as they were."""
-    with work_folder(path) as work, replaced(path) as (out, name):
+    with _rewriting(path) as (out, name, work):
         plain = decrypted_assets(archive, secret, work)
 
         def add(writer, entry):
@@ -41,6 +44,13 @@ def decrypt_file(path, archive, secret):
             _check_others(archive, made)
             if content_digests(made) != plain.digests():
                 raise NotAuthentic("the new APK does not hold the decrypted assets")
+
+
+@contextlib.contextmanager
+def _rewriting(path):
+    """The new file and its place so far, and a folder to work in that is closed to others."""
+    with parents_made(path) as (folder, name), Work(folder) as work, replaced(folder, name) as (out, place):
+        yield out, place, work.tree
 
 
 def _rewrite(archive, add_asset, out):

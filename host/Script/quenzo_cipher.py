@@ -78,13 +78,13 @@ class Keys(object):
         self._tag_key = hmac.new(secret, "quenzo asset authentication" + salt, hashlib.sha256).digest()
 
     def encrypt(self, source, target):
-        """Encrypts file source into file target: openssl's head, then as many bytes as source has."""
-        _run(["-e", "-in", source, "-out", target], self._phrase)
+        """Encrypts file source into file target of the same folder: openssl's head, then as many bytes as source has."""
+        _run("-e", source, target, self._phrase)
         _check_size(target, os.path.getsize(source) + STREAM_HEAD_BYTES)
 
     def decrypt(self, source, target):
         """The way back."""
-        _run(["-d", "-in", source, "-out", target], self._phrase)
+        _run("-d", source, target, self._phrase)
         _check_size(target, os.path.getsize(source) - STREAM_HEAD_BYTES)
 
     def tag(self, name, header):
@@ -105,8 +105,9 @@ def _check_size(path, wanted):
         raise CipherFailure("openssl did not write what it should have")
 
 
-def _run(arguments, phrase):
-    command = [PROGRAM, "enc", "-aes-256-ctr", "-pbkdf2", "-md", "sha256", "-iter", _ITERATIONS, "-pass", "stdin"]
+def _run(direction, source, target, phrase):
+    command = [PROGRAM, "enc", "-aes-256-ctr", "-pbkdf2", "-md", "sha256", "-iter", _ITERATIONS, "-pass", "stdin",
+               direction, "-in", os.path.basename(source), "-out", os.path.basename(target)]
     reader, writer = os.pipe()
     try:
         try:
@@ -114,7 +115,7 @@ def _run(arguments, phrase):
         finally:
             os.close(writer)
         with tempfile.TemporaryFile() as errors, open(os.devnull, "wb") as nowhere:
-            code = _wait_for(command + arguments, reader, nowhere, errors)
+            code = _wait_for(command, os.path.dirname(source), reader, nowhere, errors)
             errors.seek(0)
             text = errors.read(500)
     finally:
@@ -123,11 +124,12 @@ def _run(arguments, phrase):
         raise CipherFailure("openssl ended with %d: %s" % (code, text.strip()))
 
 
-def _wait_for(command, stdin, stdout, stderr):
+def _wait_for(command, folder, stdin, stdout, stderr):
+    """Runs the command in that folder: the path to it is worth nothing in another process."""
     # Closing a billion descriptors one by one, where that is the limit, would take minutes.
     close = subprocess.MAXFD <= _MAX_FILES_TO_CLOSE
     try:
-        child = subprocess.Popen(command, stdin=stdin, stdout=stdout, stderr=stderr, close_fds=close)
+        child = subprocess.Popen(command, cwd=folder, stdin=stdin, stdout=stdout, stderr=stderr, close_fds=close)
     except OSError as error:
         raise CipherFailure("openssl cannot be started: %s" % error)
     return child.wait()

@@ -129,59 +129,27 @@ def flush_folder(path):
 
 
 @contextlib.contextmanager
-def parents_made(path):
-    """Makes the missing folders above path, and removes them again when the body fails."""
-    missing = []
-    folder = os.path.dirname(path)
-    while not os.path.lexists(folder):
-        missing.append(folder)
-        folder = os.path.dirname(folder)
-    made = []
-    done = False
-    try:
-        for folder in reversed(missing):
-            if _make_folder(folder):
-                made.append(folder)
-        yield
-        done = True
-    finally:
-        if not done:
-            _remove_folders(reversed(made))
-
-
-@contextlib.contextmanager
-def replaced(path):
-    """A new file, given with its name so far, that takes the place of path when the body succeeds.
+def replaced(folder, name):
+    """A new file, given with its place so far, that becomes name in an open folder when the body succeeds.
 
     Otherwise nothing of it stays. Owner and rights are those of the file that is replaced.
     """
-    alike = os.path.lexists(path)
-    if alike:
-        check_replaceable(path, path)
-    scratch = scratch_beside(path)
-    made = open_new(scratch, 0o600 if alike else 0o666)
+    before = folder.status(name)
+    if before:
+        check_replaceable(folder.at(name), folder.shown(name))
+    scratch = folder.at(scratch_name())
+    made = folder.do(lambda unused: open_new(scratch, 0o600 if before else 0o666), name)
     try:
         with made:
             yield made, scratch
             made.flush()
-            if alike:
-                make_alike(made.fileno(), os.stat(path))
+            if before:
+                make_alike(made.fileno(), before)
             os.fsync(made.fileno())
-        os.rename(scratch, path)
+        folder.do(lambda place: os.rename(scratch, place), name)
     finally:
         remove(scratch)
-    flush_folder(os.path.dirname(path))
-
-
-@contextlib.contextmanager
-def work_folder(path):
-    """A folder of its owner's alone in the folder of path, gone after the body."""
-    work = scratch_beside(path)
-    os.mkdir(work, 0o700)
-    try:
-        yield work
-    finally:
-        remove_tree(work)
+    flush_folder(folder.at("."))
 
 
 def make_alike(descriptor, status):
@@ -191,21 +159,3 @@ def make_alike(descriptor, status):
     except OSError:
         pass  # Only root gives files away.
     os.fchmod(descriptor, status.st_mode & 0o777)
-
-
-def _make_folder(path):
-    try:
-        os.mkdir(path)
-    except OSError as error:
-        if error.errno != errno.EEXIST or not os.path.isdir(path):
-            raise
-        return False
-    return True
-
-
-def _remove_folders(paths):
-    for path in paths:
-        try:
-            os.rmdir(path)
-        except OSError:
-            return

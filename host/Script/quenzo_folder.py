@@ -4,6 +4,7 @@
 Whoever owns a folder on the way to a file may put a link in its place at any moment. So each step is taken from
 an open folder, by way of /proc, and never through a link that appeared meanwhile.
 """
+import contextlib
 import errno
 import fcntl
 import os
@@ -76,8 +77,43 @@ class Folder(object):
         return None
 
 
-def walk(path):
-    """The deepest folder on the way to path that exists, open, and the names that are missing below it."""
+class Parents(object):
+    """Missing folders, made one in the other, that go again unless keep() is called."""
+
+    def __init__(self, top, names):
+        self._folders = [top]
+        self._names = []
+        try:
+            for name in names:
+                self.last.do(os.mkdir, name)
+                self._names.append(name)
+                self._folders.append(self.last.folder(name))
+        except Exception:
+            self.__exit__()
+            raise
+
+    @property
+    def last(self):
+        return self._folders[-1]
+
+    def keep(self):
+        self._names = []
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *unused):
+        for folder, name in reversed(zip(self._folders, self._names)):
+            _removed(folder.at(name))
+        for folder in self._folders[1:]:
+            folder.close()
+
+
+def walk(path, to_file=False):
+    """The deepest folder on the way to path that exists, open, and the names that are missing below it.
+
+    With to_file whatever else than a folder has the last name counts as missing.
+    """
     left = list(reversed(os.path.join(os.getcwd(), path).split("/")))
     here, missing, links = Folder("/", "/"), [], 0
     try:
@@ -99,6 +135,8 @@ def walk(path):
                     here = _instead(here, Folder("/", "/"))
             elif stat.S_ISDIR(status.st_mode):
                 here = _instead(here, here.folder(name))
+            elif to_file and not left:
+                missing = [name]
             else:
                 raise ToolError("a file is in the way: %s" % here.shown(name))
     except Exception:
@@ -122,3 +160,22 @@ def _followed(folder, name, status, links):
         if status.st_uid or around.st_uid or open_to_others:
             raise ToolError("a link that others can change is on the way: %s" % folder.shown(name))
     return folder.do(os.readlink, name)
+
+
+@contextlib.contextmanager
+def parents_made(path):
+    """The folder of file path, open, and the file's name; missing folders are made, and go again when the body fails."""
+    here, missing = walk(path, to_file=True)
+    with here:
+        if not missing:
+            raise ToolError("a folder is in the way: %s" % here.path)
+        with Parents(here, missing[:-1]) as parents:
+            yield parents.last, missing[-1]
+            parents.keep()
+
+
+def _removed(place):
+    try:
+        os.rmdir(place)
+    except OSError:
+        pass

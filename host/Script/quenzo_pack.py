@@ -8,8 +8,8 @@ import os
 import stat
 
 from quenzo_ahead import in_order
-from quenzo_files import SCRATCH, argument_path, argument_text, blocks, open_regular, parents_made, read_small
-from quenzo_files import replaced
+from quenzo_files import SCRATCH, argument_path, argument_text, blocks, open_regular, read_small, replaced
+from quenzo_folder import parents_made
 from quenzo_limits import check_content, check_entries
 from quenzo_names import check_names
 from quenzo_report import ToolError
@@ -41,12 +41,12 @@ def pack(src, dest, apkfile):
         raise ToolError("no such folder: %s" % root)
     if _lies_in(target, root):
         raise ToolError("the archive would lie in the folder to pack: %s" % target)
-    with parents_made(target):
+    with parents_made(argument_text(dest, "the archive to write")) as (folder, file_name):
         found = _contents(root)
         if extra is not None:
             _add_extra(found, extra, target)
         _check(found)
-        with replaced(target) as (out, _):
+        with replaced(folder, file_name) as (out, _):
             _write(out, found)
 
 

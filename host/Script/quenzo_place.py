@@ -5,7 +5,7 @@ import os
 import stat
 
 from quenzo_files import check_replaceable, make_alike, open_regular, remove_tree, scratch_name
-from quenzo_folder import walk
+from quenzo_folder import Parents, walk
 from quenzo_report import ToolError
 
 
@@ -19,12 +19,12 @@ def placed(dest):
     here, missing = walk(dest)
     with here:
         if not missing:
-            with _neighbour(here) as beside, _Work(beside) as work:
+            with _neighbour(here) as beside, Work(beside) as work:
                 with _named_errors(work.tree, here.path):
                     yield work.tree
                 _merge(work, here)
             return
-        with _Parents(here, missing[:-1]) as parents, _Work(parents.last) as work:
+        with Parents(here, missing[:-1]) as parents, Work(parents.last) as work:
             with _named_errors(work.tree, parents.last.shown(missing[-1])):
                 yield work.tree
             parents.last.do(lambda place: os.rename(work.tree, place), missing[-1])
@@ -52,40 +52,8 @@ def _named_errors(place, path):
         raise
 
 
-class _Parents(object):
-    """Missing folders, made one in the other, that go again unless keep() is called."""
-
-    def __init__(self, top, names):
-        self._folders = [top]
-        self._names = []
-        try:
-            for name in names:
-                self.last.do(os.mkdir, name)
-                self._names.append(name)
-                self._folders.append(self.last.folder(name))
-        except Exception:
-            self.__exit__()
-            raise
-
-    @property
-    def last(self):
-        return self._folders[-1]
-
-    def keep(self):
-        self._names = []
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *unused):
-        for folder, name in reversed(zip(self._folders, self._names)):
-            _tried(os.rmdir, folder.at(name))
-        for folder in self._folders[1:]:
-            folder.close()
-
-
-class _Work(object):
-    """A folder closed to others: new files wait below "new", replaced ones below "old"."""
+class Work(object):
+    """A folder closed to others, gone after the body: new files wait below tree, replaced ones below "old"."""
 
     def __init__(self, parent):
         self._parent = parent

@@ -1,12 +1,13 @@
 # -*- coding: utf-8 -*-
 # SPDX-License-Identifier: MIT
-"""Folders that others exchange for links while an archive is unpacked: nothing goes where the link leads."""
+"""Folders that others exchange for links while something is written: nothing goes where the link leads."""
 import os
 import time
 import unittest
 
-from support import FolderCase, Raw, raw_archive, tree, write
+from support import APK, FolderCase, Raw, raw_archive, read, tree, write
 
+import encrypt
 import pytoolForQt
 
 NOBODY = 65534
@@ -55,6 +56,29 @@ class AtTheWorstMoment(Exchanges):
             self.assert_victim_untouched()
             os.remove(self.base)
             os.rename(self.path("away"), self.base)
+
+    def test_aFolderAboveAnArchiveToWriteLeadsNowhereElse(self):
+        write(self.path("src", "a"), "x")
+        write(os.path.join(self.victim, "out", "old.zip"), "kept")
+        write(os.path.join(self.out, "old.zip"), "old")
+        before = tree(self.victim)
+        for name in ("old.zip", "new.zip", "fresh/new.zip"):
+            self.exchange_at("urandom", self.out, os.path.join(self.victim, "out"))
+            pytoolForQt.zip(self.path("src"), os.path.join(self.out, name), "")
+            self.assertEqual(before, tree(self.victim))
+            self.assertIn(os.path.basename(name), [one for _, _, names in os.walk(self.path("away")) for one in names])
+            os.remove(self.out)
+            os.rename(self.path("away"), self.out)
+
+    def test_aFolderAboveAnApkToEncryptLeadsNowhereElse(self):
+        apk = write(os.path.join(self.out, "game.apk"), read(APK))
+        write(os.path.join(self.victim, "out", "game.apk"), "kept")
+        os.chmod(write(self.path("key"), "0" * 64), 0o600)
+        before = tree(self.victim)
+        self.exchange_at("urandom", self.out, os.path.join(self.victim, "out"))
+        self.assertEqual(0, encrypt.encryptApk(".", apk, self.path("key")), self.said.getvalue())
+        self.assertEqual(before, tree(self.victim))
+        self.assertNotEqual(read(APK), read(self.path("away", "game.apk")))
 
     def test_theTargetLeadsNowhereElse(self):
         self.exchange_at("urandom", self.out, os.path.join(self.victim, "out"))
