@@ -124,14 +124,21 @@ public:
      * itself (false).
      * - What failed, or stays in a move, and why is told in the logging category "quenzo.trees", which a host
      * may switch on.
-     * - Folders of Qt's resource system (":/name") count as missing, here and below.
+     * - A link or mount in the target that leads into the source ends the operation (false) before anything
+     * behind it is touched; others are followed.
+     * - Folders of Qt's resource system (":/name") can be copied from. Nothing can be removed from them, so a
+     * move out of one is a copy. They take nothing (false).
+     * - The name filters of @p source hold for what is directly in it.
+     * - A tree too deep for the thread's stack ends the operation (false), on Linux.
      *
      * Blocks the calling thread.
      *
      * @param source the folder
      * @param target the folder for its content
-     * @param overwrite whether existing files are replaced; each goes before its replacement is copied. With
-     * false the first one that exists fails.
+     * @param overwrite whether existing files are replaced; each goes when its replacement is whole, or when
+     * there is no room for both. One that cannot be removed gets the permission QFileDevice::WriteOther for
+     * another try, and its own back if it stays. A link that leads nowhere does not count as existing, and
+     * fails. With false the first one that exists fails.
      * @param deleteSource whether to move: files and subfolders that cannot be removed stay, and so does a
      * file that somebody wrote to after it was copied; neither is a failure
      * @return true when everything was copied
@@ -147,7 +154,10 @@ public:
      * Every file and folder is named in Qt's message log, at debug level. The spelling is kept: hosts call
      * it.
      *
-     * @return true, also when the folder does not exist
+     * The name filters of @p folder hold for what is directly in it.
+     *
+     * @return true, also when the folder does not exist; false when the tree is too deep for the thread's
+     * stack
      */
     static bool changePermessionRecursively(QDir& folder);
 
@@ -156,7 +166,7 @@ public:
      * files: which changes files that links in it lead to, outside the folder too. The links themselves are
      * removed, not what they lead to.
      *
-     * @return true when the folder is gone, or was not there
+     * @return true when the folder is gone, or was not there; false of a folder of Qt's resource system
      */
     static bool removeRecursively(QDir& folder);
 

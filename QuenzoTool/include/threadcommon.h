@@ -50,6 +50,7 @@ enum THREAD_OPERATE : int {
  * level by level until the path is too long, and the result is false.
  * - Files found in a "dest" inside "src" move on into a folder of the same name inside it. Which of them are
  * still there by then depends on the order in which the file system lists them.
+ * - A "dest" that is, or lies in, "src" only by a link is refused, and nothing is moved (false).
  * - With equal folders, files are lost: each is removed as the one to be replaced. So is a file in "dest" to
  * which a link in "src" leads that has its name: nothing is left that the link could be copied from.
  * - A folder of "src" that is not empty after its turn is left with the permission QFileDevice::WriteOther

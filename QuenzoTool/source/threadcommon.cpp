@@ -113,14 +113,13 @@ void ThreadCommon::execMigrateData()
 bool ThreadCommon::cutForOutput(const QDir& fromDir, const QDir& toDir, QStringList* filterList)
 {
     OutputCut cut(m_outputDir, m_exceptDir);
-    const bool moved = cut.cut(TreeFolder::nativePath(fromDir), TreeFolder::nativePath(toDir), filterList);
+    const bool moved = cut.cut(fromDir, toDir, filterList);
     return cut.finish() && moved;
 }
 
 bool ThreadCommon::exceptCut(QString fromPath, QString toPath, QString /*exceptName*/)
 {
     OutputCut cut(m_outputDir, m_exceptDir);
-    const bool moved =
-        cut.cutExcept(TreeFolder::nativePath(QDir(fromPath)), TreeFolder::nativePath(QDir(toPath)));
+    const bool moved = cut.cutExcept(QDir(fromPath), QDir(toPath));
     return cut.finish() && moved;
 }

@@ -192,14 +192,6 @@ bool TreeModel::copyFile(const QString& from, const QString& to)
     return node != nullptr && !node->isFolder && writeFile(to, QByteArray(node->content));
 }
 
-void TreeModel::replace(const QString& path)
-{
-    if (find(path) == nullptr || removeFile(path))
-        return;
-    forceWriteOther(path);
-    removeFile(path);
-}
-
 bool TreeModel::copyDirectory(const QString& source, const QString& target, bool overwrite, bool deleteSource)
 {
     if (target.startsWith(source + QLatin1Char('/')) && isFolder(source))
@@ -223,7 +215,7 @@ bool TreeModel::copyDirectory(const QString& source, const QString& target, bool
         if (from == to)
             return false;
         if (overwrite)
-            replace(to);
+            removeFile(to);
         if (!copyFile(from, to))
             return false;
         if (deleteSource)
@@ -234,7 +226,7 @@ bool TreeModel::copyDirectory(const QString& source, const QString& target, bool
 
 bool TreeModel::moveFile(const QString& from, const QString& to)
 {
-    replace(to);
+    removeFile(to);
     if (copyFile(from, to)) {
         removeFile(from);
         return true;

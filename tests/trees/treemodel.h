@@ -70,7 +70,6 @@ private:
     void forceWriteOther(const QString& path);
     bool copyFile(const QString& from, const QString& to);
     bool moveFile(const QString& from, const QString& to);
-    void replace(const QString& path);
 
     const ListingOrder& m_order;
     std::unique_ptr<Node> m_root;

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include <quenzotool.h>
+#include <threadcommon.h>
 
 #include "messagelog.h"
 #include "treefiles.h"
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QtTest>
 
 #include <fcntl.h>
@@ -74,13 +76,10 @@ private Q_SLOTS:
     void movedTreeLeavesTopFolderEmpty();
     void hiddenFilesAreCopied();
     void emptyFolderGivesEmptyTarget();
-    void existingFolderOfThatNameIsGivenOtherRights();
-    void danglingLinkInTargetIsReplaced();
     void existingFilesStopACopyWithoutOverwrite();
     void everyNameGetsThrough_data();
     void everyNameGetsThrough();
     void namesOfResourcesStayInTheTree();
-    void foldersOfResourcesCountAsMissing();
     void permissionBitsAreThoseOfQtsCopy();
     void plainUsersPermissionBitsAreThoseOfQtsCopy();
     void linkToFileIsCopiedAsFile();
@@ -105,6 +104,9 @@ private Q_SLOTS:
     void unremovableSourceIsIgnored();
     void hugeSparseFileStaysSparse();
     void deepTreeIsCopiedMovedAndRemoved();
+    void tooDeepTreeForTheStackIsFalse_data();
+    void tooDeepTreeForTheStackIsFalse();
+    void tooDeepTreeForTheStackIsNotChanged();
     void manyFilesArriveInEveryFolder();
     void relativePathsAreTakenFromTheWorkingFolder();
 
@@ -123,6 +125,8 @@ private Q_SLOTS:
     void removalTakesFoldersOfManyFiles();
 
 private:
+    static constexpr unsigned smallStack = 192U << 10U;
+    void makeDeepest();
     bool copy(bool overwrite = true)
     {
         return QuenzoTool::copyDirectory(folder(m_source), folder(m_target), overwrite, false);
@@ -227,24 +231,6 @@ void tst_Directories::emptyFolderGivesEmptyTarget()
     QVERIFY(move());
 }
 
-void tst_Directories::existingFolderOfThatNameIsGivenOtherRights()
-{
-    write(m_source + "/entry");
-    makeFolder(m_target + "/entry");
-    QVERIFY(!copy());
-    QCOMPARE(TreeFiles::mode(m_target + "/entry"), 0002);
-}
-
-void tst_Directories::danglingLinkInTargetIsReplaced()
-{
-    write(m_source + "/file", "new");
-    makeFolder(m_target);
-    makeLink("nowhere", m_target + "/file");
-    QVERIFY(!copy(false));
-    QVERIFY(copy());
-    QCOMPARE(TreeFiles::content(m_target), TreeFiles::content(m_source));
-}
-
 void tst_Directories::existingFilesStopACopyWithoutOverwrite()
 {
     for (int i = 0; i < 200; ++i)
@@ -293,33 +279,6 @@ void tst_Directories::namesOfResourcesStayInTheTree()
     QDir::setCurrent(before);
     QVERIFY(moved);
     QCOMPARE(TreeFiles::read(m_target + "/:x"), QByteArray("resource"));
-}
-
-// Also where a folder of that name is in the working folder.
-void tst_Directories::foldersOfResourcesCountAsMissing()
-{
-    write(m_source + "/:/x/file", "kept");
-    makeFolder(m_source + "/:y");
-    const auto before = TreeFiles::content(m_source);
-    const QString workingFolder = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(QFile::decodeName(m_source)));
-    const QDir target = folder(m_target);
-    bool done = true;
-    bool kept = true;
-    for (const char* path : {":/x", ":/", ":y", ":/missing"}) {
-        QDir resource(QString::fromLatin1(path));
-        done = done && QuenzoTool::copyDirectory(resource, target, true, false)
-            && QuenzoTool::copyDirectory(resource, target, true, true)
-            && !QuenzoTool::copyDirectory(target, resource, true, false);
-        kept = kept && QuenzoTool::changePermessionRecursively(resource)
-            && QuenzoTool::removeRecursively(resource);
-    }
-    QVERIFY(QDir::setCurrent(workingFolder));
-    QVERIFY(done);
-    QVERIFY(kept);
-    QVERIFY(TreeFiles::content(m_target).isEmpty());
-    QCOMPARE(TreeFiles::content(m_source), before);
-    QCOMPARE(TreeFiles::mode(m_source + "/:/x/file"), 0644);
 }
 
 void tst_Directories::permissionBitsAreThoseOfQtsCopy()
@@ -606,6 +565,56 @@ void tst_Directories::deepTreeIsCopiedMovedAndRemoved()
     QDir target = folder(m_target);
     QVERIFY(QuenzoTool::removeRecursively(target));
     QVERIFY(!exists(m_target));
+}
+
+void tst_Directories::makeDeepest()
+{
+    QByteArray deepest = m_source;
+    while (deepest.size() < 2000)
+        deepest += "/n";
+    write(deepest + "/file", "kept");
+    m_target = m_root + "/t";
+}
+
+void tst_Directories::tooDeepTreeForTheStackIsFalse_data()
+{
+    QTest::addColumn<int>("operate");
+    QTest::newRow("copy") << int(OPERATE_COPY);
+    QTest::newRow("cut") << int(OPERATE_CUT);
+    QTest::newRow("output") << int(OPERATE_CUT_OUTPUT);
+}
+
+void tst_Directories::tooDeepTreeForTheStackIsFalse()
+{
+    QFETCH(int, operate);
+    makeDeepest();
+    ThreadCommon worker;
+    worker.setStackSize(smallStack);
+    worker.StartOperate(static_cast<THREAD_OPERATE>(operate),
+                        QVariantMap{{QStringLiteral("src"), QFile::decodeName(m_source)},
+                                    {QStringLiteral("dest"), QFile::decodeName(m_target)}});
+    worker.start();
+    QVERIFY(worker.wait());
+    QCOMPARE(worker.getResult(), QVariant(false));
+    QDir source = folder(m_source);
+    QDir target = folder(m_target);
+    QVERIFY(QuenzoTool::removeRecursively(source));
+    QVERIFY(QuenzoTool::removeRecursively(target));
+}
+
+void tst_Directories::tooDeepTreeForTheStackIsNotChanged()
+{
+    makeDeepest();
+    QDir source = folder(m_source);
+    bool changed = true;
+    const std::unique_ptr<QThread> thread(QThread::create([&changed, &source] {
+        changed = QuenzoTool::changePermessionRecursively(source) || QuenzoTool::removeRecursively(source);
+    }));
+    thread->setStackSize(smallStack);
+    thread->start();
+    QVERIFY(thread->wait());
+    QVERIFY(!changed);
+    QVERIFY(QuenzoTool::removeRecursively(source));
 }
 
 // Above and below the numbers from which on files go in bulk.

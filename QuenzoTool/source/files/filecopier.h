@@ -7,7 +7,7 @@
 #include <memory>
 
 /**
- * Copies files from folder to folder: content and permission bits, through links, never over anything.
+ * Copies files from folder to folder: content and permission bits, through links.
  *
  * A file appears under its name when it is complete, or not at all, also when the process is killed
  * meanwhile.
@@ -18,9 +18,12 @@ public:
         LeftToSystem,
         Flushable ///< remembers what flush() then has to wait for, and the sources
     };
+    enum Existing {
+        Kept, ///< the copy fails
+        Replaced ///< it goes when what takes its place is at hand
+    };
     enum Trouble {
         NoTrouble,
-        NameTaken,
         NoRoom,
         NotCopied ///< for any other cause
     };
@@ -32,14 +35,18 @@ public:
 
     static QString neitherFileNorFolder() { return QStringLiteral("it is neither a file nor a folder"); }
     static QString linkLeadsNowhere() { return QStringLiteral("the link leads nowhere"); }
+    static QString replacedItself() { return QStringLiteral("it was the file to be replaced"); }
     static QString linkLeadsBack() { return QStringLiteral("the link leads back to a folder that holds it"); }
 
-    explicit FileCopier(Durability durability);
+    FileCopier(Durability durability, Existing existing);
     ~FileCopier();
     FileCopier(const FileCopier&) = delete;
     FileCopier& operator=(const FileCopier&) = delete;
 
-    /** Copies files in order, under their own names, up to the first that meets trouble. */
+    /**
+     * Copies files in order, under their own names, up to the first that meets trouble. A file that turns out
+     * to be the existing one that it replaces is gone then, and not copied.
+     */
     Outcome copy(const TreeFolder& from, const TreeEntry* files, int count, const TreeFolder& to);
 
     /**

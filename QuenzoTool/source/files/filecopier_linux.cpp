@@ -2,6 +2,7 @@
 #include "files/filecopier.h"
 
 #include "files/filecontent_linux.h"
+#include "files/filehandle_linux.h"
 #include "files/filenamer_linux.h"
 #include "files/treefolder_linux.h"
 
@@ -14,6 +15,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -37,8 +39,6 @@ FileCopier::Trouble troubleFrom(int error)
     switch (error) {
     case 0:
         return FileCopier::NoTrouble;
-    case EEXIST:
-        return FileCopier::NameTaken;
     case ENOSPC:
     case EDQUOT:
         return FileCopier::NoRoom;
@@ -48,7 +48,7 @@ FileCopier::Trouble troubleFrom(int error)
 }
 
 // What is no system's error.
-enum OwnError { NeitherFileNorFolder = -1, LinkLeadsNowhere = -2, LinkLeadsBack = -3 };
+enum OwnError { NeitherFileNorFolder = -1, LinkLeadsNowhere = -2, LinkLeadsBack = -3, ReplacedItself = -4 };
 
 QString reasonFor(int error)
 {
@@ -59,39 +59,68 @@ QString reasonFor(int error)
         return FileCopier::linkLeadsNowhere();
     case LinkLeadsBack:
         return FileCopier::linkLeadsBack();
+    case ReplacedItself:
+        return FileCopier::replacedItself();
     default:
         return errorText(error);
     }
 }
 
-// Opens what is to be copied; an error number, or 0.
-int openSource(const TreeFolder& from, const TreeEntry& entry, const TreeFolder& to, struct stat& status,
-               UnnamedFile& file)
+/** One file and where it goes. */
+struct Job {
+    const TreeFolder& from;
+    const TreeEntry& entry;
+    const TreeFolder& to;
+
+    const char* name() const { return entry.name.constData(); }
+};
+
+struct OpenedSource {
+    FileHandle file;
+    struct stat status { };
+};
+
+// An error number, or 0.
+int openSource(const Job& job, OpenedSource& source)
 {
-    if (entry.kind != TreeEntry::File)
+    if (job.entry.kind != TreeEntry::File)
         return NeitherFileNorFolder;
-    if (!to.isOpen())
-        return to.error();
-    const char* const name = entry.name.constData();
+    if (!job.to.isOpen())
+        return job.to.error();
     // Not to wait for a writer, should the entry have become a pipe since it was listed.
-    file.source = openat(from.handle(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (file.source < 0)
-        return entry.isLink && errno == ENOENT ? LinkLeadsNowhere : errno;
-    if (fstat(file.source, &status) != 0 || !S_ISREG(status.st_mode)) {
-        close(file.source);
-        return entry.isLink && S_ISDIR(status.st_mode) ? LinkLeadsBack : NeitherFileNorFolder;
-    }
-    file.mode = modeOfCopy(from, name, status.st_mode);
-    file.size = status.st_size;
-    file.folder = to.handle();
-    file.name = name;
-    return 0;
+    source.file =
+        FileHandle(openat(job.from.handle(), job.name(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!source.file.isOpen())
+        return job.entry.isLink && errno == ENOENT ? LinkLeadsNowhere : errno;
+    if (fstat(source.file.number(), &source.status) != 0)
+        return errno;
+    if (S_ISREG(source.status.st_mode))
+        return 0;
+    return job.entry.isLink && S_ISDIR(source.status.st_mode) ? LinkLeadsBack : NeitherFileNorFolder;
 }
 
-int openUnnamed(UnnamedFile& file)
+// Not open, with errno set, when that fails.
+NamelessFile openNameless(const Job& job, const OpenedSource& source)
 {
-    file.target = openat(file.folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    return file.target >= 0 ? 0 : errno;
+    const int flags = O_TMPFILE | O_WRONLY | O_CLOEXEC;
+    const mode_t mode = modeOfCopy(job.from, job.name(), source.status.st_mode);
+    FileHandle file(openat(job.to.handle(), ".", flags, S_IRUSR | S_IWUSR));
+    return {std::move(file), {mode, job.to.handle(), job.name()}, source.status.st_size};
+}
+
+// Removes the existing file, now that what takes its place is at hand; an error number, or 0.
+int makeWay(const Job& job, const OpenedSource& source)
+{
+    const auto isSourceThere = [&job] {
+        return !job.from.idOf(job.entry.name, TreeFolder::LinksFollowed).isEmpty();
+    };
+    const bool isItself = stateFrom(source.status).id == job.to.idOf(job.entry.name, TreeFolder::LinksKept);
+    if (isItself && !isSourceThere())
+        return ENOENT; // somebody else has just moved it there
+    if (!job.to.removeExisting(job.entry.name))
+        return errno;
+    // Hosts know that a file put in its own place is lost, and that there is nothing to be copied then.
+    return isItself && !isSourceThere() ? ReplacedItself : 0;
 }
 
 // Renames only if there is nothing of the new name, by whatever the file system knows for it.
@@ -117,15 +146,13 @@ int renameIfFree(int folder, const char* from, const char* to)
 
 class FileCopier::Private {
 public:
-    explicit Private(Durability durability)
+    Private(Durability durability, Existing existing)
         : m_durability(durability)
+        , m_existing(existing)
     {
     }
-    ~Private() { closeFlushHandles(); }
-    Private(const Private&) = delete;
-    Private& operator=(const Private&) = delete;
 
-    int copyOne(const TreeFolder& from, const TreeEntry& file, const TreeFolder& to);
+    int copyOne(const Job& job);
     int copyMany(const TreeFolder& from, const TreeEntry* files, int count, const TreeFolder& to);
     bool isProven() const { return m_proven; }
     bool flush();
@@ -134,84 +161,116 @@ public:
     QVector<FileState> sources;
 
 private:
-    int copyUnnamed(UnnamedFile& file, const struct stat& status, const TreeFolder& to);
-    int copyThroughTemporary(const UnnamedFile& file, const struct stat& status, const TreeFolder& to);
+    int copyOpened(const Job& job, const OpenedSource& source);
+    int copyNameless(const Job& job, const OpenedSource& source);
+    int copyThroughTemporary(const Job& job, const OpenedSource& source);
+    template <typename Naming>
+    int nameIt(const Job& job, const OpenedSource& source, const Naming& naming) const;
     void rememberSource(const struct stat& status);
-    void remember(int target, const TreeFolder& to);
-    void closeFlushHandles();
+    void remember(const FileHandle& target, const TreeFolder& to);
 
     const Durability m_durability;
-    bool m_unnamedFilesWork = true;
-    bool m_proven = false; // one unnamed file got its name
+    const Existing m_existing;
+    bool m_namelessFilesWork = true;
+    bool m_proven = false; // one nameless file got its name
     std::unique_ptr<FileNamer> m_namer;
     // One file on each file system, as old as the first write since the last flush: it hears of every error
     // since.
     struct FlushHandle {
         FileIdentity device;
-        int handle;
+        FileHandle file;
     };
     std::vector<FlushHandle> m_flushHandles;
 };
 
-int FileCopier::Private::copyOne(const TreeFolder& from, const TreeEntry& file, const TreeFolder& to)
+int FileCopier::Private::copyOne(const Job& job)
 {
-    struct stat status { };
-    UnnamedFile opened{};
-    if (const int error = openSource(from, file, to, status, opened))
+    OpenedSource source;
+    if (const int error = openSource(job, source))
         return error;
-    int error = EOPNOTSUPP;
-    if (m_unnamedFilesWork)
-        error = copyUnnamed(opened, status, to);
-    if (!m_unnamedFilesWork)
-        error = copyThroughTemporary(opened, status, to);
-    close(opened.source);
+    int error = copyOpened(job, source);
+    const bool mayMakeRoom = troubleFrom(error) == NoRoom && m_existing == Replaced
+        && !job.to.idOf(job.entry.name, TreeFolder::LinksKept).isEmpty();
+    if (mayMakeRoom) {
+        error = makeWay(job, source);
+        if (error == 0 && lseek(source.file.number(), 0, SEEK_SET) == 0)
+            error = copyOpened(job, source);
+    }
     if (error != 0)
         return error;
-    unflushed += opened.size;
-    rememberSource(status);
+    unflushed += source.status.st_size;
+    rememberSource(source.status);
     return 0;
 }
 
-int FileCopier::Private::copyUnnamed(UnnamedFile& file, const struct stat& status, const TreeFolder& to)
+int FileCopier::Private::copyOpened(const Job& job, const OpenedSource& source)
 {
-    int error = openUnnamed(file);
-    m_unnamedFilesWork = error != EOPNOTSUPP && error != EISDIR && error != EINVAL;
-    if (error != 0)
+    int error = EOPNOTSUPP;
+    if (m_namelessFilesWork)
+        error = copyNameless(job, source);
+    if (!m_namelessFilesWork)
+        error = copyThroughTemporary(job, source);
+    return error;
+}
+
+// Names a complete copy, in the place of another file if there is one.
+template <typename Naming>
+int FileCopier::Private::nameIt(const Job& job, const OpenedSource& source, const Naming& naming) const
+{
+    constexpr int mostTries = 8; // somebody else may copy a file of that name at the same time
+    int error = naming();
+    for (int i = 0; i < mostTries && error == EEXIST && m_existing == Replaced; ++i) {
+        error = makeWay(job, source);
+        if (error != 0)
+            return error;
+        error = naming();
+    }
+    return error;
+}
+
+int FileCopier::Private::copyNameless(const Job& job, const OpenedSource& source)
+{
+    const NamelessFile copy = openNameless(job, source);
+    if (!copy.file.isOpen()) {
+        const int error = errno;
+        m_namelessFilesWork = error != EOPNOTSUPP && error != EISDIR && error != EINVAL;
         return error;
-    error = copyContent(file.source, file.target, status) ? giveName(file) : errno;
+    }
+    if (!copyContent(source.file.number(), copy.file.number(), source.status))
+        return errno;
+    const int error = nameIt(job, source, [&copy] { return giveName(copy.file.number(), copy.becomes); });
     if (error == 0)
-        remember(file.target, to);
-    close(file.target);
+        remember(copy.file, job.to);
     // No file has a name without the privilege, or the folder /proc, that giving one needs.
-    if (error == ENOENT || error == EPERM) {
-        m_unnamedFilesWork = false;
-        lseek(file.source, 0, SEEK_SET);
+    if (!m_proven && (error == ENOENT || error == EPERM)) {
+        m_namelessFilesWork = false;
+        lseek(source.file.number(), 0, SEEK_SET);
     }
     m_proven = m_proven || error == 0;
     return error;
 }
 
-int FileCopier::Private::copyThroughTemporary(const UnnamedFile& file, const struct stat& status,
-                                              const TreeFolder& to)
+int FileCopier::Private::copyThroughTemporary(const Job& job, const OpenedSource& source)
 {
+    const int folder = job.to.handle();
     QByteArray name;
-    int target = -1;
+    FileHandle target;
     do {
         name = ".quenzo-" + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
-        target =
-            openat(file.folder, name.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    } while (target < 0 && errno == EEXIST);
-    if (target < 0)
+        const int flags = O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC;
+        target = FileHandle(openat(folder, name.constData(), flags, S_IRUSR | S_IWUSR));
+    } while (!target.isOpen() && errno == EEXIST);
+    if (!target.isOpen())
         return errno;
-    int error = copyContent(file.source, target, status) ? 0 : errno;
-    fchmod(target, file.mode); // which file systems without modes refuse
+    int error = copyContent(source.file.number(), target.number(), source.status) ? 0 : errno;
+    // Which file systems without modes refuse.
+    fchmod(target.number(), modeOfCopy(job.from, job.name(), source.status.st_mode));
     if (error == 0)
-        error = renameIfFree(file.folder, name.constData(), file.name);
+        error = nameIt(job, source, [&] { return renameIfFree(folder, name.constData(), job.name()); });
     if (error == 0)
-        remember(target, to);
+        remember(target, job.to);
     else
-        unlinkat(file.folder, name.constData(), 0);
-    close(target);
+        unlinkat(folder, name.constData(), 0);
     return error;
 }
 
@@ -223,22 +282,18 @@ int FileCopier::Private::copyMany(const TreeFolder& from, const TreeEntry* files
         m_namer = std::make_unique<FileNamer>();
     const int before = sources.size();
     for (int i = 0; i < count; ++i) {
-        struct stat status { };
-        UnnamedFile file{};
-        if (openSource(from, files[i], to, status, file) != 0)
+        const Job job{from, files[i], to};
+        OpenedSource source;
+        if (openSource(job, source) != 0)
             break;
-        const bool opened = openUnnamed(file) == 0;
-        if (opened)
-            remember(file.target, to);
-        const bool filled = opened && copyContent(file.source, file.target, status);
-        if (opened && !filled)
-            close(file.target);
-        if (!filled) {
-            close(file.source);
+        NamelessFile copy = openNameless(job, source);
+        if (!copy.file.isOpen())
             break;
-        }
-        rememberSource(status);
-        if (!m_namer->add(file))
+        remember(copy.file, to);
+        if (!copyContent(source.file.number(), copy.file.number(), source.status))
+            break;
+        rememberSource(source.status);
+        if (!m_namer->add(std::move(copy)))
             break;
     }
     const FileNamer::Outcome outcome = m_namer->drain();
@@ -254,7 +309,7 @@ void FileCopier::Private::rememberSource(const struct stat& status)
         sources.append(stateFrom(status));
 }
 
-void FileCopier::Private::remember(int target, const TreeFolder& to)
+void FileCopier::Private::remember(const FileHandle& target, const TreeFolder& to)
 {
     if (m_durability == LeftToSystem)
         return;
@@ -263,28 +318,24 @@ void FileCopier::Private::remember(int target, const TreeFolder& to)
         if (flush.device == device)
             return;
     }
-    m_flushHandles.push_back({device, fcntl(target, F_DUPFD_CLOEXEC, 0)});
+    m_flushHandles.push_back({device, FileHandle(fcntl(target.number(), F_DUPFD_CLOEXEC, 0))});
 }
 
 bool FileCopier::Private::flush()
 {
-    bool flushed = true;
-    for (const FlushHandle& flush : m_flushHandles)
-        flushed = syncfs(flush.handle) == 0 && flushed;
-    closeFlushHandles();
-    unflushed = 0;
-    return flushed;
-}
-
-void FileCopier::Private::closeFlushHandles()
-{
-    for (const FlushHandle& flush : m_flushHandles)
-        close(flush.handle);
+    int error = 0;
+    for (const FlushHandle& flush : m_flushHandles) {
+        if (syncfs(flush.file.number()) != 0)
+            error = errno;
+    }
     m_flushHandles.clear();
+    unflushed = 0;
+    errno = error;
+    return error == 0;
 }
 
-FileCopier::FileCopier(Durability durability)
-    : d(std::make_unique<Private>(durability))
+FileCopier::FileCopier(Durability durability, Existing existing)
+    : d(std::make_unique<Private>(durability, existing))
 {
 }
 
@@ -301,7 +352,7 @@ FileCopier::Outcome FileCopier::copy(const TreeFolder& from, const TreeEntry* fi
             copied += d->copyMany(from, files + copied, count - copied, to);
         if (copied == count)
             break;
-        if (const int error = d->copyOne(from, files[copied], to))
+        if (const int error = d->copyOne({from, files[copied], to}))
             return {copied, troubleFrom(error), reasonFor(error)};
         ++copied;
     }

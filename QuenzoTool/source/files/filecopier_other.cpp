@@ -4,18 +4,62 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 
 #include <cerrno>
 
+namespace {
+
+bool isThere(const QString& path)
+{
+    return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
+}
+
+// Copies beside the existing file first, which goes when that copy is whole; why that failed, or null.
+QString replace(QFile& source, const TreeFolder& from, const QByteArray& name, const TreeFolder& to)
+{
+    const QByteArray passing = ".quenzo-" + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
+    const QString temporary = TreeFolder::text(to.pathOf(passing));
+    if (!source.copy(temporary))
+        return source.errorString();
+    const bool isItself = from.idOf(name, TreeFolder::LinksFollowed) == to.idOf(name, TreeFolder::LinksKept);
+    QString reason;
+    if (!to.removeExisting(name))
+        reason = errorText(errno);
+    else if (isItself && !QFileInfo::exists(source.fileName()))
+        reason = FileCopier::replacedItself();
+    QFile copy(temporary);
+    if (reason.isNull() && !copy.rename(TreeFolder::text(to.pathOf(name))))
+        reason = copy.errorString();
+    if (!reason.isNull())
+        QFile::remove(temporary);
+    return reason;
+}
+
+QString obstacle(const QString& source, const TreeEntry& entry, const TreeFolder& to)
+{
+    if (entry.kind != TreeEntry::File)
+        return FileCopier::neitherFileNorFolder();
+    if (entry.isLink && QFileInfo(source).isDir())
+        return FileCopier::linkLeadsBack();
+    if (entry.isLink && !QFileInfo::exists(source))
+        return FileCopier::linkLeadsNowhere();
+    return to.isOpen() ? QString() : errorText(to.error());
+}
+
+} // namespace
+
 class FileCopier::Private {
 public:
+    Existing existing;
     qint64 unflushed = 0;
     QVector<FileState> sources;
 };
 
-FileCopier::FileCopier(Durability /*durability*/)
+FileCopier::FileCopier(Durability /*durability*/, Existing existing)
     : d(std::make_unique<Private>())
 {
+    d->existing = existing;
 }
 
 FileCopier::~FileCopier() = default;
@@ -25,22 +69,22 @@ FileCopier::Outcome FileCopier::copy(const TreeFolder& from, const TreeEntry* fi
 {
     d->sources.clear();
     for (int i = 0; i < count; ++i) {
-        const QString source = TreeFolder::text(from.pathOf(files[i].name));
-        const QString target = TreeFolder::text(to.pathOf(files[i].name));
-        if (files[i].kind != TreeEntry::File)
-            return {i, NotCopied, neitherFileNorFolder()};
-        if (files[i].isLink && QFileInfo(source).isDir())
-            return {i, NotCopied, linkLeadsBack()};
-        if (files[i].isLink && !QFileInfo::exists(source))
-            return {i, NotCopied, linkLeadsNowhere()};
-        if (!to.isOpen())
-            return {i, NotCopied, errorText(to.error())};
-        if (QFileInfo::exists(target) || QFileInfo(target).isSymLink())
-            return {i, NameTaken, errorText(EEXIST)};
-        QFile file(source);
-        const FileState state = from.stateOf(files[i].name);
-        if (!file.copy(target))
-            return {i, NoRoom, file.errorString()}; // which is one of the causes that Qt does not tell apart
+        const QByteArray& name = files[i].name;
+        QFile file(TreeFolder::text(from.pathOf(name)));
+        const QString target = TreeFolder::text(to.pathOf(name));
+        const QString inTheWay = obstacle(file.fileName(), files[i], to);
+        if (!inTheWay.isNull())
+            return {i, NotCopied, inTheWay};
+        const FileState state = from.stateOf(name);
+        QString reason;
+        if (d->existing == Replaced && isThere(target))
+            reason = replace(file, from, name, to);
+        else if (isThere(target))
+            reason = errorText(EEXIST);
+        else if (!file.copy(target))
+            reason = file.errorString();
+        if (!reason.isNull())
+            return {i, NoRoom, reason}; // which is one of the causes that Qt does not tell apart
         d->unflushed += file.size();
         d->sources.append(state);
     }

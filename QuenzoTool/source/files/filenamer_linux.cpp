@@ -13,25 +13,25 @@
 
 namespace {
 
-int linkInPlace(const UnnamedFile& file)
+int linkInPlace(int file, const FileName& becomes)
 {
-    if (linkat(file.target, "", file.folder, file.name, AT_EMPTY_PATH) == 0)
+    if (linkat(file, "", becomes.folder, becomes.name, AT_EMPTY_PATH) == 0)
         return 0;
     // Older kernels ask for a privilege here, and say that there is no such file.
     if (errno != ENOENT && errno != EPERM && errno != EINVAL)
         return errno;
     std::array<char, 32> path{};
-    std::snprintf(path.data(), path.size(), "/proc/self/fd/%d", file.target);
-    const bool linked = linkat(AT_FDCWD, path.data(), file.folder, file.name, AT_SYMLINK_FOLLOW) == 0;
+    std::snprintf(path.data(), path.size(), "/proc/self/fd/%d", file);
+    const bool linked = linkat(AT_FDCWD, path.data(), becomes.folder, becomes.name, AT_SYMLINK_FOLLOW) == 0;
     return linked ? 0 : errno;
 }
 
 } // namespace
 
-int giveName(const UnnamedFile& file)
+int giveName(int file, const FileName& becomes)
 {
-    fchmod(file.target, file.mode);
-    return linkInPlace(file);
+    fchmod(file, becomes.mode);
+    return linkInPlace(file, becomes);
 }
 
 FileNamer::FileNamer()
@@ -51,10 +51,10 @@ FileNamer::~FileNamer()
         m_thread.join();
 }
 
-bool FileNamer::add(const UnnamedFile& file)
+bool FileNamer::add(NamelessFile copy)
 {
     constexpr std::size_t batch = 16;
-    m_gathered.push_back(file);
+    m_gathered.push_back(std::move(copy));
     if (m_gathered.size() < batch)
         return true;
     if (!m_thread.joinable()) { // the system has no further one
@@ -81,18 +81,18 @@ FileNamer::Outcome FileNamer::drain()
 
 void FileNamer::work()
 {
-    std::vector<UnnamedFile> files;
+    std::vector<NamelessFile> copies;
     std::unique_lock<std::mutex> lock(m_mutex);
     while (true) {
         m_changed.wait(lock, [this] { return m_stopping || !m_handedOver.empty(); });
         if (m_handedOver.empty())
             return;
-        files.swap(m_handedOver);
+        copies.swap(m_handedOver);
         m_working = true;
         m_changed.notify_all();
         lock.unlock();
-        process(files);
-        files.clear();
+        process(copies);
+        copies.clear();
         lock.lock();
         m_working = false;
         m_changed.notify_all();
@@ -105,16 +105,14 @@ void FileNamer::processGathered()
     m_gathered.clear();
 }
 
-void FileNamer::process(const std::vector<UnnamedFile>& files)
+void FileNamer::process(const std::vector<NamelessFile>& copies)
 {
-    for (const UnnamedFile& file : files) {
-        if (!m_failed && giveName(file) == 0) {
+    for (const NamelessFile& copy : copies) {
+        if (!m_failed && giveName(copy.file.number(), copy.becomes) == 0) {
             ++m_outcome.named;
-            m_outcome.bytes += file.size;
+            m_outcome.bytes += copy.size;
         } else {
             m_failed = true;
         }
-        close(file.source);
-        close(file.target);
     }
 }

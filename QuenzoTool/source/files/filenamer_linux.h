@@ -2,6 +2,8 @@
 #ifndef FILENAMER_LINUX_H
 #define FILENAMER_LINUX_H
 
+#include "files/filehandle_linux.h"
+
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -9,18 +11,22 @@
 #include <thread>
 #include <vector>
 
-/** A file whose content is copied, and which has no name yet. */
-struct UnnamedFile {
-    int source;
-    int target;
+/** What a file without a name is to become. */
+struct FileName {
     mode_t mode;
-    off_t size;
     int folder; ///< where it belongs
     const char* name;
 };
 
-/** Gives an unnamed file its mode, where the file system knows such, and its name; an error number, or 0. */
-int giveName(const UnnamedFile& file);
+/** A copy that has no name yet. */
+struct NamelessFile {
+    FileHandle file;
+    FileName becomes;
+    off_t size;
+};
+
+/** Gives a nameless file its mode, where the file system knows such, and its name; an error number, or 0. */
+int giveName(int file, const FileName& becomes);
 
 /**
  * Gives files their names on a thread of its own, in order and up to the first failure, while the next ones
@@ -40,8 +46,8 @@ public:
     FileNamer(const FileNamer&) = delete;
     FileNamer& operator=(const FileNamer&) = delete;
 
-    /** Takes a file over and closes it in the end; false once one has failed. */
-    bool add(const UnnamedFile& file);
+    /** Takes a complete copy over; false once one has failed. */
+    bool add(NamelessFile copy);
 
     /** Waits for all of them; tells how many got their name since the last call. Those behind a failure are
      * gone. */
@@ -50,12 +56,12 @@ public:
 private:
     void work();
     void processGathered();
-    void process(const std::vector<UnnamedFile>& files);
+    void process(const std::vector<NamelessFile>& copies);
 
-    std::vector<UnnamedFile> m_gathered;
+    std::vector<NamelessFile> m_gathered;
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::vector<UnnamedFile> m_handedOver;
+    std::vector<NamelessFile> m_handedOver;
     bool m_working = false;
     bool m_stopping = false;
     std::atomic<bool> m_failed{false};

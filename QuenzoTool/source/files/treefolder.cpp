@@ -11,6 +11,16 @@ QString errorText(int error)
     return qt_error_string(error);
 }
 
+void keepNamed(QVector<TreeEntry>& entries, const QStringList& nameFilters)
+{
+    if (nameFilters.isEmpty() || nameFilters.contains(QLatin1String("*")))
+        return;
+    const auto isOther = [&nameFilters](const TreeEntry& entry) {
+        return !QDir::match(nameFilters, TreeFolder::text(entry.name));
+    };
+    entries.erase(std::remove_if(entries.begin(), entries.end(), isOther), entries.end());
+}
+
 TreeFolder::TreeFolder(TreeFolder&& other) noexcept
     : m_handle(std::exchange(other.m_handle, -1))
     , m_path(std::move(other.m_path))
@@ -32,8 +42,12 @@ TreeFolder& TreeFolder::operator=(TreeFolder&& other) noexcept
 
 QByteArray TreeFolder::nativePath(const QDir& folder)
 {
-    const QString path = folder.absolutePath();
-    return path.startsWith(QLatin1Char(':')) ? QByteArray() : nativePath(path);
+    return isResource(folder) ? QByteArray() : nativePath(folder.absolutePath());
+}
+
+bool TreeFolder::isResource(const QDir& folder)
+{
+    return folder.absolutePath().startsWith(QLatin1Char(':'));
 }
 
 QByteArray TreeFolder::parentPath(const QByteArray& path)

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <cerrno>
@@ -42,6 +43,10 @@ struct TreeEntry {
     bool isLink = false;
 };
 
+/** Leaves those entries that wildcards name, as a QDir's own name filters do; without wildcards all of them.
+ */
+void keepNamed(QVector<TreeEntry>& entries, const QStringList& nameFilters);
+
 /**
  * A folder of the file system whose entries are reached by name, at the least cost that the platform offers.
  *
@@ -53,11 +58,13 @@ class TreeFolder {
 public:
     enum Purpose { Listing, Writing };
     enum Links { LinksFollowed, LinksKept };
+    enum Way { AsEntry, ByLink, ByMount };
     enum Made { MadeNew, WasThere, NotMade };
 
     static QByteArray nativePath(const QString& path);
     /** The absolute path; none of a folder of Qt's resource system, which is no folder of the file system. */
     static QByteArray nativePath(const QDir& folder);
+    static bool isResource(const QDir& folder);
     static QString text(const QByteArray& native);
     static QByteArray parentPath(const QByteArray& path);
     static QByteArray lastName(const QByteArray& path);
@@ -109,11 +116,21 @@ public:
     /** What an entry is now; a link is what it leads to, and a File when it leads nowhere. */
     TreeEntry::Kind kindOf(const TreeEntry& entry) const;
 
+    /** How a folder in this one is reached; one that is no entry of it alone may stand elsewhere, too. */
+    Way wayTo(const QByteArray& name) const;
+
     /** Makes one folder; one that is there serves as well. */
     Made makeFolder(const QByteArray& name) const;
 
     /** Removes a file or link; true when there is none afterwards. */
     bool removeFile(const QByteArray& name) const;
+
+    /**
+     * Removes the file or link that stands where another file is to be; true when there is none afterwards. A
+     * file that resists is given other rights for it, and its own again if it stays. A link that leads
+     * nowhere does not count as existing, and stays.
+     */
+    bool removeExisting(const QByteArray& name) const;
     bool removeFolder(const QByteArray& name) const;
 
     /** Gives the file or folder behind an entry the permission QFileDevice::WriteOther and no other. */
@@ -154,6 +171,7 @@ public:
     void enter(TreeFolder& folder);
     void leave();
     bool contains(const FileIdentity& id) const;
+    const TreeFolder& outermost() const { return *m_folders.first(); }
 
 private:
     QVector<TreeFolder*> m_folders;

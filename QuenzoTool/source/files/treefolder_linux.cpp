@@ -158,6 +158,17 @@ TreeEntry::Kind TreeFolder::kindOf(const TreeEntry& entry) const
     return stat(pathOf(entry.name).constData(), &status) == 0 ? kindFrom(status.st_mode) : TreeEntry::File;
 }
 
+TreeFolder::Way TreeFolder::wayTo(const QByteArray& name) const
+{
+    struct statx status { };
+    const int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT;
+    if (statx(m_handle, name.constData(), flags, STATX_TYPE, &status) != 0)
+        return ByMount; // the way that is looked into most closely
+    if (!S_ISDIR(status.stx_mode))
+        return ByLink;
+    return (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0 ? ByMount : AsEntry;
+}
+
 TreeFolder::Made TreeFolder::makeFolder(const QByteArray& name) const
 {
     errno = isOpen() ? ENAMETOOLONG : m_error;
@@ -175,6 +186,27 @@ TreeFolder::Made TreeFolder::makeFolder(const QByteArray& name) const
 bool TreeFolder::removeFile(const QByteArray& name) const
 {
     return unlinkat(m_handle, name.constData(), 0) == 0 || errno == ENOENT;
+}
+
+bool TreeFolder::removeExisting(const QByteArray& name) const
+{
+    struct stat status { };
+    if (fstatat(m_handle, name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return errno == ENOENT;
+    if (S_ISLNK(status.st_mode) && idOf(name, LinksFollowed).isEmpty()) {
+        errno = EEXIST;
+        return false;
+    }
+    if (removeFile(name))
+        return true;
+    if (!S_ISREG(status.st_mode)) // the rights of folders, and of what links lead to, are not ours to change
+        return false;
+    if (forceWriteOther(name) && removeFile(name))
+        return true;
+    const int error = errno;
+    fchmodat(m_handle, name.constData(), status.st_mode & ~static_cast<mode_t>(S_IFMT), 0);
+    errno = error;
+    return false;
 }
 
 bool TreeFolder::removeFolder(const QByteArray& name) const

@@ -121,6 +121,11 @@ TreeEntry::Kind TreeFolder::kindOf(const TreeEntry& entry) const
     return entry.isLink ? kindFrom(QFileInfo(entryPath(*this, entry.name))) : entry.kind;
 }
 
+TreeFolder::Way TreeFolder::wayTo(const QByteArray& name) const
+{
+    return QFileInfo(entryPath(*this, name)).isSymLink() ? ByLink : AsEntry;
+}
+
 TreeFolder::Made TreeFolder::makeFolder(const QByteArray& name) const
 {
     if (!isOpen() || !canHold(name))
@@ -135,6 +140,28 @@ bool TreeFolder::removeFile(const QByteArray& name) const
 {
     const QFileInfo info(entryPath(*this, name));
     return isOpen() && ((!info.exists() && !info.isSymLink()) || QFile::remove(info.filePath()));
+}
+
+bool TreeFolder::removeExisting(const QByteArray& name) const
+{
+    const QString path = entryPath(*this, name);
+    const QFileInfo info(path);
+    errno = EEXIST;
+    if (!info.exists())
+        return !info.isSymLink();
+    if (QFile::remove(path))
+        return true;
+    if (info.isSymLink() || !info.isFile())
+        return false;
+    const int error = errno;
+    const QFileDevice::Permissions ofCaller =
+        QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
+    const QFileDevice::Permissions before = info.permissions() & ~ofCaller;
+    if (QFile::setPermissions(path, QFileDevice::WriteOther) && QFile::remove(path))
+        return true;
+    QFile::setPermissions(path, before);
+    errno = error;
+    return false;
 }
 
 bool TreeFolder::removeFolder(const QByteArray& name) const

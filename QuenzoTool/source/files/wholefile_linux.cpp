@@ -96,7 +96,7 @@ int makeUnnamed(const TreeFolder& folder, const QByteArray& name, const QByteArr
     struct stat own { };
     int error = fstat(file, &own) == 0 ? fill(file, content) : errno;
     if (error == 0)
-        error = giveName({-1, file, own.st_mode & modeBits, 0, folder.handle(), name.constData()});
+        error = giveName(file, {own.st_mode & modeBits, folder.handle(), name.constData()});
     return closed(file, error);
 }
 

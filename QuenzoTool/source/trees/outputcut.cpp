@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "trees/outputcut.h"
 
+#include "trees/resourcecopy.h"
+#include "trees/treefailure.h"
+
 #include <quenzobase.h>
+
+#include <QDir>
 
 #include <algorithm>
 
@@ -29,11 +34,34 @@ OutputCut::OutputCut(const QString& outputDir, QString& exceptDir)
 {
 }
 
-bool OutputCut::cut(const QByteArray& source, const QByteArray& target, const QStringList* leftBehind)
+bool OutputCut::cut(const QDir& source, const QDir& target, const QStringList* leftBehind)
 {
-    TransferTarget to = TransferTarget::reach(target);
-    TreeFolder from = TreeFolder::open(source, TreeFolder::Listing);
-    return to.folder.isOpen() && cutFolder(from, to, leftBehind) != Failed;
+    TransferTarget to = TransferTarget::reach(TreeFolder::nativePath(target));
+    if (TreeFolder::isResource(source))
+        return to.folder.isOpen() && cutResources(source, to, leftBehind, true);
+    TreeFolder from = TreeFolder::open(TreeFolder::nativePath(source), TreeFolder::Listing);
+    return to.folder.isOpen() && !isAlias(from, to.folder)
+        && cutFolder(from, to, source.nameFilters(), leftBehind) != Failed;
+}
+
+bool OutputCut::cutExcept(const QDir& source, const QDir& target)
+{
+    if (!TreeFolder::isResource(source))
+        return cutExcept(TreeFolder::nativePath(source), TreeFolder::nativePath(target));
+    TransferTarget to;
+    to.folder = TreeFolder::open(TreeFolder::nativePath(target), TreeFolder::Writing);
+    return cutResources(source, to, nullptr, false);
+}
+
+bool OutputCut::cutResources(const QDir& source, TransferTarget& target, const QStringList* leftBehind,
+                             bool makesFolders)
+{
+    ResourceCopy copy;
+    copy.makesFolders = makesFolders;
+    copy.failed = writeFailedCopy;
+    if (leftBehind != nullptr)
+        copy.staysBehind = [leftBehind](const TreeEntry& entry) { return isNamed(entry, *leftBehind); };
+    return copy.perform(source, target);
 }
 
 bool OutputCut::cutExcept(const QByteArray& source, const QByteArray& target)
@@ -41,7 +69,18 @@ bool OutputCut::cutExcept(const QByteArray& source, const QByteArray& target)
     TransferTarget to;
     to.folder = TreeFolder::open(target, TreeFolder::Writing);
     TreeFolder from = TreeFolder::open(source, TreeFolder::Listing);
-    return exceptFolder(from, to) != Failed;
+    return !isAlias(from, to.folder) && exceptFolder(from, to) != Failed;
+}
+
+// A target in the source is known by its path. One that only another name leads to would be moved into
+// itself.
+bool OutputCut::isAlias(const TreeFolder& source, const TreeFolder& target)
+{
+    if (!source.isOpen() || !target.isOpen() || target.path().startsWith(source.path())
+        || !target.lineage().contains(source.id()))
+        return false;
+    logFailedCopy(source.path(), target.path(), QStringLiteral("the target leads into the source"));
+    return true;
 }
 
 bool OutputCut::finish()
@@ -54,7 +93,7 @@ bool OutputCut::finish()
 }
 
 OutputCut::Result OutputCut::cutFolder(TreeFolder& source, TransferTarget& target,
-                                       const QStringList* leftBehind)
+                                       const QStringList& nameFilters, const QStringList* leftBehind)
 {
     const FolderChain::Visit sourceVisit(m_sources, source);
     const FolderChain::Visit targetVisit(m_targets, target.folder);
@@ -69,7 +108,7 @@ OutputCut::Result OutputCut::cutFolder(TreeFolder& source, TransferTarget& targe
     }
 
     QVector<TreeEntry> entries;
-    if (!m_transfer.list(source, entries))
+    if (!m_transfer.list(source, entries, nameFilters))
         return Failed;
     bool allMoved = true;
     if (leftBehind != nullptr) {
@@ -87,14 +126,14 @@ OutputCut::Result OutputCut::cutSubfolder(TreeFolder& source, const TreeEntry& e
     // The folder that holds the entry is compared, and not the entry: all folders of the output folder stay.
     if (source.path() == m_outputPath)
         return Stays;
-    if (!TreeTransfer::canHold(source, entry.name, target.folder))
+    if (!TreeTransfer::canEnter(source, entry.name, target.folder))
         return Failed;
     TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
     TransferTarget made = m_transfer.makeFolder(target, entry.name);
-    if (!made.folder.isOpen())
+    if (!made.folder.isOpen() || TreeTransfer::leadsIntoSource(made, child, m_sources, m_targets))
         return Failed;
     const int before = m_visits;
-    const Result result = cutFolder(child, made, nullptr);
+    const Result result = cutFolder(child, made, {}, nullptr);
     return removeMoved(source, entry, result, wasTargetSince(before, child));
 }
 
@@ -104,7 +143,7 @@ OutputCut::Result OutputCut::exceptFolder(TreeFolder& source, TransferTarget& ta
     const FolderChain::Visit targetVisit(m_targets, target.folder);
     m_targetVisits.insert(target.folder.id(), ++m_visits);
     QVector<TreeEntry> entries;
-    if (!m_transfer.list(source, entries))
+    if (!m_transfer.list(source, entries, {}))
         return Failed;
     return moveEntries(source, entries, target, &OutputCut::exceptSubfolder);
 }
@@ -114,11 +153,12 @@ OutputCut::Result OutputCut::exceptSubfolder(TreeFolder& source, const TreeEntry
 {
     if (source.path() == TreeFolder::nativePath(m_exceptDir))
         return Stays;
-    if (!TreeTransfer::canHold(source, entry.name, target.folder))
+    if (!TreeTransfer::canEnter(source, entry.name, target.folder))
         return Failed;
     TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
-    TransferTarget within;
-    within.folder = target.folder.openChild(entry.name, TreeFolder::Writing);
+    TransferTarget within = TreeTransfer::openFolder(target, entry.name);
+    if (TreeTransfer::leadsIntoSource(within, child, m_sources, m_targets))
+        return Failed;
     const int before = m_visits;
     const Result result = exceptFolder(child, within);
     return removeMoved(source, entry, result, wasTargetSince(before, child));

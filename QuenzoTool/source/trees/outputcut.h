@@ -22,11 +22,14 @@ public:
      */
     OutputCut(const QString& outputDir, QString& exceptDir);
 
-    /** Moves the content of one folder into another, but for the names in @p leftBehind, if not null. */
-    bool cut(const QByteArray& source, const QByteArray& target, const QStringList* leftBehind);
+    /**
+     * Moves the content of one folder into another, but for the names in @p leftBehind, if not null. The
+     * source's own name filters hold directly in it.
+     */
+    bool cut(const QDir& source, const QDir& target, const QStringList* leftBehind);
 
     /** Moves the content of one folder into another, which is not made, but for the folders in exceptDir. */
-    bool cutExcept(const QByteArray& source, const QByteArray& target);
+    bool cutExcept(const QDir& source, const QDir& target);
 
     /** Removes what remains to be removed from the source; false when copies could not be brought to the
      * disk. */
@@ -41,7 +44,12 @@ private:
     using FolderStep = Result (OutputCut::*)(TreeFolder& source, const TreeEntry& entry,
                                              TransferTarget& target);
 
-    Result cutFolder(TreeFolder& source, TransferTarget& target, const QStringList* leftBehind);
+    bool cutExcept(const QByteArray& source, const QByteArray& target);
+    static bool cutResources(const QDir& source, TransferTarget& target, const QStringList* leftBehind,
+                             bool makesFolders);
+    Result cutFolder(TreeFolder& source, TransferTarget& target, const QStringList& nameFilters,
+                     const QStringList* leftBehind);
+    static bool isAlias(const TreeFolder& source, const TreeFolder& target);
     Result cutSubfolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);
     Result exceptFolder(TreeFolder& source, TransferTarget& target);
     Result exceptSubfolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);

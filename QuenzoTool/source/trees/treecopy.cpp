@@ -3,6 +3,8 @@
 
 #include "trees/treefailure.h"
 
+#include <QDir>
+
 namespace {
 
 TreeTransfer::Options options(bool overwrite, bool deleteSource)
@@ -15,9 +17,10 @@ TreeTransfer::Options options(bool overwrite, bool deleteSource)
 
 } // namespace
 
-TreeCopy::TreeCopy(const QByteArray& source, const QByteArray& target, bool overwrite, bool deleteSource)
-    : m_sourcePath(source)
-    , m_targetPath(target)
+TreeCopy::TreeCopy(const QDir& source, const QDir& target, bool overwrite, bool deleteSource)
+    : m_sourcePath(TreeFolder::nativePath(source))
+    , m_nameFilters(source.nameFilters())
+    , m_targetPath(TreeFolder::nativePath(target))
     , m_deleteSource(deleteSource)
     , m_transfer(options(overwrite, deleteSource))
 {
@@ -35,7 +38,7 @@ bool TreeCopy::perform()
         return false;
     }
     TransferTarget target = TransferTarget::reach(m_targetPath);
-    const bool copied = target.folder.isOpen() && copyEntries(source, target);
+    const bool copied = target.folder.isOpen() && copyEntries(source, target, m_nameFilters);
     return m_transfer.settle() && copied;
 }
 
@@ -48,12 +51,12 @@ bool TreeCopy::targetIsInside(const TreeFolder& source)
     return m_targetLineage.contains(source.id()) && source.id() != target.id();
 }
 
-bool TreeCopy::copyEntries(TreeFolder& source, TransferTarget& target)
+bool TreeCopy::copyEntries(TreeFolder& source, TransferTarget& target, const QStringList& nameFilters)
 {
     const FolderChain::Visit sourceVisit(m_sources, source);
     const FolderChain::Visit targetVisit(m_targets, target.folder);
     QVector<TreeEntry> entries;
-    if (!m_transfer.list(source, entries))
+    if (!m_transfer.list(source, entries, nameFilters))
         return false;
     for (int i = 0; i < entries.size();) {
         const int files = TreeTransfer::filesFrom(entries, i);
@@ -74,7 +77,7 @@ bool TreeCopy::copyEntries(TreeFolder& source, TransferTarget& target)
 
 bool TreeCopy::copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target)
 {
-    if (!TreeTransfer::canHold(source, entry.name, target.folder))
+    if (!TreeTransfer::canEnter(source, entry.name, target.folder))
         return false;
     TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
     const bool leadsToTarget = entry.isLink && m_targets.contains(child.id());
@@ -84,7 +87,8 @@ bool TreeCopy::copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTa
         return false;
     }
     TransferTarget made = m_transfer.makeFolder(target, entry.name);
-    if (!made.folder.isOpen() || !copyEntries(child, made))
+    if (!made.folder.isOpen() || TreeTransfer::leadsIntoSource(made, child, m_sources, m_targets)
+        || !copyEntries(child, made, {}))
         return false;
     if (m_deleteSource)
         m_transfer.removeFolder(source, entry.name, SourceRemoval::AsItIs);

@@ -9,18 +9,19 @@
 /** One copy or move of a folder's content into another folder. */
 class TreeCopy {
 public:
-    /** Takes absolute paths. */
-    TreeCopy(const QByteArray& source, const QByteArray& target, bool overwrite, bool deleteSource);
+    /** Of folders of the file system; the source's own name filters hold directly in it. */
+    TreeCopy(const QDir& source, const QDir& target, bool overwrite, bool deleteSource);
 
     /** False as soon as something could not be copied; what was copied by then stays. */
     bool perform();
 
 private:
     bool targetIsInside(const TreeFolder& source);
-    bool copyEntries(TreeFolder& source, TransferTarget& target);
+    bool copyEntries(TreeFolder& source, TransferTarget& target, const QStringList& nameFilters);
     bool copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);
 
     const QByteArray m_sourcePath;
+    const QStringList m_nameFilters;
     const QByteArray m_targetPath;
     const bool m_deleteSource;
     TreeTransfer m_transfer;

@@ -2,14 +2,14 @@
 #ifndef TREERIGHTS_H
 #define TREERIGHTS_H
 
-class QString;
+class QDir;
 
 /**
  * Gives every file in a folder, at every depth and through links, the permission QFileDevice::WriteOther
- * alone, and tells of each in Qt's message log.
+ * alone, and tells of each in Qt's message log. The folder's own name filters hold directly in it.
  *
- * @param path the folder's path as the messages show it
+ * @return false when the tree was too deep for the thread's stack
  */
-void forceTreeWriteOther(const QString& path);
+bool forceTreeWriteOther(const QDir& top);
 
 #endif

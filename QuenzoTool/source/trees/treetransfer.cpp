@@ -1,10 +1,33 @@
 // SPDX-License-Identifier: MIT
 #include "trees/treetransfer.h"
 
+#include "files/stacklimit.h"
 #include "trees/treefailure.h"
 
 #include <algorithm>
 #include <cerrno>
+
+namespace {
+
+// Whether a folder is the one at a path or somewhere in it, by its identity; links are not followed.
+bool isWithin(const QByteArray& path, const FileIdentity& id)
+{
+    QVector<QByteArray> paths{path};
+    while (!paths.isEmpty()) {
+        const TreeFolder folder = TreeFolder::open(paths.takeLast(), TreeFolder::Listing);
+        if (folder.id() == id)
+            return true;
+        QVector<TreeEntry> entries;
+        folder.list(entries);
+        for (const TreeEntry& entry : qAsConst(entries)) {
+            if (entry.kind == TreeEntry::Folder)
+                paths.append(folder.pathOf(entry.name));
+        }
+    }
+    return false;
+}
+
+} // namespace
 
 TransferTarget TransferTarget::reach(const QByteArray& path)
 {
@@ -42,22 +65,20 @@ void TransferTarget::learnNames(int files)
 
 TreeTransfer::TreeTransfer(Options options)
     : m_options(options)
-    , m_copier(options.testFlag(Moving) ? FileCopier::Flushable : FileCopier::LeftToSystem)
+    , m_copier(options.testFlag(Moving) ? FileCopier::Flushable : FileCopier::LeftToSystem,
+               options.testFlag(Replacing) ? FileCopier::Replaced : FileCopier::Kept)
 {
 }
 
-bool TreeTransfer::list(const TreeFolder& folder, QVector<TreeEntry>& entries)
+bool TreeTransfer::list(const TreeFolder& folder, QVector<TreeEntry>& entries, const QStringList& nameFilters)
 {
     settleBefore(folder);
-    if (folder.isMissing())
-        return true;
-    if (!folder.isOpen())
-        logUnreadable(folder);
-    else if (folder.list(entries))
-        return true;
-    else
-        logSystemFailure(folder.path(), QStringLiteral("read"));
-    return false;
+    const bool isListed = folder.isMissing() || (folder.isOpen() && folder.list(entries));
+    if (!isListed)
+        logFailure(folder.path(), QStringLiteral("read"),
+                   errorText(folder.isOpen() ? errno : folder.error()));
+    keepNamed(entries, nameFilters);
+    return isListed;
 }
 
 int TreeTransfer::filesFrom(const QVector<TreeEntry>& entries, int first)
@@ -85,6 +106,15 @@ bool TreeTransfer::canHold(const TreeFolder& from, const QByteArray& name, const
     return false;
 }
 
+bool TreeTransfer::canEnter(const TreeFolder& from, const QByteArray& name, const TreeFolder& to)
+{
+    if (!isStackNearlyUsedUp())
+        return canHold(from, name, to);
+    logFailedCopy(from.pathOf(name), to.pathOf(name),
+                  QStringLiteral("it is too deep for the thread's stack"));
+    return false;
+}
+
 TransferTarget TreeTransfer::makeFolder(TransferTarget& parent, const QByteArray& name)
 {
     settleBefore(parent.folder);
@@ -95,11 +125,44 @@ TransferTarget TreeTransfer::makeFolder(TransferTarget& parent, const QByteArray
         return made;
     }
     parent.names.insert(name);
-    made.folder = parent.folder.openChild(name, TreeFolder::Writing);
+    if (result == TreeFolder::WasThere) {
+        made = openFolder(parent, name);
+    } else {
+        made.folder = parent.folder.openChild(name, TreeFolder::Writing);
+        made.namesKnown = true;
+    }
     if (!made.folder.isOpen())
         logUnreadable(made.folder);
-    made.namesKnown = result == TreeFolder::MadeNew;
     return made;
+}
+
+TransferTarget TreeTransfer::openFolder(const TransferTarget& parent, const QByteArray& name)
+{
+    TransferTarget opened;
+    opened.folder = parent.folder.openChild(name, TreeFolder::Writing);
+    if (!opened.folder.isOpen())
+        return opened;
+    const TreeFolder::Way way = parent.folder.wayTo(name);
+    opened.isElsewhere = parent.isElsewhere || way != TreeFolder::AsEntry;
+    opened.isMount = way == TreeFolder::ByMount;
+    return opened;
+}
+
+bool TreeTransfer::leadsIntoSource(const TransferTarget& to, const TreeFolder& source,
+                                   const FolderChain& sources, const FolderChain& targets)
+{
+    if (!to.isElsewhere)
+        return false;
+    bool leadsThere = to.isMount && isWithin(sources.outermost().path(), to.folder.id());
+    const QVector<FileIdentity> lineage = to.folder.lineage();
+    for (const FileIdentity& id : lineage) {
+        if (!leadsThere && id == targets.outermost().id())
+            return false; // it leads on within the target, which may itself be in the source
+        leadsThere = leadsThere || id == source.id() || sources.contains(id);
+    }
+    if (leadsThere)
+        logFailedCopy(source.path(), to.folder.path(), QStringLiteral("the target leads into the source"));
+    return leadsThere;
 }
 
 int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int count, TransferTarget& to)
@@ -108,7 +171,6 @@ int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int c
     if (m_options.testFlag(Replacing))
         to.learnNames(count);
     int done = 0;
-    int replaced = -1;
     while (done < count && !m_flushFailed) {
         const TreeEntry& file = files[done];
         if (!canHold(from, file.name, to.folder))
@@ -118,21 +180,13 @@ int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int c
                           QStringLiteral("it is the same file"));
             break;
         }
-        if (m_options.testFlag(Replacing) && replaced != done && to.mayHold(file.name)) {
-            removeExisting(to.folder, file.name);
-            replaced = done;
-        }
         const int run = runLength(from, files + done, count - done, to);
         const FileCopier::Outcome outcome = m_copier.copy(from, files + done, run, to.folder);
-        note(from, files + done, to.folder);
-        done += outcome.copied;
-        // A name can be taken by one that differs in case only, or that somebody else made meanwhile.
-        const bool taken = outcome.trouble == FileCopier::NameTaken && m_options.testFlag(Replacing);
-        if (taken && replaced != done) {
-            removeExisting(to.folder, files[done].name);
-            replaced = done;
-            continue;
+        if (m_options.testFlag(Moving)) {
+            m_removal.addFiles(from, files + done, m_copier.sources(), to.folder);
+            settleIfMuchIsDue();
         }
+        done += outcome.copied;
         // There would be room, had the sources gone at once.
         const bool roomComes = outcome.trouble == FileCopier::NoRoom && m_removal.count() > 0 && settle();
         if (outcome.trouble == FileCopier::NoTrouble || roomComes)
@@ -167,13 +221,10 @@ bool TreeTransfer::settle()
 }
 
 // Neither the sources nor the data that await their flush are to become too many.
-void TreeTransfer::note(const TreeFolder& from, const TreeEntry* files, const TreeFolder& to)
+void TreeTransfer::settleIfMuchIsDue()
 {
     constexpr int mostSources = 32 * 1024;
     constexpr qint64 mostBytes = 1 << 30;
-    if (!m_options.testFlag(Moving))
-        return;
-    m_removal.addFiles(from, files, m_copier.sources(), to);
     if (m_removal.count() >= mostSources || m_copier.unflushedBytes() >= mostBytes)
         settle();
 }
@@ -183,6 +234,8 @@ int TreeTransfer::runLength(const TreeFolder& from, const TreeEntry* files, int 
                             const TransferTarget& to) const
 {
     constexpr int longest = 4096;
+    if (m_options.testFlag(Replacing) && to.mayHold(files[0].name))
+        return 1;
     const TreeEntry* const end = files + qMin(count, longest);
     const auto stands = [&](const TreeEntry& file) {
         return !from.canHold(file.name) || !to.folder.canHold(file.name)
@@ -197,10 +250,4 @@ bool TreeTransfer::isItself(const TreeFolder& from, const TreeEntry& file, const
         return from.id() == to.id();
     const FileIdentity source = from.idOf(file.name, TreeFolder::LinksFollowed);
     return !source.isEmpty() && source == to.idOf(file.name, TreeFolder::LinksKept);
-}
-
-void TreeTransfer::removeExisting(const TreeFolder& folder, const QByteArray& name)
-{
-    if (!folder.removeFile(name) && folder.forceWriteOther(name))
-        folder.removeFile(name);
 }

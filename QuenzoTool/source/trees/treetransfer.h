@@ -15,6 +15,8 @@ struct TransferTarget {
     static TransferTarget reach(const QByteArray& path);
 
     TreeFolder folder;
+    bool isElsewhere = false; ///< whether a link or a mount in the target has led to it
+    bool isMount = false;
     bool namesKnown = false; ///< whether no other names are in use
     QSet<QByteArray> names;
 
@@ -42,9 +44,12 @@ public:
 
     explicit TreeTransfer(Options options);
 
-    /** Lists a folder of the source, after what is due to be removed from it is gone; a missing one is empty.
+    /**
+     * Lists a folder of the source, after what is due to be removed from it is gone; a missing one is empty.
+     *
+     * @param nameFilters the folder's own, as a QDir has them
      */
-    bool list(const TreeFolder& folder, QVector<TreeEntry>& entries);
+    bool list(const TreeFolder& folder, QVector<TreeEntry>& entries, const QStringList& nameFilters);
 
     /** How many files that are no links, and so what they seemed to be, stand in a row from an entry on. */
     static int filesFrom(const QVector<TreeEntry>& entries, int first);
@@ -55,8 +60,23 @@ public:
     /** Whether both can hold an entry of the source by its name. */
     static bool canHold(const TreeFolder& from, const QByteArray& name, const TreeFolder& to);
 
+    /** The same of a folder, which the thread must also have the stack to walk through. */
+    static bool canEnter(const TreeFolder& from, const QByteArray& name, const TreeFolder& to);
+
     /** Makes a folder in the target and opens it; an object that is not open when that fails. */
     TransferTarget makeFolder(TransferTarget& parent, const QByteArray& name);
+
+    /** The same with one that has to be there. */
+    static TransferTarget openFolder(const TransferTarget& parent, const QByteArray& name);
+
+    /**
+     * Whether a folder of the target is one of the source, or inside one, by a link or a mount in the target:
+     * what is written to it would be read again, or be lost as the file to be replaced.
+     *
+     * @param source the folder whose content is to go there
+     */
+    static bool leadsIntoSource(const TransferTarget& to, const TreeFolder& source,
+                                const FolderChain& sources, const FolderChain& targets);
 
     /** Copies or moves files in order and up to the first that fails; returns how many succeeded. */
     int transfer(const TreeFolder& from, const TreeEntry* files, int count, TransferTarget& to);
@@ -78,10 +98,9 @@ public:
     const SourceRemoval::Copied& unflushed() const { return m_unflushed; }
 
 private:
-    void note(const TreeFolder& from, const TreeEntry* files, const TreeFolder& to);
+    void settleIfMuchIsDue();
     int runLength(const TreeFolder& from, const TreeEntry* files, int count, const TransferTarget& to) const;
     static bool isItself(const TreeFolder& from, const TreeEntry& file, const TreeFolder& to);
-    static void removeExisting(const TreeFolder& folder, const QByteArray& name);
 
     const Options m_options;
     FileCopier m_copier;

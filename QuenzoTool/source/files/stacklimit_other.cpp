@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include "files/stacklimit.h"
+
+bool isStackNearlyUsedUp()
+{
+    return false; // there is no portable way to tell
+}

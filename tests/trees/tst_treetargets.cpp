@@ -1,0 +1,286 @@
+// SPDX-License-Identifier: MIT
+// What may stand in a target already: links and mounts that lead back, links that lead elsewhere.
+#include <quenzotool.h>
+#include <threadcommon.h>
+
+#include "messagelog.h"
+#include "runroot.h"
+#include "treefiles.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using TreeFiles::content;
+using TreeFiles::exists;
+using TreeFiles::makeFolder;
+using TreeFiles::makeLink;
+using TreeFiles::write;
+using Tree = QMap<QByteArray, QByteArray>;
+
+enum Manner { Copy, Move, CutForOutput };
+Q_DECLARE_METATYPE(Manner)
+
+namespace {
+
+/** A folder that stands in another place, too; as root only. */
+class Mount {
+public:
+    Mount(const QByteArray& folder, const QByteArray& place)
+        : m_place(place)
+    {
+        makeFolder(place);
+        isMounted = mount(folder.constData(), place.constData(), nullptr, MS_BIND, nullptr) == 0;
+    }
+    ~Mount()
+    {
+        if (isMounted)
+            umount2(m_place.constData(), MNT_DETACH);
+    }
+    Mount(const Mount&) = delete;
+    Mount& operator=(const Mount&) = delete;
+
+    bool isMounted = false;
+
+private:
+    const QByteArray m_place;
+};
+
+void addEveryManner()
+{
+    QTest::addColumn<Manner>("manner");
+    QTest::newRow("copy") << Copy;
+    QTest::newRow("move") << Move;
+    QTest::newRow("output") << CutForOutput;
+}
+
+} // namespace
+
+class tst_TreeTargets : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { umask(022); }
+    void init();
+    void cleanup();
+
+    void linkIntoTheSourceIsRefused_data() { addPlaces(); }
+    void linkIntoTheSourceIsRefused();
+    void mountOfTheSourceIsRefused_data() { addPlaces(); }
+    void mountOfTheSourceIsRefused();
+    void folderBehindALinkThatIsOfTheSourceIsRefused_data() { addEveryManner(); }
+    void folderBehindALinkThatIsOfTheSourceIsRefused();
+    void outputByAnotherNameOfTheSourceIsRefused_data();
+    void outputByAnotherNameOfTheSourceIsRefused();
+    void linkFromAnOutputInsideTheSourceIsRefused();
+    void linkToElsewhereIsFollowed_data() { addEveryManner(); }
+    void linkToElsewhereIsFollowed();
+    void danglingLinkStaysAndIsFalse_data() { addEveryManner(); }
+    void danglingLinkStaysAndIsFalse();
+    void folderOfAFilesNameKeepsItsRights_data() { addEveryManner(); }
+    void folderOfAFilesNameKeepsItsRights();
+    void runsAtOnceLoseNothing_data();
+    void runsAtOnceLoseNothing();
+
+private:
+    static void addPlaces();
+    bool transfer(Manner manner) const;
+
+    std::unique_ptr<MessageLog> m_messages;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QByteArray m_root;
+    QByteArray m_source;
+    QByteArray m_target;
+};
+
+void tst_TreeTargets::init()
+{
+    RunRoot::clear();
+    m_messages = std::make_unique<MessageLog>();
+    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
+    m_root = QFile::encodeName(m_folder->path());
+    m_source = m_root + "/source";
+    m_target = m_root + "/target";
+    makeFolder(m_source);
+    makeFolder(m_target);
+}
+
+void tst_TreeTargets::cleanup()
+{
+    QCOMPARE(m_messages->takeWarnings(), QStringList());
+    m_messages.reset();
+}
+
+bool tst_TreeTargets::transfer(Manner manner) const
+{
+    const QString from = QFile::decodeName(m_source);
+    const QString to = QFile::decodeName(m_target);
+    if (manner != CutForOutput)
+        return QuenzoTool::copyDirectory(QDir(from), QDir(to), true, manner == Move);
+    ThreadCommon thread;
+    thread.StartOperate(OPERATE_CUT_OUTPUT,
+                        QVariantMap{{QStringLiteral("src"), from}, {QStringLiteral("dest"), to}});
+    thread.start();
+    thread.wait();
+    return thread.getResult() == QVariant(true);
+}
+
+void tst_TreeTargets::addPlaces()
+{
+    QTest::addColumn<Manner>("manner");
+    QTest::addColumn<QByteArray>("place");
+    for (const auto& [manner, what] :
+         {std::pair(Copy, "copy"), std::pair(Move, "move"), std::pair(CutForOutput, "output")}) {
+        for (const char* place : {"/folder", "/folder/inner", "/other", "/other/inner", ""})
+            QTest::addRow("%s, source%s", what, place) << manner << QByteArray(place);
+    }
+}
+
+void tst_TreeTargets::linkIntoTheSourceIsRefused()
+{
+    QFETCH(Manner, manner);
+    QFETCH(QByteArray, place);
+    write(m_source + "/folder/inner/file", "1");
+    write(m_source + "/other/inner/file", "2");
+    write(m_source + "/other/file", "3");
+    write(m_source + "/folder/file", "4");
+    // Both, since either folder may be listed first, and so be moved before the other is refused.
+    makeLink(m_source + place, m_target + "/folder");
+    makeLink(m_source + place, m_target + "/other");
+    const Tree before = content(m_root);
+    QVERIFY(!transfer(manner));
+    QCOMPARE(content(m_root), before);
+}
+
+void tst_TreeTargets::mountOfTheSourceIsRefused()
+{
+    QFETCH(Manner, manner);
+    QFETCH(QByteArray, place);
+    write(m_source + "/folder/inner/file", "1");
+    write(m_source + "/other/inner/file", "2");
+    write(m_source + "/other/file", "3");
+    write(m_source + "/folder/file", "4");
+    const Mount folder(m_source + place, m_target + "/folder");
+    const Mount other(m_source + place, m_target + "/other");
+    if (!folder.isMounted || !other.isMounted)
+        QSKIP("only root can mount a folder");
+    const Tree before = content(m_source);
+    QVERIFY(!transfer(manner));
+    QCOMPARE(content(m_source), before);
+}
+
+// The link leads to a folder above the source, which a folder of the source's name leads into again.
+void tst_TreeTargets::folderBehindALinkThatIsOfTheSourceIsRefused()
+{
+    QFETCH(Manner, manner);
+    write(m_source + "/up/source/file", "1");
+    makeLink("..", m_target + "/up");
+    const Tree before = content(m_source);
+    QVERIFY(!transfer(manner));
+    QCOMPARE(content(m_source), before);
+}
+
+void tst_TreeTargets::outputByAnotherNameOfTheSourceIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("place");
+    QTest::newRow("source") << QByteArray("source");
+    QTest::newRow("folder in it") << QByteArray("source/folder");
+}
+
+void tst_TreeTargets::outputByAnotherNameOfTheSourceIsRefused()
+{
+    QFETCH(QByteArray, place);
+    write(m_source + "/file", "1");
+    write(m_source + "/folder/file", "2");
+    m_target = m_root + "/alias";
+    makeLink(place, m_target);
+    const Tree before = content(m_root);
+    QVERIFY(!transfer(CutForOutput));
+    ThreadCommon around;
+    QVERIFY(!around.exceptCut(QFile::decodeName(m_source), QFile::decodeName(m_target), {}));
+    QCOMPARE(content(m_root), before);
+}
+
+void tst_TreeTargets::linkFromAnOutputInsideTheSourceIsRefused()
+{
+    m_target = m_source + "/out";
+    write(m_source + "/folder/file", "1");
+    makeFolder(m_target);
+    makeLink("../folder", m_target + "/folder");
+    QVERIFY(!transfer(CutForOutput));
+    chmod(m_target.constData(), 0755);
+    QCOMPARE(TreeFiles::read(m_source + "/folder/file"), QByteArray("1"));
+}
+
+void tst_TreeTargets::linkToElsewhereIsFollowed()
+{
+    QFETCH(Manner, manner);
+    write(m_source + "/folder/file", "1");
+    write(m_source + "/folder/inner/file", "2");
+    makeFolder(m_root + "/elsewhere/inner");
+    makeLink("../elsewhere", m_target + "/folder");
+    QVERIFY(transfer(manner));
+    QCOMPARE(content(m_root + "/elsewhere"),
+             Tree({{"file", "file 1"}, {"inner", "folder"}, {"inner/file", "file 2"}}));
+}
+
+// It does not exist, and so is in nobody's way but the file system's.
+void tst_TreeTargets::danglingLinkStaysAndIsFalse()
+{
+    QFETCH(Manner, manner);
+    write(m_source + "/file", "new");
+    makeLink("nowhere", m_target + "/file");
+    QVERIFY(!transfer(manner));
+    QCOMPARE(content(m_target), Tree({{"file", "link nowhere"}}));
+    QVERIFY(exists(m_source + "/file"));
+    QCOMPARE(RunRoot::log().count("Copy Fail:"), manner == CutForOutput ? 1 : 0);
+}
+
+void tst_TreeTargets::folderOfAFilesNameKeepsItsRights()
+{
+    QFETCH(Manner, manner);
+    write(m_source + "/entry");
+    write(m_target + "/entry/file");
+    QVERIFY(!transfer(manner));
+    QCOMPARE(TreeFiles::mode(m_target + "/entry"), 0755);
+    QVERIFY(exists(m_target + "/entry/file"));
+}
+
+void tst_TreeTargets::runsAtOnceLoseNothing_data()
+{
+    QTest::addColumn<int>("operate");
+    QTest::newRow("cut") << int(OPERATE_CUT);
+    QTest::newRow("output") << int(OPERATE_CUT_OUTPUT);
+}
+
+void tst_TreeTargets::runsAtOnceLoseNothing()
+{
+    QFETCH(int, operate);
+    const QVariantMap map{{QStringLiteral("src"), QFile::decodeName(m_source)},
+                          {QStringLiteral("dest"), QFile::decodeName(m_target)}};
+    for (int round = 0; round < 60; ++round) {
+        QSet<QByteArray> names;
+        for (int i = 0; i < 12; ++i) {
+            const QByteArray name = "file" + QByteArray::number(i);
+            write(m_source + '/' + name, "new");
+            names.insert(name);
+        }
+        ThreadCommon one;
+        ThreadCommon two;
+        for (ThreadCommon* const run : {&one, &two})
+            run->StartOperate(static_cast<THREAD_OPERATE>(operate), map);
+        one.start();
+        two.start();
+        one.wait();
+        two.wait();
+        for (const QByteArray& name : qAsConst(names))
+            QVERIFY2(exists(m_source + '/' + name) || exists(m_target + '/' + name), name.constData());
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_TreeTargets)
+#include "tst_treetargets.moc"
