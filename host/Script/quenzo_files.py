@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Paths as bytes, scratch names beside a target, and parents that go again after a failure.
+"""Paths as bytes, files opened with care, and files that take the place of others.
 
 Paths stay byte strings all the way: the interpreter's file system encoding is ASCII in some locales, and a
 text path would then fail on its first letter outside it.

@@ -31,7 +31,7 @@ def secret(named, make, tell):
             return _read(_named_file(named))
         own = own_file()
         if not os.path.lexists(own):
-            if os.path.lexists(BESIDE_SCRIPTS):
+            if os.path.lexists(BESIDE_SCRIPTS) and _belongs(os.lstat(BESIDE_SCRIPTS)):
                 tell("the key is still beside the scripts; move it from %s to %s" % (BESIDE_SCRIPTS, own))
                 return _read(BESIDE_SCRIPTS)
             if not make:
@@ -106,5 +106,9 @@ def _check_rights(path, status):
     """Refused rather than mended: a key that others could read may be known to them already."""
     if stat.S_IMODE(status.st_mode) & 0o077:
         raise KeyFailure("others have access to the key file; make it yours alone (chmod 600): %s" % path)
-    if os.geteuid() not in (0, status.st_uid):
+    if not _belongs(status):
         raise KeyFailure("the key file belongs to somebody else: %s" % path)
+
+
+def _belongs(status):
+    return os.geteuid() in (0, status.st_uid)

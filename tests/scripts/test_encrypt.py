@@ -20,6 +20,7 @@ import quenzo_cipher
 import quenzo_key
 
 DONE, NO_APK, DAMAGED, NOTHING_THERE, WRONG_FORM, KEY_UNUSABLE, CIPHER_FAILED, NOT_AUTHENTIC, REFUSED = range(9)
+NOBODY = 65534
 HEADER = struct.Struct("<8s16s8sQQQ8s")
 ENCRYPT = "import sys, encrypt; sys.exit(encrypt.encryptApk('.', sys.argv[1]))"
 DECRYPT = "import sys, encrypt; sys.exit(encrypt.decryptApk('.', sys.argv[1]))"
@@ -514,6 +515,15 @@ class Rights(Encrypting):
         os.chmod(self.apk, 0o666)
         self.write_key(self.key, "0" * 64)
         self.assertEqual(KEY_UNUSABLE, self.plain_answer())
+
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root can give a key file to somebody else")
+    def test_aKeyBesideTheScriptsThatIsSomebodyElsesKeepsNobodyFromAnOwn(self):
+        self.write_key(self.beside, "0" * 64)
+        os.chmod(self.apk, 0o666)
+        self.assertEqual(str(DONE), as_plain_user(lambda: encrypt.encryptApk(".", self.apk)))
+        self.assertEqual(NOBODY, os.stat(self.key).st_uid)
+        self.assertEqual("0" * 64 + "\n", read(self.beside))
 
 
 class Breakdown(Encrypting):
