@@ -82,23 +82,7 @@ private Q_SLOTS:
     void namesOfResourcesStayInTheTree();
     void permissionBitsAreThoseOfQtsCopy();
     void plainUsersPermissionBitsAreThoseOfQtsCopy();
-    void linkToFileIsCopiedAsFile();
-    void linkToFolderIsWalked();
-    void danglingLinkIsFalse();
-    void linkToParentEndsAfterFortyLevels();
-    void linkToMovedFileDangles();
     void specialFilesAreFalseAtOnce();
-    void targetInsideSourceTouchesNothing_data();
-    void targetInsideSourceTouchesNothing();
-    void targetReachedThroughALinkEndsTheWalk();
-    void linkIntoTheTargetEndsTheWalk_data();
-    void linkIntoTheTargetEndsTheWalk();
-    void linkToAnotherFolderOfTheTargetIsWalked();
-    void folderIsNotCopiedOntoItself_data();
-    void folderIsNotCopiedOntoItself();
-    void linkToItsOwnTargetIsSpared();
-    void hardLinkIsReplaced();
-    void sourceInsideTargetIsMovedUp();
     void unreadableFolderIsFalse();
     void unwritableTargetIsFalse();
     void unremovableSourceIsIgnored();
@@ -106,23 +90,8 @@ private Q_SLOTS:
     void deepTreeIsCopiedMovedAndRemoved();
     void tooDeepTreeForTheStackIsFalse_data();
     void tooDeepTreeForTheStackIsFalse();
-    void tooDeepTreeForTheStackIsNotChanged();
     void manyFilesArriveInEveryFolder();
     void relativePathsAreTakenFromTheWorkingFolder();
-
-    void changeOfMissingFolderIsTrue();
-    void changeTellsEveryStep();
-    void changeTellsOfReadOnlyFiles();
-    void changeFollowsLinks();
-    void changeEndsInLoopsOfLinks();
-
-    void removalOfMissingFolderIsTrue();
-    void removalTakesReadOnlyFiles();
-    void removalLeavesWhatLinksLeadTo();
-    void removalThroughALinkIsFalse();
-    void removalReportsWhatStays();
-    void removalWithoutFreeHandlesIsFalse();
-    void removalTakesFoldersOfManyFiles();
 
 private:
     static constexpr unsigned smallStack = 192U << 10U;
@@ -296,54 +265,6 @@ void tst_Directories::plainUsersPermissionBitsAreThoseOfQtsCopy()
     QVERIFY(TreeFiles::asPlainUser([this] { return bitsAreThoseOfQtsCopy(m_root); }));
 }
 
-void tst_Directories::linkToFileIsCopiedAsFile()
-{
-    write(m_root + "/elsewhere", "behind the link");
-    makeLink("../elsewhere", m_source + "/link");
-    QVERIFY(move());
-    QCOMPARE(TreeFiles::content(m_target).value("link"), QByteArray("file behind the link"));
-    QVERIFY(!exists(m_source + "/link"));
-    QVERIFY(exists(m_root + "/elsewhere"));
-}
-
-void tst_Directories::linkToFolderIsWalked()
-{
-    write(m_root + "/elsewhere/folder/file", "behind the link");
-    makeLink("../elsewhere", m_source + "/link");
-    QVERIFY(copy());
-    QCOMPARE(TreeFiles::content(m_target).value("link/folder/file"), QByteArray("file behind the link"));
-    QVERIFY(move());
-    QVERIFY(TreeFiles::content(m_root + "/elsewhere").isEmpty());
-    QVERIFY(exists(m_source + "/link"));
-}
-
-void tst_Directories::danglingLinkIsFalse()
-{
-    makeLink("nowhere", m_source + "/link");
-    QVERIFY(!copy());
-    QVERIFY(!move());
-    QVERIFY(exists(m_source + "/link"));
-    QVERIFY(TreeFiles::content(m_target).isEmpty());
-}
-
-void tst_Directories::linkToParentEndsAfterFortyLevels()
-{
-    makeLink(".", m_source + "/again");
-    QVERIFY(!copy());
-    QCOMPARE(TreeFiles::content(m_target).size(), 40);
-}
-
-// In the order described each file is gone when the next one is looked at.
-void tst_Directories::linkToMovedFileDangles()
-{
-    write(m_source + "/file");
-    makeLink("file", m_source + "/link");
-    const QStringList listed = QDir(QFile::decodeName(m_source)).entryList(QDir::Files, QDir::Unsorted);
-    QCOMPARE(move(), listed.first() == QLatin1String("link"));
-    QVERIFY(!exists(m_source + "/file"));
-    QVERIFY(exists(m_target + "/file"));
-}
-
 void tst_Directories::specialFilesAreFalseAtOnce()
 {
     const QByteArray pipe = m_source + "/pipe";
@@ -355,135 +276,6 @@ void tst_Directories::specialFilesAreFalseAtOnce()
     makeLink("/dev/zero", m_source + "/zeroes");
     QVERIFY(!copy());
     QVERIFY(TreeFiles::content(m_target).isEmpty());
-}
-
-void tst_Directories::targetInsideSourceTouchesNothing_data()
-{
-    QTest::addColumn<QByteArray>("inner");
-    QTest::addColumn<bool>("isThere");
-    for (const char* inner : {"/target", "/folder/target"}) {
-        QTest::addRow("%s missing", inner) << QByteArray(inner) << false;
-        QTest::addRow("%s there", inner) << QByteArray(inner) << true;
-    }
-}
-
-void tst_Directories::targetInsideSourceTouchesNothing()
-{
-    QFETCH(QByteArray, inner);
-    QFETCH(bool, isThere);
-    write(m_source + "/file");
-    write(m_source + "/folder/file");
-    m_target = m_source + inner;
-    if (isThere)
-        makeFolder(m_target);
-    const auto before = TreeFiles::content(m_source);
-    QVERIFY(!copy());
-    QVERIFY(!move());
-    QCOMPARE(TreeFiles::content(m_source), before);
-    // The same by another name of the source.
-    makeLink("source", m_root + "/alias");
-    m_source = m_root + "/alias";
-    QVERIFY(!copy());
-    QCOMPARE(TreeFiles::content(m_root + "/source"), before);
-}
-
-void tst_Directories::targetReachedThroughALinkEndsTheWalk()
-{
-    m_target = m_root + "/elsewhere/target";
-    write(m_root + "/elsewhere/file");
-    makeFolder(m_target);
-    makeLink("../elsewhere", m_source + "/link");
-    QVERIFY(!copy());
-    QVERIFY(TreeFiles::content(m_target).isEmpty());
-}
-
-void tst_Directories::linkIntoTheTargetEndsTheWalk_data()
-{
-    QTest::addColumn<bool>("isMove");
-    QTest::newRow("copy") << false;
-    QTest::newRow("move") << true;
-}
-
-// To a folder that the walk itself makes and is in: it would copy what it writes.
-void tst_Directories::linkIntoTheTargetEndsTheWalk()
-{
-    QFETCH(bool, isMove);
-    write(m_source + "/folder/inner/file", "only once");
-    makeLink("../../target/folder", m_source + "/folder/link");
-    QVERIFY(isMove ? !move() : !copy());
-    int files = 0;
-    const auto after = TreeFiles::content(m_root);
-    for (auto entry = after.cbegin(); entry != after.cend(); ++entry)
-        files += entry.value() == "file only once" ? 1 : 0;
-    QVERIFY2(files == 1 || (files == 2 && !isMove), QByteArray::number(files).constData());
-    QVERIFY(after.size() < 10);
-}
-
-void tst_Directories::linkToAnotherFolderOfTheTargetIsWalked()
-{
-    write(m_target + "/other/file", "there before");
-    makeFolder(m_source + "/folder");
-    makeLink("../../target/other", m_source + "/folder/link");
-    QVERIFY(copy());
-    QCOMPARE(TreeFiles::read(m_target + "/folder/link/file"), QByteArray("there before"));
-}
-
-void tst_Directories::folderIsNotCopiedOntoItself_data()
-{
-    QTest::addColumn<QByteArray>("alias");
-    QTest::newRow("same path") << QByteArray("/source");
-    QTest::newRow("link") << QByteArray("/alias");
-}
-
-void tst_Directories::folderIsNotCopiedOntoItself()
-{
-    QFETCH(QByteArray, alias);
-    write(m_source + "/file");
-    write(m_source + "/folder/file");
-    makeLink("source", m_root + "/alias");
-    m_target = m_root + alias;
-    const auto before = TreeFiles::content(m_source);
-    QVERIFY(!copy());
-    QVERIFY(!move());
-    QVERIFY(!copy(false));
-    QCOMPARE(TreeFiles::content(m_source), before);
-}
-
-void tst_Directories::linkToItsOwnTargetIsSpared()
-{
-    write(m_target + "/file", "the only one");
-    makeLink("../target/file", m_source + "/file");
-    QVERIFY(!copy());
-    QCOMPARE(TreeFiles::read(m_target + "/file"), QByteArray("the only one"));
-}
-
-void tst_Directories::hardLinkIsReplaced()
-{
-    write(m_source + "/file", "shared");
-    makeFolder(m_target);
-    const QByteArray source = m_source + "/file";
-    const QByteArray target = m_target + "/file";
-    QCOMPARE(link(source.constData(), target.constData()), 0);
-    QVERIFY(move());
-    QCOMPARE(TreeFiles::read(m_target + "/file"), QByteArray("shared"));
-}
-
-void tst_Directories::sourceInsideTargetIsMovedUp()
-{
-    for (int i = 0; i < 100; ++i) {
-        const QByteArray number = QByteArray::number(i);
-        write(m_source + "/file" + number, "inner " + number);
-        write(m_source + "/source/deeper" + number, "deeper " + number);
-    }
-    m_target = m_root;
-    QVERIFY(move());
-    const auto after = TreeFiles::content(m_root);
-    for (int i = 0; i < 100; ++i) {
-        const QByteArray number = QByteArray::number(i);
-        QCOMPARE(after.value("file" + number), "file inner " + number);
-        QCOMPARE(after.value("source/deeper" + number), "file deeper " + number);
-    }
-    QCOMPARE(after.size(), 201);
 }
 
 void tst_Directories::unreadableFolderIsFalse()
@@ -602,21 +394,6 @@ void tst_Directories::tooDeepTreeForTheStackIsFalse()
     QVERIFY(QuenzoTool::removeRecursively(target));
 }
 
-void tst_Directories::tooDeepTreeForTheStackIsNotChanged()
-{
-    makeDeepest();
-    QDir source = folder(m_source);
-    bool changed = true;
-    const std::unique_ptr<QThread> thread(QThread::create([&changed, &source] {
-        changed = QuenzoTool::changePermessionRecursively(source) || QuenzoTool::removeRecursively(source);
-    }));
-    thread->setStackSize(smallStack);
-    thread->start();
-    QVERIFY(thread->wait());
-    QVERIFY(!changed);
-    QVERIFY(QuenzoTool::removeRecursively(source));
-}
-
 // Above and below the numbers from which on files go in bulk.
 void tst_Directories::manyFilesArriveInEveryFolder()
 {
@@ -643,146 +420,6 @@ void tst_Directories::relativePathsAreTakenFromTheWorkingFolder()
     QDir::setCurrent(before);
     QVERIFY(copied);
     QVERIFY(exists(m_target + "/folder/file"));
-}
-
-void tst_Directories::changeOfMissingFolderIsTrue()
-{
-    QDir missing = folder(m_root + "/missing");
-    QVERIFY(QuenzoTool::changePermessionRecursively(missing));
-    QCOMPARE(m_messages->takeDebugTexts(), QStringList());
-}
-
-void tst_Directories::changeTellsEveryStep()
-{
-    write(m_source + "/folder/\"file\"");
-    QDir source = folder(m_source);
-    QVERIFY(QuenzoTool::changePermessionRecursively(source));
-    QCOMPARE(TreeFiles::mode(m_source + "/folder/\"file\""), 0002);
-    QCOMPARE(TreeFiles::mode(m_source + "/folder"), 0755);
-    const QVector<LoggedMessage> messages = m_messages->take();
-    QStringList texts;
-    for (const LoggedMessage& message : messages) {
-        QCOMPARE(message.type, QtDebugMsg);
-        QCOMPARE(message.file, QStringLiteral("QuenzoTool/source/quenzotool"));
-        QCOMPARE(message.function,
-                 QStringLiteral("bool __cdecl QuenzoTool::changePermessionRecursively(class QDir &)"));
-        texts.append(message.text);
-    }
-    const QString path = QFile::decodeName(m_source) + QStringLiteral("/folder");
-    QCOMPARE(texts, QStringList({path, path + QStringLiteral("/\"file\""), QStringLiteral("true")}));
-}
-
-void tst_Directories::changeTellsOfReadOnlyFiles()
-{
-    write(m_source + "/file");
-    setMode(m_root, 0777);
-    setMode(m_source + "/file", 0444);
-    QVERIFY(TreeFiles::asPlainUser([this] {
-        QDir source = folder(m_source);
-        const QString path = QFile::decodeName(m_source) + QStringLiteral("/file");
-        return QuenzoTool::changePermessionRecursively(source)
-            && m_messages->takeDebugTexts() == QStringList({path, QStringLiteral("false")});
-    }));
-}
-
-void tst_Directories::changeFollowsLinks()
-{
-    write(m_root + "/file");
-    write(m_root + "/elsewhere/file");
-    makeLink("../file", m_source + "/link");
-    makeLink("../elsewhere", m_source + "/linked");
-    QDir source = folder(m_source);
-    QVERIFY(QuenzoTool::changePermessionRecursively(source));
-    QCOMPARE(TreeFiles::mode(m_root + "/file"), 0002);
-    QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0002);
-}
-
-void tst_Directories::changeEndsInLoopsOfLinks()
-{
-    write(m_source + "/folder/file");
-    makeLink(".", m_source + "/one");
-    makeLink(".", m_source + "/two");
-    makeLink("..", m_source + "/folder/three");
-    QDir source = folder(m_source);
-    QVERIFY(QuenzoTool::changePermessionRecursively(source));
-    QCOMPARE(TreeFiles::mode(m_source + "/folder/file"), 0002);
-}
-
-void tst_Directories::removalOfMissingFolderIsTrue()
-{
-    QDir missing = folder(m_root + "/missing");
-    QVERIFY(QuenzoTool::removeRecursively(missing));
-}
-
-void tst_Directories::removalTakesReadOnlyFiles()
-{
-    write(m_source + "/file");
-    write(m_source + "/folder/file");
-    setMode(m_source + "/folder/file", 0444);
-    QDir source = folder(m_source);
-    QVERIFY(QuenzoTool::removeRecursively(source));
-    QVERIFY(!exists(m_source));
-}
-
-void tst_Directories::removalLeavesWhatLinksLeadTo()
-{
-    write(m_root + "/elsewhere/file", "kept");
-    makeLink("../elsewhere", m_source + "/link");
-    makeLink("nowhere", m_source + "/dangling");
-    QDir source = folder(m_source);
-    QVERIFY(QuenzoTool::removeRecursively(source));
-    QVERIFY(!exists(m_source));
-    QVERIFY(exists(m_root + "/elsewhere/file"));
-}
-
-void tst_Directories::removalThroughALinkIsFalse()
-{
-    write(m_source + "/file");
-    makeLink("source", m_root + "/link");
-    QDir source = folder(m_root + "/link");
-    QVERIFY(!QuenzoTool::removeRecursively(source));
-    QVERIFY(TreeFiles::content(m_source).isEmpty());
-    QVERIFY(exists(m_root + "/link"));
-}
-
-void tst_Directories::removalReportsWhatStays()
-{
-    write(m_source + "/locked/file");
-    write(m_source + "/free/file");
-    setMode(m_root, 0777);
-    setMode(m_source, 0777);
-    setMode(m_source + "/free", 0777);
-    setMode(m_source + "/locked", 0555);
-    QVERIFY(TreeFiles::asPlainUser([this] {
-        QDir source = folder(m_source);
-        return !QuenzoTool::removeRecursively(source);
-    }));
-    QVERIFY(!exists(m_source + "/free/file"));
-    QVERIFY(exists(m_source + "/locked/file"));
-    setMode(m_source + "/locked", 0755);
-}
-
-void tst_Directories::removalWithoutFreeHandlesIsFalse()
-{
-    write(m_source + "/file");
-    rlimit before{};
-    QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
-    const rlimit none{3, before.rlim_max};
-    QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
-    QDir source = folder(m_source);
-    const bool removed = QuenzoTool::removeRecursively(source);
-    QCOMPARE(setrlimit(RLIMIT_NOFILE, &before), 0);
-    QVERIFY(!removed);
-    QVERIFY(exists(m_source + "/file"));
-}
-
-void tst_Directories::removalTakesFoldersOfManyFiles()
-{
-    for (int i = 0; i < 1001; ++i)
-        write(m_source + "/folder" + QByteArray::number(i % 3) + "/file" + QByteArray::number(i));
-    QDir source = folder(m_source);
-    QVERIFY(QuenzoTool::removeRecursively(source));
-    QVERIFY(!exists(m_source));
 }
 
 QTEST_GUILESS_MAIN(tst_Directories)

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What the log of the trees says of each failure, and of what stays: one line for people.
 #include <quenzotool.h>
-#include <threadcommon.h>
 
 #include "messagelog.h"
 #include "runroot.h"
 #include "treefiles.h"
+#include "treeruns.h"
 
 #include <QDir>
 #include <QLoggingCategory>
@@ -18,9 +18,7 @@
 using TreeFiles::makeFolder;
 using TreeFiles::makeLink;
 using TreeFiles::write;
-
-enum Manner { Copy, Move, CutForOutput };
-Q_DECLARE_METATYPE(Manner)
+using namespace TreeRuns;
 
 class tst_TreeCauses : public QObject {
     Q_OBJECT
@@ -31,32 +29,30 @@ private Q_SLOTS:
     void cleanup();
 
     void nothingIsSaidUnlessSwitchedOn();
-    void successIsSilent_data() { addEveryManner(); }
+    void successIsSilent_data() { addEveryWay(); }
     void successIsSilent();
-    void linkThatLeadsNowhere_data() { addEveryManner(); }
+    void linkThatLeadsNowhere_data() { addEveryWay(); }
     void linkThatLeadsNowhere();
     void linkThatLeadsBack();
     void linkThatLeadsIntoTheTarget();
-    void specialFile_data() { addEveryManner(); }
+    void specialFile_data() { addEveryWay(); }
     void specialFile();
-    void targetThatCannotBeMade_data() { addEveryManner(); }
+    void targetThatCannotBeMade_data() { addEveryWay(); }
     void targetThatCannotBeMade();
-    void folderOfTheTargetThatIsAFile_data() { addEveryManner(); }
+    void folderOfTheTargetThatIsAFile_data() { addEveryWay(); }
     void folderOfTheTargetThatIsAFile();
     void existingFileWithoutOverwrite();
     void targetInsideTheSource();
     void fileOntoItself();
-    void nameThatIsTooLong_data() { addEveryManner(); }
+    void nameThatIsTooLong_data() { addEveryWay(); }
     void nameThatIsTooLong();
-    void unreadableFolder_data() { addEveryManner(); }
+    void unreadableFolder_data() { addEveryWay(); }
     void unreadableFolder();
     void linkToAFolderThatStays();
     void removalThroughALink();
     void removalOfAFileThatResists();
 
 private:
-    static void addEveryManner();
-    bool transfer(Manner manner) const;
     QString line(const QByteArray& path, const char* what, const char* reason) const;
     QString copyLine(const QByteArray& name, const char* reason) const;
 
@@ -85,28 +81,6 @@ void tst_TreeCauses::cleanup()
     QLoggingCategory::setFilterRules(QString());
 }
 
-void tst_TreeCauses::addEveryManner()
-{
-    QTest::addColumn<Manner>("manner");
-    QTest::newRow("copy") << Copy;
-    QTest::newRow("move") << Move;
-    QTest::newRow("output") << CutForOutput;
-}
-
-bool tst_TreeCauses::transfer(Manner manner) const
-{
-    const QString from = QFile::decodeName(m_source);
-    const QString to = QFile::decodeName(m_target);
-    if (manner != CutForOutput)
-        return QuenzoTool::copyDirectory(QDir(from), QDir(to), true, manner == Move);
-    ThreadCommon thread;
-    thread.StartOperate(OPERATE_CUT_OUTPUT,
-                        QVariantMap{{QStringLiteral("src"), from}, {QStringLiteral("dest"), to}});
-    thread.start();
-    thread.wait();
-    return thread.getResult() == QVariant(true);
-}
-
 QString tst_TreeCauses::line(const QByteArray& path, const char* what, const char* reason) const
 {
     return QFile::decodeName("'" + path + "' could not be " + what + ": " + reason);
@@ -121,7 +95,7 @@ void tst_TreeCauses::nothingIsSaidUnlessSwitchedOn()
 {
     QLoggingCategory::setFilterRules(QString());
     makeLink("nowhere", m_source + "/link");
-    QVERIFY(!transfer(Copy));
+    QVERIFY(!transfer(m_source, m_target, Copy));
     QCOMPARE(m_messages->takeWarnings(), QStringList());
 }
 
@@ -130,7 +104,7 @@ void tst_TreeCauses::successIsSilent()
     QFETCH(Manner, manner);
     write(m_source + "/folder/file", "new");
     write(m_target + "/folder/file", "old");
-    QVERIFY(transfer(manner));
+    QVERIFY(transfer(m_source, m_target, manner));
     QDir target(QFile::decodeName(m_target));
     QVERIFY(QuenzoTool::removeRecursively(target));
     QCOMPARE(m_messages->takeWarnings(), QStringList());
@@ -140,14 +114,14 @@ void tst_TreeCauses::linkThatLeadsNowhere()
 {
     QFETCH(Manner, manner);
     makeLink("nowhere", m_source + "/'%1'\nlink");
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(m_messages->takeWarnings(), QStringList(copyLine("/'%1'\nlink", "the link leads nowhere")));
 }
 
 void tst_TreeCauses::linkThatLeadsBack()
 {
     makeLink(".", m_source + "/again");
-    QVERIFY(!transfer(Copy));
+    QVERIFY(!transfer(m_source, m_target, Copy));
     QByteArray name;
     for (int i = 0; i < 41; ++i)
         name += "/again";
@@ -159,7 +133,7 @@ void tst_TreeCauses::linkThatLeadsIntoTheTarget()
 {
     makeFolder(m_target);
     makeLink("../target", m_source + "/link");
-    QVERIFY(!transfer(Copy));
+    QVERIFY(!transfer(m_source, m_target, Copy));
     QCOMPARE(m_messages->takeWarnings(), QStringList(copyLine("/link", "it leads into the target")));
 }
 
@@ -168,7 +142,7 @@ void tst_TreeCauses::specialFile()
     QFETCH(Manner, manner);
     const QByteArray pipe = m_source + "/pipe";
     QCOMPARE(mkfifo(pipe.constData(), 0644), 0);
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(m_messages->takeWarnings(), QStringList(copyLine("/pipe", "it is neither a file nor a folder")));
 }
 
@@ -176,7 +150,7 @@ void tst_TreeCauses::targetThatCannotBeMade()
 {
     QFETCH(Manner, manner);
     m_target = m_root + "/missing/target";
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(m_messages->takeWarnings(), QStringList(line(m_target, "made", "No such file or directory")));
 }
 
@@ -185,7 +159,7 @@ void tst_TreeCauses::folderOfTheTargetThatIsAFile()
     QFETCH(Manner, manner);
     write(m_source + "/entry/file");
     write(m_target + "/entry");
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(m_messages->takeWarnings(), QStringList(line(m_target + "/entry", "made", "File exists")));
 }
 
@@ -201,7 +175,7 @@ void tst_TreeCauses::existingFileWithoutOverwrite()
 void tst_TreeCauses::targetInsideTheSource()
 {
     m_target = m_source + "/target";
-    QVERIFY(!transfer(Move));
+    QVERIFY(!transfer(m_source, m_target, Move));
     QCOMPARE(m_messages->takeWarnings(),
              QStringList(line(m_source, QByteArray("copied to '" + m_target + "'").constData(),
                               "the target lies inside it")));
@@ -211,7 +185,7 @@ void tst_TreeCauses::fileOntoItself()
 {
     write(m_source + "/file");
     m_target = m_source;
-    QVERIFY(!transfer(Copy));
+    QVERIFY(!transfer(m_source, m_target, Copy));
     QCOMPARE(m_messages->takeWarnings(), QStringList(copyLine("/file", "it is the same file")));
 }
 
@@ -224,7 +198,7 @@ void tst_TreeCauses::nameThatIsTooLong()
         m_target += '/' + QByteArray(100, 't');
     makeFolder(m_target);
     write(m_source + '/' + name);
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(m_messages->takeWarnings(), QStringList(copyLine('/' + name, "File name too long")));
 }
 
@@ -237,7 +211,7 @@ void tst_TreeCauses::unreadableFolder()
         QCOMPARE(chmod(path.constData(), 0777), 0);
     QCOMPARE(chmod(locked.constData(), 0), 0);
     QVERIFY(TreeFiles::asPlainUser([&] {
-        return !transfer(manner)
+        return !transfer(m_source, m_target, manner)
             && m_messages->takeWarnings() == QStringList(line(locked, "read", "Permission denied"));
     }));
     QCOMPARE(chmod(locked.constData(), 0755), 0);
@@ -247,7 +221,7 @@ void tst_TreeCauses::linkToAFolderThatStays()
 {
     write(m_root + "/elsewhere/file");
     makeLink("../elsewhere", m_source + "/link");
-    QVERIFY(transfer(Move));
+    QVERIFY(transfer(m_source, m_target, Move));
     QCOMPARE(m_messages->takeWarnings(),
              QStringList(line(m_source + "/link", "removed", "it is a link to a folder")));
 }

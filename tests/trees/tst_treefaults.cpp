@@ -7,6 +7,7 @@
 #include "faultycalls.h"
 #include "runroot.h"
 #include "treefiles.h"
+#include "treeruns.h"
 
 #include <QDir>
 #include <QProcess>
@@ -17,7 +18,6 @@
 #include <csignal>
 #include <fcntl.h>
 #include <functional>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,47 +26,10 @@ using TreeFiles::content;
 using TreeFiles::exists;
 using TreeFiles::makeFolder;
 using TreeFiles::write;
+using namespace TreeRuns;
 using Tree = QMap<QByteArray, QByteArray>;
 
-enum Manner { Copy, Move, CutForOutput };
-Q_DECLARE_METATYPE(Manner)
-
 namespace {
-
-struct Way {
-    Manner manner;
-    const char* name;
-};
-
-constexpr std::array<Way, 3> everyWay{{{Copy, "copy"}, {Move, "move"}, {CutForOutput, "output"}}};
-
-bool transfer(const QByteArray& source, const QByteArray& target, Manner manner)
-{
-    const QString from = QFile::decodeName(source);
-    const QString to = QFile::decodeName(target);
-    if (manner != CutForOutput)
-        return QuenzoTool::copyDirectory(QDir(from), QDir(to), true, manner == Move);
-    ThreadCommon thread;
-    thread.StartOperate(OPERATE_CUT_OUTPUT,
-                        QVariantMap{{QStringLiteral("src"), from}, {QStringLiteral("dest"), to}});
-    thread.start();
-    thread.wait();
-    return thread.getResult() == QVariant(true);
-}
-
-void addEveryWay()
-{
-    QTest::addColumn<Manner>("manner");
-    for (const auto& [manner, what] : everyWay)
-        QTest::newRow(what) << manner;
-}
-
-void addEveryMove()
-{
-    QTest::addColumn<Manner>("manner");
-    QTest::newRow("move") << Move;
-    QTest::newRow("output") << CutForOutput;
-}
 
 // Two parts with a hole between them.
 void writeSparse(const QByteArray& path)
@@ -74,29 +37,6 @@ void writeSparse(const QByteArray& path)
     TreeFiles::writeAt(path, 0, QByteArray(100000, 'b'));
     TreeFiles::writeAt(path, 400000, QByteArray(100000, 'e'));
 }
-
-/** A small file system in memory; as root only. */
-class SmallDisk {
-public:
-    SmallDisk(const QByteArray& path, const char* size)
-        : m_path(path)
-    {
-        makeFolder(path);
-        isMounted = mount("small", path.constData(), "tmpfs", 0, size) == 0;
-    }
-    ~SmallDisk()
-    {
-        if (isMounted)
-            umount2(m_path.constData(), MNT_DETACH);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-    bool isMounted = false;
-
-private:
-    const QByteArray m_path;
-};
 
 // Every file of the first tree that is not in the second one whole, by name and content.
 QList<QByteArray> lost(const Tree& before, const Tree& source, const Tree& target)
@@ -140,32 +80,9 @@ private Q_SLOTS:
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll();
     void fileSystemsWithoutUnnamedFilesServe_data();
     void fileSystemsWithoutUnnamedFilesServe();
-    void failedFlushKeepsTheSources_data();
-    void failedFlushKeepsTheSources();
-    void failedFlushIsLoggedWithAFileThatAwaitedIt();
-    void flushComesBeforeRemoval_data();
-    void flushComesBeforeRemoval();
-    void sourcesThatCannotBeRemovedStay_data();
-    void sourcesThatCannotBeRemovedStay();
-    void existingFileThatResistsIsForced_data();
-    void existingFileThatResistsIsForced();
-    void existingLinkThatCannotBeRemovedLeavesOthersTheirRights_data();
-    void existingLinkThatCannotBeRemovedLeavesOthersTheirRights();
-    void existingFileGoesWhenItsReplacementIsWhole_data();
-    void existingFileGoesWhenItsReplacementIsWhole();
-    void sourceThatAnotherRunTakesIsNotLost_data();
-    void sourceThatAnotherRunTakesIsNotLost();
-    void existingFileMakesRoomForItsReplacement_data();
-    void existingFileMakesRoomForItsReplacement();
-    void existingFileThatCannotBeRemovedIsFalse_data();
-    void existingFileThatCannotBeRemovedIsFalse();
-    void sourceThatChangedSinceItsCopyStays_data();
-    void sourceThatChangedSinceItsCopyStays();
     void fullDiskLeavesNoPartOfAFile_data();
     void fullDiskLeavesNoPartOfAFile();
     void sizeLimitLeavesNoPartOfAFile();
-    void moveWithinAFullDiskSucceeds_data();
-    void moveWithinAFullDiskSucceeds();
     void killedCopyLeavesNoPartOfAFile_data();
     void killedCopyLeavesNoPartOfAFile();
 
@@ -391,279 +308,6 @@ void tst_TreeFaults::fileSystemsWithoutUnnamedFilesServe()
     QVERIFY(content(m_source).isEmpty());
 }
 
-void tst_TreeFaults::failedFlushKeepsTheSources_data()
-{
-    addEveryMove();
-}
-
-void tst_TreeFaults::failedFlushKeepsTheSources()
-{
-    QFETCH(Manner, manner);
-    for (int i = 0; i < 60; ++i)
-        write(m_source + "/folder/file" + QByteArray::number(i), "kept");
-    const Tree before = content(m_source);
-    FaultyCalls::failFromNth(FaultyCalls::Flushing, 1, EIO);
-    QVERIFY(!transfer(m_source, m_target, manner));
-    QVERIFY(FaultyCalls::wasHit());
-    QCOMPARE(content(m_source), before);
-    QCOMPARE(RunRoot::log().count("Copy Fail:"), manner == CutForOutput ? 1 : 0);
-}
-
-// More files than a move keeps waiting: the flush is in their midst.
-void tst_TreeFaults::failedFlushIsLoggedWithAFileThatAwaitedIt()
-{
-    constexpr int many = 33 * 1024;
-    for (int i = 0; i < many; ++i)
-        write(m_source + "/file" + QByteArray::number(i), {});
-    FaultyCalls::failFromNth(FaultyCalls::Flushing, 1, EIO);
-    QVERIFY(!transfer(m_source, m_target, CutForOutput));
-    FaultyCalls::heal();
-    const QByteArray log = RunRoot::log();
-    QCOMPARE(log.count("Copy Fail:"), 1);
-    const QByteArray source = log.mid(log.indexOf("Src:") + 4).split('\r').first();
-    const QByteArray target = log.mid(log.indexOf("Dest:") + 5).split('\r').first();
-    QVERIFY2(exists(source) && exists(target), log.constData());
-    QCOMPARE(source.mid(m_source.size()), target.mid(m_target.size()));
-}
-
-void tst_TreeFaults::flushComesBeforeRemoval_data()
-{
-    addEveryMove();
-}
-
-void tst_TreeFaults::flushComesBeforeRemoval()
-{
-    QFETCH(Manner, manner);
-    for (int i = 0; i < 60; ++i)
-        write(m_source + "/file" + QByteArray::number(i));
-    FaultyCalls::startCounting();
-    QVERIFY(transfer(m_source, m_target, manner));
-    QCOMPARE(FaultyCalls::count(FaultyCalls::Flushing), 1);
-    QCOMPARE(FaultyCalls::linksBeforeFlush(), 60);
-    QCOMPARE(FaultyCalls::removalsBeforeFlush(), 0);
-    QCOMPARE(FaultyCalls::count(FaultyCalls::Removing), 60);
-    FaultyCalls::startCounting();
-    QVERIFY(transfer(m_target, m_source, Copy));
-    QCOMPARE(FaultyCalls::count(FaultyCalls::Flushing), 0);
-}
-
-void tst_TreeFaults::sourcesThatCannotBeRemovedStay_data()
-{
-    addEveryMove();
-}
-
-void tst_TreeFaults::sourcesThatCannotBeRemovedStay()
-{
-    QFETCH(Manner, manner);
-    for (int i = 0; i < 60; ++i)
-        write(m_source + "/file" + QByteArray::number(i), "copied");
-    const Tree before = content(m_source);
-    FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EPERM);
-    QVERIFY(transfer(m_source, m_target, manner));
-    QVERIFY(FaultyCalls::wasHit());
-    QCOMPARE(content(m_source), before);
-    QCOMPARE(content(m_target), before);
-}
-
-void tst_TreeFaults::existingFileThatResistsIsForced_data()
-{
-    addEveryWay();
-}
-
-// As a read-only file does on some systems.
-void tst_TreeFaults::existingFileThatResistsIsForced()
-{
-    QFETCH(Manner, manner);
-    write(m_source + "/file", "new");
-    write(m_target + "/file", "old");
-    const QByteArray file = m_target + "/file";
-    const QByteArray kept = m_target + "/kept";
-    QCOMPARE(link(file.constData(), kept.constData()), 0);
-    FaultyCalls::failNth(FaultyCalls::Removing, 1, EACCES);
-    QVERIFY(transfer(m_source, m_target, manner));
-    QVERIFY(FaultyCalls::wasHit());
-    QCOMPARE(TreeFiles::read(file), QByteArray("new"));
-    QCOMPARE(TreeFiles::mode(file), 0644);
-    QCOMPARE(TreeFiles::mode(kept), 0002);
-}
-
-void tst_TreeFaults::existingLinkThatCannotBeRemovedLeavesOthersTheirRights_data()
-{
-    addEveryWay();
-}
-
-void tst_TreeFaults::existingLinkThatCannotBeRemovedLeavesOthersTheirRights()
-{
-    QFETCH(Manner, manner);
-    const QByteArray outside = QFile::encodeName(m_folder->path()) + "/outside";
-    write(m_source + "/file", "new");
-    write(outside, "others'");
-    makeFolder(m_target);
-    TreeFiles::makeLink("../outside", m_target + "/file");
-    FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EACCES);
-    QVERIFY(!transfer(m_source, m_target, manner));
-    QVERIFY(FaultyCalls::wasHit());
-    QCOMPARE(TreeFiles::mode(outside), 0644);
-    QVERIFY(exists(m_source + "/file"));
-}
-
-void tst_TreeFaults::existingFileGoesWhenItsReplacementIsWhole_data()
-{
-    addEveryWay();
-}
-
-void tst_TreeFaults::existingFileGoesWhenItsReplacementIsWhole()
-{
-    QFETCH(Manner, manner);
-    write(m_source + "/file", "new");
-    write(m_target + "/file", "old");
-    for (const FaultyCalls::Call call : {FaultyCalls::Opening, FaultyCalls::Copying}) {
-        FaultyCalls::failFromNth(call, 1, EIO);
-        QVERIFY(!transfer(m_source, m_target, manner));
-        QVERIFY(FaultyCalls::wasHit());
-        FaultyCalls::heal();
-        QCOMPARE(content(m_target), Tree({{"file", "file old"}}));
-        QCOMPARE(content(m_source), Tree({{"file", "file new"}}));
-    }
-}
-
-void tst_TreeFaults::sourceThatAnotherRunTakesIsNotLost_data()
-{
-    QTest::addColumn<Manner>("manner");
-    QTest::addColumn<int>("call");
-    QTest::addColumn<bool>("isThere");
-    QTest::addColumn<bool>("byCopy");
-    using namespace FaultyCalls;
-    const QVector<QPair<int, const char*>> calls{
-        {Opening, "opening"}, {Copying, "copying"}, {Linking, "naming"}, {Removing, "removing"}};
-    for (const auto& [manner, what] : {everyWay[1], everyWay[2]}) {
-        for (const auto& [call, name] : calls) {
-            for (const bool byCopy : {false, true}) {
-                const char* const how = byCopy ? "copied" : "renamed";
-                QTest::addRow("%s, there, %s before %s", what, how, name) << manner << call << true << byCopy;
-                if (call != Removing)
-                    QTest::addRow("%s, new, %s before %s", what, how, name)
-                        << manner << call << false << byCopy;
-            }
-        }
-    }
-}
-
-// Somebody else with the same folders comes to the same file first.
-void tst_TreeFaults::sourceThatAnotherRunTakesIsNotLost()
-{
-    QFETCH(Manner, manner);
-    QFETCH(int, call);
-    QFETCH(bool, isThere);
-    QFETCH(bool, byCopy);
-    const QByteArray source = m_source + "/file";
-    const QByteArray target = m_target + "/file";
-    write(source, "new");
-    makeFolder(m_target);
-    if (isThere)
-        write(target, "old");
-    FaultyCalls::actBeforeNth(static_cast<FaultyCalls::Call>(call), 1, [&] {
-        const QByteArray moved = byCopy ? QByteArray(target + ".copy") : source;
-        if (byCopy)
-            write(moved, "new");
-        QCOMPARE(rename(moved.constData(), target.constData()), 0);
-        unlink(source.constData());
-    });
-    transfer(m_source, m_target, manner);
-    QVERIFY(FaultyCalls::wasHit());
-    QCOMPARE(content(m_target), Tree({{"file", "file new"}}));
-}
-
-void tst_TreeFaults::existingFileMakesRoomForItsReplacement_data()
-{
-    addEveryWay();
-}
-
-void tst_TreeFaults::existingFileMakesRoomForItsReplacement()
-{
-    QFETCH(Manner, manner);
-    const SmallDisk disk(m_target, "size=1m");
-    if (!disk.isMounted)
-        QSKIP("only root can make a small disk");
-    write(m_source + "/file", QByteArray(700000, 'n'));
-    write(m_target + "/file", QByteArray(700000, 'o'));
-    const Tree before = content(m_source);
-    QVERIFY(transfer(m_source, m_target, manner));
-    QCOMPARE(content(m_target), before);
-}
-
-void tst_TreeFaults::existingFileThatCannotBeRemovedIsFalse_data()
-{
-    addEveryWay();
-}
-
-void tst_TreeFaults::existingFileThatCannotBeRemovedIsFalse()
-{
-    QFETCH(Manner, manner);
-    write(m_source + "/file", "new");
-    write(m_target + "/file", "old");
-    const QByteArray file = m_target + "/file";
-    FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EACCES);
-    QVERIFY(!transfer(m_source, m_target, manner));
-    QVERIFY(FaultyCalls::wasHit());
-    QCOMPARE(TreeFiles::mode(file), 0644); // its own again
-    QCOMPARE(content(m_target), Tree({{"file", "file old"}}));
-    QCOMPARE(content(m_source), Tree({{"file", "file new"}}));
-    QCOMPARE(RunRoot::log().count("Copy Fail:"), manner == CutForOutput ? 1 : 0);
-}
-
-void tst_TreeFaults::sourceThatChangedSinceItsCopyStays_data()
-{
-    QTest::addColumn<Manner>("manner");
-    QTest::addColumn<QByteArray>("change");
-    for (const auto& [manner, what] : {everyWay[1], everyWay[2]}) {
-        for (const char* change : {"appended", "overwritten", "replaced", "cut short"})
-            QTest::addRow("%s, %s", what, change) << manner << QByteArray(change);
-    }
-}
-
-// Between the copy of a file and its removal is a flush, which takes its time.
-void tst_TreeFaults::sourceThatChangedSinceItsCopyStays()
-{
-    QFETCH(Manner, manner);
-    QFETCH(QByteArray, change);
-    for (int i = 0; i < 60; ++i)
-        write(m_source + "/folder/file" + QByteArray::number(i), "as it was");
-    const QByteArray file = m_source + "/folder/file7";
-    const Tree before = content(m_source);
-    QTest::qWait(20); // the file system's clock may tick that slowly
-    FaultyCalls::actBeforeNth(FaultyCalls::Flushing, 1, [&] {
-        if (change == "appended") {
-            TreeFiles::writeAt(file, 9, ", and more");
-        } else if (change == "overwritten") {
-            TreeFiles::writeAt(file, 0, "AS");
-        } else if (change == "cut short") {
-            QCOMPARE(truncate(file.constData(), 2), 0);
-        } else {
-            // By one of the same size and time.
-            struct stat status { };
-            QCOMPARE(stat(file.constData(), &status), 0);
-            const QByteArray other = m_folder->path().toUtf8() + "/other";
-            write(other, "is others");
-            const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
-            QCOMPARE(utimensat(AT_FDCWD, other.constData(), times.data(), 0), 0);
-            QCOMPARE(rename(other.constData(), file.constData()), 0);
-        }
-    });
-    QVERIFY(transfer(m_source, m_target, manner));
-    QVERIFY(FaultyCalls::wasHit());
-    // A cut for output forces other rights upon a folder that stays.
-    QVERIFY(chmod(QByteArray(m_source + "/folder").constData(), 0755) == 0);
-    const Tree left = content(m_source);
-    QCOMPARE(left.keys(), QList<QByteArray>({"folder", "folder/file7"}));
-    const QMap<QByteArray, QByteArray> changed{{"appended", "as it was, and more"},
-                                               {"overwritten", "AS it was"},
-                                               {"replaced", "is others"},
-                                               {"cut short", "as"}};
-    QCOMPARE(left.value("folder/file7"), "file " + changed.value(change));
-    QCOMPARE(content(m_target), before);
-}
-
 void tst_TreeFaults::fullDiskLeavesNoPartOfAFile_data()
 {
     addEveryWay();
@@ -672,7 +316,7 @@ void tst_TreeFaults::fullDiskLeavesNoPartOfAFile_data()
 void tst_TreeFaults::fullDiskLeavesNoPartOfAFile()
 {
     QFETCH(Manner, manner);
-    const SmallDisk disk(m_target, "size=1m");
+    const Mount disk = Mount::smallDisk(m_target, "size=1m");
     if (!disk.isMounted)
         QSKIP("only root can make a small disk; a size limit takes its place");
     for (int i = 0; i < 40; ++i)
@@ -708,27 +352,6 @@ void tst_TreeFaults::sizeLimitLeavesNoPartOfAFile()
     QVERIFY(!cut);
     QCOMPARE(content(m_source), before);
     QCOMPARE(content(m_target), Tree({{"folder", "folder"}}));
-}
-
-void tst_TreeFaults::moveWithinAFullDiskSucceeds_data()
-{
-    addEveryMove();
-}
-
-// Removed one after the other, the sources make the room that the next files need.
-void tst_TreeFaults::moveWithinAFullDiskSucceeds()
-{
-    QFETCH(Manner, manner);
-    const QByteArray root = QFile::encodeName(m_folder->path()) + "/small";
-    const SmallDisk disk(root, "size=2m");
-    if (!disk.isMounted)
-        QSKIP("only root can make a small disk");
-    for (int i = 0; i < 60; ++i)
-        write(root + "/source/file" + QByteArray::number(i), QByteArray(30000, 'x'));
-    const Tree before = content(root + "/source");
-    QVERIFY(transfer(root + "/source", root + "/target", manner));
-    QCOMPARE(content(root + "/target"), before);
-    QVERIFY(content(root + "/source").isEmpty());
 }
 
 void tst_TreeFaults::killedCopyLeavesNoPartOfAFile_data()

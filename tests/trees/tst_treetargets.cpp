@@ -6,12 +6,12 @@
 #include "messagelog.h"
 #include "runroot.h"
 #include "treefiles.h"
+#include "treeruns.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,45 +20,8 @@ using TreeFiles::exists;
 using TreeFiles::makeFolder;
 using TreeFiles::makeLink;
 using TreeFiles::write;
+using namespace TreeRuns;
 using Tree = QMap<QByteArray, QByteArray>;
-
-enum Manner { Copy, Move, CutForOutput };
-Q_DECLARE_METATYPE(Manner)
-
-namespace {
-
-/** A folder that stands in another place, too; as root only. */
-class Mount {
-public:
-    Mount(const QByteArray& folder, const QByteArray& place)
-        : m_place(place)
-    {
-        makeFolder(place);
-        isMounted = mount(folder.constData(), place.constData(), nullptr, MS_BIND, nullptr) == 0;
-    }
-    ~Mount()
-    {
-        if (isMounted)
-            umount2(m_place.constData(), MNT_DETACH);
-    }
-    Mount(const Mount&) = delete;
-    Mount& operator=(const Mount&) = delete;
-
-    bool isMounted = false;
-
-private:
-    const QByteArray m_place;
-};
-
-void addEveryManner()
-{
-    QTest::addColumn<Manner>("manner");
-    QTest::newRow("copy") << Copy;
-    QTest::newRow("move") << Move;
-    QTest::newRow("output") << CutForOutput;
-}
-
-} // namespace
 
 class tst_TreeTargets : public QObject {
     Q_OBJECT
@@ -72,23 +35,22 @@ private Q_SLOTS:
     void linkIntoTheSourceIsRefused();
     void mountOfTheSourceIsRefused_data() { addPlaces(); }
     void mountOfTheSourceIsRefused();
-    void folderBehindALinkThatIsOfTheSourceIsRefused_data() { addEveryManner(); }
+    void folderBehindALinkThatIsOfTheSourceIsRefused_data() { addEveryWay(); }
     void folderBehindALinkThatIsOfTheSourceIsRefused();
     void outputByAnotherNameOfTheSourceIsRefused_data();
     void outputByAnotherNameOfTheSourceIsRefused();
     void linkFromAnOutputInsideTheSourceIsRefused();
-    void linkToElsewhereIsFollowed_data() { addEveryManner(); }
+    void linkToElsewhereIsFollowed_data() { addEveryWay(); }
     void linkToElsewhereIsFollowed();
-    void danglingLinkStaysAndIsFalse_data() { addEveryManner(); }
+    void danglingLinkStaysAndIsFalse_data() { addEveryWay(); }
     void danglingLinkStaysAndIsFalse();
-    void folderOfAFilesNameKeepsItsRights_data() { addEveryManner(); }
+    void folderOfAFilesNameKeepsItsRights_data() { addEveryWay(); }
     void folderOfAFilesNameKeepsItsRights();
     void runsAtOnceLoseNothing_data();
     void runsAtOnceLoseNothing();
 
 private:
     static void addPlaces();
-    bool transfer(Manner manner) const;
 
     std::unique_ptr<MessageLog> m_messages;
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -115,26 +77,11 @@ void tst_TreeTargets::cleanup()
     m_messages.reset();
 }
 
-bool tst_TreeTargets::transfer(Manner manner) const
-{
-    const QString from = QFile::decodeName(m_source);
-    const QString to = QFile::decodeName(m_target);
-    if (manner != CutForOutput)
-        return QuenzoTool::copyDirectory(QDir(from), QDir(to), true, manner == Move);
-    ThreadCommon thread;
-    thread.StartOperate(OPERATE_CUT_OUTPUT,
-                        QVariantMap{{QStringLiteral("src"), from}, {QStringLiteral("dest"), to}});
-    thread.start();
-    thread.wait();
-    return thread.getResult() == QVariant(true);
-}
-
 void tst_TreeTargets::addPlaces()
 {
     QTest::addColumn<Manner>("manner");
     QTest::addColumn<QByteArray>("place");
-    for (const auto& [manner, what] :
-         {std::pair(Copy, "copy"), std::pair(Move, "move"), std::pair(CutForOutput, "output")}) {
+    for (const auto& [manner, what] : everyWay) {
         for (const char* place : {"/folder", "/folder/inner", "/other", "/other/inner", ""})
             QTest::addRow("%s, source%s", what, place) << manner << QByteArray(place);
     }
@@ -152,7 +99,7 @@ void tst_TreeTargets::linkIntoTheSourceIsRefused()
     makeLink(m_source + place, m_target + "/folder");
     makeLink(m_source + place, m_target + "/other");
     const Tree before = content(m_root);
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(content(m_root), before);
 }
 
@@ -164,12 +111,12 @@ void tst_TreeTargets::mountOfTheSourceIsRefused()
     write(m_source + "/other/inner/file", "2");
     write(m_source + "/other/file", "3");
     write(m_source + "/folder/file", "4");
-    const Mount folder(m_source + place, m_target + "/folder");
-    const Mount other(m_source + place, m_target + "/other");
+    const Mount folder = Mount::folder(m_source + place, m_target + "/folder");
+    const Mount other = Mount::folder(m_source + place, m_target + "/other");
     if (!folder.isMounted || !other.isMounted)
         QSKIP("only root can mount a folder");
     const Tree before = content(m_source);
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(content(m_source), before);
 }
 
@@ -180,7 +127,7 @@ void tst_TreeTargets::folderBehindALinkThatIsOfTheSourceIsRefused()
     write(m_source + "/up/source/file", "1");
     makeLink("..", m_target + "/up");
     const Tree before = content(m_source);
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(content(m_source), before);
 }
 
@@ -199,7 +146,7 @@ void tst_TreeTargets::outputByAnotherNameOfTheSourceIsRefused()
     m_target = m_root + "/alias";
     makeLink(place, m_target);
     const Tree before = content(m_root);
-    QVERIFY(!transfer(CutForOutput));
+    QVERIFY(!transfer(m_source, m_target, CutForOutput));
     ThreadCommon around;
     QVERIFY(!around.exceptCut(QFile::decodeName(m_source), QFile::decodeName(m_target), {}));
     QCOMPARE(content(m_root), before);
@@ -211,7 +158,7 @@ void tst_TreeTargets::linkFromAnOutputInsideTheSourceIsRefused()
     write(m_source + "/folder/file", "1");
     makeFolder(m_target);
     makeLink("../folder", m_target + "/folder");
-    QVERIFY(!transfer(CutForOutput));
+    QVERIFY(!transfer(m_source, m_target, CutForOutput));
     chmod(m_target.constData(), 0755);
     QCOMPARE(TreeFiles::read(m_source + "/folder/file"), QByteArray("1"));
 }
@@ -223,7 +170,7 @@ void tst_TreeTargets::linkToElsewhereIsFollowed()
     write(m_source + "/folder/inner/file", "2");
     makeFolder(m_root + "/elsewhere/inner");
     makeLink("../elsewhere", m_target + "/folder");
-    QVERIFY(transfer(manner));
+    QVERIFY(transfer(m_source, m_target, manner));
     QCOMPARE(content(m_root + "/elsewhere"),
              Tree({{"file", "file 1"}, {"inner", "folder"}, {"inner/file", "file 2"}}));
 }
@@ -234,7 +181,7 @@ void tst_TreeTargets::danglingLinkStaysAndIsFalse()
     QFETCH(Manner, manner);
     write(m_source + "/file", "new");
     makeLink("nowhere", m_target + "/file");
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(content(m_target), Tree({{"file", "link nowhere"}}));
     QVERIFY(exists(m_source + "/file"));
     QCOMPARE(RunRoot::log().count("Copy Fail:"), manner == CutForOutput ? 1 : 0);
@@ -245,7 +192,7 @@ void tst_TreeTargets::folderOfAFilesNameKeepsItsRights()
     QFETCH(Manner, manner);
     write(m_source + "/entry");
     write(m_target + "/entry/file");
-    QVERIFY(!transfer(manner));
+    QVERIFY(!transfer(m_source, m_target, manner));
     QCOMPARE(TreeFiles::mode(m_target + "/entry"), 0755);
     QVERIFY(exists(m_target + "/entry/file"));
 }

@@ -1,0 +1,262 @@
+// SPDX-License-Identifier: MIT
+// Copies of links, through links, and of folders into each other.
+#include <quenzotool.h>
+
+#include "messagelog.h"
+#include "treefiles.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using TreeFiles::exists;
+using TreeFiles::makeFolder;
+using TreeFiles::makeLink;
+using TreeFiles::write;
+
+namespace {
+
+QDir folder(const QByteArray& path)
+{
+    return {QFile::decodeName(path)};
+}
+
+} // namespace
+
+class tst_TreeLinks : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { umask(022); }
+    void init();
+    void cleanup();
+
+    void linkToFileIsCopiedAsFile();
+    void linkToFolderIsWalked();
+    void danglingLinkIsFalse();
+    void linkToParentEndsAfterFortyLevels();
+    void linkToMovedFileDangles();
+    void targetInsideSourceTouchesNothing_data();
+    void targetInsideSourceTouchesNothing();
+    void targetReachedThroughALinkEndsTheWalk();
+    void linkIntoTheTargetEndsTheWalk_data();
+    void linkIntoTheTargetEndsTheWalk();
+    void linkToAnotherFolderOfTheTargetIsWalked();
+    void folderIsNotCopiedOntoItself_data();
+    void folderIsNotCopiedOntoItself();
+    void linkToItsOwnTargetIsSpared();
+    void hardLinkIsReplaced();
+    void sourceInsideTargetIsMovedUp();
+
+private:
+    bool copy(bool overwrite = true)
+    {
+        return QuenzoTool::copyDirectory(folder(m_source), folder(m_target), overwrite, false);
+    }
+    bool move() { return QuenzoTool::copyDirectory(folder(m_source), folder(m_target), true, true); }
+
+    std::unique_ptr<MessageLog> m_messages;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QByteArray m_root;
+    QByteArray m_source;
+    QByteArray m_target;
+};
+
+void tst_TreeLinks::init()
+{
+    m_messages = std::make_unique<MessageLog>();
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_root = QFile::encodeName(m_folder->path());
+    m_source = m_root + "/source";
+    m_target = m_root + "/target";
+    makeFolder(m_source);
+}
+
+void tst_TreeLinks::cleanup()
+{
+    QCOMPARE(m_messages->takeWarnings(), QStringList());
+    m_messages.reset();
+}
+
+void tst_TreeLinks::linkToFileIsCopiedAsFile()
+{
+    write(m_root + "/elsewhere", "behind the link");
+    makeLink("../elsewhere", m_source + "/link");
+    QVERIFY(move());
+    QCOMPARE(TreeFiles::content(m_target).value("link"), QByteArray("file behind the link"));
+    QVERIFY(!exists(m_source + "/link"));
+    QVERIFY(exists(m_root + "/elsewhere"));
+}
+
+void tst_TreeLinks::linkToFolderIsWalked()
+{
+    write(m_root + "/elsewhere/folder/file", "behind the link");
+    makeLink("../elsewhere", m_source + "/link");
+    QVERIFY(copy());
+    QCOMPARE(TreeFiles::content(m_target).value("link/folder/file"), QByteArray("file behind the link"));
+    QVERIFY(move());
+    QVERIFY(TreeFiles::content(m_root + "/elsewhere").isEmpty());
+    QVERIFY(exists(m_source + "/link"));
+}
+
+void tst_TreeLinks::danglingLinkIsFalse()
+{
+    makeLink("nowhere", m_source + "/link");
+    QVERIFY(!copy());
+    QVERIFY(!move());
+    QVERIFY(exists(m_source + "/link"));
+    QVERIFY(TreeFiles::content(m_target).isEmpty());
+}
+
+void tst_TreeLinks::linkToParentEndsAfterFortyLevels()
+{
+    makeLink(".", m_source + "/again");
+    QVERIFY(!copy());
+    QCOMPARE(TreeFiles::content(m_target).size(), 40);
+}
+
+// In the order described each file is gone when the next one is looked at.
+void tst_TreeLinks::linkToMovedFileDangles()
+{
+    write(m_source + "/file");
+    makeLink("file", m_source + "/link");
+    const QStringList listed = QDir(QFile::decodeName(m_source)).entryList(QDir::Files, QDir::Unsorted);
+    QCOMPARE(move(), listed.first() == QLatin1String("link"));
+    QVERIFY(!exists(m_source + "/file"));
+    QVERIFY(exists(m_target + "/file"));
+}
+
+void tst_TreeLinks::targetInsideSourceTouchesNothing_data()
+{
+    QTest::addColumn<QByteArray>("inner");
+    QTest::addColumn<bool>("isThere");
+    for (const char* inner : {"/target", "/folder/target"}) {
+        QTest::addRow("%s missing", inner) << QByteArray(inner) << false;
+        QTest::addRow("%s there", inner) << QByteArray(inner) << true;
+    }
+}
+
+void tst_TreeLinks::targetInsideSourceTouchesNothing()
+{
+    QFETCH(QByteArray, inner);
+    QFETCH(bool, isThere);
+    write(m_source + "/file");
+    write(m_source + "/folder/file");
+    m_target = m_source + inner;
+    if (isThere)
+        makeFolder(m_target);
+    const auto before = TreeFiles::content(m_source);
+    QVERIFY(!copy());
+    QVERIFY(!move());
+    QCOMPARE(TreeFiles::content(m_source), before);
+    // The same by another name of the source.
+    makeLink("source", m_root + "/alias");
+    m_source = m_root + "/alias";
+    QVERIFY(!copy());
+    QCOMPARE(TreeFiles::content(m_root + "/source"), before);
+}
+
+void tst_TreeLinks::targetReachedThroughALinkEndsTheWalk()
+{
+    m_target = m_root + "/elsewhere/target";
+    write(m_root + "/elsewhere/file");
+    makeFolder(m_target);
+    makeLink("../elsewhere", m_source + "/link");
+    QVERIFY(!copy());
+    QVERIFY(TreeFiles::content(m_target).isEmpty());
+}
+
+void tst_TreeLinks::linkIntoTheTargetEndsTheWalk_data()
+{
+    QTest::addColumn<bool>("isMove");
+    QTest::newRow("copy") << false;
+    QTest::newRow("move") << true;
+}
+
+// To a folder that the walk itself makes and is in: it would copy what it writes.
+void tst_TreeLinks::linkIntoTheTargetEndsTheWalk()
+{
+    QFETCH(bool, isMove);
+    write(m_source + "/folder/inner/file", "only once");
+    makeLink("../../target/folder", m_source + "/folder/link");
+    QVERIFY(isMove ? !move() : !copy());
+    int files = 0;
+    const auto after = TreeFiles::content(m_root);
+    for (auto entry = after.cbegin(); entry != after.cend(); ++entry)
+        files += entry.value() == "file only once" ? 1 : 0;
+    QVERIFY2(files == 1 || (files == 2 && !isMove), QByteArray::number(files).constData());
+    QVERIFY(after.size() < 10);
+}
+
+void tst_TreeLinks::linkToAnotherFolderOfTheTargetIsWalked()
+{
+    write(m_target + "/other/file", "there before");
+    makeFolder(m_source + "/folder");
+    makeLink("../../target/other", m_source + "/folder/link");
+    QVERIFY(copy());
+    QCOMPARE(TreeFiles::read(m_target + "/folder/link/file"), QByteArray("there before"));
+}
+
+void tst_TreeLinks::folderIsNotCopiedOntoItself_data()
+{
+    QTest::addColumn<QByteArray>("alias");
+    QTest::newRow("same path") << QByteArray("/source");
+    QTest::newRow("link") << QByteArray("/alias");
+}
+
+void tst_TreeLinks::folderIsNotCopiedOntoItself()
+{
+    QFETCH(QByteArray, alias);
+    write(m_source + "/file");
+    write(m_source + "/folder/file");
+    makeLink("source", m_root + "/alias");
+    m_target = m_root + alias;
+    const auto before = TreeFiles::content(m_source);
+    QVERIFY(!copy());
+    QVERIFY(!move());
+    QVERIFY(!copy(false));
+    QCOMPARE(TreeFiles::content(m_source), before);
+}
+
+void tst_TreeLinks::linkToItsOwnTargetIsSpared()
+{
+    write(m_target + "/file", "the only one");
+    makeLink("../target/file", m_source + "/file");
+    QVERIFY(!copy());
+    QCOMPARE(TreeFiles::read(m_target + "/file"), QByteArray("the only one"));
+}
+
+void tst_TreeLinks::hardLinkIsReplaced()
+{
+    write(m_source + "/file", "shared");
+    makeFolder(m_target);
+    const QByteArray source = m_source + "/file";
+    const QByteArray target = m_target + "/file";
+    QCOMPARE(link(source.constData(), target.constData()), 0);
+    QVERIFY(move());
+    QCOMPARE(TreeFiles::read(m_target + "/file"), QByteArray("shared"));
+}
+
+void tst_TreeLinks::sourceInsideTargetIsMovedUp()
+{
+    for (int i = 0; i < 100; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        write(m_source + "/file" + number, "inner " + number);
+        write(m_source + "/source/deeper" + number, "deeper " + number);
+    }
+    m_target = m_root;
+    QVERIFY(move());
+    const auto after = TreeFiles::content(m_root);
+    for (int i = 0; i < 100; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        QCOMPARE(after.value("file" + number), "file inner " + number);
+        QCOMPARE(after.value("source/deeper" + number), "file deeper " + number);
+    }
+    QCOMPARE(after.size(), 201);
+}
+
+QTEST_GUILESS_MAIN(tst_TreeLinks)
+#include "tst_treelinks.moc"

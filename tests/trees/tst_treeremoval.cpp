@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: MIT
+// Changes of rights in trees, and their removal.
+#include <quenzotool.h>
+
+#include "messagelog.h"
+#include "treefiles.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QtTest>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using TreeFiles::exists;
+using TreeFiles::makeFolder;
+using TreeFiles::makeLink;
+using TreeFiles::write;
+
+namespace {
+
+QDir folder(const QByteArray& path)
+{
+    return {QFile::decodeName(path)};
+}
+
+void setMode(const QByteArray& path, mode_t mode)
+{
+    if (chmod(path.constData(), mode) != 0)
+        qFatal("cannot change %s", path.constData());
+}
+
+} // namespace
+
+class tst_TreeRemoval : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { umask(022); }
+    void init();
+    void cleanup();
+
+    void tooDeepTreeForTheStackIsNotChanged();
+    void changeOfMissingFolderIsTrue();
+    void changeTellsEveryStep();
+    void changeTellsOfReadOnlyFiles();
+    void changeFollowsLinks();
+    void changeEndsInLoopsOfLinks();
+    void removalOfMissingFolderIsTrue();
+    void removalTakesReadOnlyFiles();
+    void removalLeavesWhatLinksLeadTo();
+    void removalThroughALinkIsFalse();
+    void removalReportsWhatStays();
+    void removalWithoutFreeHandlesIsFalse();
+    void removalTakesFoldersOfManyFiles();
+
+private:
+    std::unique_ptr<MessageLog> m_messages;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QByteArray m_root;
+    QByteArray m_source;
+};
+
+void tst_TreeRemoval::init()
+{
+    m_messages = std::make_unique<MessageLog>();
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_root = QFile::encodeName(m_folder->path());
+    m_source = m_root + "/source";
+    makeFolder(m_source);
+}
+
+void tst_TreeRemoval::cleanup()
+{
+    QCOMPARE(m_messages->takeWarnings(), QStringList());
+    m_messages.reset();
+}
+
+void tst_TreeRemoval::tooDeepTreeForTheStackIsNotChanged()
+{
+    QByteArray deepest = m_source;
+    while (deepest.size() < 2000)
+        deepest += "/n";
+    write(deepest + "/file", "kept");
+    QDir source = folder(m_source);
+    bool changed = true;
+    const std::unique_ptr<QThread> thread(QThread::create([&changed, &source] {
+        changed = QuenzoTool::changePermessionRecursively(source) || QuenzoTool::removeRecursively(source);
+    }));
+    thread->setStackSize(192U << 10U);
+    thread->start();
+    QVERIFY(thread->wait());
+    QVERIFY(!changed);
+    QVERIFY(QuenzoTool::removeRecursively(source));
+}
+
+void tst_TreeRemoval::changeOfMissingFolderIsTrue()
+{
+    QDir missing = folder(m_root + "/missing");
+    QVERIFY(QuenzoTool::changePermessionRecursively(missing));
+    QCOMPARE(m_messages->takeDebugTexts(), QStringList());
+}
+
+void tst_TreeRemoval::changeTellsEveryStep()
+{
+    write(m_source + "/folder/\"file\"");
+    QDir source = folder(m_source);
+    QVERIFY(QuenzoTool::changePermessionRecursively(source));
+    QCOMPARE(TreeFiles::mode(m_source + "/folder/\"file\""), 0002);
+    QCOMPARE(TreeFiles::mode(m_source + "/folder"), 0755);
+    const QVector<LoggedMessage> messages = m_messages->take();
+    QStringList texts;
+    for (const LoggedMessage& message : messages) {
+        QCOMPARE(message.type, QtDebugMsg);
+        QCOMPARE(message.file, QStringLiteral("QuenzoTool/source/quenzotool"));
+        QCOMPARE(message.function,
+                 QStringLiteral("bool __cdecl QuenzoTool::changePermessionRecursively(class QDir &)"));
+        texts.append(message.text);
+    }
+    const QString path = QFile::decodeName(m_source) + QStringLiteral("/folder");
+    QCOMPARE(texts, QStringList({path, path + QStringLiteral("/\"file\""), QStringLiteral("true")}));
+}
+
+void tst_TreeRemoval::changeTellsOfReadOnlyFiles()
+{
+    write(m_source + "/file");
+    setMode(m_root, 0777);
+    setMode(m_source + "/file", 0444);
+    QVERIFY(TreeFiles::asPlainUser([this] {
+        QDir source = folder(m_source);
+        const QString path = QFile::decodeName(m_source) + QStringLiteral("/file");
+        return QuenzoTool::changePermessionRecursively(source)
+            && m_messages->takeDebugTexts() == QStringList({path, QStringLiteral("false")});
+    }));
+}
+
+void tst_TreeRemoval::changeFollowsLinks()
+{
+    write(m_root + "/file");
+    write(m_root + "/elsewhere/file");
+    makeLink("../file", m_source + "/link");
+    makeLink("../elsewhere", m_source + "/linked");
+    QDir source = folder(m_source);
+    QVERIFY(QuenzoTool::changePermessionRecursively(source));
+    QCOMPARE(TreeFiles::mode(m_root + "/file"), 0002);
+    QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0002);
+}
+
+void tst_TreeRemoval::changeEndsInLoopsOfLinks()
+{
+    write(m_source + "/folder/file");
+    makeLink(".", m_source + "/one");
+    makeLink(".", m_source + "/two");
+    makeLink("..", m_source + "/folder/three");
+    QDir source = folder(m_source);
+    QVERIFY(QuenzoTool::changePermessionRecursively(source));
+    QCOMPARE(TreeFiles::mode(m_source + "/folder/file"), 0002);
+}
+
+void tst_TreeRemoval::removalOfMissingFolderIsTrue()
+{
+    QDir missing = folder(m_root + "/missing");
+    QVERIFY(QuenzoTool::removeRecursively(missing));
+}
+
+void tst_TreeRemoval::removalTakesReadOnlyFiles()
+{
+    write(m_source + "/file");
+    write(m_source + "/folder/file");
+    setMode(m_source + "/folder/file", 0444);
+    QDir source = folder(m_source);
+    QVERIFY(QuenzoTool::removeRecursively(source));
+    QVERIFY(!exists(m_source));
+}
+
+void tst_TreeRemoval::removalLeavesWhatLinksLeadTo()
+{
+    write(m_root + "/elsewhere/file", "kept");
+    makeLink("../elsewhere", m_source + "/link");
+    makeLink("nowhere", m_source + "/dangling");
+    QDir source = folder(m_source);
+    QVERIFY(QuenzoTool::removeRecursively(source));
+    QVERIFY(!exists(m_source));
+    QVERIFY(exists(m_root + "/elsewhere/file"));
+}
+
+void tst_TreeRemoval::removalThroughALinkIsFalse()
+{
+    write(m_source + "/file");
+    makeLink("source", m_root + "/link");
+    QDir source = folder(m_root + "/link");
+    QVERIFY(!QuenzoTool::removeRecursively(source));
+    QVERIFY(TreeFiles::content(m_source).isEmpty());
+    QVERIFY(exists(m_root + "/link"));
+}
+
+void tst_TreeRemoval::removalReportsWhatStays()
+{
+    write(m_source + "/locked/file");
+    write(m_source + "/free/file");
+    setMode(m_root, 0777);
+    setMode(m_source, 0777);
+    setMode(m_source + "/free", 0777);
+    setMode(m_source + "/locked", 0555);
+    QVERIFY(TreeFiles::asPlainUser([this] {
+        QDir source = folder(m_source);
+        return !QuenzoTool::removeRecursively(source);
+    }));
+    QVERIFY(!exists(m_source + "/free/file"));
+    QVERIFY(exists(m_source + "/locked/file"));
+    setMode(m_source + "/locked", 0755);
+}
+
+void tst_TreeRemoval::removalWithoutFreeHandlesIsFalse()
+{
+    write(m_source + "/file");
+    rlimit before{};
+    QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{3, before.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
+    QDir source = folder(m_source);
+    const bool removed = QuenzoTool::removeRecursively(source);
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &before), 0);
+    QVERIFY(!removed);
+    QVERIFY(exists(m_source + "/file"));
+}
+
+void tst_TreeRemoval::removalTakesFoldersOfManyFiles()
+{
+    for (int i = 0; i < 1001; ++i)
+        write(m_source + "/folder" + QByteArray::number(i % 3) + "/file" + QByteArray::number(i));
+    QDir source = folder(m_source);
+    QVERIFY(QuenzoTool::removeRecursively(source));
+    QVERIFY(!exists(m_source));
+}
+
+QTEST_GUILESS_MAIN(tst_TreeRemoval)
+#include "tst_treeremoval.moc"

@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: MIT
+// When an existing file goes for another one, and when it stays.
+#include <quenzotool.h>
+#include <threadcommon.h>
+
+#include "faultycalls.h"
+#include "runroot.h"
+#include "treefiles.h"
+#include "treeruns.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <array>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using TreeFiles::content;
+using TreeFiles::exists;
+using TreeFiles::makeFolder;
+using TreeFiles::write;
+using namespace TreeRuns;
+using Tree = QMap<QByteArray, QByteArray>;
+
+class tst_TreeReplacement : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { FaultyCalls::heal(); }
+
+    void existingFileThatResistsIsForced_data();
+    void existingFileThatResistsIsForced();
+    void existingLinkThatCannotBeRemovedLeavesOthersTheirRights_data();
+    void existingLinkThatCannotBeRemovedLeavesOthersTheirRights();
+    void existingFileGoesWhenItsReplacementIsWhole_data();
+    void existingFileGoesWhenItsReplacementIsWhole();
+    void sourceThatAnotherRunTakesIsNotLost_data();
+    void sourceThatAnotherRunTakesIsNotLost();
+    void existingFileMakesRoomForItsReplacement_data();
+    void existingFileMakesRoomForItsReplacement();
+    void existingFileThatCannotBeRemovedIsFalse_data();
+    void existingFileThatCannotBeRemovedIsFalse();
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QByteArray m_source;
+    QByteArray m_target;
+};
+
+void tst_TreeReplacement::init()
+{
+    RunRoot::clear();
+    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
+    m_source = QFile::encodeName(m_folder->path()) + "/source";
+    m_target = QFile::encodeName(m_folder->path()) + "/target";
+    makeFolder(m_source);
+}
+
+void tst_TreeReplacement::existingFileThatResistsIsForced_data()
+{
+    addEveryWay();
+}
+
+// As a read-only file does on some systems.
+void tst_TreeReplacement::existingFileThatResistsIsForced()
+{
+    QFETCH(Manner, manner);
+    write(m_source + "/file", "new");
+    write(m_target + "/file", "old");
+    const QByteArray file = m_target + "/file";
+    const QByteArray kept = m_target + "/kept";
+    QCOMPARE(link(file.constData(), kept.constData()), 0);
+    FaultyCalls::failNth(FaultyCalls::Removing, 1, EACCES);
+    QVERIFY(transfer(m_source, m_target, manner));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(TreeFiles::read(file), QByteArray("new"));
+    QCOMPARE(TreeFiles::mode(file), 0644);
+    QCOMPARE(TreeFiles::mode(kept), 0002);
+}
+
+void tst_TreeReplacement::existingLinkThatCannotBeRemovedLeavesOthersTheirRights_data()
+{
+    addEveryWay();
+}
+
+void tst_TreeReplacement::existingLinkThatCannotBeRemovedLeavesOthersTheirRights()
+{
+    QFETCH(Manner, manner);
+    const QByteArray outside = QFile::encodeName(m_folder->path()) + "/outside";
+    write(m_source + "/file", "new");
+    write(outside, "others'");
+    makeFolder(m_target);
+    TreeFiles::makeLink("../outside", m_target + "/file");
+    FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EACCES);
+    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(TreeFiles::mode(outside), 0644);
+    QVERIFY(exists(m_source + "/file"));
+}
+
+void tst_TreeReplacement::existingFileGoesWhenItsReplacementIsWhole_data()
+{
+    addEveryWay();
+}
+
+void tst_TreeReplacement::existingFileGoesWhenItsReplacementIsWhole()
+{
+    QFETCH(Manner, manner);
+    write(m_source + "/file", "new");
+    write(m_target + "/file", "old");
+    for (const FaultyCalls::Call call : {FaultyCalls::Opening, FaultyCalls::Copying}) {
+        FaultyCalls::failFromNth(call, 1, EIO);
+        QVERIFY(!transfer(m_source, m_target, manner));
+        QVERIFY(FaultyCalls::wasHit());
+        FaultyCalls::heal();
+        QCOMPARE(content(m_target), Tree({{"file", "file old"}}));
+        QCOMPARE(content(m_source), Tree({{"file", "file new"}}));
+    }
+}
+
+void tst_TreeReplacement::sourceThatAnotherRunTakesIsNotLost_data()
+{
+    QTest::addColumn<Manner>("manner");
+    QTest::addColumn<int>("call");
+    QTest::addColumn<bool>("isThere");
+    QTest::addColumn<bool>("byCopy");
+    using namespace FaultyCalls;
+    const QVector<QPair<int, const char*>> calls{
+        {Opening, "opening"}, {Copying, "copying"}, {Linking, "naming"}, {Removing, "removing"}};
+    for (const auto& [manner, what] : {everyWay[1], everyWay[2]}) {
+        for (const auto& [call, name] : calls) {
+            for (const bool byCopy : {false, true}) {
+                const char* const how = byCopy ? "copied" : "renamed";
+                QTest::addRow("%s, there, %s before %s", what, how, name) << manner << call << true << byCopy;
+                if (call != Removing)
+                    QTest::addRow("%s, new, %s before %s", what, how, name)
+                        << manner << call << false << byCopy;
+            }
+        }
+    }
+}
+
+// Somebody else with the same folders comes to the same file first.
+void tst_TreeReplacement::sourceThatAnotherRunTakesIsNotLost()
+{
+    QFETCH(Manner, manner);
+    QFETCH(int, call);
+    QFETCH(bool, isThere);
+    QFETCH(bool, byCopy);
+    const QByteArray source = m_source + "/file";
+    const QByteArray target = m_target + "/file";
+    write(source, "new");
+    makeFolder(m_target);
+    if (isThere)
+        write(target, "old");
+    FaultyCalls::actBeforeNth(static_cast<FaultyCalls::Call>(call), 1, [&] {
+        const QByteArray moved = byCopy ? QByteArray(target + ".copy") : source;
+        if (byCopy)
+            write(moved, "new");
+        QCOMPARE(rename(moved.constData(), target.constData()), 0);
+        unlink(source.constData());
+    });
+    transfer(m_source, m_target, manner);
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(content(m_target), Tree({{"file", "file new"}}));
+}
+
+void tst_TreeReplacement::existingFileMakesRoomForItsReplacement_data()
+{
+    addEveryWay();
+}
+
+void tst_TreeReplacement::existingFileMakesRoomForItsReplacement()
+{
+    QFETCH(Manner, manner);
+    const Mount disk = Mount::smallDisk(m_target, "size=1m");
+    if (!disk.isMounted)
+        QSKIP("only root can make a small disk");
+    write(m_source + "/file", QByteArray(700000, 'n'));
+    write(m_target + "/file", QByteArray(700000, 'o'));
+    const Tree before = content(m_source);
+    QVERIFY(transfer(m_source, m_target, manner));
+    QCOMPARE(content(m_target), before);
+}
+
+void tst_TreeReplacement::existingFileThatCannotBeRemovedIsFalse_data()
+{
+    addEveryWay();
+}
+
+void tst_TreeReplacement::existingFileThatCannotBeRemovedIsFalse()
+{
+    QFETCH(Manner, manner);
+    write(m_source + "/file", "new");
+    write(m_target + "/file", "old");
+    const QByteArray file = m_target + "/file";
+    FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EACCES);
+    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(TreeFiles::mode(file), 0644); // its own again
+    QCOMPARE(content(m_target), Tree({{"file", "file old"}}));
+    QCOMPARE(content(m_source), Tree({{"file", "file new"}}));
+    QCOMPARE(RunRoot::log().count("Copy Fail:"), manner == CutForOutput ? 1 : 0);
+}
+
+QTEST_GUILESS_MAIN(tst_TreeReplacement)
+#include "tst_treereplacement.moc"
