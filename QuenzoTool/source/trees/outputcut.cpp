@@ -217,7 +217,6 @@ OutputCut::Result OutputCut::removeMoved(const TreeFolder& parent, const TreeEnt
         m_transfer.removeFolder(parent, entry.name, SourceRemoval::Forced);
         return Emptied;
     }
-    m_transfer.settle();
-    SourceRemoval::removeFolder(parent, entry.name, SourceRemoval::Forced);
+    m_transfer.removeFolderAtOnce(parent, entry.name);
     return Stays;
 }

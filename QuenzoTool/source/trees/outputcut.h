@@ -10,8 +10,19 @@
 /**
  * The two walks that move a project into an output folder, which may lie inside the project.
  *
- * Which folders stay is decided by comparing paths as texts, odd as that is for folders whose names merely
- * begin alike.
+ * 1. The outer walk, cut(), comes to a folder of the project. If the folder's target begins with its path,
+ * the inner walk, cutExcept(), first moves what the target holds one level further down: later it could not
+ *    tell that from what the outer walk itself has brought there. It may well fail, since nobody makes a
+ * folder for it; that is not asked.
+ * 2. The entries move in the order listed: files in runs, links when their turn comes.
+ * 3. A subfolder begins at 1, but for those directly in the output folder, which stay.
+ * 4. A subfolder that is Emptied, and that nothing can have come into since it was listed, is noted and goes
+ *    after its files. Any other is tried at once and gets its new rights if it Stays: they bear on what comes
+ *    next.
+ * 5. finish() has the rest removed, and names a file whose copy could not be brought to the disk.
+ *
+ * When sources go is TreeTransfer's business. Which folders stay is decided by comparing paths as texts, odd
+ * as that is for folders whose names merely begin alike.
  */
 class OutputCut {
 public:

@@ -204,6 +204,12 @@ void TreeTransfer::removeFolder(const TreeFolder& parent, const QByteArray& name
     m_removal.addFolder(parent, name, manner);
 }
 
+void TreeTransfer::removeFolderAtOnce(const TreeFolder& parent, const QByteArray& name)
+{
+    settle();
+    SourceRemoval::removeFolder(parent, name, SourceRemoval::Forced);
+}
+
 bool TreeTransfer::settle()
 {
     if (m_removal.count() == 0)

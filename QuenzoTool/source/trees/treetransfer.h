@@ -29,9 +29,21 @@ struct TransferTarget {
 /**
  * Copies or moves files and folders one after the other, as a walk through a tree comes upon them.
  *
- * In a move the sources go a while later, when their copies are on the disk; but for those that were written
- * to by then. Until then the tree differs from one in which each went at once, and where the walk itself
- * could see that, they are removed first.
+ * A file that is moved goes through three states, so that one flush serves many:
+ * 1. Copied: its copy stands in the target, whole. The source is noted, with what it was like.
+ * 2. Flushed: the data of the copy are on the disk.
+ * 3. Removed: the source is gone. It stays when it was written to since it was noted, or resists.
+ * A folder of the source is noted when the walk leaves it, behind its files, and goes when their turn is
+ * over. If the flush fails, all that is noted stays, and the move has failed.
+ *
+ * settle() alone leads from the first state to the third. Until it is called the tree differs from one in
+ * which each source goes at once; so it is called wherever the walk could see that, and nowhere else:
+ * - before a folder of the source is listed, or one of the target written to, from which something is due to
+ *   go: settleBefore();
+ * - before a link is looked at, which may lead to something that is due to go: atItsTurn();
+ * - before a folder that stays gets its new rights, which lock others out of it: removeFolderAtOnce();
+ * - when there is no room, which the sources would make, and when much is due: transfer();
+ * - at the end, by whoever made this.
  */
 class TreeTransfer {
 public:
@@ -83,6 +95,9 @@ public:
 
     /** Removes a folder of the source when its turn comes, if it is empty by then. */
     void removeFolder(const TreeFolder& parent, const QByteArray& name, SourceRemoval::Manner manner);
+
+    /** The same at once, of one that may stay: with the rights that are forced upon it then. */
+    void removeFolderAtOnce(const TreeFolder& parent, const QByteArray& name);
 
     /**
      * Brings the source up to date, at the end at the latest.
