@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The program's command remove, and what it leaves alone.
+#include "terminal.h"
 #include "treefiles.h"
 #include "treescene.h"
 
@@ -29,6 +30,9 @@ private Q_SLOTS:
     void removeTellsWhatCannotBeRemoved();
     void removeGoesOnBehindWhatStays();
     void removeReachesAnyDepth();
+    void removeAsksOnATerminal_data();
+    void removeAsksOnATerminal();
+    void removeNeedsYesWhereNobodyCanBeAsked();
     void removeFollowsNoLinkThatComesMeanwhile();
     void removeFollowsNoLinkThatAFolderBecomes();
 
@@ -41,7 +45,7 @@ void tst_HostRemoval::removeTakesEverythingButWhatLinksLeadTo()
     write(m_root + "/elsewhere/file", "kept");
     write(m_root + "/source/folder/file");
     TreeFiles::makeLink("../elsewhere", m_root + "/source/link");
-    const Ended outcome = run("remove source");
+    const Ended outcome = run("remove --yes source");
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.code, 0);
     QVERIFY(!exists(m_root + "/source"));
@@ -55,7 +59,7 @@ void tst_HostRemoval::foldersBehindLinksAreNamedAsTheSystemDoes()
     write(m_root + "/named/kept");
     TreeFiles::makeLink("far/away", m_root + "/link");
     // Behind the link, ".." is the folder "far".
-    QCOMPARE(run("remove link/../away").code, 0);
+    QCOMPARE(run("remove --yes link/../away").code, 0);
     QVERIFY(!exists(m_root + "/far/away"));
     QVERIFY(exists(m_root + "/named/kept"));
 }
@@ -67,7 +71,7 @@ void tst_HostRemoval::removeLeavesFilesBehindLinksWithoutTextualNames()
     TreeFiles::makeLink("../../elsewhere", m_root + "/source/folder/link\xff");
     TreeFiles::makeFolder(m_root + "/source/folder\xfe");
     TreeFiles::makeLink("../../elsewhere/file", m_root + "/source/folder\xfe/link");
-    QCOMPARE(run("remove source").code, 0);
+    QCOMPARE(run("remove --yes source").code, 0);
     QVERIFY(!exists(m_root + "/source"));
     QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0644);
 }
@@ -79,7 +83,7 @@ void tst_HostRemoval::removeLeavesTheRightsOfFilesWithOtherNames()
     const QByteArray file = m_root + "/elsewhere/file";
     const QByteArray other = m_root + "/source/file";
     QCOMPARE(link(file.constData(), other.constData()), 0);
-    QCOMPARE(run("remove source").code, 0);
+    QCOMPARE(run("remove --yes source").code, 0);
     QVERIFY(!exists(m_root + "/source"));
     QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0644);
 }
@@ -93,7 +97,7 @@ void tst_HostRemoval::removeTellsWhatCannotBeRemoved()
     const QByteArray closed = m_root + "/source/closed";
     chmod(closed.constData(), 0555);
     const auto before = TreeFiles::content(m_root);
-    const Ended outcome = runPlainly("remove source");
+    const Ended outcome = runPlainly("remove --yes source");
     QCOMPARE(outcome.code, 1);
     QVERIFY2(outcome.error.contains("/source/closed/link'"), outcome.error.constData());
     QVERIFY2(outcome.error.contains("Permission denied"), outcome.error.constData());
@@ -109,7 +113,7 @@ void tst_HostRemoval::removeGoesOnBehindWhatStays()
     giveToPlainUser();
     const QByteArray closed = m_root + "/source/b";
     chmod(closed.constData(), 0555);
-    const Ended outcome = runPlainly("remove source --json");
+    const Ended outcome = runPlainly("remove --yes source --json");
     QCOMPARE(outcome.code, 1);
     QCOMPARE(outcome.json().value(QStringLiteral("files")), QJsonValue(2));
     QCOMPARE(outcome.json().value(QStringLiteral("error")).toString(),
@@ -134,10 +138,53 @@ void tst_HostRemoval::removeReachesAnyDepth()
     QVERIFY(handle >= 0);
     close(openat(handle, "file", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
     close(handle);
-    const Ended outcome = run("remove source --json");
+    const Ended outcome = run("remove --yes source --json");
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.json().value(QStringLiteral("files")), QJsonValue(1));
     QVERIFY(!exists(m_root + "/source"));
+}
+
+void tst_HostRemoval::removeAsksOnATerminal_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<int>("code");
+    QTest::newRow("y") << QByteArray("y\n") << 0;
+    QTest::newRow("YES") << QByteArray("YES\n") << 0;
+    QTest::newRow("n") << QByteArray("n\n") << 1;
+    QTest::newRow("nothing") << QByteArray("\n") << 1;
+    QTest::newRow("end of the input") << QByteArray("\x04") << 1;
+}
+
+void tst_HostRemoval::removeAsksOnATerminal()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(int, code);
+    write(m_root + "/source/file", "12345");
+    Terminal terminal;
+    QuenzoProcess process(QuenzoProcess::words("remove source"), folder());
+    process.setStandardInputFile(terminal.path());
+    process.setStandardErrorFile(terminal.path());
+    process.start();
+    const QByteArray question =
+        "'" + m_root + "/source' is removed with all in it, files: 1, bytes: 5. Go on? [y/N]";
+    QTRY_VERIFY2_WITH_TIMEOUT(terminal.shown().contains(question), terminal.shown().constData(), 60000);
+    QVERIFY(exists(m_root + "/source/file"));
+    terminal.type(answer);
+    QCOMPARE(process.end().code, code);
+    QCOMPARE(exists(m_root + "/source/file"), code != 0);
+}
+
+void tst_HostRemoval::removeNeedsYesWhereNobodyCanBeAsked()
+{
+    write(m_root + "/source/file");
+    const Ended outcome = run("remove source");
+    QCOMPARE(outcome.code, 2);
+    QCOMPARE(
+        QString::fromUtf8(outcome.error),
+        QStringLiteral("quenzo: this removes '%1/source' with all in it: --yes is needed where nobody can be "
+                       "asked\n")
+            .arg(folder()));
+    QVERIFY(exists(m_root + "/source/file"));
 }
 
 // Somebody else works in the tree until the program has ended.
@@ -153,7 +200,7 @@ Ended tst_HostRemoval::removeUnder(const std::function<void()>& attack) const
         while (!ended)
             attack();
     });
-    const Ended outcome = run("remove source");
+    const Ended outcome = run("remove --yes source");
     ended = true;
     other.join();
     return outcome;

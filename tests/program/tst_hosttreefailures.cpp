@@ -140,7 +140,7 @@ void tst_HostTreeFailures::workThatCannotStartIsReported_data()
 {
     QTest::addColumn<QString>("call");
     for (const char* call :
-         {"copy source target", "cut source target", "output source target", "remove source"})
+         {"copy source target", "cut source target", "output source target", "remove source --yes"})
         QTest::newRow(call) << QString::fromLatin1(call);
 }
 

@@ -4,6 +4,7 @@
 #include "treefiles.h"
 #include "treescene.h"
 
+#include <QJsonArray>
 #include <QtTest>
 
 #include <algorithm>
@@ -27,6 +28,9 @@ private Q_SLOTS:
     void countsFollowLinksAsTheLibraryDoes();
     void countsHoldNamesThatAreNoText();
     void countsAreRightForOneFile();
+    void plansAreToldAndNotDone_data();
+    void plansAreToldAndNotDone();
+    void plansLeaveOutWhatStays();
     void progressIsShownOnATerminal_data();
     void progressIsShownOnATerminal();
     void controlCharactersAreShownEscaped_data();
@@ -132,7 +136,7 @@ void tst_HostTrees::countsHoldNamesThatAreNoText()
     QCOMPARE(count("copy --json source target"), whole);
     QCOMPARE(count("cut --json source second"), whole);
     QCOMPARE(count("output --json second third"), whole);
-    QCOMPARE(count("remove --json third"), whole);
+    QCOMPARE(count("remove --yes --json third"), whole);
 }
 
 void tst_HostTrees::countsAreRightForOneFile()
@@ -143,11 +147,58 @@ void tst_HostTrees::countsAreRightForOneFile()
              QStringLiteral("Copied to %1/target: files: 1, bytes: 20\n").arg(folder()));
 }
 
+void tst_HostTrees::plansAreToldAndNotDone_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<bool>("isRemoval");
+    for (const char* call : {"copy source target", "cut source target", "output source target"})
+        QTest::newRow(call) << QString::fromLatin1(call) << false;
+    QTest::newRow("remove source") << QStringLiteral("remove source") << true;
+}
+
+void tst_HostTrees::plansAreToldAndNotDone()
+{
+    QFETCH(QString, call);
+    QFETCH(bool, isRemoval);
+    write(m_root + "/source/folder/file\n", "12345");
+    write(m_root + "/target/folder/file\n", "old");
+    const auto before = TreeFiles::content(m_root);
+    const Ended text = run(qPrintable(call + QStringLiteral(" --dry-run")));
+    const QString plan = isRemoval ? QStringLiteral("%1/source/folder/file\\n\n")
+                                   : QStringLiteral("%1/source/folder/file\\n -> %1/target/folder/file\\n, "
+                                                    "which is replaced\n");
+    QCOMPARE(QString::fromUtf8(text.output),
+             plan.arg(folder()) + QStringLiteral("Nothing was touched: files: 1, bytes: 5\n"));
+    QCOMPARE(text.error, QByteArray());
+    QCOMPARE(text.code, 0);
+
+    const QJsonObject json = run(qPrintable(call + QStringLiteral(" --dry-run --json"))).json();
+    QCOMPARE(json.value(QStringLiteral("dryRun")), QJsonValue(true));
+    QCOMPARE(json.value(QStringLiteral("files")), QJsonValue(1));
+    const QJsonObject entry = json.value(QStringLiteral("entries")).toArray().at(0).toObject();
+    QCOMPARE(entry.value(QStringLiteral("source")).toString(),
+             folder() + QStringLiteral("/source/folder/file\n"));
+    QCOMPARE(entry.contains(QStringLiteral("target")), !isRemoval);
+    QCOMPARE(TreeFiles::content(m_root), before);
+}
+
+void tst_HostTrees::plansLeaveOutWhatStays()
+{
+    write(m_root + "/source/log/file");
+    write(m_root + "/source/moved");
+    write(m_root + "/source/out/old");
+    const Ended outcome = run("output source source/out --leave Log --dry-run");
+    QCOMPARE(
+        QString::fromUtf8(outcome.output),
+        QStringLiteral("%1/source/moved -> %1/source/out/moved\nNothing was touched: files: 1, bytes: 7\n")
+            .arg(folder()));
+}
+
 void tst_HostTrees::progressIsShownOnATerminal_data()
 {
     QTest::addColumn<QString>("call");
     for (const char* call :
-         {"copy source target", "cut source target", "output source target", "remove source"})
+         {"copy source target", "cut source target", "output source target", "remove source --yes"})
         QTest::newRow(call) << QString::fromLatin1(call);
 }
 

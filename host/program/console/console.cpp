@@ -3,6 +3,7 @@
 
 #include "console/standardstreams.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -16,6 +17,10 @@
 using StandardStreams::write;
 
 namespace {
+
+struct ConsoleText {
+    Q_DECLARE_TR_FUNCTIONS(Console)
+};
 
 // C0, DEL and C1, all of which terminals act upon.
 bool isControl(QChar letter)
@@ -157,6 +162,15 @@ QString Console::ask(const QString& question)
     std::string line;
     std::getline(std::cin, line);
     return QString::fromStdString(line).trimmed();
+}
+
+bool Console::confirms(const QString& question)
+{
+    const QString answer = ask(question).toLower();
+    if (answer == ConsoleText::tr("y") || answer == ConsoleText::tr("yes"))
+        return true;
+    error(ConsoleText::tr("called off; nothing was changed"));
+    return false;
 }
 
 void Console::showProgress(const QString& text)

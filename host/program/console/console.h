@@ -54,6 +54,9 @@ public:
     /** Asks the person at the terminal; empty at the end of the input. */
     QString ask(const QString& question);
 
+    /** Asks a question that y or yes affirms; false when it was not, which has been reported. */
+    bool confirms(const QString& question);
+
     /** Shows the state of work at hand on a terminal, in the place of the state before, cut to one line. */
     void showProgress(const QString& text);
     void clearProgress();

@@ -172,11 +172,7 @@ bool isConfirmed(bool install, const QString& package, const QString& serial, Co
     const QString question = install
         ? DeviceCommands::tr("%1 and its data are removed from %2 before the install. Go on? [y/N]")
         : DeviceCommands::tr("%1 and its data are removed from %2. Go on? [y/N]");
-    const QString answer = console.ask(question.arg(package, serial)).toLower();
-    if (answer == DeviceCommands::tr("y") || answer == DeviceCommands::tr("yes"))
-        return true;
-    console.error(DeviceCommands::tr("called off; nothing was changed"));
-    return false;
+    return console.confirms(question.arg(package, serial));
 }
 
 ExitCode tell(const TaskOutcome& outcome, const DeviceTask& task, Console& console)

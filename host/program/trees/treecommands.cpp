@@ -5,6 +5,7 @@
 #include "trees/treecount.h"
 #include "trees/treeoperation.h"
 #include "trees/treepaths.h"
+#include "trees/treeplan.h"
 #include "trees/treeremoval.h"
 
 #include <QCommandLineParser>
@@ -20,6 +21,9 @@ namespace {
 struct TreeCommands {
     Q_DECLARE_TR_FUNCTIONS(TreeCommands)
 };
+
+const QString dryRunOption = QStringLiteral("dry-run");
+const QString yesOption = QStringLiteral("yes");
 
 QString summaryOf(const TreeCount& count)
 {
@@ -39,6 +43,14 @@ ExitCode fail(Console& console, const QString& error)
     return ExitFailed;
 }
 
+ExitCode tellPlan(const TreeScope& scope, const QByteArray& target, Console& console)
+{
+    const TreeCount count = reportPlan(scope, target, console);
+    setCount(console, count);
+    console.print(TreeCommands::tr("Nothing was touched: %1").arg(summaryOf(count)));
+    return ExitDone;
+}
+
 ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Console& console)
 {
     const QStringList arguments = parser.positionalArguments();
@@ -52,6 +64,13 @@ ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Conso
     QStringList left;
     if (operate == OPERATE_CUT_OUTPUT && parser.isSet(QStringLiteral("leave")))
         left = parser.value(QStringLiteral("leave")).split(QLatin1Char(','));
+    if (parser.isSet(dryRunOption)) {
+        TreeScope scope{QFile::encodeName(paths.realSource)};
+        scope.left = left;
+        if (paths.isNested())
+            scope.apart = identityOf(paths.realTarget);
+        return tellPlan(scope, QFile::encodeName(paths.realTarget), console);
+    }
     TreeOperation operation(operate, paths, left);
     const bool done = operation.run(console);
     const TreeCount handled = operation.handled();
@@ -73,18 +92,9 @@ ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Conso
     return ExitDone;
 }
 
-ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
+ExitCode removeTree(const RemovalPath& path, const TreeCount& all, Console& console)
 {
-    const RemovalPath path(parser.positionalArguments().at(1));
-    console.set(QStringLiteral("folder"), path.folder);
-    const QString objection = path.objection();
-    if (!objection.isEmpty())
-        return fail(console, objection);
-
-    const QByteArray folder = QFile::encodeName(path.realFolder);
-    console.showProgress(TreeCommands::tr("counting"));
-    const TreeCount all = TreeCount::of({folder, TreeScope::Kept});
-    TreeRemoval removal(folder);
+    TreeRemoval removal(QFile::encodeName(path.realFolder));
     const std::unique_ptr<QThread> worker(QThread::create([&removal] { removal.run(); }));
     const bool began = runWorker(*worker, console, [&] {
         const QLocale locale;
@@ -101,6 +111,36 @@ ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
     return ExitDone;
 }
 
+ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
+{
+    const RemovalPath path(parser.positionalArguments().at(1));
+    console.set(QStringLiteral("folder"), path.folder);
+    const QString objection = path.objection();
+    if (!objection.isEmpty())
+        return fail(console, objection);
+
+    const TreeScope tree{QFile::encodeName(path.realFolder), TreeScope::Kept};
+    if (parser.isSet(dryRunOption))
+        return tellPlan(tree, {}, console);
+    if (!parser.isSet(yesOption) && !Console::isInteractive()) {
+        console.error(
+            TreeCommands::tr("this removes '%1' with all in it: --yes is needed where nobody can be asked")
+                .arg(path.folder));
+        return ExitUsage;
+    }
+    console.showProgress(TreeCommands::tr("counting"));
+    const TreeCount all = TreeCount::of(tree);
+    const QString question = TreeCommands::tr("'%1' is removed with all in it, %2. Go on? [y/N]");
+    if (!parser.isSet(yesOption) && !console.confirms(question.arg(path.folder, summaryOf(all))))
+        return ExitFailed;
+    return removeTree(path, all, console);
+}
+
+QCommandLineOption dryRun()
+{
+    return {dryRunOption, TreeCommands::tr("Tells file by file what would be done, and does nothing.")};
+}
+
 Command treeCommand(const QString& name, const QString& summary, THREAD_OPERATE operate)
 {
     const Argument source{QStringLiteral("SRC"), TreeCommands::tr("The folder whose content is meant."),
@@ -108,10 +148,13 @@ Command treeCommand(const QString& name, const QString& summary, THREAD_OPERATE 
     const Argument target{QStringLiteral("DEST"),
                           TreeCommands::tr("The folder for it; existing files are replaced."),
                           Argument::Once};
-    return {
-        name, summary, {source, target}, {}, [operate](const QCommandLineParser& parser, Console& console) {
-            return perform(operate, parser, console);
-        }};
+    return {name,
+            summary,
+            {source, target},
+            {dryRun()},
+            [operate](const QCommandLineParser& parser, Console& console) {
+                return perform(operate, parser, console);
+            }};
 }
 
 } // namespace
@@ -135,7 +178,7 @@ QVector<Command> treeCommands()
         {QStringLiteral("remove"),
          TreeCommands::tr("removes a folder with everything in it, read-only files too"),
          {folder},
-         {},
+         {dryRun(), {yesOption, TreeCommands::tr("Does not ask; needed where there is no terminal.")}},
          removeFolder},
     };
 }
