@@ -22,13 +22,12 @@ const QString& runPath()
 // Whether a line begins like an entry: with a time as appendTime() writes it, and a blank.
 bool looksLikeEntry(const char* line, int size)
 {
-    constexpr char form[] = "0000-00-00T00:00:00.000 ";
-    constexpr int length = sizeof form - 1;
-    for (int i = 0; i < length; ++i) {
-        if (i >= size)
-            return false;
+    constexpr QLatin1String form("0000-00-00T00:00:00.000 ");
+    if (size < form.size())
+        return false;
+    for (int i = 0; i < form.size(); ++i) {
         const bool digit = line[i] >= '0' && line[i] <= '9';
-        if (form[i] == '0' ? !digit : line[i] != form[i])
+        if (form.data()[i] == '0' ? !digit : line[i] != form.data()[i])
             return false;
     }
     return true;

@@ -99,7 +99,7 @@ QString CInstallApk::getApkPackageName(QString apkPath)
         quotedTool(QStringLiteral("aapt")) + QStringLiteral(" d badging \"") + apkPath + QLatin1Char('"');
     if (!QuenzoTool::runCmdWaitFinish(command, output, error))
         return {};
-    const QString name = ToolOutput::packageName(output);
+    QString name = ToolOutput::packageName(output);
     if (name.isEmpty())
         qCWarning(devicesLog).noquote()
             << "aapt named no package of" << apkPath + QLatin1Char(':') << ToolOutput::gist(error + output);

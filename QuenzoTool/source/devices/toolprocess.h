@@ -11,7 +11,7 @@
 class ToolProcess : public QProcess {
 public:
     /** Of both streams together, in bytes. */
-    static constexpr qint64 outputLimit = 64 * 1024 * 1024;
+    static constexpr qint64 outputLimit = qint64(64) * 1024 * 1024;
 
     enum Group {
         Shared, ///< ends with its host at Ctrl-C
