@@ -58,6 +58,7 @@ private Q_SLOTS:
     void yesIsNotAsked();
     void uninstallIsConfirmedOnATerminal();
     void progressIsShownOnATerminal();
+    void questionEndsWithTheProgram();
     void interruptionTellsWhatWasBegun_data();
     void interruptionTellsWhatWasBegun();
     void progressKeepsToOneLine();
@@ -594,6 +595,28 @@ void tst_DeviceCommands::uninstallIsConfirmedOnATerminal()
         QCOMPARE(process.end().code, *answer == 'y' ? 0 : 1);
     }
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<uninstall>")).size(), 1);
+}
+
+// The question has a process group of its own, which Ctrl-C at a terminal does not reach.
+void tst_DeviceCommands::questionEndsWithTheProgram()
+{
+    ScriptedTools::answer(QStringLiteral("devices"), R"(echo $$ >"$dir/new"; mv "$dir/new" "$dir/pid"
+read line <"$dir/gate")");
+    QuenzoProcess process(QuenzoProcess::words("devices"));
+    prepare(process);
+    process.start();
+    QFile file(RunRoot::path() + QStringLiteral("/tool/mac/pid"));
+    QTRY_VERIFY_WITH_TIMEOUT(file.exists(), timeLimitMs);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray pid = file.readAll().trimmed();
+    ::kill(pid_t(process.processId()), SIGINT);
+    QCOMPARE(process.end().code, -SIGINT);
+    // An orphan may stay listed until somebody asks for its exit code.
+    const auto hasEnded = [&pid] {
+        QFile status(QStringLiteral("/proc/%1/stat").arg(QString::fromLatin1(pid)));
+        return !status.open(QIODevice::ReadOnly) || status.readAll().contains(") Z ");
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hasEnded(), timeLimitMs);
 }
 
 void tst_DeviceCommands::interruptionTellsWhatWasBegun_data()

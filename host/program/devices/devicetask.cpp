@@ -54,7 +54,6 @@ TaskOutcome runDeviceTask(const DeviceTask& task, Console& console)
     // With one device left the flow names none: then this keeps adb from another that has come in its place.
     qputenv("ANDROID_SERIAL", task.serial.toUtf8());
 
-    const InterruptGuard guard([&] { tellInterruption(task, console); });
     TaskOutcome outcome;
     outcome.timedOut = true;
     QEventLoop loop;
@@ -80,6 +79,8 @@ TaskOutcome runDeviceTask(const DeviceTask& task, Console& console)
     const Spinner spinner(console, [&] { return text.arg(task.serial); });
 
     installer->startTask(task.apk, task.install);
+    // Not before: the start blocks on questions, at which an interruption is to end the program at once.
+    const InterruptGuard guard([&] { tellInterruption(task, console); });
     const qint64 left = task.timeoutSeconds * qint64(1000) + graceMs - elapsed.elapsed();
     QTimer::singleShot(int(qMax<qint64>(0, left)), &loop, &QEventLoop::quit);
     loop.exec();
