@@ -6,12 +6,13 @@
 # Runs of all programs are shuffled. --load keeps every core busy beside them. The programs come from BUILD
 # (build/debug), and work in TMPDIR. As root, SOAK_USER=65534 makes the runs as that plain user; each user and place
 # gets a copy of the programs of its own, since tests write beside their program. RUNS may be "auto": 200 for a
-# program that takes less than 0.3 s, 50 for less than 2 s, 10 otherwise, and with --load a quarter of it.
+# program that takes less than 0.3 s, 50 for less than 2 s, 10 otherwise, and with --load a quarter of it. Ctrl-C
+# ends the hunt with the table of what has been run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 export LC_ALL=C.UTF-8
 
-[ $# -ge 2 ] || { sed -n '4,10s/^# \{0,1\}//p' "$0"; exit 2; }
+[ $# -ge 2 ] || { sed -n '4,11s/^# \{0,1\}//p' "$0"; exit 2; }
 regex=$1 runs=$2 load=${3-}
 build=$(realpath "${BUILD:-build/debug}")
 place=$(mktemp -d -p "${TMPDIR:-/tmp}" soak.XXXXXX)
@@ -70,7 +71,20 @@ if [ -n "$load" ]; then
     done
 fi
 
-declare -A failed reasons spent
+declare -A ran failed reasons spent
+table() {
+    local total=0 name
+    printf '%-20s %5s %9s %-10s %-6s %-5s %s\n' program runs 'ms a run' place user load failures
+    for name in $(printf '%s\n' "${!ran[@]}" | sort); do
+        printf '%-20s %5d %9d %-10s %-6s %-5s %d\n' "$name" "${ran[$name]}" $((${spent[$name]} / ${ran[$name]})) \
+            "$(stat -f -c %T "$place")" "${SOAK_USER:-$(id -u)}" "${load:+yes}" "${failed[$name]-0}"
+        [ -z "${reasons[$name]-}" ] || sort <<<"${reasons[$name]}" | uniq -c | sed -n '/[A-Z]/s/^/    /p'
+        total=$((total + ${failed[$name]-0}))
+    done
+    [ "$total" = 0 ]
+}
+trap 'table; exit 130' INT TERM
+
 for name in $(for name in "${!command[@]}"; do yes "$name" | head -n "${wanted[$name]}"; done | shuf); do
     begin=$(date +%s%N)
     if ! run "$name"; then
@@ -78,14 +92,6 @@ for name in $(for name in "${!command[@]}"; do yes "$name" | head -n "${wanted[$
         reasons[$name]+=$(grep -aE '^(FAIL!|QFATAL)|terminate|ERROR: ' "$place/$name.log" | cut -c1-150 || true)$'\n'
     fi
     spent[$name]=$((${spent[$name]-0} + ($(date +%s%N) - begin) / 1000000))
+    ran[$name]=$((${ran[$name]-0} + 1))
 done
-
-printf '%-20s %5s %9s %-10s %-6s %-5s %s\n' program runs 'ms a run' place user load failures
-total=0
-for name in $(printf '%s\n' "${!command[@]}" | sort); do
-    printf '%-20s %5d %9d %-10s %-6s %-5s %d\n' "$name" "${wanted[$name]}" $((${spent[$name]} / ${wanted[$name]})) \
-        "$(stat -f -c %T "$place")" "${SOAK_USER:-$(id -u)}" "${load:+yes}" "${failed[$name]-0}"
-    [ -z "${reasons[$name]-}" ] || sort <<<"${reasons[$name]}" | uniq -c | sed -n '/[A-Z]/s/^/    /p'
-    total=$((total + ${failed[$name]-0}))
-done
-[ "$total" = 0 ]
+table
