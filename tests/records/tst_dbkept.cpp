@@ -1,0 +1,268 @@
+// SPDX-License-Identifier: MIT
+#include "messagelog.h"
+#include "steppeddatabase.h"
+
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QtTest>
+
+#include <memory>
+
+using Row = QMap<QString, QVariant>;
+
+namespace {
+
+const QString table = QStringLiteral("channel");
+const QString id = QStringLiteral("id");
+const QString name = QStringLiteral("name");
+
+} // namespace
+
+// Statements stay ready between calls. Nobody can tell: neither by what is written nor by what a host may do
+// with the connection in between.
+class tst_DBKept : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void hostsOwnWorkMeetsNoStatement_data();
+    void hostsOwnWorkMeetsNoStatement();
+    void tableMadeAnewTakesTheNextRow();
+    void failureAfterASchemaChangeReadsAsThatOfANewStatement_data();
+    void failureAfterASchemaChangeReadsAsThatOfANewStatement();
+    void temporaryTableHidesTheOtherAtOnce();
+    void tableInAnAttachedFileGivesWayToOneInTheMain();
+    void failedStatementIsRunOnce();
+    void hostMayCloseAndOpenTheConnection();
+    void closingGivesTheFileBack();
+    void manyStatementsTakeTurns();
+    void valuesAreNotKept();
+
+private:
+    QSqlDatabase hosts() const { return QSqlDatabase::database(QStringLiteral("Quenzo"), false); }
+    bool write(const QVariant& value);
+    bool execute(const QString& sql);
+
+    std::unique_ptr<MessageLog> m_log;
+    std::unique_ptr<SteppedDatabase> m_database;
+};
+
+void tst_DBKept::init()
+{
+    m_log = std::make_unique<MessageLog>();
+    m_database = std::make_unique<SteppedDatabase>();
+    m_database->openNew();
+}
+
+void tst_DBKept::cleanup()
+{
+    m_database.reset();
+    QCOMPARE(m_log->takeWarnings(), QStringList());
+    m_log.reset();
+}
+
+// The row of the same columns, again and again.
+bool tst_DBKept::write(const QVariant& value)
+{
+    Row row{{id, value}, {name, QStringLiteral("a")}};
+    Row change{{name, QStringLiteral("b")}};
+    return m_database->insertToDatabase(table, row, false)
+        && m_database->updateToDatabase(table, id, value, change, false)
+        && m_database->deleteFromDatabase(table, id, QStringLiteral("nobody"), false);
+}
+
+bool tst_DBKept::execute(const QString& sql)
+{
+    QSqlQuery query(hosts());
+    const bool done = query.exec(sql);
+    if (!done)
+        qWarning("%s: %s", qUtf8Printable(sql), qUtf8Printable(query.lastError().text()));
+    return done;
+}
+
+void tst_DBKept::hostsOwnWorkMeetsNoStatement_data()
+{
+    QTest::addColumn<QStringList>("statements");
+    QTest::newRow("vacuum") << QStringList{QStringLiteral("VACUUM")};
+    QTest::newRow("journal mode") << QStringList{QStringLiteral("PRAGMA journal_mode = wal"),
+                                                 QStringLiteral("PRAGMA journal_mode = delete")};
+    QTest::newRow("new column") << QStringList{QStringLiteral("ALTER TABLE channel ADD COLUMN more")};
+    QTest::newRow("new name") << QStringList{QStringLiteral("ALTER TABLE channel RENAME TO c"),
+                                             QStringLiteral("ALTER TABLE c RENAME TO channel")};
+    QTest::newRow("index") << QStringList{QStringLiteral("CREATE INDEX i ON channel(name)"),
+                                          QStringLiteral("ANALYZE"), QStringLiteral("DROP INDEX i")};
+    QTest::newRow("attach") << QStringList{QStringLiteral("ATTACH ':memory:' AS other"),
+                                           QStringLiteral("CREATE TABLE other.channel(id)"),
+                                           QStringLiteral("DETACH other")};
+    QTest::newRow("exclusive") << QStringList{QStringLiteral("BEGIN EXCLUSIVE"), QStringLiteral("COMMIT")};
+    QTest::newRow("checkpoint") << QStringList{QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)")};
+    QTest::newRow("page size") << QStringList{QStringLiteral("PRAGMA page_size = 8192"),
+                                              QStringLiteral("VACUUM")};
+    QTest::newRow("savepoint") << QStringList{QStringLiteral("SAVEPOINT s"), QStringLiteral("ROLLBACK TO s"),
+                                              QStringLiteral("RELEASE s")};
+}
+
+void tst_DBKept::hostsOwnWorkMeetsNoStatement()
+{
+    QFETCH(const QStringList, statements);
+    for (int round = 0; round < 3; ++round) {
+        QVERIFY(write(QString::number(2 * round)));
+        QVERIFY(write(QString::number(2 * round + 1)));
+        if (round < 2 && (round == 0 || !statements.first().contains(QLatin1String("ADD COLUMN")))) {
+            for (const QString& statement : statements)
+                QVERIFY2(execute(statement), qUtf8Printable(statement));
+        }
+    }
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT id || name FROM channel ORDER BY id")),
+             (QVariantList{QStringLiteral("0b"), QStringLiteral("1b"), QStringLiteral("2b"),
+                           QStringLiteral("3b"), QStringLiteral("4b"), QStringLiteral("5b")}));
+    QCOMPARE(m_log->takeDebugTexts(), QStringList());
+}
+
+void tst_DBKept::tableMadeAnewTakesTheNextRow()
+{
+    QVERIFY(write(1));
+    QVERIFY(write(2));
+    m_database->outside(QStringLiteral("DROP TABLE channel"));
+    m_database->outside(QStringLiteral("CREATE TABLE channel(name, id INTEGER)"));
+    QVERIFY(write(QStringLiteral("3")));
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT typeof(id) || id || name FROM channel")),
+             QVariantList{QStringLiteral("integer3b")});
+}
+
+void tst_DBKept::failureAfterASchemaChangeReadsAsThatOfANewStatement_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::newRow("table is gone") << QStringLiteral("DROP TABLE channel");
+    QTest::newRow("column is gone") << QStringLiteral("ALTER TABLE channel RENAME COLUMN name TO title");
+    QTest::newRow("is a view now") << QStringLiteral("ALTER TABLE channel RENAME TO c");
+    QTest::newRow("fails as it runs") << QStringLiteral("CREATE TRIGGER t BEFORE INSERT ON channel BEGIN "
+                                                        "SELECT abs(-9223372036854775807 - 1); END");
+}
+
+void tst_DBKept::failureAfterASchemaChangeReadsAsThatOfANewStatement()
+{
+    QFETCH(const QString, change);
+    QVERIFY(write(1));
+    QVERIFY(write(2));
+    m_database->outside(change);
+    if (change.endsWith(QLatin1String(" c")))
+        m_database->outside(QStringLiteral("CREATE VIEW channel AS SELECT * FROM c"));
+    Row row{{id, 3}, {name, QStringLiteral("a")}};
+    QVERIFY(!m_database->insertToDatabase(table, row, false));
+    const QStringList kept = m_log->takeDebugTexts();
+    QVERIFY(!m_database->insertToDatabase(table, row, false));
+    QCOMPARE(kept, m_log->takeDebugTexts());
+    m_database->closeDB();
+    QVERIFY(m_database->reopen());
+    QVERIFY(!m_database->insertToDatabase(table, row, false));
+    QCOMPARE(kept, m_log->takeDebugTexts());
+}
+
+void tst_DBKept::temporaryTableHidesTheOtherAtOnce()
+{
+    QVERIFY(write(1));
+    QVERIFY(write(2));
+    QVERIFY(execute(QStringLiteral("CREATE TEMPORARY TABLE channel(id, name)")));
+    QVERIFY(write(3));
+    QVERIFY(write(4));
+    QVERIFY(execute(QStringLiteral("DROP TABLE temp.channel")));
+    QVERIFY(write(5));
+    QCOMPARE(m_database->committedIds(), (QVariantList{1, 2, 5}));
+}
+
+void tst_DBKept::tableInAnAttachedFileGivesWayToOneInTheMain()
+{
+    QVERIFY(write(1));
+    QVERIFY(write(2));
+    QVERIFY(execute(QStringLiteral("ATTACH ':memory:' AS other")));
+    QVERIFY(execute(QStringLiteral("CREATE TABLE other.channel(id, name)")));
+    QVERIFY(execute(QStringLiteral("DROP TABLE main.channel")));
+    QVERIFY(write(3));
+    QVERIFY(write(4));
+    QVERIFY(write(5));
+    QVERIFY(execute(QStringLiteral("CREATE TABLE main.channel(id, name)")));
+    QVERIFY(write(6));
+    QVERIFY(write(7));
+    QCOMPARE(m_database->committedIds(), (QVariantList{6, 7}));
+}
+
+void tst_DBKept::failedStatementIsRunOnce()
+{
+    // After the rollback a second run would succeed.
+    m_database->outside(QStringLiteral("CREATE TABLE once(id UNIQUE ON CONFLICT ROLLBACK)"));
+    const QString once = QStringLiteral("once");
+    QVERIFY(m_database->insertToDatabase(once, id, 1, false));
+    QVERIFY(m_database->insertToDatabase(once, id, 2, false));
+    QVERIFY(hosts().transaction());
+    QVERIFY(m_database->insertToDatabase(once, id, 3, false));
+    QVERIFY(!m_database->insertToDatabase(once, id, 3, false));
+    QVERIFY(!hosts().commit());
+    QCOMPARE(m_database->outside(QStringLiteral("SELECT id FROM once")),
+             (QVariantList{QStringLiteral("1"), QStringLiteral("2")}));
+    QCOMPARE(m_log->takeDebugTexts().size(), 3);
+}
+
+void tst_DBKept::hostMayCloseAndOpenTheConnection()
+{
+    QVERIFY(write(1));
+    QVERIFY(write(2));
+    QSqlDatabase connection = hosts();
+    connection.close();
+    QVERIFY(!write(3));
+    QVERIFY(connection.open());
+    QVERIFY(write(4));
+    QVERIFY(write(5));
+    connection.close();
+    QVERIFY2(!QFile::exists(m_database->path() + QStringLiteral("-journal")), "the file is still in use");
+    QVERIFY(connection.open());
+    QCOMPARE(m_database->committedIds(), (QVariantList{1, 2, 4, 5}));
+}
+
+void tst_DBKept::closingGivesTheFileBack()
+{
+    QVERIFY(execute(QStringLiteral("PRAGMA journal_mode = wal")));
+    QVERIFY(write(1));
+    QVERIFY(write(2));
+    QVERIFY(QFile::exists(m_database->path() + QStringLiteral("-wal")));
+    QVERIFY(m_database->closeDB());
+    // The last connection takes the log along, if nothing holds it open.
+    QVERIFY(!QFile::exists(m_database->path() + QStringLiteral("-wal")));
+    QVERIFY(m_database->reopen());
+    QVERIFY(write(3));
+    QCOMPARE(m_database->committedIds(), (QVariantList{1, 2, 3}));
+}
+
+void tst_DBKept::manyStatementsTakeTurns()
+{
+    constexpr int tables = 80;
+    for (int i = 0; i < tables; ++i)
+        QVERIFY(execute(QStringLiteral("CREATE TABLE t%1(id)").arg(i)));
+    for (int round = 0; round < 3; ++round) {
+        for (int i = 0; i < tables; ++i)
+            QVERIFY(m_database->insertToDatabase(QStringLiteral("t%1").arg(i), id, round, false));
+    }
+    for (int i = 0; i < tables; ++i) {
+        QCOMPARE(m_database->outside(QStringLiteral("SELECT id FROM t%1").arg(i)),
+                 (QVariantList{QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2")}));
+    }
+}
+
+void tst_DBKept::valuesAreNotKept()
+{
+    QByteArray bytes("held by the caller alone");
+    const QVariant value = bytes;
+    bytes.clear();
+    for (int i = 0; i < 3; ++i) {
+        Row row{{id, i}, {name, value}};
+        QVERIFY(m_database->insertToDatabase(table, row, false));
+    }
+    auto* const data = static_cast<QByteArray*>(const_cast<void*>(value.constData()));
+    QVERIFY2(data->isDetached(), "a statement still holds the value");
+}
+
+QTEST_GUILESS_MAIN(tst_DBKept)
+#include "tst_dbkept.moc"
