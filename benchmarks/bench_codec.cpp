@@ -55,7 +55,7 @@ void decodeParts(benchmark::State& state)
 
 int main(int argc, char* argv[])
 {
-    for (const int bytes : {12, 200, 1048576}) {
+    for (const int bytes : {12, 40, 200, 1048576}) {
         const std::string suffix = std::to_string(bytes) + "_bytes/";
         benchmark::RegisterBenchmark(("encode_" + suffix + "quenzo").c_str(), encode)->Arg(bytes);
         benchmark::RegisterBenchmark(("encode_" + suffix + "its_parts").c_str(), encodeParts)->Arg(bytes);

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # Builds the benchmarks and prints one table: each row's medians side by side, and ours in relation to its peers.
-#   scripts/bench.sh [--repetitions N] [NAME...]     NAME: scripts, database, ... (all of them by default)
+#   scripts/bench.sh [--repetitions N] [NAME...]     NAME: scripts, records, ... (all of them by default)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 export LC_ALL=C.UTF-8

@@ -38,35 +38,45 @@ int scrambledLength(int bytes)
     return (bytes + groupBytes - 1) / groupBytes * groupLetters;
 }
 
-// Places of a group's letters.
-struct Order {
-    int first;
-    int second;
-    int third;
-    int fourth;
-};
-
-constexpr Order swapped{1, 0, 3, 2};
-constexpr Order halfSwapped{1, 0, 2, 3};
-constexpr Order plain{0, 1, 2, 3};
-
-template <typename Unit, typename Letter>
-inline unsigned encodeGroup(const Unit* in, Letter* out, const Order& order)
+// Both letters of each twelve bits, swapped: the upper half is the first.
+constexpr std::array<quint32, 4096> makePairs()
 {
-    const unsigned seen = unsigned(in[0]) | unsigned(in[1]) | unsigned(in[2]);
-    const unsigned bits = unsigned(in[0]) << 16 | unsigned(in[1]) << 8 | unsigned(in[2]);
-    out[order.first] = static_cast<Letter>(alphabet[bits >> 18 & 63]);
-    out[order.second] = static_cast<Letter>(alphabet[bits >> 12 & 63]);
-    out[order.third] = static_cast<Letter>(alphabet[bits >> 6 & 63]);
-    out[order.fourth] = static_cast<Letter>(alphabet[bits & 63]);
-    return seen;
+    std::array<quint32, 4096> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i)
+        pairs[i] = quint32(uchar(alphabet[i >> 6])) << 16 | quint32(uchar(alphabet[i & 63]));
+    return pairs;
+}
+
+constexpr std::array<quint32, 4096> pairs = makePairs();
+
+template <typename Letter> inline void putPair(unsigned bits, Letter* out)
+{
+    const quint32 pair = pairs[bits];
+    out[0] = static_cast<Letter>(pair);
+    out[1] = static_cast<Letter>(pair >> 16);
+}
+
+template <typename Letter> inline void putPlainPair(unsigned bits, Letter* out)
+{
+    out[0] = static_cast<Letter>(alphabet[bits >> 6]);
+    out[1] = static_cast<Letter>(alphabet[bits & 63]);
+}
+
+// The bytes of a group, and whatever they have beyond.
+template <typename Unit> inline unsigned bitsOf(const Unit* in, unsigned& seen)
+{
+    seen |= unsigned(in[0]) | unsigned(in[1]) | unsigned(in[2]);
+    return unsigned(in[0]) << 16 | unsigned(in[1]) << 8 | unsigned(in[2]);
 }
 
 // The last group, padded where it is not full.
 template <typename Unit, typename Letter> unsigned encodeLastGroup(const Unit* in, int bytes, Letter* out)
 {
     const Unit full[groupBytes] = {in[0], bytes > 1 ? in[1] : Unit(0), bytes > 2 ? in[2] : Unit(0)};
-    const unsigned seen = encodeGroup(full, out, plain);
+    unsigned seen = 0;
+    const unsigned bits = bitsOf(full, seen);
+    putPlainPair(bits >> 12 & 4095, out);
+    putPlainPair(bits & 4095, out + 2);
     std::fill(out + bytes + 1, out + groupLetters, static_cast<Letter>('='));
     return seen;
 }
@@ -81,37 +91,60 @@ unsigned encodeBytes(const Unit* in, int bytes, Letter* out, unsigned limit)
     int done = 0;
     while (done < groups - 2) {
         const int next = std::min(groups - 2, done + groupsAtOnce);
-        for (; done < next; ++done)
-            seen |= encodeGroup(in + done * groupBytes, out + done * groupLetters, swapped);
+        for (; done < next; ++done) {
+            const unsigned bits = bitsOf(in + done * groupBytes, seen);
+            putPair(bits >> 12 & 4095, out + done * groupLetters);
+            putPair(bits & 4095, out + done * groupLetters + 2);
+        }
         if (seen >= limit)
             return seen;
     }
-    seen |= encodeGroup(in + done * groupBytes, out + done * groupLetters, halfSwapped);
+    const unsigned bits = bitsOf(in + done * groupBytes, seen);
+    putPair(bits >> 12 & 4095, out + done * groupLetters);
+    putPlainPair(bits & 4095, out + done * groupLetters + 2);
     ++done;
     return seen
         | encodeLastGroup(in + done * groupBytes, bytes - done * groupBytes, out + done * groupLetters);
 }
 
+// What is ored from all groups: of three bytes each, and negative when a letter is none of the alphabet.
 struct Decoded {
-    unsigned seen = 0; // ored from all bytes
-    int problem = 0; // below zero when a letter is none of the alphabet, or a byte is zero
+    int bytes = 0;
+    int zeroes = 0; // the upper bit of a byte is set when that was zero
+    unsigned letters = 0;
+
+    bool isRight() const { return bytes >= 0 && letters < 0x80 && (zeroes & 0x808080) == 0; }
+    bool isAscii() const { return (bytes & 0x808080) == 0; }
 };
+
+// Places of a group's letters.
+struct Order {
+    int first;
+    int second;
+    int third;
+    int fourth;
+};
+
+constexpr Order swapped{1, 0, 3, 2};
+constexpr Order halfSwapped{1, 0, 2, 3};
+constexpr Order plain{0, 1, 2, 3};
+
+inline int bitsOf(const ushort* in, const Order& order)
+{
+    return values[in[order.first] & 127] * (1 << 18) | values[in[order.second] & 127] * (1 << 12)
+        | values[in[order.third] & 127] * (1 << 6) | values[in[order.fourth] & 127];
+}
 
 template <typename Unit>
 inline void decodeGroup(const ushort* in, Unit* out, const Order& order, Decoded& all)
 {
-    const int first = values[in[order.first] & 127];
-    const int second = values[in[order.second] & 127];
-    const int third = values[in[order.third] & 127];
-    const int fourth = values[in[order.fourth] & 127];
-    const int bits = first << 18 | second << 12 | third << 6 | fourth;
-    const int bytes[groupBytes] = {bits >> 16 & 255, bits >> 8 & 255, bits & 255};
-    all.problem |= first | second | third | fourth | (bytes[0] - 1) | (bytes[1] - 1) | (bytes[2] - 1)
-        | (127 - (in[0] | in[1] | in[2] | in[3]));
-    for (int i = 0; i < groupBytes; ++i) {
-        out[i] = static_cast<Unit>(bytes[i]);
-        all.seen |= static_cast<unsigned>(bytes[i]);
-    }
+    const int bits = bitsOf(in, order);
+    all.bytes |= bits;
+    all.zeroes |= (bits - 0x010101) & ~bits;
+    all.letters |= unsigned(in[0] | in[1] | in[2] | in[3]);
+    out[0] = static_cast<Unit>(bits >> 16 & 255);
+    out[1] = static_cast<Unit>(bits >> 8 & 255);
+    out[2] = static_cast<Unit>(bits & 255);
 }
 
 int paddingOf(const ushort* letters, int length)
@@ -126,22 +159,19 @@ template <typename Unit> void decodeLastGroup(const ushort* in, int padding, Uni
 {
     ushort full[groupLetters] = {in[0], in[1], in[2], in[3]};
     std::fill(full + groupLetters - padding, full + groupLetters, ushort('A'));
-    int bytes[groupBytes] = {};
-    Decoded last;
-    decodeGroup(full, bytes, plain, last);
-    Q_UNUSED(last)
-    for (int i = 0; i < groupBytes - padding; ++i) {
-        out[i] = static_cast<Unit>(bytes[i]);
-        all.seen |= static_cast<unsigned>(bytes[i]);
-        all.problem |= bytes[i] - 1;
-    }
-    for (const ushort letter : full)
-        all.problem |= values[letter & 127] | (127 - letter);
+    // The bytes that are not there are none of zero.
+    const int behind = (1 << 8 * padding) - 1;
+    const int bits = bitsOf(full, plain);
+    const int filled = (bits & ~behind) | (0x010101 & behind);
+    all.bytes |= bits < 0 ? bits : filled;
+    all.zeroes |= (filled - 0x010101) & ~filled;
+    all.letters |= unsigned(full[0] | full[1] | full[2] | full[3]);
+    for (int i = 0; i < groupBytes - padding; ++i)
+        out[i] = static_cast<Unit>(bits >> (16 - 8 * i) & 255);
 }
 
 // Decodes what ckEncode() makes of a text, two groups at least; whatever is otherwise is a problem.
-template <typename Unit>
-Decoded decodeLetters(const ushort* in, int length, int padding, Unit* out, unsigned limit)
+template <typename Unit> Decoded decodeLetters(const ushort* in, int length, int padding, Unit* out)
 {
     const int groups = length / groupLetters;
     Decoded all;
@@ -150,7 +180,7 @@ Decoded decodeLetters(const ushort* in, int length, int padding, Unit* out, unsi
         const int next = std::min(groups - 2, done + groupsAtOnce);
         for (; done < next; ++done)
             decodeGroup(in + done * groupLetters, out + done * groupBytes, swapped, all);
-        if (all.problem < 0 || all.seen >= limit)
+        if (!all.isRight() || (sizeof(Unit) > 1 && !all.isAscii()))
             return all;
     }
     decodeGroup(in + done * groupLetters, out + done * groupBytes, halfSwapped, all);
@@ -242,12 +272,10 @@ QString QuenzoTool::ckDecode(QString text)
     const int padding = paddingOf(letters, length);
     const int size = length / groupLetters * groupBytes - padding;
     QString decoded(size, Qt::Uninitialized);
-    const Decoded ascii =
-        decodeLetters(letters, length, padding, reinterpret_cast<ushort*>(decoded.data()), asciiEnd);
-    if (ascii.problem >= 0 && ascii.seen < asciiEnd)
+    const Decoded ascii = decodeLetters(letters, length, padding, reinterpret_cast<ushort*>(decoded.data()));
+    if (ascii.isRight() && ascii.isAscii())
         return decoded;
     QByteArray bytes(size, Qt::Uninitialized);
-    const Decoded wide =
-        decodeLetters(letters, length, padding, reinterpret_cast<uchar*>(bytes.data()), bytesEnd);
-    return wide.problem >= 0 ? textOf(bytes) : decodeStepByStep(text);
+    const Decoded wide = decodeLetters(letters, length, padding, reinterpret_cast<uchar*>(bytes.data()));
+    return wide.isRight() ? textOf(bytes) : decodeStepByStep(text);
 }

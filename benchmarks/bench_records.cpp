@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The database class beside SQLite's own interfaces. Every insert is one transaction into a new file, to its
-// commit; the rows are made before.
+// commit; the rows are made before. Times are the processor's, of the thread at work: what else a shared
+// machine does is not in them.
 #include <dbhelper.h>
 
 #include <benchmark/benchmark.h>
@@ -14,20 +15,22 @@
 #include <QSqlTableModel>
 #include <QTemporaryDir>
 
-#include <chrono>
+#include <ctime>
 #include <functional>
 #include <memory>
 #include <sqlite3.h>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
 constexpr int rowCount = 100000;
 const QString table = QStringLiteral("channel");
-const char* const creation = "CREATE TABLE channel(id INTEGER, name TEXT, package TEXT, parameters TEXT)";
-const char* const insertion =
-    "INSERT INTO channel(id, name, package, parameters) VALUES(:id, :name, :package, :parameters)";
+const char* const creation = "CREATE TABLE channel(id INTEGER, name TEXT, package TEXT, parameters TEXT, "
+                             "price REAL)";
+const char* const insertion = "INSERT INTO channel(id, name, package, parameters, price) VALUES(:id, :name, "
+                              ":package, :parameters, :price)";
 
 QString nameOf(int i)
 {
@@ -51,7 +54,8 @@ QList<QVariant> makeRows()
         rows.append(QVariantMap{{QStringLiteral("id"), i},
                                 {QStringLiteral("name"), nameOf(i)},
                                 {QStringLiteral("package"), packageOf(i)},
-                                {QStringLiteral("parameters"), parametersOf(i)}});
+                                {QStringLiteral("parameters"), parametersOf(i)},
+                                {QStringLiteral("price"), i / 8.0}});
     return rows;
 }
 
@@ -102,9 +106,14 @@ int countOf(const Database& database)
 
 double secondsOf(const std::function<void()>& work)
 {
-    const auto begin = std::chrono::steady_clock::now();
+    const auto now = [] {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
+    };
+    const double begin = now();
     work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return now() - begin;
 }
 
 // Each returns the seconds that its insertion of all rows took.
@@ -122,13 +131,58 @@ void measureInsertion(benchmark::State& state, const Insertion& insert)
     }
 }
 
-double insertQueued(const Database& database)
+// One command with all rows.
+double insertQueued(const Database& database, bool encode)
 {
     Stepped helper;
     helper.initDatabase(database.path());
-    const double seconds = secondsOf([&helper] {
-        helper.threadToDatabase(DB_INSERT, table, rows(), QString(), QVariant(), false, QString());
+    const double seconds = secondsOf([&helper, encode] {
+        helper.threadToDatabase(DB_INSERT, table, rows(), QString(), QVariant(), encode, QString());
         helper.commandExec();
+    });
+    helper.closeDB();
+    return seconds;
+}
+
+const QVector<QVariantMap>& rowMaps()
+{
+    static const QVector<QVariantMap> maps = [] {
+        QVector<QVariantMap> all;
+        for (const QVariant& row : qAsConst(rows()))
+            all.append(row.toMap());
+        return all;
+    }();
+    return maps;
+}
+
+// A command for each row.
+double insertQueuedRowByRow(const Database& database)
+{
+    Stepped helper;
+    helper.initDatabase(database.path());
+    rowMaps();
+    const double seconds = secondsOf([&helper] {
+        for (QVariantMap row : rowMaps())
+            helper.threadToDatabase(DB_INSERT, table, row, QString(), QVariant(), false, QString());
+        while (helper.isRunning())
+            helper.commandExec();
+    });
+    helper.closeDB();
+    return seconds;
+}
+
+// A direct call for each row, in the host's transaction.
+double insertDirectly(const Database& database)
+{
+    Stepped helper;
+    helper.initDatabase(database.path());
+    rowMaps();
+    const double seconds = secondsOf([&helper] {
+        QSqlDatabase connection = QSqlDatabase::database(QStringLiteral("Quenzo"));
+        connection.transaction();
+        for (QVariantMap row : rowMaps())
+            helper.insertToDatabase(table, row, false);
+        connection.commit();
     });
     helper.closeDB();
     return seconds;
@@ -147,6 +201,7 @@ double insertByCInterface(const Database& database, const QVector<Record>& recor
         for (const Record& record : records) {
             sqlite3_bind_int(statement, 1, record.id);
             bindTexts(statement, record);
+            sqlite3_bind_double(statement, 5, record.id / 8.0);
             sqlite3_step(statement);
             sqlite3_reset(statement);
         }
@@ -227,6 +282,7 @@ double insertByPreparedQuery(const Database& database)
                     query.bindValue(QStringLiteral(":package"), values.value(QStringLiteral("package")));
                     query.bindValue(QStringLiteral(":parameters"),
                                     values.value(QStringLiteral("parameters")));
+                    query.bindValue(QStringLiteral(":price"), values.value(QStringLiteral("price")));
                     query.exec();
                 }
             }
@@ -236,23 +292,28 @@ double insertByPreparedQuery(const Database& database)
 }
 
 // The time that the peer's process measures itself: neither its start nor its making of the rows.
-double insertByPython(const Database& database)
+double secondsByPython(const char* script, const Database& database)
 {
-    static const char* const script = R"python(
-import sqlite3, sys, time
-rows = [(i, "channel %d" % i, "com.example.game.channel%d" % (i % 1000),
-         "appid=%d&appkey=5f4dcc3b5aa765d61d8327deb882cf99" % (100000 + i)) for i in range(int(sys.argv[2]))]
-connection = sqlite3.connect(sys.argv[1])
-begin = time.perf_counter()
-connection.executemany("INSERT INTO channel(id, name, package, parameters) VALUES(?, ?, ?, ?)", rows)
-connection.commit()
-print(time.perf_counter() - begin)
-)python";
     QProcess process;
     process.start(QStringLiteral("/usr/bin/python3"),
                   {QStringLiteral("-c"), QLatin1String(script), database.path(), QString::number(rowCount)});
     process.waitForFinished(-1);
     return process.readAllStandardOutput().toDouble();
+}
+
+double insertByPython(const Database& database)
+{
+    static const char* const script = R"python(
+import sqlite3, sys, time
+rows = [(i, "channel %d" % i, "com.example.game.channel%d" % (i % 1000),
+         "appid=%d&appkey=5f4dcc3b5aa765d61d8327deb882cf99" % (100000 + i), i / 8.0) for i in range(int(sys.argv[2]))]
+connection = sqlite3.connect(sys.argv[1])
+begin = time.process_time()
+connection.executemany("INSERT INTO channel(id, name, package, parameters, price) VALUES(?, ?, ?, ?, ?)", rows)
+connection.commit()
+print(time.process_time() - begin)
+)python";
+    return secondsByPython(script, database);
 }
 
 // The whole process: the shell reads a file of comma-separated values, and starts in a few milliseconds.
@@ -263,9 +324,10 @@ double insertByShellImport(const Database& database)
     if (!file.open(QIODevice::WriteOnly))
         return 0;
     for (int i = 0; i < rowCount; ++i)
-        file.write(QStringLiteral("%1,%2,%3,%4\n")
-                       .arg(QString::number(i), nameOf(i), packageOf(i), parametersOf(i))
-                       .toUtf8());
+        file.write(
+            QStringLiteral("%1,%2,%3,%4,%5\n")
+                .arg(QString::number(i), nameOf(i), packageOf(i), parametersOf(i), QString::number(i / 8.0))
+                .toUtf8());
     file.close();
     return secondsOf([&] {
         QProcess::execute(
@@ -288,14 +350,114 @@ void selectRows(benchmark::State& state)
 {
     Stepped helper;
     helper.initDatabase(filledDatabase().path());
+    int found = 0;
+    QObject::connect(&helper, &DBHelper::onSelectFinish,
+                     [&found](const QString&, const QVariantList& rows) { found = rows.size(); });
     for (auto iteration : state) {
         Q_UNUSED(iteration)
-        QList<QVariant> found;
-        state.SetIterationTime(secondsOf([&] { found = helper.selectFromDatabase(table, false); }));
-        if (found.size() != rowCount)
+        state.SetIterationTime(secondsOf([&helper] {
+            helper.threadToDatabase(DB_SELECT, table, false, QString());
+            helper.commandExec();
+        }));
+        if (found != rowCount)
             state.SkipWithError("rows are missing");
     }
     helper.closeDB();
+}
+
+void selectByPython(benchmark::State& state)
+{
+    static const char* const script = R"python(
+import sqlite3, sys, time
+connection = sqlite3.connect(sys.argv[1])
+begin = time.process_time()
+cursor = connection.execute("SELECT * FROM channel")
+names = [field[0] for field in cursor.description]
+rows = [dict(zip(names, row)) for row in cursor]
+print(time.process_time() - begin)
+)python";
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        state.SetIterationTime(secondsByPython(script, filledDatabase()));
+    }
+}
+
+constexpr int updateCount = 20000;
+
+// The filled table, with an index on what the updates ask for.
+class KeyedDatabase : public Database {
+public:
+    KeyedDatabase()
+    {
+        insertUtf8TextsByCInterface(*this);
+        execute("CREATE UNIQUE INDEX ids ON channel(id)");
+    }
+};
+
+void updateByKey(benchmark::State& state)
+{
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        const KeyedDatabase database;
+        Stepped helper;
+        helper.initDatabase(database.path());
+        state.SetIterationTime(secondsOf([&helper] {
+            QSqlDatabase connection = QSqlDatabase::database(QStringLiteral("Quenzo"));
+            connection.transaction();
+            QVariantMap row{{QStringLiteral("name"), QString()}};
+            for (int i = 0; i < updateCount; ++i) {
+                row.first() = nameOf(i + 1);
+                helper.updateToDatabase(table, QStringLiteral("id"), i, row, false);
+            }
+            connection.commit();
+        }));
+        helper.closeDB();
+    }
+}
+
+void updateByCInterface(benchmark::State& state)
+{
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        const KeyedDatabase database;
+        sqlite3* handle = nullptr;
+        sqlite3_open(database.path().toUtf8().constData(), &handle);
+        state.SetIterationTime(secondsOf([handle] {
+            sqlite3_stmt* statement = nullptr;
+            sqlite3_exec(handle, "BEGIN", nullptr, nullptr, nullptr);
+            sqlite3_prepare_v2(handle, "UPDATE channel SET name = :name WHERE id = :id", -1, &statement,
+                               nullptr);
+            for (int i = 0; i < updateCount; ++i) {
+                const QString name = nameOf(i + 1);
+                const QString id = QString::number(i);
+                sqlite3_bind_text16(statement, 1, name.utf16(), name.size() * 2, SQLITE_STATIC);
+                sqlite3_bind_text16(statement, 2, id.utf16(), id.size() * 2, SQLITE_STATIC);
+                sqlite3_step(statement);
+                sqlite3_reset(statement);
+            }
+            sqlite3_finalize(statement);
+            sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr);
+        }));
+        sqlite3_close(handle);
+    }
+}
+
+void updateByPython(benchmark::State& state)
+{
+    static const char* const script = R"python(
+import sqlite3, sys, time
+connection = sqlite3.connect(sys.argv[1])
+begin = time.process_time()
+for i in range(20000):
+    connection.execute("UPDATE channel SET name = ? WHERE id = ?", ("channel %d" % (i + 1), str(i)))
+connection.commit()
+print(time.process_time() - begin)
+)python";
+    for (auto iteration : state) {
+        Q_UNUSED(iteration)
+        const KeyedDatabase database;
+        state.SetIterationTime(secondsByPython(script, database));
+    }
 }
 
 // The shortest loop that a host would write to get the same list of maps.
@@ -420,22 +582,38 @@ void appendToLockedList(benchmark::State& state)
         state, [&list] { queueSomething(list, &LockedList::append); }, [&list] { list.takeFirst(); });
 }
 
+struct Contender {
+    std::string name;
+    Insertion insert;
+};
+
 void registerInsertions()
 {
-    const std::pair<std::string, Insertion> insertions[] = {
-        {"quenzo", insertQueued},
+    const std::vector<Contender> peers{
         {"C_interface_prepared_once", insertQtTextsByCInterface},
         {"C_interface_prepared_once,_UTF-8_ready", insertUtf8TextsByCInterface},
         {"python3_executemany", insertByPython},
-        {"sqlite3_shell_import", insertByShellImport},
-        {"QSqlQuery_prepared_once", insertByPreparedQuery},
     };
-    for (const auto& [who, insert] : insertions) {
-        benchmark::RegisterBenchmark(("insert_100000_rows/" + who).c_str(), measureInsertion, insert)
+    const auto add = [](const std::string& row, const Contender& contender) {
+        benchmark::RegisterBenchmark((row + '/' + contender.name).c_str(), measureInsertion, contender.insert)
             ->UseManualTime()
             ->Iterations(1)
             ->Unit(benchmark::kMillisecond);
-    }
+    };
+    const auto addAll = [&add, &peers](const std::string& row, const Insertion& ours) {
+        add(row, {"quenzo", ours});
+        for (const Contender& peer : peers)
+            add(row, peer);
+    };
+    const auto plain = [](const Database& database) { return insertQueued(database, false); };
+    addAll("insert_100000_rows,_one_list", plain);
+    add("insert_100000_rows,_one_list", {"sqlite3_shell_import", insertByShellImport});
+    add("insert_100000_rows,_one_list", {"QSqlQuery_prepared_once", insertByPreparedQuery});
+    addAll("insert_100000_rows,_a_command_each", insertQueuedRowByRow);
+    addAll("insert_100000_rows,_a_direct_call_each", insertDirectly);
+    const auto encoded = [](const Database& database) { return insertQueued(database, true); };
+    add("insert_100000_rows,_one_list,_encoded", {"quenzo", encoded});
+    add("insert_100000_rows,_one_list,_encoded", {"not_encoded", plain});
 }
 
 void registerOthers()
@@ -443,13 +621,17 @@ void registerOthers()
     const auto measuredByHand = [](const char* name, void (*function)(benchmark::State&)) {
         return benchmark::RegisterBenchmark(name, function)->UseManualTime();
     };
-    measuredByHand("select_100000_rows/quenzo", selectRows)->Iterations(1)->Unit(benchmark::kMillisecond);
-    measuredByHand("select_100000_rows/QSqlQuery_loop", selectByQuery)
-        ->Iterations(1)
-        ->Unit(benchmark::kMillisecond);
-    measuredByHand("select_100000_rows/QSqlTableModel", selectByTableModel)
-        ->Iterations(1)
-        ->Unit(benchmark::kMillisecond);
+    const std::pair<const char*, void (*)(benchmark::State&)> once[] = {
+        {"update_20000_rows_by_key,_a_call_each/quenzo", updateByKey},
+        {"update_20000_rows_by_key,_a_call_each/C_interface_prepared_once", updateByCInterface},
+        {"update_20000_rows_by_key,_a_call_each/python3_execute", updateByPython},
+        {"select_100000_rows/quenzo", selectRows},
+        {"select_100000_rows/python3_dicts", selectByPython},
+        {"select_100000_rows/QSqlQuery_loop", selectByQuery},
+        {"select_100000_rows/QSqlTableModel", selectByTableModel},
+    };
+    for (const auto& [name, function] : once)
+        measuredByHand(name, function)->Iterations(1)->Unit(benchmark::kMillisecond);
     for (const int queued : {10, 1000000}) {
         const std::string row = "queue_a_command_behind_" + std::to_string(queued);
         measuredByHand((row + "/quenzo").c_str(), queueCommand)->Arg(queued)->Iterations(500);
