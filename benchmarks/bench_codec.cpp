@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The codec beside the conversions that it is made of, which leave the characters where they are.
+#include "bench_codec.h"
+
 #include <quenzotool.h>
 
 #include <benchmark/benchmark.h>
@@ -53,7 +55,7 @@ void decodeParts(benchmark::State& state)
 
 } // namespace
 
-int main(int argc, char* argv[])
+void registerCodec()
 {
     for (const int bytes : {12, 40, 200, 1048576}) {
         const std::string suffix = std::to_string(bytes) + "_bytes/";
@@ -62,8 +64,4 @@ int main(int argc, char* argv[])
         benchmark::RegisterBenchmark(("decode_" + suffix + "quenzo").c_str(), decode)->Arg(bytes);
         benchmark::RegisterBenchmark(("decode_" + suffix + "its_parts").c_str(), decodeParts)->Arg(bytes);
     }
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
 }

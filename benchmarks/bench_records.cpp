@@ -2,12 +2,13 @@
 // The database class beside SQLite's own interfaces. Every insert is one transaction into a new file, to its
 // commit; the rows are made before. Times are the processor's, of the thread at work: what else a shared
 // machine does is not in them.
+#include "bench_codec.h"
+
 #include <dbhelper.h>
 
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QMutex>
 #include <QProcess>
 #include <QSqlQuery>
@@ -316,26 +317,6 @@ print(time.process_time() - begin)
     return secondsByPython(script, database);
 }
 
-// The whole process: the shell reads a file of comma-separated values, and starts in a few milliseconds.
-double insertByShellImport(const Database& database)
-{
-    const QString valuesFile = QFileInfo(database.path()).path() + QStringLiteral("/values.csv");
-    QFile file(valuesFile);
-    if (!file.open(QIODevice::WriteOnly))
-        return 0;
-    for (int i = 0; i < rowCount; ++i)
-        file.write(
-            QStringLiteral("%1,%2,%3,%4,%5\n")
-                .arg(QString::number(i), nameOf(i), packageOf(i), parametersOf(i), QString::number(i / 8.0))
-                .toUtf8());
-    file.close();
-    return secondsOf([&] {
-        QProcess::execute(
-            QStringLiteral("sqlite3"),
-            {QStringLiteral("-csv"), database.path(), QStringLiteral(".import %1 channel").arg(valuesFile)});
-    });
-}
-
 const Database& filledDatabase()
 {
     static const Database& database = [] {
@@ -607,7 +588,6 @@ void registerInsertions()
     };
     const auto plain = [](const Database& database) { return insertQueued(database, false); };
     addAll("insert_100000_rows,_one_list", plain);
-    add("insert_100000_rows,_one_list", {"sqlite3_shell_import", insertByShellImport});
     add("insert_100000_rows,_one_list", {"QSqlQuery_prepared_once", insertByPreparedQuery});
     addAll("insert_100000_rows,_a_command_each", insertQueuedRowByRow);
     addAll("insert_100000_rows,_a_direct_call_each", insertDirectly);
@@ -646,6 +626,7 @@ int main(int argc, char* argv[])
     const QCoreApplication application(argc, argv);
     registerInsertions();
     registerOthers();
+    registerCodec();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
