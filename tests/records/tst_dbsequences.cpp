@@ -151,8 +151,7 @@ namespace {
 
 const QStringList schema{
     QStringLiteral("CREATE TABLE a(id UNIQUE, name, state INTEGER, more REAL)"),
-    QStringLiteral(
-        "CREATE TABLE b(id INTEGER UNIQUE ON CONFLICT ROLLBACK, name TEXT CHECK(name != 'bad'))"),
+    QStringLiteral("CREATE TABLE b(id INTEGER UNIQUE ON CONFLICT ROLLBACK, name TEXT CHECK(name != 'bad'))"),
     QStringLiteral("CREATE TABLE c(id TEXT NOT NULL, name BLOB, UNIQUE(id, name) ON CONFLICT REPLACE)"),
     QStringLiteral("CREATE TABLE d(id, name REFERENCES a(id))"),
     QStringLiteral(
