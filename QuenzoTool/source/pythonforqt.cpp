@@ -144,13 +144,12 @@ void prepareEnvironment()
     PyEval_InitThreads();
     PyEval_ReleaseThread(PyThreadState_Get());
     const PyThreadStateLock lock;
-    const auto tr = [](const char* text) { return PythonForQt::tr(text); };
     runPythonStatement("import sys");
     const QString folder = QuenzoTool::getToolPath() + QStringLiteral("/Python");
     runPythonStatement("import os");
-    runPythonStatement(statement(tr("os.environ['PYTHON_QUENZO_ENV'] = '%1'"), folder));
-    runPythonStatement(statement(tr("sys.path.append(str('%1').decode('utf8'))"), folder));
-    runPythonStatement(tr("import init_python_env").toStdString());
+    runPythonStatement(statement(PythonForQt::tr("os.environ['PYTHON_QUENZO_ENV'] = '%1'"), folder));
+    runPythonStatement(statement(PythonForQt::tr("sys.path.append(str('%1').decode('utf8'))"), folder));
+    runPythonStatement(PythonForQt::tr("import init_python_env").toStdString());
 }
 
 } // namespace

@@ -112,7 +112,7 @@ void tst_ScriptCommands::workingFolderBringsNoCode()
         write(file, "print 'HOSTILE'\n");
     write("project/bin/python", "#!/bin/sh\n");
     QVERIFY(QFile::setPermissions(this->path("project/bin/python"),
-                                  QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+                                  QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner));
     write("project/code/file", "");
     QuenzoProcess process({QStringLiteral("run"), this->path("script.py"), QStringLiteral("good")},
                           this->path("project/code"));

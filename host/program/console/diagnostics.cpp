@@ -51,7 +51,9 @@ void keep(QtMsgType type, const QMessageLogContext& context, const QString& text
 void Diagnostics::install()
 {
     handlerBefore = qInstallMessageHandler(keep);
-    filterBefore = QLoggingCategory::installFilter(switchOn);
+    // Known before ours is in force, which it is at once for the categories there are.
+    filterBefore = QLoggingCategory::installFilter(nullptr);
+    QLoggingCategory::installFilter(switchOn);
 }
 
 QStringList Diagnostics::takeAll()
