@@ -75,7 +75,7 @@ void tst_ScriptCommands::failuresAreToldUnderEveryRule_data()
         "f did not answer \"param\" (the script 'broken.py' could not be imported: KeyError: 'in the body' "
         "(@/broken.py:1))");
     row("pack", "pack folder script.py/archive.zip",
-        "packing failed (zip of the script '*/Script/pytoolForQt.py' failed: OSError: *)");
+        "packing failed (zip of the script '*/Script/pytoolForQt.py' failed: *: * (*.py:*))");
     row("unpack", "unpack no-archive.zip unpacked",
         "unpacking failed (unZip of the script '*/Script/pytoolForQt.py' failed: *)");
 }
