@@ -43,6 +43,7 @@ private Q_SLOTS:
     void failedCommitIsTriedAgainWhenIdle();
     void load_data();
     void load();
+    void schemaChangesBesideTheWorkerAreMet();
     void directWritersAndTheWorkerLoseNothing_data();
     void directWritersAndTheWorkerLoseNothing();
 
@@ -233,9 +234,11 @@ void tst_DBWorker::load()
     const QString lastRows =
         QStringLiteral("(SELECT caller, count(*) AS n, max(number) - min(number) + 1 AS span FROM "
                        "(SELECT * FROM records ORDER BY rowid DESC LIMIT 1000) GROUP BY caller)");
+    // Not for as long as the worker works: the lock is fair, and each of its rows would wait for a select.
+    constexpr int mostSelects = 2000;
     int selects = 0;
     bool inOrder = true;
-    while (atWork > 0 || m_database->isRunning()) {
+    while (selects < mostSelects && (atWork > 0 || m_database->isRunning())) {
         const QList<QVariant> rows = m_database->selectFromDatabase(lastRows, false);
         for (const QVariant& row : rows) {
             const QVariantMap values = row.toMap();
@@ -258,6 +261,52 @@ void tst_DBWorker::load()
         const auto caller = static_cast<std::size_t>(values.value(QStringLiteral("caller")).toInt());
         QCOMPARE(values.value(QStringLiteral("number")).toInt(), next.at(caller)++);
     }
+    QCOMPARE(m_log->takeDebugTexts(), QStringList());
+}
+
+void tst_DBWorker::schemaChangesBesideTheWorkerAreMet()
+{
+    constexpr int changes = 20;
+    // On a busy machine five seconds may pass between two steps of the other.
+    QVERIFY(QSqlQuery(QSqlDatabase::database(QStringLiteral("Quenzo")))
+                .exec(QStringLiteral("PRAGMA busy_timeout = 60000")));
+    QVERIFY(m_database->StartThread());
+    std::atomic<bool> ended{false};
+    std::atomic<int> failed{0};
+    std::atomic<int> written{0};
+    std::thread changer([&] {
+        {
+            QSqlDatabase other =
+                QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+            other.setDatabaseName(m_folder->filePath(QStringLiteral("records.db")));
+            other.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=60000"));
+            QSqlQuery query(other.open() ? other : QSqlDatabase());
+            for (int i = 0; i < changes; ++i)
+                failed += query.exec(QStringLiteral("ALTER TABLE records ADD COLUMN more%1").arg(i)) ? 0 : 1;
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        ended = true;
+    });
+    std::thread writer([&] {
+        while (!ended) {
+            QVariantMap row = record(1, written);
+            written += m_database->insertToDatabase(table, row, false) ? 1 : 0;
+        }
+    });
+    int queued = 0;
+    while (!ended) {
+        QVariantMap row = record(0, queued++);
+        QVERIFY(m_database->threadToDatabase(DB_INSERT, table, row, QString(), QVariant(), false, QString()));
+        QThread::msleep(1);
+    }
+    changer.join();
+    writer.join();
+    waitUntilDrained();
+    QCOMPARE(failed.load(), 0);
+    QVERIFY(written > 0);
+    QCOMPARE(count(QStringLiteral("caller = 0")), queued);
+    QCOMPARE(count(QStringLiteral("caller = 1")), written.load());
+    QCOMPARE(m_database->selectFromDatabase(table, false).first().toMap().size(), 2 + changes);
     QCOMPARE(m_log->takeDebugTexts(), QStringList());
 }
 
