@@ -3,6 +3,7 @@
 # built with the CMake package or, separately, with what pkg-config says.
 #   cmake -DBINARY_DIR=… -DSOURCE_DIR=… -DWORK_DIR=… -DLIB_DIR=… -DCXX=… -DCXX_FLAGS=… -DHOST=ON -P check.cmake
 cmake_minimum_required(VERSION 3.22)
+include("${CMAKE_CURRENT_LIST_DIR}/examples.cmake")
 
 # run(RESULT COMMAND...): runs a command that must succeed, and keeps what it prints.
 function(run result)
@@ -73,3 +74,10 @@ file(MAKE_DIRECTORY "${WORK_DIR}/plain")
 run(ignored "${CXX}" ${cxx_flags} "${SOURCE_DIR}/main.cpp" ${flags} "-Wl,-rpath,${prefix}/${LIB_DIR}"
     -o "${WORK_DIR}/plain/consumer")
 run_consumer("${WORK_DIR}/plain/consumer")
+
+# By pkg-config's words, which the CMake package's equal.
+check_header_examples("${prefix}" "${CXX}" ${cxx_flags} ${flags})
+if(HOST)
+    check_readme_host("${SOURCE_DIR}/../../README.md" "${prefix}"
+        "${SOURCE_DIR}/../../host/sample/packages/harbourpay.zip")
+endif()
