@@ -27,10 +27,8 @@ public:
 
     /**
      * Appends one entry to `<run path>/../log/quenzotool.log`, whose folder is made when it is missing: the
-     * local time in ISO 8601 with milliseconds, a blank, @p text as it stands, a line feed.
-     *
-     * A line within @p text that looks like the beginning of an entry, with such a time and a blank, gets a
-     * blank in front.
+     * local time in ISO 8601 with milliseconds, a blank, @p text as it stands but for a blank in front of
+     * each line within it that looks like the beginning of an entry (such a time and a blank), a line feed.
      *
      * Entries of several threads, and of several processes, never mix. The entry is handed to the system
      * before the function returns. A log that cannot be written is dropped in silence.

@@ -33,7 +33,7 @@
  * begun in it finds a child present and does nothing.
  * - Not every end is reported. An install that fails without a code in brackets, and a child that cannot be
  * started, report nothing: a host needs a time limit of its own. After a child that could not be started,
- * removals and uninstalls do nothing for the rest of the process.
+ * removals and uninstalls do nothing until a subclass calls Install().
  * - A task begun while a child runs is not refused: nothing is started and nothing is reported, but an
  * install whose removal is still at work goes on with the new task's file.
  * - Command lines are one text that is split into words: a path must hold no quotation mark, and a serial
