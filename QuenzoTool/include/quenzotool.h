@@ -40,7 +40,8 @@ public:
     /**
      * Runs a command line and waits for its end, at most 30 seconds; then it is killed, with every child of
      * it that has not gone into a process group of its own. The same happens to one that prints more than
-     * 64 MiB, both streams together. Blocks the calling thread.
+     * 64 MiB, both streams together. It has no terminal: on POSIX a question that it puts to /dev/tty fails
+     * at once. Blocks the calling thread.
      *
      * @param command program and arguments in one string; double quotation marks keep blanks together
      * @param[out] output what the program had written to its standard output, as UTF-8

@@ -3,10 +3,12 @@
 
 #include "messagelog.h"
 #include "runroot.h"
+#include "terminal.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QLoggingCategory>
+#include <QProcess>
 #include <QtTest>
 
 #include <limits>
@@ -56,6 +58,7 @@ private Q_SLOTS:
     void causesOfFailureAreLoggedWhenAskedFor_data();
     void causesOfFailureAreLoggedWhenAskedFor();
     void hostsBlockedSignalsReachTheCommand();
+    void commandThatAsksTheTerminalIsNotStopped();
 
     void currentTimeFollowsTheFormat();
 
@@ -291,6 +294,21 @@ void tst_QuenzoTool::hostsBlockedSignalsReachTheCommand()
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     QVERIFY(finished);
     QCOMPARE(output, QString());
+}
+
+void tst_QuenzoTool::commandThatAsksTheTerminalIsNotStopped()
+{
+    Terminal terminal;
+    QProcess host;
+    host.setStandardInputFile(terminal.path());
+    // The host has the terminal for its own: the shell before it could not open it otherwise.
+    host.start(QStringLiteral("setsid"),
+               {QStringLiteral("--ctty"), QStringLiteral("sh"), QStringLiteral("-c"),
+                QStringLiteral(": </dev/tty && exec \"$0\" run \"$1\""), QStringLiteral(BASEHOST),
+                QStringLiteral("sh -c \"read answer </dev/tty; echo done\"")});
+    QVERIFY(host.waitForFinished(60000));
+    QCOMPARE(host.exitCode(), 0);
+    QCOMPARE(host.readAllStandardOutput(), QByteArray("done\n"));
 }
 
 void tst_QuenzoTool::currentTimeFollowsTheFormat()

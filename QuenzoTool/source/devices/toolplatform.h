@@ -6,7 +6,8 @@
 
 /**
  * Called in a child before its program: signals that the host holds back are none of its business. With a
- * group of its own it also ends when the thread that began it is gone, where the system can see to that.
+ * group of its own it has no terminal, and also ends when the thread that began it is gone, where the system
+ * can see to that.
  */
 void prepareToolChild(bool ownGroup);
 

@@ -14,7 +14,8 @@ void prepareToolChild(bool ownGroup)
     sigprocmask(SIG_SETMASK, &none, nullptr);
     if (!ownGroup)
         return;
-    setpgid(0, 0);
+    // Not a group within the host's session: one that is not in front is stopped when it asks the terminal.
+    setsid();
 #ifdef Q_OS_LINUX
     prctl(PR_SET_PDEATHSIG, SIGKILL);
 #endif

@@ -15,7 +15,7 @@ public:
 
     enum Group {
         Shared, ///< ends with its host at Ctrl-C
-        Own ///< can be ended with all its children, and ends when the thread that began it does
+        Own ///< can be ended with all its children, ends with the thread that began it, and has no terminal
     };
 
     explicit ToolProcess(Group group);
