@@ -308,27 +308,35 @@ void tst_ThreadCommon::outputElsewhereKeepsExceptDir()
 
 void tst_ThreadCommon::outputInsideTheSourceAsDescribed()
 {
-    m_target = m_source + "/out";
-    write(m_source + "/folder/file", "moved");
+    makeFolder(m_source + "/a");
+    makeFolder(m_source + "/b");
+    // The output gets the mode 0002 when its turn comes, and a plain user brings nothing into it after that:
+    // it is the folder listed last.
+    const QStringList listed =
+        QDir(QFile::decodeName(m_source)).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
+    const QByteArray folder = QFile::encodeName(listed.first());
+    const QByteArray out = QFile::encodeName(listed.last());
+    m_target = m_source + '/' + out;
+    write(m_source + '/' + folder + "/file", "moved");
     write(m_target + "/old.txt", "old");
     write(m_target + "/apk/game.apk", "game");
     Worker worker;
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(true));
-    QCOMPARE(TreeFiles::content(m_source),
-             Tree({{"out", "folder"},
-                   {"out/apk", "folder"},
-                   {"out/apk/game.apk", "file game"},
-                   {"out/folder", "folder"},
-                   {"out/folder/file", "file moved"},
-                   {"out/out", "folder"},
-                   {"out/out/old.txt", "file old"}}));
-    QCOMPARE(worker.m_exceptDir, QFile::decodeName(m_target + "/out/out"));
-    // The inner walk gave up at its first file, whichever was listed first.
-    QCOMPARE(RunRoot::log().count("Copy Fail:"), 1);
-    const QByteArray inner = "\r\nDest:" + m_target + "/out/";
-    QVERIFY2(RunRoot::log().contains(inner), RunRoot::log().constData());
     QCOMPARE(TreeFiles::mode(m_target), 0002);
     chmod(m_target.constData(), 0755);
+    QCOMPARE(TreeFiles::content(m_source),
+             Tree({{out, "folder"},
+                   {out + "/apk", "folder"},
+                   {out + "/apk/game.apk", "file game"},
+                   {out + '/' + folder, "folder"},
+                   {out + '/' + folder + "/file", "file moved"},
+                   {out + '/' + out, "folder"},
+                   {out + '/' + out + "/old.txt", "file old"}}));
+    QCOMPARE(worker.m_exceptDir, QFile::decodeName(m_target + '/' + out + '/' + out));
+    // The inner walk gave up at its first file, whichever was listed first.
+    QCOMPARE(RunRoot::log().count("Copy Fail:"), 1);
+    const QByteArray inner = "\r\nDest:" + m_target + '/' + out + '/';
+    QVERIFY2(RunRoot::log().contains(inner), RunRoot::log().constData());
 }
 
 void tst_ThreadCommon::foldersOfTheOutputStay()
