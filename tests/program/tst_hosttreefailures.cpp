@@ -31,6 +31,8 @@ private Q_SLOTS:
     void namesWithLineBreaksStayInOneLine();
     void fullDisksAreTold();
     void missingRightsAreTold();
+    void whatEndedTheRunIsToldFirst_data();
+    void whatEndedTheRunIsToldFirst();
     void uselessCallsAreExplained_data();
     void uselessCallsAreExplained();
     void workThatCannotStartIsReported_data();
@@ -38,6 +40,9 @@ private Q_SLOTS:
     void aDeletedCurrentFolderIsNotTheRoot_data();
     void aDeletedCurrentFolderIsNotTheRoot();
     void emptyNamesAreRefused();
+
+private:
+    QByteArray makePipeListedAfter(const QByteArray& folder) const;
 };
 
 void tst_HostTreeFailures::uselessCallsAreExplained_data()
@@ -294,6 +299,62 @@ void tst_HostTreeFailures::missingRightsAreTold()
     QCOMPARE(unreadable.code, 1);
     QVERIFY2(unreadable.error.contains("/source/file' could not be copied"), unreadable.error.constData());
     QVERIFY2(unreadable.error.contains("Permission denied"), unreadable.error.constData());
+}
+
+void tst_HostTreeFailures::whatEndedTheRunIsToldFirst_data()
+{
+    QTest::addColumn<QString>("call");
+    for (const char* call : {"cut source target", "output source target"})
+        QTest::newRow(call) << QString::fromLatin1(call);
+}
+
+// What was copied before is removed, or not, after the entry that cannot be copied has ended the run.
+void tst_HostTreeFailures::whatEndedTheRunIsToldFirst()
+{
+    QFETCH(QString, call);
+    for (int i = 0; i < 7; ++i)
+        write(m_root + "/source/locked/file" + QByteArray::number(i));
+    const QByteArray pipe = makePipeListedAfter("/source/locked");
+    QVERIFY2(!pipe.isEmpty(), "no name is listed after the folder");
+    giveToPlainUser();
+    const QByteArray locked = m_root + "/source/locked";
+    chmod(locked.constData(), 0555);
+    const Ended outcome = runPlainly(qPrintable(call));
+    chmod(locked.constData(), 0755);
+    QCOMPARE(outcome.code, 1);
+    const QList<QByteArray> lines = outcome.error.split('\n');
+    QCOMPARE(lines.first(),
+             "quenzo: '" + pipe + "' could not be copied to '" + m_root + "/target/"
+                 + pipe.mid(pipe.lastIndexOf('/') + 1) + "': it is neither a file nor a folder");
+    QCOMPARE(lines.size(), 7);
+    for (const QByteArray& line : lines.mid(1, 4))
+        QVERIFY2(line.contains("could not be removed: Permission denied"), line.constData());
+    QCOMPARE(lines.at(5), QByteArray("and 3 more like these"));
+}
+
+// The order of a folder's entries is the file system's: by the names, or by when they were made.
+QByteArray tst_HostTreeFailures::makePipeListedAfter(const QByteArray& folder) const
+{
+    const QByteArray parent = m_root + folder.left(folder.lastIndexOf('/'));
+    const QString before = QFile::decodeName(folder.mid(folder.lastIndexOf('/') + 1));
+    for (int i = 0; i < 64; ++i) {
+        const QByteArray pipe = parent + "/pipe" + QByteArray::number(i);
+        const bool folderLast = i % 2 == 1;
+        const QByteArray aside = m_root + "/aside";
+        if (folderLast && rename(QByteArray(m_root + folder).constData(), aside.constData()) != 0)
+            return {};
+        if (mkfifo(pipe.constData(), 0644) != 0)
+            return {};
+        if (folderLast && rename(aside.constData(), QByteArray(m_root + folder).constData()) != 0)
+            return {};
+        const QStringList names =
+            QDir(QFile::decodeName(parent))
+                .entryList(QDir::Dirs | QDir::Files | QDir::System | QDir::NoDotAndDotDot, QDir::Unsorted);
+        if (names.last() != before)
+            return pipe;
+        unlink(pipe.constData());
+    }
+    return {};
 }
 
 QTEST_GUILESS_MAIN(tst_HostTreeFailures)

@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QLocale>
 
+#include <algorithm>
 #include <unistd.h>
 
 namespace {
@@ -53,6 +54,33 @@ QByteArray linkToTarget(TreeScope scope, const QByteArray& target)
         return TreeScope::Stop;
     });
     return found;
+}
+
+// What a move goes on behind: it was copied, but is still in the source.
+bool isPassedOver(const QString& cause)
+{
+    const QString verb = QStringLiteral("' could not be ");
+    const QStringRef what = cause.midRef(cause.lastIndexOf(verb) + verb.size());
+    return what.startsWith(QLatin1String("removed: ")) || what.startsWith(QLatin1String("emptied: "));
+}
+
+// The settling of a move comes after what ended it, and a move into the source passes over other failures
+// before.
+QStringList withTheEndingFirst(QStringList causes)
+{
+    const auto ending = std::find_if_not(causes.rbegin(), causes.rend(), isPassedOver);
+    if (ending != causes.rend())
+        causes.prepend(causes.takeAt(static_cast<int>(causes.rend() - ending) - 1));
+    return causes;
+}
+
+QStringList shortened(const QStringList& causes)
+{
+    constexpr int most = 5;
+    QStringList lines = causes.mid(0, most);
+    if (causes.size() > most)
+        lines.append(TreeOperations::tr("and %1 more like these").arg(causes.size() - most));
+    return lines;
 }
 
 } // namespace
@@ -134,18 +162,16 @@ bool TreeOperation::finishOutput(Console& console, const TreeRightsKeeper& right
     return start(console, m_left + QStringList(first)) && TreeCount::of(m_scope).files == 0;
 }
 
-// A move into the source passes over some failures before the one that ends it: that comes late.
 QStringList TreeOperation::causes() const
 {
-    constexpr int most = 5;
-    return m_causes.mid(qMax(0, m_causes.size() - most));
+    return shortened(m_causes);
 }
 
 bool TreeOperation::fail(Console& console) const
 {
     if (!m_started)
         return false;
-    const QStringList lines = causes();
+    const QStringList lines = shortened(withTheEndingFirst(m_causes));
     if (lines.isEmpty())
         console.error(TreeOperations::tr("not everything has come to '%1'; the rest is in '%2'")
                           .arg(m_paths.target, m_paths.source));

@@ -30,7 +30,7 @@ public:
     /** After a move: the files that are still in the source, though they should not. */
     TreeCount left() const { return TreeCount::of(m_scope); }
 
-    /** What the library could not do, line by line, if anything; the last of it when there is much. */
+    /** What the library could not do, line by line, if anything; the first of it when there is much. */
     QStringList causes() const;
 
 private:
