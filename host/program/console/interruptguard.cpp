@@ -13,12 +13,8 @@ bool isIgnored(int signal)
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-// As endings, every signal that ends a program and can wait: no fault of its own, and none that merely stops
-// it.
-QVector<int> numbersOf(InterruptGuard::Signals held)
+QVector<int> endings()
 {
-    if (held == InterruptGuard::Requests)
-        return {SIGINT, SIGTERM, SIGHUP};
     QVector<int> all{SIGINT,  SIGTERM, SIGHUP,  SIGQUIT,   SIGALRM, SIGUSR1,
                      SIGUSR2, SIGPIPE, SIGPROF, SIGVTALRM, SIGXCPU, SIGXFSZ};
 #ifdef __linux__
@@ -31,9 +27,9 @@ QVector<int> numbersOf(InterruptGuard::Signals held)
 
 } // namespace
 
-InterruptGuard::InterruptGuard(std::function<void()> putInOrder, Signals held)
+InterruptGuard::InterruptGuard(std::function<void()> putInOrder)
     : m_putInOrder(std::move(putInOrder))
-    , m_numbers(numbersOf(held))
+    , m_numbers(endings())
 {
     sigemptyset(&m_signals);
     for (const int signal : m_numbers) {

@@ -10,16 +10,13 @@
 
 /**
  * While it lives, a signal that would end the program is held back until something has been put in order;
- * then the program ends by it. To be made before the threads that shall not receive the signal, and with a
- * running event loop.
+ * then the program ends by it. Held back is every signal that can wait: no fault of the program's own, and
+ * none that merely stops it. To be made before the threads that shall not receive the signal, and with a
+ * running event loop. The tools that the library starts meanwhile get every signal.
  */
 class InterruptGuard {
 public:
-    /** Requests are what a person or a system sends; programs that are started meanwhile hold them back, too.
-     */
-    enum Signals { Requests, Endings };
-
-    explicit InterruptGuard(std::function<void()> putInOrder, Signals held = Requests);
+    explicit InterruptGuard(std::function<void()> putInOrder);
     ~InterruptGuard();
     InterruptGuard(const InterruptGuard&) = delete;
     InterruptGuard& operator=(const InterruptGuard&) = delete;

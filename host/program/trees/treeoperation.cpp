@@ -142,7 +142,7 @@ bool TreeOperation::start(Console& console, const QStringList& left)
 bool TreeOperation::runOutput(Console& console)
 {
     const TreeRightsKeeper rights(m_scope.top);
-    const InterruptGuard guard([&rights] { rights.restore(); }, InterruptGuard::Endings);
+    const InterruptGuard guard([&rights] { rights.restore(); });
     const bool done = start(console, m_left) || finishOutput(console, rights);
     rights.restore();
     return done;
