@@ -26,6 +26,8 @@ private Q_SLOTS:
     void wrongNumberOfArgumentsIsAUsageError();
     void namesWithAColonAreFilesAndNotResources();
     void countsFollowLinksAsTheLibraryDoes();
+    void movedFilesCountOnce_data();
+    void movedFilesCountOnce();
     void countsHoldNamesThatAreNoText();
     void countsAreRightForOneFile();
     void plansAreToldAndNotDone_data();
@@ -124,6 +126,32 @@ void tst_HostTrees::countsFollowLinksAsTheLibraryDoes()
     const Ended moved = run("cut --json source second");
     QCOMPARE(moved.json().value(QStringLiteral("files")), QJsonValue(3));
     QCOMPARE(moved.json().value(QStringLiteral("bytes")), QJsonValue(6));
+}
+
+void tst_HostTrees::movedFilesCountOnce_data()
+{
+    QTest::addColumn<QString>("call");
+    for (const char* call : {"cut source target --dry-run", "cut source target", "output source target"})
+        QTest::newRow(call) << QString::fromLatin1(call);
+}
+
+// The first of two links to a folder empties it.
+void tst_HostTrees::movedFilesCountOnce()
+{
+    QFETCH(QString, call);
+    write(m_root + "/elsewhere/one", "1");
+    write(m_root + "/elsewhere/deep/two", "22");
+    write(m_root + "/source/three", "333");
+    TreeFiles::makeLink("../elsewhere", m_root + "/source/link");
+    TreeFiles::makeLink("../elsewhere", m_root + "/source/same");
+    const Ended moved = run(qPrintable(call + QStringLiteral(" --json")));
+    QCOMPARE(moved.error, QByteArray());
+    QCOMPARE(moved.json().value(QStringLiteral("files")), QJsonValue(3));
+    QCOMPARE(moved.json().value(QStringLiteral("bytes")), QJsonValue(6));
+    if (!call.endsWith(QLatin1String("--dry-run"))) {
+        const auto arrived = TreeFiles::content(m_root + "/target").values();
+        QCOMPARE(arrived.size() - arrived.count("folder"), 3);
+    }
 }
 
 void tst_HostTrees::countsHoldNamesThatAreNoText()

@@ -67,6 +67,7 @@ ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Conso
     if (parser.isSet(dryRunOption)) {
         TreeScope scope{QFile::encodeName(paths.realSource)};
         scope.left = left;
+        scope.emptied = operate != OPERATE_COPY;
         if (paths.isNested())
             scope.apart = identityOf(paths.realTarget);
         return tellPlan(scope, QFile::encodeName(paths.realTarget), console);

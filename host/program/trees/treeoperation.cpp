@@ -93,6 +93,7 @@ TreeOperation::TreeOperation(THREAD_OPERATE operate, const TreePaths& paths, con
     , m_scope{QFile::encodeName(paths.realSource)}
 {
     m_scope.left = left;
+    m_scope.emptied = operate != OPERATE_COPY;
 }
 
 TreeOperation::~TreeOperation() = default;

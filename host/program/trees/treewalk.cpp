@@ -2,6 +2,7 @@
 #include "trees/treewalk.h"
 
 #include <QFile>
+#include <QSet>
 #include <QVector>
 
 #include <algorithm>
@@ -51,7 +52,11 @@ private:
         if (step == TreeScope::Stop)
             return false;
         const bool enters = entry.isFolder() && !entry.leadsBack && !(id == m_scope.apart);
-        return step == TreeScope::PassBy || !enters || enter(entry.path + '/', id);
+        if (step == TreeScope::PassBy || !enters || (m_scope.emptied && m_entered.contains(id)))
+            return true;
+        if (m_scope.emptied)
+            m_entered.insert(id);
+        return enter(entry.path + '/', id);
     }
 
     // At once, and no folder stays open: trees can be deeper than a process may have files open.
@@ -88,6 +93,7 @@ private:
     const TreeScope& m_scope;
     const Visit& m_visit;
     QVector<FileIdentity> m_within;
+    QSet<FileIdentity> m_entered;
 };
 
 } // namespace

@@ -33,6 +33,7 @@ struct TreeScope {
     Links links = Followed;
     FileIdentity apart = {}; ///< a folder in the tree that is not entered
     bool filesToo = true;
+    bool emptied = false; ///< a move leaves nothing for a second way to a folder, which is not entered again
     QStringList left = {}; ///< names directly in the folder that are passed by, in any case
 
     /** Visits every entry, a folder before what is in it; false when the visitor said to stop. */
