@@ -11,7 +11,8 @@
 
 /**
  * Removes a folder with everything in it, and nothing else: every step is relative to the handle of a folder
- * and follows no link, so that whoever writes to the tree meanwhile leads it nowhere.
+ * and follows no link, so that whoever writes to the tree meanwhile leads it nowhere. The library's removal
+ * first makes files writable, also those behind links: this one changes no rights, and tells why it failed.
  */
 class TreeRemoval {
 public:
