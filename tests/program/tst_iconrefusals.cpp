@@ -46,6 +46,8 @@ private Q_SLOTS:
     void missingInputIsNamed();
     void badUsageExitsWithTwo_data();
     void badUsageExitsWithTwo();
+    void missingOptionsAreNamedTogether_data();
+    void missingOptionsAreNamedTogether();
 };
 
 void tst_IconRefusals::whatItReadsIsNeverCleared_data()
@@ -397,6 +399,27 @@ void tst_IconRefusals::badUsageExitsWithTwo()
     QVERIFY(!ended.error.isEmpty());
     QCOMPARE(ended.output, QByteArray());
     QCOMPARE(filesBelow(out()), words("kept"));
+}
+
+void tst_IconRefusals::missingOptionsAreNamedTogether_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("missing");
+    const auto row = [](const char* arguments, const char* missing) {
+        QTest::newRow(missing) << words(arguments) << QByteArray(missing);
+    };
+    row("channels.json", "--icon --marks --out --platform");
+    row("channels.json --marks marks --platform ios", "--icon --out");
+    row("channels.json --icon game.png --marks marks --out out", "--platform");
+}
+
+void tst_IconRefusals::missingOptionsAreNamedTogether()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const QByteArray, missing);
+    const Ended ended = quenzo(words("icons") + arguments);
+    QCOMPARE(ended.code, 2);
+    QCOMPARE(ended.error, "quenzo: icons: missing: " + missing + '\n');
 }
 
 QTEST_GUILESS_MAIN(tst_IconRefusals)

@@ -28,10 +28,13 @@ struct IconCommands {
 // Reads the options; an empty text means they are complete and sound.
 QString readOptions(const QCommandLineParser& parser, IconJob& job)
 {
+    QStringList missing;
     for (const char* required : {"icon", "marks", "out", "platform"}) {
         if (parser.value(QLatin1String(required)).isEmpty())
-            return IconCommands::tr("--%1 is missing").arg(QLatin1String(required));
+            missing.append(QStringLiteral("--") + QLatin1String(required));
     }
+    if (!missing.isEmpty())
+        return IconCommands::tr("icons: missing: %1").arg(missing.join(QLatin1Char(' ')));
     const QString platform = parser.value(QStringLiteral("platform"));
     if (platform != QLatin1String("android") && platform != QLatin1String("ios"))
         return IconCommands::tr("--platform is android or ios, not '%1'").arg(platform);
