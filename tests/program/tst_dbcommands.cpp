@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "quenzoprocess.h"
 #include "terminal.h"
 
 #include <QFile>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -13,16 +11,6 @@
 #include <QtTest>
 
 #include <memory>
-
-namespace {
-
-struct Ended {
-    int code = -1;
-    QByteArray output;
-    QByteArray error;
-};
-
-} // namespace
 
 // The built program's commands db, encode and decode, on a real file.
 class tst_DBCommands : public QObject {
@@ -67,8 +55,9 @@ private Q_SLOTS:
 private:
     QString path() const { return m_folder->filePath(QStringLiteral("records.db")); }
     QStringList ask(const QString& sql) const;
-    static Ended quenzo(const QStringList& arguments, const QByteArray& input = {});
+    QStringList dbWords(const QStringList& arguments) const;
     Ended db(const QStringList& arguments, const QByteArray& input = {}) const;
+    static QStringList words(const QByteArray& line) { return QuenzoProcess::words(line.constData()); }
 
     std::unique_ptr<QTemporaryDir> m_folder;
 };
@@ -96,30 +85,15 @@ QStringList tst_DBCommands::ask(const QString& sql) const
     return answers;
 }
 
-Ended tst_DBCommands::quenzo(const QStringList& arguments, const QByteArray& input)
+QStringList tst_DBCommands::dbWords(const QStringList& arguments) const
 {
-    QProcess process;
-    process.start(QStringLiteral(QUENZO_PROGRAM), arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-        qFatal("quenzo did not end by itself: %s", process.readAllStandardError().constData());
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return QStringList{QStringLiteral("db"), QStringLiteral("--file"), path()} + arguments;
 }
 
 Ended tst_DBCommands::db(const QStringList& arguments, const QByteArray& input) const
 {
-    return quenzo(QStringList{QStringLiteral("db"), QStringLiteral("--file"), path()} + arguments, input);
+    return QuenzoProcess(dbWords(arguments)).end(input);
 }
-
-namespace {
-
-QStringList words(const QByteArray& text)
-{
-    return QString::fromUtf8(text).split(QLatin1Char(' '));
-}
-
-} // namespace
 
 void tst_DBCommands::pairsAreInsertedAsText()
 {
@@ -256,12 +230,12 @@ void tst_DBCommands::selectPrintsCsv()
 void tst_DBCommands::selectPrintsOneJsonObject()
 {
     ask(QStringLiteral("INSERT INTO channel(id) VALUES(1), (2)"));
-    const QJsonObject object = QJsonDocument::fromJson(db(words("select channel --json")).output).object();
+    const QJsonObject object = db(words("select channel --json")).json();
     QCOMPARE(object.value(QLatin1String("ok")).toBool(), true);
     QCOMPARE(object.value(QLatin1String("rows")).toArray().size(), 2);
     const Ended failed = db(words("select missing --json"));
     QCOMPARE(failed.code, 1);
-    const QJsonObject report = QJsonDocument::fromJson(failed.output).object();
+    const QJsonObject report = failed.json();
     QCOMPARE(report.value(QLatin1String("ok")).toBool(true), false);
     QVERIFY(
         report.value(QLatin1String("error")).toString().contains(QLatin1String("no such table: missing")));
@@ -300,12 +274,9 @@ void tst_DBCommands::terminalShowsATable()
     ask(QStringLiteral("INSERT INTO shown VALUES('x\x1by', NULL), ('', 12)"));
     const auto shownOn = [this](const char* line) {
         Terminal terminal;
-        QProcess process;
+        QuenzoProcess process(dbWords(words(line)));
         process.setStandardOutputFile(terminal.path());
-        process.start(QStringLiteral(QUENZO_PROGRAM),
-                      QStringList{QStringLiteral("db"), QStringLiteral("--file"), path()} + words(line));
-        return process.waitForFinished(60000) && process.exitCode() == 0 ? terminal.shown()
-                                                                         : QByteArray("failed");
+        return process.end().code == 0 ? terminal.shown() : QByteArray("failed");
     };
     const QByteArray table = shownOn("select shown");
     const QList<QByteArray> lines = table.split('\n');
@@ -532,11 +503,11 @@ void tst_DBCommands::badUsageExitsWithTwo()
 
 void tst_DBCommands::textsAreEncodedAndDecoded()
 {
-    QCOMPARE(quenzo({QStringLiteral("encode"), QStringLiteral("hello world")}).output,
+    QCOMPARE(QuenzoProcess({QStringLiteral("encode"), QStringLiteral("hello world")}).end().output,
              QByteArray("GasVGbg82d9ybGQ=\n"));
-    QCOMPARE(quenzo({QStringLiteral("decode"), QStringLiteral("GasVGbg82d9ybGQ=")}).output,
+    QCOMPARE(QuenzoProcess({QStringLiteral("decode"), QStringLiteral("GasVGbg82d9ybGQ=")}).end().output,
              QByteArray("hello world\n"));
-    const Ended tooShort = quenzo({QStringLiteral("encode"), QStringLiteral("ab")});
+    const Ended tooShort = QuenzoProcess({QStringLiteral("encode"), QStringLiteral("ab")}).end();
     QCOMPARE(tooShort.code, 0);
     QCOMPARE(tooShort.output, QByteArray("\n"));
     QVERIFY(tooShort.error.contains("less than four bytes"));
