@@ -15,10 +15,17 @@ private Q_SLOTS:
     void workingFolderBringsNoCode_data();
     void workingFolderBringsNoCode();
     void folderAsInputIsAFailure();
+    void assetsComeBackWithTheirKeyOnly();
+    void emptyNameOfAKeyIsRefused_data();
+    void emptyNameOfAKeyIsRefused();
 
 private:
     QString path(const char* name) const { return m_folder.filePath(QLatin1String(name)); }
     void write(const char* name, const QByteArray& content) const;
+    QByteArray read(const char* name) const;
+    void writeKey(const char* name, char digit) const;
+    Ended run(const QStringList& words) const;
+    Ended run(const char* line) const { return run(QuenzoProcess::words(line)); }
 
     QTemporaryDir m_folder;
 };
@@ -135,6 +142,70 @@ void tst_ScriptCommands::folderAsInputIsAFailure()
         QByteArray("quenzo: good did not answer \"param\" (the Python interpreter could not be started: the "
                    "standard input is a folder)\n"));
     QCOMPARE(ended.code, 1);
+}
+
+QByteArray tst_ScriptCommands::read(const char* name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+void tst_ScriptCommands::writeKey(const char* name, char digit) const
+{
+    write(name, QByteArray(64, digit));
+    QVERIFY(QFile::setPermissions(path(name), QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+}
+
+// Under a person who has no key yet.
+Ended tst_ScriptCommands::run(const QStringList& words) const
+{
+    QuenzoProcess process(words, m_folder.path());
+    process.setVariable("XDG_DATA_HOME", path("data"));
+    process.setVariable("QUENZO_KEY", QString());
+    return process.end();
+}
+
+void tst_ScriptCommands::assetsComeBackWithTheirKeyOnly()
+{
+    write("game/assets/story", "once upon a time");
+    writeKey("one.key", '1');
+    writeKey("two.key", '2');
+    QCOMPARE(run("pack game game.apk").code, 0);
+    const Ended encrypted = run("encrypt --key one.key game.apk");
+    QCOMPARE(encrypted.error, QByteArray());
+    QCOMPARE(encrypted.output, QByteArray("encrypted game.apk\n"));
+    const QByteArray package = read("game.apk");
+
+    const Ended wrong = run("decrypt game.apk --key two.key");
+    QCOMPARE(wrong.code, 1);
+    QVERIFY2(wrong.error.contains("was encrypted with the key"), wrong.error.constData());
+    QVERIFY2(wrong.error.endsWith("quenzo: decryption failed with answer 7\n"), wrong.error.constData());
+    const Ended without = run("decrypt game.apk --json");
+    QCOMPARE(without.code, 1);
+    QCOMPARE(without.json().value(QStringLiteral("result")), QJsonValue(5));
+    QCOMPARE(read("game.apk"), package);
+
+    const Ended decrypted = run("decrypt game.apk --key one.key");
+    QCOMPARE(decrypted.error, QByteArray());
+    QCOMPARE(decrypted.output, QByteArray("decrypted game.apk\n"));
+    QCOMPARE(run("unpack game.apk back").code, 0);
+    QCOMPARE(read("back/assets/story"), QByteArray("once upon a time"));
+    QVERIFY(!QFileInfo::exists(path("data")));
+}
+
+void tst_ScriptCommands::emptyNameOfAKeyIsRefused_data()
+{
+    QTest::addColumn<QString>("command");
+    for (const char* command : {"encrypt", "decrypt"})
+        QTest::newRow(command) << QString::fromLatin1(command);
+}
+
+void tst_ScriptCommands::emptyNameOfAKeyIsRefused()
+{
+    QFETCH(const QString, command);
+    const Ended ended = run({command, QStringLiteral("--key="), path("script.py")});
+    QCOMPARE(ended.code, 2);
+    QCOMPARE(ended.error, QByteArray("quenzo: --key takes the name of a file\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_ScriptCommands)

@@ -5,19 +5,28 @@
 #include "console/diagnostics.h"
 #include "console/worker.h"
 
+#include <pythonforqt.h>
 #include <pythontoolthread.h>
+#include <quenzobase.h>
 #include <quenzotool.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QThread>
+
+#include <functional>
+#include <memory>
 
 namespace {
 
 struct ScriptCommands {
     Q_DECLARE_TR_FUNCTIONS(ScriptCommands)
 };
+
+const QString keyOption = QStringLiteral("key");
 
 struct Outcome {
     bool began = true; // what kept it from beginning has been reported
@@ -103,19 +112,70 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
         outcome);
 }
 
-ExitCode encryptApk(const QCommandLineParser& parser, Console& console)
+/** Decrypts on a thread of its own: the library has a task for the way there only. */
+Outcome runDecryption(Console& console, const QString& apk)
+{
+    Outcome outcome;
+    if (!QuenzoTool::initPythonEnv()) {
+        outcome.diagnostics = Diagnostics::take();
+        return outcome;
+    }
+    int answer = -1;
+    const std::unique_ptr<QThread> worker(QThread::create([&answer, &apk] {
+        const QString runPath = QuenzoBase::getRunPath();
+        PythonForQt python;
+        python.callScript(runPath + QStringLiteral("/../Script/encrypt.py"), QStringLiteral("decryptApk"),
+                          {runPath, apk}, true);
+        answer = python.getResultAsInt();
+    }));
+    outcome.began = runWorker(*worker, console, [] { return ScriptCommands::tr("decrypting"); });
+    outcome.diagnostics = Diagnostics::take();
+    outcome.succeeded = answer == 0;
+    outcome.values.insert(QStringLiteral("result"), answer);
+    return outcome;
+}
+
+/** Calls what works on the assets of the APK, after the key's file has been named to the script. */
+ExitCode workOnAssets(const QCommandLineParser& parser, Console& console,
+                      const std::function<Outcome(const QString& apk)>& work, const QString& doneText,
+                      const QString& failedText)
 {
     const QString apk = parser.positionalArguments().at(1);
+    if (parser.isSet(keyOption)) {
+        const QString key = parser.value(keyOption);
+        // An empty name would mean the person's own key.
+        if (key.isEmpty()) {
+            console.error(ScriptCommands::tr("--key takes the name of a file"));
+            return ExitUsage;
+        }
+        qputenv("QUENZO_KEY", QFile::encodeName(key)); // the interpreter reads it when it starts
+    }
     if (!exists(console, apk))
         return ExitFailed;
-    const Outcome outcome = runTask(console, PYTHON_TOOL_ENCRYPT, {{QStringLiteral("apkfile"), apk}},
-                                    ScriptCommands::tr("encrypting"));
+    const Outcome outcome = work(apk);
     const int answer = outcome.values.value(QStringLiteral("result"), -1).toInt();
     console.set(QStringLiteral("result"), answer);
     if (!outcome.succeeded)
-        return fail(console, ScriptCommands::tr("encryption failed with answer %1").arg(answer), outcome);
-    console.print(ScriptCommands::tr("encrypted %1").arg(apk));
+        return fail(console, failedText.arg(answer), outcome);
+    console.print(doneText.arg(apk));
     return ExitDone;
+}
+
+ExitCode encryptApk(const QCommandLineParser& parser, Console& console)
+{
+    const auto work = [&console](const QString& apk) {
+        return runTask(console, PYTHON_TOOL_ENCRYPT, {{QStringLiteral("apkfile"), apk}},
+                       ScriptCommands::tr("encrypting"));
+    };
+    return workOnAssets(parser, console, work, ScriptCommands::tr("encrypted %1"),
+                        ScriptCommands::tr("encryption failed with answer %1"));
+}
+
+ExitCode decryptApk(const QCommandLineParser& parser, Console& console)
+{
+    const auto work = [&console](const QString& apk) { return runDecryption(console, apk); };
+    return workOnAssets(parser, console, work, ScriptCommands::tr("decrypted %1"),
+                        ScriptCommands::tr("decryption failed with answer %1"));
 }
 
 ExitCode packFolder(const QCommandLineParser& parser, Console& console)
@@ -212,6 +272,8 @@ QVector<Command> scriptCommands()
     const auto option = [](const char* name, const QString& description, const QString& value = {}) {
         return QCommandLineOption(QLatin1String(name), description, value);
     };
+    const QCommandLineOption key =
+        option("key", C::tr("The key's file, instead of QUENZO_KEY or your own."), QStringLiteral("FILE"));
     const Argument apk{QStringLiteral("APK"), C::tr("the APK file")};
     const Argument folder{QStringLiteral("FOLDER"), C::tr("the folder")};
     const Argument archive{QStringLiteral("ARCHIVE"), C::tr("the archive file")};
@@ -222,7 +284,16 @@ QVector<Command> scriptCommands()
          {{QStringLiteral("PACKAGE"), C::tr("the package file")}, dest},
          {option("sdk-id", C::tr("Refuses a package of another SDK number."), QStringLiteral("N"))},
          importPackage},
-        {QStringLiteral("encrypt"), C::tr("encrypts the assets of an APK in place"), {apk}, {}, encryptApk},
+        {QStringLiteral("encrypt"),
+         C::tr("encrypts the assets of an APK in place"),
+         {apk},
+         {key},
+         encryptApk},
+        {QStringLiteral("decrypt"),
+         C::tr("gives the assets of an encrypted APK their bytes back"),
+         {apk},
+         {key},
+         decryptApk},
         {QStringLiteral("pack"),
          C::tr("packs a folder into an archive"),
          {folder, archive},
