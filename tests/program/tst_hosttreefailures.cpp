@@ -180,7 +180,7 @@ void tst_HostTreeFailures::failuresTellTheirCause_data()
         };
         row("dangling", "dangling/link", "the link leads nowhere");
         row("special", "special/pipe", "it is neither a file nor a folder");
-        row("overlaid", "overlaid/y", "File exists");
+        row("overlaid", "overlaid/y", "Is a directory");
     }
 }
 
