@@ -69,6 +69,8 @@ private Q_SLOTS:
     void fileWithTwoNamesIsOverwrittenUnderBoth();
     void fullDiskEndsWithWholeFilesOnly();
     void overwritingGoesThroughLinks();
+    void linkThatLeadsNowhereIsWrittenAsQtWritesIt_data();
+    void linkThatLeadsNowhereIsWrittenAsQtWritesIt();
 
 private:
     std::unique_ptr<MessageLog> m_log;
@@ -373,6 +375,53 @@ void tst_IconFiles::overwritingGoesThroughLinks()
     job.run({channel("None", "a")});
     QVERIFY(QFileInfo(job.out(QStringLiteral("a/icon48x48.png"))).isSymLink());
     QCOMPARE(QImage(job.path(QStringLiteral("shared.png"))).size(), QSize(48, 48));
+}
+
+void tst_IconFiles::linkThatLeadsNowhereIsWrittenAsQtWritesIt_data()
+{
+    QTest::addColumn<QByteArray>("target");
+    QTest::addColumn<bool>("written");
+    QTest::newRow("beside it") << QByteArray("absent.png") << true;
+    QTest::newRow("in another folder") << QByteArray("../other/absent.png") << true;
+    QTest::newRow("by another link") << QByteArray("link") << true;
+    QTest::newRow("in a folder behind a link") << QByteArray("../linked/absent.png") << true;
+    QTest::newRow("in an absent folder") << QByteArray("../absent/absent.png") << false;
+    QTest::newRow("to itself") << QByteArray("icon48x48.png") << false;
+}
+
+void tst_IconFiles::linkThatLeadsNowhereIsWrittenAsQtWritesIt()
+{
+    QFETCH(const QByteArray, target);
+    QFETCH(const bool, written);
+    const auto prepare = [&](const Job& job) {
+        QDir().mkpath(job.out(QStringLiteral("a")));
+        QDir().mkpath(job.out(QStringLiteral("other")));
+        const QByteArray folder = QFile::encodeName(job.out());
+        return symlink(target.constData(), QByteArray(folder + "a/icon48x48.png").constData()) == 0
+            && symlink("../other/absent.png", QByteArray(folder + "a/link").constData()) == 0
+            && symlink("other", QByteArray(folder + "linked").constData()) == 0;
+    };
+    const auto state = [](const Job& job) {
+        QStringList entries;
+        QDirIterator all(job.out(), QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories);
+        while (all.hasNext()) {
+            all.next();
+            const QString path = all.filePath().mid(job.out().size());
+            if (!path.startsWith(QLatin1String("a/icon")) || path == QLatin1String("a/icon48x48.png"))
+                entries.append(path + (all.fileInfo().isSymLink() ? QStringLiteral(" link") : QString())
+                               + QString::number(QImage(all.filePath()).width()));
+        }
+        entries.sort();
+        return entries;
+    };
+    Job job;
+    Job plain;
+    QVERIFY(prepare(job) && prepare(plain));
+    QCOMPARE(photograph(48, 48).save(plain.out(QStringLiteral("a/icon48x48.png"))), written);
+    job.thread.setClearDirFirst(false);
+    job.run({channel("None", "a")});
+    QCOMPARE(state(job), state(plain));
 }
 
 QTEST_GUILESS_MAIN(tst_IconFiles)

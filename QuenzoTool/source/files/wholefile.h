@@ -9,9 +9,9 @@
  * Writes a file so that its name never stands for half of it, whenever the process dies: the file gets its
  * name once it is whole, and until then the name stays with what had it.
  *
- * A file that is there keeps its rights, and what a link leads to is replaced rather than the link. Where the
- * file has further names, or its folder takes no new files, it is written in place; what cannot be filled
- * then is emptied.
+ * A file that is there keeps its rights, and what a link leads to is replaced, or made, rather than the link.
+ * Where the file has further names, its folder takes no new files, or its rights cannot be given to another
+ * file, it is written in place; what cannot be filled then is emptied.
  *
  * @return why the file could not be written, in the system's words; empty when it is
  */

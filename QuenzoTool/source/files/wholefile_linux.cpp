@@ -6,7 +6,9 @@
 
 #include <QFile>
 
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
@@ -18,6 +20,13 @@ namespace {
 constexpr mode_t modeOfNewFiles = 0666;
 constexpr mode_t modeBits = 07777;
 constexpr int noRegularFile = -1;
+constexpr int undressed = -2; // the new file could not be given the rights of the old one
+constexpr int mostLinks = 40; // as many as the kernel follows
+
+int openUnnamed(const TreeFolder& folder)
+{
+    return openat(folder.handle(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, modeOfNewFiles);
+}
 
 // An error number, or 0; as each of the following.
 int fill(int file, const QByteArray& content)
@@ -53,25 +62,66 @@ int dress(int file, const struct stat* replaced)
     return owned && fchmod(file, replaced->st_mode & modeBits) == 0 ? 0 : errno;
 }
 
+int complete(int file, const QByteArray& content, const struct stat* replaced)
+{
+    if (const int error = fill(file, content))
+        return error;
+    return dress(file, replaced) == 0 ? 0 : undressed;
+}
+
+// Not every file system has unnamed files; without the folder /proc or a privilege they get no name on
+// others.
+bool isForWantOfUnnamedFiles(int error)
+{
+    return error == EOPNOTSUPP || error == EISDIR || error == EINVAL || error == ENOENT || error == EPERM;
+}
+
+// The n-th name that an unfinished file may have beside its own.
+QByteArray partName(const QByteArray& name, int number)
+{
+    return name + ".part" + (number == 0 ? QByteArray() : QByteArray::number(number));
+}
+
 // Makes a whole file beside the name, of a name that nothing has.
-int writeBeside(const TreeFolder& folder, const QByteArray& name, const QByteArray& content,
-                const struct stat* replaced, QByteArray& beside)
+int writeNamedBeside(const TreeFolder& folder, const QByteArray& name, const QByteArray& content,
+                     const struct stat* replaced, QByteArray& beside)
 {
     int file = -1;
     for (int number = 0; file < 0; ++number) {
-        beside = name + ".part" + (number == 0 ? QByteArray() : QByteArray::number(number));
+        beside = partName(name, number);
         file = openat(folder.handle(), beside.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC,
                       modeOfNewFiles);
         if (file < 0 && errno != EEXIST)
             return errno;
     }
-    int error = fill(file, content);
-    if (error == 0)
-        error = dress(file, replaced);
-    error = closed(file, error);
+    const int error = closed(file, complete(file, content, replaced));
     if (error != 0)
         unlinkat(folder.handle(), beside.constData(), 0);
     return error;
+}
+
+// The same, named as late as can be: a process that dies while it writes leaves nothing behind.
+int writeBeside(const TreeFolder& folder, const QByteArray& name, const QByteArray& content,
+                const struct stat* replaced, QByteArray& beside)
+{
+    const int file = openUnnamed(folder);
+    if (file < 0 && isForWantOfUnnamedFiles(errno))
+        return writeNamedBeside(folder, name, content, replaced, beside);
+    if (file < 0)
+        return errno;
+    int error = complete(file, content, replaced);
+    struct stat own { };
+    if (error == 0 && fstat(file, &own) != 0)
+        error = errno;
+    if (error != 0)
+        return closed(file, error);
+    int number = 0;
+    do {
+        beside = partName(name, number++);
+        error = giveName(file, {own.st_mode & modeBits, folder.handle(), beside.constData()});
+    } while (error == EEXIST);
+    error = closed(file, error);
+    return isForWantOfUnnamedFiles(error) ? writeNamedBeside(folder, name, content, replaced, beside) : error;
 }
 
 int replace(const TreeFolder& folder, const QByteArray& name, const QByteArray& content,
@@ -90,7 +140,7 @@ int replace(const TreeFolder& folder, const QByteArray& name, const QByteArray& 
 // Leaves nothing behind when the process dies, which a named file beside the name would be.
 int makeUnnamed(const TreeFolder& folder, const QByteArray& name, const QByteArray& content)
 {
-    const int file = openat(folder.handle(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, modeOfNewFiles);
+    const int file = openUnnamed(folder);
     if (file < 0)
         return errno;
     struct stat own { };
@@ -103,11 +153,8 @@ int makeUnnamed(const TreeFolder& folder, const QByteArray& name, const QByteArr
 int makeNew(const TreeFolder& folder, const QByteArray& name, const QByteArray& content)
 {
     const int error = makeUnnamed(folder, name, content);
-    // Not every file system has unnamed files; without the folder /proc or a privilege they get no name on
-    // others.
-    const bool untold = error == EOPNOTSUPP || error == EISDIR || error == EINVAL || error == ENOENT
-        || error == EPERM || error == EEXIST;
-    return untold ? replace(folder, name, content, nullptr) : error;
+    return isForWantOfUnnamedFiles(error) || error == EEXIST ? replace(folder, name, content, nullptr)
+                                                             : error;
 }
 
 int overwrite(const TreeFolder& folder, const QByteArray& name, const QByteArray& content)
@@ -133,22 +180,37 @@ int writeOver(const TreeFolder& folder, const QByteArray& name, const QByteArray
     if (present.st_nlink > 1)
         return overwrite(folder, name, content);
     const int error = replace(folder, name, content, &present);
-    return error == EACCES || error == EPERM ? overwrite(folder, name, content) : error;
+    return error == EACCES || error == EPERM || error == undressed ? overwrite(folder, name, content) : error;
+}
+
+// Where the path leads through links, of the file as of its folders; also where nothing is yet.
+QByteArray placeOf(QByteArray path)
+{
+    for (int links = 0; links < mostLinks; ++links) {
+        const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.constData(), nullptr),
+                                                               &std::free);
+        if (real != nullptr)
+            return real.get();
+        std::array<char, PATH_MAX> text{};
+        const ssize_t size = readlink(path.constData(), text.data(), text.size());
+        if (size <= 0)
+            return path;
+        const QByteArray target(text.data(), static_cast<int>(size));
+        path = target.startsWith('/') ? target : TreeFolder::parentPath(path) + '/' + target;
+    }
+    return path;
 }
 
 int writeTo(const QByteArray& path, const QByteArray& content)
 {
-    // Through links, of the file as of its folders.
-    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.constData(), nullptr), &std::free);
-    const QByteArray place = real != nullptr ? QByteArray(real.get()) : path;
+    const QByteArray place = placeOf(path);
     const TreeFolder folder = TreeFolder::open(TreeFolder::parentPath(place), TreeFolder::Writing);
     const QByteArray name = TreeFolder::lastName(place);
     if (!folder.isOpen())
         return errno;
     struct stat present { };
     if (fstatat(folder.handle(), name.constData(), &present, AT_SYMLINK_NOFOLLOW) == 0)
-        return S_ISLNK(present.st_mode) ? replace(folder, name, content, nullptr)
-                                        : writeOver(folder, name, content, present);
+        return S_ISLNK(present.st_mode) ? ELOOP : writeOver(folder, name, content, present);
     return errno == ENOENT ? makeNew(folder, name, content) : errno;
 }
 
