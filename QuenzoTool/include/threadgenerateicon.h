@@ -46,14 +46,16 @@ struct ST_CHANNEL_ICON {
  * cannot be made, a mark that cannot be loaded (the icon stays unmarked) and a file that cannot be written
  * are passed over; the logging category "quenzo.icons", off unless a host switches it on, tells the causes as
  * warnings. A file gets its name once it is whole, so that a full disk or the end of the process leaves what
- * stood there before; one with several names, or in a folder that takes no new files, is overwritten in
- * place. What is no regular file, like a pipe, is neither read nor written.
+ * stood there before; one with several names, with rights that cannot be given to another, or in a folder
+ * that takes no new files, is overwritten in place. What a link leads to is written, there or not. What is no
+ * regular file, like a pipe, is neither read nor written.
  *
  * Threads: the object is driven from the thread that made it, and left alone while it runs. run() encodes on
  * all cores, on threads of its own. Qt scales large pictures in the global thread pool, so a run waits while
  * the host's tasks fill that pool: let none of them wait for a run. Where the system gives no threads for
- * that a run touches nothing. Equal decorations are encoded once in a run, and files appear in any order;
- * where channels share a folder the later one's stay. The pictures must not change during a run.
+ * that a run touches nothing; an icon of at most 180 pixels a side needs none for iOS. Equal decorations are
+ * encoded once in a run, and files appear in any order; where channels share a folder the later one's stay.
+ * The pictures must not change during a run.
  *
  * Lifetime: destroy the object only after QThread::finished; the destructor neither stops nor waits for a
  * run. The same object may run again, with the same or new settings.

@@ -13,7 +13,9 @@
 #include <QImageReader>
 #include <QPainter>
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
 namespace {
 
@@ -60,6 +62,22 @@ QImage loadPicture(const QString& path, const char* title)
         qCWarning(iconsLog).noquote() << title << path << "cannot be loaded:" << reader.errorString();
     picture.setDevicePixelRatio(1);
     return picture;
+}
+
+// The bytes that the icon takes in memory, or the largest file that is scaled from it.
+qint64 largestPicture(const QString& gameIcon, int platform)
+{
+    const qint64 largestSide = platform == platformAndroid ? 192 : 180;
+    if (!QFileInfo(gameIcon).isFile())
+        return 0;
+    const QImageReader reader(gameIcon);
+    const QSize size = reader.size();
+    if (!size.isValid()) // not every format tells it beforehand
+        return std::numeric_limits<qint64>::max();
+    const QImage::Format format = reader.imageFormat();
+    const bool isUsual =
+        format != QImage::Format_Invalid && QImage::toPixelFormat(format).bitsPerPixel() <= 32;
+    return std::max(qint64(size.width()) * size.height(), largestSide * largestSide) * (isUsual ? 4 : 8);
 }
 
 // What the system takes the path for, where Qt would take back ".." by its text: a link in the place of the
@@ -118,6 +136,10 @@ void drawMark(QImage& icon, const QImage& mark, const Decoration& decoration)
 } // namespace
 
 struct ThreadGenerateIcon::Production {
+    explicit Production(qint64 largestPicture)
+        : writer(largestPicture)
+    {
+    }
     IconPlan plan;
     IconSetWriter writer;
 };
@@ -160,7 +182,7 @@ void ThreadGenerateIcon::run()
 {
     if (!QFile::exists(m_strGameIcon) || m_strOutputDir.isEmpty() || QDir::isRelativePath(m_strOutputDir))
         return;
-    Production production;
+    Production production(largestPicture(m_strGameIcon, m_nPlatform));
     if (!production.writer.isReady()) {
         qCWarning(iconsLog).noquote() << "no icon is made: the system gives no threads for it";
         return;

@@ -12,9 +12,9 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <functional>
 #include <memory>
-#include <sys/resource.h>
 
 using namespace IconPictures;
 using namespace IconRun;
@@ -34,6 +34,10 @@ private Q_SLOTS:
     void filesAreMadeWhereNoneIsUnnamed();
     void runEndsUntouchedWhereThreadsAreRefused_data();
     void runEndsUntouchedWhereThreadsAreRefused();
+    void smallIconNeedsNoFurtherThreads();
+    void threadsOfARunTakeNoSignals();
+    void fileWhoseRightsCannotBeGivenIsOverwritten_data();
+    void fileWhoseRightsCannotBeGivenIsOverwritten();
     void causesAreToldToWhoAsks_data();
     void causesAreToldToWhoAsks();
     void causesAreKeptFromWhoDoesNotAsk();
@@ -49,14 +53,10 @@ void tst_IconFaults::cleanup()
     QCOMPARE(m_log->takeWarnings(), QStringList());
 }
 
-// Run in a process of its own, which the system kills as soon as it writes beyond the limit.
-static int dieInTheLargestFile(const char* folder)
+// Run in a process of its own, which dies as soon as a file is filled.
+static int dieBeforeTheFirstName(const char* folder)
 {
-    const rlimit small{70000, 70000};
-    std::signal(SIGXFSZ, SIG_DFL);
-    const rlimit noCore{0, 0};
-    if (setrlimit(RLIMIT_FSIZE, &small) != 0 || setrlimit(RLIMIT_CORE, &noCore) != 0)
-        return 1;
+    FaultyCalls::actBeforeNth(FaultyCalls::ChangingMode, 1, [] { std::raise(SIGKILL); });
     const QString root = QFile::decodeName(folder);
     ThreadGenerateIcon thread;
     thread.setGameInfo(root + QStringLiteral("/game.png"), 3, 0, 0, android);
@@ -79,17 +79,16 @@ void tst_IconFaults::killedRunLeavesWholeFiles()
 {
     QFETCH(const bool, replacing);
     Job job;
-    const QString icon = job.out(QStringLiteral("a/icon512x512.png"));
-    if (replacing)
-        job.write(icon, "old");
+    for (const QString& name : replacing ? namesOf(android) : QStringList())
+        job.write(job.out(QStringLiteral("a/") + name), "old");
     QProcess child;
     child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--die"), job.path({})});
     QVERIFY(child.waitForFinished(60000));
     QCOMPARE(child.exitStatus(), QProcess::CrashExit);
-    QCOMPARE(child.exitCode(), SIGXFSZ);
-    QCOMPARE(QFileInfo::exists(icon), replacing);
-    if (replacing)
-        QCOMPARE(TreeFiles::read(QFile::encodeName(icon)), QByteArray("old"));
+    QCOMPARE(child.exitCode(), SIGKILL);
+    QCOMPARE(job.filesIn(QStringLiteral("a")), replacing ? namesOf(android) : QStringList());
+    for (const QString& name : job.filesIn(QStringLiteral("a")))
+        QCOMPARE(TreeFiles::read(QFile::encodeName(job.out(QStringLiteral("a/") + name))), QByteArray("old"));
 }
 
 void tst_IconFaults::filesAreMadeWhereNoneIsUnnamed()
@@ -123,6 +122,61 @@ void tst_IconFaults::runEndsUntouchedWhereThreadsAreRefused()
     QCOMPARE(job.filesIn({}), QStringList(QStringLiteral("kept")));
     job.run({channel("None", "a")});
     QCOMPARE(job.filesIn(QStringLiteral("a")), namesOf(android));
+}
+
+void tst_IconFaults::smallIconNeedsNoFurtherThreads()
+{
+    QThreadPool* const pool = QThreadPool::globalInstance();
+    const int before = pool->maxThreadCount();
+    pool->setMaxThreadCount(300);
+    Job job;
+    job.writePicture(job.icon, photograph(120, 120));
+    FaultyCalls::startCounting();
+    job.run({channel("None", "a")}, ios);
+    const int started = FaultyCalls::count(FaultyCalls::StartingThread);
+    FaultyCalls::failFromNth(FaultyCalls::StartingThread, 2, EAGAIN);
+    job.run({channel("None", "b")}, ios);
+    FaultyCalls::heal();
+    pool->setMaxThreadCount(before);
+    QVERIFY2(started <= 1 + QThread::idealThreadCount(), qPrintable(QString::number(started)));
+    QCOMPARE(differencesFrom(QImage(job.icon), job.out(QStringLiteral("b")), ios), QString());
+}
+
+void tst_IconFaults::threadsOfARunTakeNoSignals()
+{
+    Job job;
+    sigset_t signalsOfThread{};
+    // A thread begins with those blocked that its maker has blocked; the run's own is the first.
+    FaultyCalls::actBeforeNth(FaultyCalls::StartingThread, 2,
+                              [&] { pthread_sigmask(SIG_SETMASK, nullptr, &signalsOfThread); });
+    job.run({channel("None", "a")});
+    QVERIFY(FaultyCalls::wasHit());
+    for (const int signal : {SIGTERM, SIGINT, SIGUSR1, SIGCHLD})
+        QCOMPARE(sigismember(&signalsOfThread, signal), 1);
+}
+
+void tst_IconFaults::fileWhoseRightsCannotBeGivenIsOverwritten_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::addColumn<bool>("unnamed");
+    for (const int error : {EPERM, EOPNOTSUPP, ENOSYS}) {
+        QTest::addRow("%s, unnamed files", std::strerror(error)) << error << true;
+        QTest::addRow("%s, named files", std::strerror(error)) << error << false;
+    }
+}
+
+void tst_IconFaults::fileWhoseRightsCannotBeGivenIsOverwritten()
+{
+    QFETCH(const int, error);
+    QFETCH(const bool, unnamed);
+    Job job;
+    job.write(job.out(QStringLiteral("a/icon48x48.png")), QByteArray(100000, 'x'));
+    job.thread.setClearDirFirst(false);
+    FaultyCalls::allowUnnamedFiles(unnamed);
+    FaultyCalls::failFromNth(FaultyCalls::ChangingMode, 1, error);
+    job.run({channel("None", "a")});
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(differencesFrom(QImage(job.icon), job.out(QStringLiteral("a")), android), QString());
 }
 
 void tst_IconFaults::causesAreToldToWhoAsks_data()
@@ -201,7 +255,7 @@ int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
     if (argc == 3 && qstrcmp(argv[1], "--die") == 0)
-        return dieInTheLargestFile(argv[2]);
+        return dieBeforeTheFirstName(argv[2]);
     tst_IconFaults test;
     QTEST_SET_MAIN_SOURCE_PATH
     return QTest::qExec(&test, argc, argv);

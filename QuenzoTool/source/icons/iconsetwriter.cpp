@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "icons/iconsetwriter.h"
 
+#include "files/helperthread.h"
 #include "files/wholefile.h"
 #include "icons/pngencoder.h"
 #include "messages.h"
@@ -8,8 +9,8 @@
 #include <QThread>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <new>
-#include <system_error>
 
 namespace {
 
@@ -17,14 +18,27 @@ namespace {
 // memory.
 constexpr std::size_t mostWaiting = 16;
 
-template <typename Work> void startThreads(std::vector<std::thread>& threads, int wanted, const Work& work)
+// Starts as many threads as the system gives, up to a number.
+void startThreads(std::vector<std::thread>& threads, int wanted, const std::function<void()>& work)
 {
-    try {
-        while (wanted-- > 0)
-            threads.emplace_back(work);
-    } catch (const std::system_error&) {
-        // The system gives no more.
+    for (; wanted > 0; --wanted) {
+        std::thread thread = startHelperThread(work);
+        if (!thread.joinable())
+            return;
+        threads.push_back(std::move(thread));
     }
+}
+
+// How many threads of its pool Qt may want at once while every thread of ours scales or converts a picture.
+int threadsForQt(qint64 largestPicture)
+{
+    constexpr qint64 bytesATask = 65536;
+    const qint64 tasks = largestPicture / bytesATask;
+    // Qt splits no work into one task.
+    if (tasks < 2)
+        return 0;
+    const qint64 all = QThreadPool::globalInstance()->maxThreadCount();
+    return static_cast<int>(std::min(all, std::min(tasks, all) * (QThread::idealThreadCount() + 1)));
 }
 
 // Threads that do nothing until it ends: as many as the system gives, up to a number.
@@ -95,11 +109,12 @@ private:
     std::vector<Content> m_contents;
 };
 
-IconSetWriter::IconSetWriter()
+IconSetWriter::IconSetWriter(qint64 largestPicture)
 {
-    const int all = QThreadPool::globalInstance()->maxThreadCount();
-    const ParkedThreads forQt(all);
-    m_isReady = forQt.count() == all;
+    // Parked until ours have started, which must not take Qt's.
+    const int wanted = threadsForQt(largestPicture);
+    const ParkedThreads forQt(wanted);
+    m_isReady = forQt.count() == wanted;
     if (!m_isReady)
         return;
     startThreads(m_threads, QThread::idealThreadCount(), [this] {

@@ -28,7 +28,8 @@ struct IconFile {
  */
 class IconSetWriter {
 public:
-    IconSetWriter();
+    /** @param largestPicture the bytes of the largest picture that will be scaled or encoded */
+    explicit IconSetWriter(qint64 largestPicture);
     /** Waits for everything given so far. */
     ~IconSetWriter();
 
