@@ -22,7 +22,7 @@ const QString& runPath()
 // Whether a line begins like an entry: with a time as appendTime() writes it, and a blank.
 bool looksLikeEntry(const char* line, int size)
 {
-    constexpr QLatin1String form("0000-00-00T00:00:00.000 ");
+    const QLatin1String form("0000-00-00T00:00:00.000 ");
     if (size < form.size())
         return false;
     for (int i = 0; i < form.size(); ++i) {

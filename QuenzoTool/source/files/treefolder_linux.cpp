@@ -142,7 +142,7 @@ bool TreeFolder::list(QVector<TreeEntry>& entries) const
             if (record->d_type == DT_UNKNOWN)
                 lookedAt(entry);
             else
-                entry.kind = kindFrom(DTTOIF(record->d_type));
+                entry.kind = kindFrom(static_cast<mode_t>(DTTOIF(record->d_type)));
             entries.append(std::move(entry));
         }
     }
