@@ -4,11 +4,13 @@
 #include <threadcommon.h>
 
 #include "faultycalls.h"
+#include "messagelog.h"
 #include "runroot.h"
 #include "treefiles.h"
 #include "treeruns.h"
 
 #include <QDir>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -40,6 +42,8 @@ private Q_SLOTS:
     void sourcesThatCannotBeRemovedStay();
     void sourceThatChangedSinceItsCopyStays_data();
     void sourceThatChangedSinceItsCopyStays();
+    void sourceFolderThatChangedIsToldWithTheReason_data();
+    void sourceFolderThatChangedIsToldWithTheReason();
     void moveWithinAFullDiskSucceeds_data();
     void moveWithinAFullDiskSucceeds();
 
@@ -182,6 +186,39 @@ void tst_TreeMoves::sourceThatChangedSinceItsCopyStays()
                                                {"cut short", "as"}};
     QCOMPARE(left.value("folder/file7"), "file " + changed.value(change));
     QCOMPARE(content(m_target), before);
+}
+
+void tst_TreeMoves::sourceFolderThatChangedIsToldWithTheReason_data()
+{
+    QTest::addColumn<bool>("replaced");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("gone") << false << QStringLiteral("No such file or directory");
+    QTest::newRow("another") << true << QStringLiteral("it is no longer the folder that was copied");
+}
+
+void tst_TreeMoves::sourceFolderThatChangedIsToldWithTheReason()
+{
+    QFETCH(bool, replaced);
+    QFETCH(QString, reason);
+    const QByteArray moved = m_source + "/folder";
+    const QByteArray elsewhere = QFile::encodeName(m_folder->path()) + "/elsewhere";
+    write(moved + "/file", "copied");
+    FaultyCalls::actBeforeNth(FaultyCalls::Flushing, 1, [&] {
+        QCOMPARE(rename(moved.constData(), elsewhere.constData()), 0);
+        if (replaced)
+            write(moved + "/file", "another");
+    });
+    MessageLog messages;
+    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.trees.warning=true"));
+    const bool done = transfer(m_source, m_target, Move);
+    QLoggingCategory::setFilterRules({});
+    QVERIFY(done && FaultyCalls::wasHit());
+    const QString line =
+        QStringLiteral("'%1' could not be emptied: %2").arg(QFile::decodeName(moved), reason);
+    const QStringList told = messages.takeWarnings();
+    QVERIFY2(told.contains(line), qUtf8Printable(told.join(QLatin1Char('\n'))));
+    QCOMPARE(TreeFiles::read(elsewhere + "/file"), QByteArray("copied"));
+    QCOMPARE(exists(moved + "/file"), replaced);
 }
 
 void tst_TreeMoves::moveWithinAFullDiskSucceeds_data()

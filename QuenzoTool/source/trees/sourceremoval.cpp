@@ -56,6 +56,10 @@ void SourceRemoval::perform()
 {
     for (const Group& group : qAsConst(m_groups)) {
         const TreeFolder folder = TreeFolder::open(group.path, TreeFolder::Writing);
+        if (!folder.isOpen()) {
+            logFailure(group.path, QStringLiteral("emptied"), errorText(folder.error()));
+            continue;
+        }
         if (folder.id() != group.id) {
             logFailure(group.path, QStringLiteral("emptied"),
                        QStringLiteral("it is no longer the folder that was copied"));
