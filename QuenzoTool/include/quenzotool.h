@@ -157,8 +157,8 @@ public:
      *
      * The name filters of @p folder hold for what is directly in it.
      *
-     * @return true, also when the folder does not exist; false when the tree is too deep for the thread's
-     * stack
+     * @return true: also when the folder does not exist, and when files keep their rights because they could
+     * not be changed or are too deep for the thread's stack, which the category "quenzo.trees" tells
      */
     static bool changePermessionRecursively(QDir& folder);
 

@@ -21,7 +21,8 @@ bool QuenzoTool::copyDirectory(const QDir& source, const QDir& target, bool over
 
 bool QuenzoTool::changePermessionRecursively(QDir& folder)
 {
-    return forceTreeWriteOther(folder);
+    forceTreeWriteOther(folder);
+    return true;
 }
 
 bool QuenzoTool::removeRecursively(QDir& folder)

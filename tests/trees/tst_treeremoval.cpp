@@ -6,6 +6,7 @@
 #include "treefiles.h"
 
 #include <QDir>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QtTest>
@@ -41,7 +42,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void tooDeepTreeForTheStackIsNotChanged();
+    void tooDeepTreeForTheStackIsRemoved();
     void changeOfMissingFolderIsTrue();
     void changeTellsEveryStep();
     void changeTellsOfReadOnlyFiles();
@@ -77,22 +78,31 @@ void tst_TreeRemoval::cleanup()
     m_messages.reset();
 }
 
-void tst_TreeRemoval::tooDeepTreeForTheStackIsNotChanged()
+void tst_TreeRemoval::tooDeepTreeForTheStackIsRemoved()
 {
     QByteArray deepest = m_source;
     while (deepest.size() < 2000)
         deepest += "/n";
     write(deepest + "/file", "kept");
     QDir source = folder(m_source);
-    bool changed = true;
-    const std::unique_ptr<QThread> thread(QThread::create([&changed, &source] {
-        changed = QuenzoTool::changePermessionRecursively(source) || QuenzoTool::removeRecursively(source);
-    }));
-    thread->setStackSize(192U << 10U);
-    thread->start();
-    QVERIFY(thread->wait());
-    QVERIFY(!changed);
-    QVERIFY(QuenzoTool::removeRecursively(source));
+    const auto isTrueOnSmallStack = [&source](bool (*operation)(QDir&)) {
+        bool result = false;
+        const std::unique_ptr<QThread> thread(QThread::create([&] { result = operation(source); }));
+        thread->setStackSize(192U << 10U);
+        thread->start();
+        return thread->wait() && result;
+    };
+    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.trees.warning=true"));
+    const bool changed = isTrueOnSmallStack(QuenzoTool::changePermessionRecursively);
+    QLoggingCategory::setFilterRules({});
+    QVERIFY(changed);
+    QCOMPARE(TreeFiles::mode(deepest + "/file"), 0644);
+    const QStringList told = m_messages->takeWarnings();
+    QCOMPARE(told.size(), 1);
+    QVERIFY2(told.first().endsWith(QStringLiteral("it is too deep for the thread's stack")),
+             qUtf8Printable(told.first()));
+    QVERIFY(isTrueOnSmallStack(QuenzoTool::removeRecursively));
+    QVERIFY(!exists(m_source));
 }
 
 void tst_TreeRemoval::changeOfMissingFolderIsTrue()

@@ -26,7 +26,7 @@ QString joined(const QString& folder, const QByteArray& name)
 
 class RightsWalk {
 public:
-    bool visit(TreeFolder& folder, const QString& shownPath, const QStringList& nameFilters)
+    void visit(TreeFolder& folder, const QString& shownPath, const QStringList& nameFilters)
     {
         const FolderChain::Visit visit(m_chain, folder);
         QVector<TreeEntry> entries;
@@ -37,10 +37,9 @@ public:
         for (const TreeEntry& entry : qAsConst(entries)) {
             if (folder.kindOf(entry) != TreeEntry::Folder)
                 changeFile(folder, entry, absolutePath);
-            else if (!visitFolder(folder, entry, shownPath))
-                return false;
+            else
+                visitFolder(folder, entry, shownPath);
         }
-        return true;
     }
 
     // Qt's resources are told of like files; their rights cannot be changed.
@@ -60,7 +59,7 @@ public:
     }
 
 private:
-    bool visitFolder(TreeFolder& parent, const TreeEntry& entry, const QString& shownPath)
+    void visitFolder(TreeFolder& parent, const TreeEntry& entry, const QString& shownPath)
     {
         const QString path = joined(shownPath, entry.name);
         tellFolder(path);
@@ -68,7 +67,7 @@ private:
         if (isStackNearlyUsedUp()) {
             logFailure(folder.path(), QStringLiteral("read"),
                        QStringLiteral("it is too deep for the thread's stack"));
-            return false;
+            return;
         }
         // Links that lead back would multiply without changing anything more.
         const bool leadsBack = entry.isLink && m_chain.contains(folder.id());
@@ -77,8 +76,7 @@ private:
         else if (!folder.isOpen())
             logUnreadable(folder);
         else if (!leadsBack)
-            return visit(folder, path, {});
-        return true;
+            visit(folder, path, {});
     }
 
     void changeFile(const TreeFolder& folder, const TreeEntry& entry, const QString& absolutePath) const
@@ -109,17 +107,16 @@ private:
 
 } // namespace
 
-bool forceTreeWriteOther(const QDir& top)
+void forceTreeWriteOther(const QDir& top)
 {
     RightsWalk walk;
     if (TreeFolder::isResource(top)) {
         walk.visitResources(top);
-        return true;
+        return;
     }
     TreeFolder folder = TreeFolder::open(TreeFolder::nativePath(top), TreeFolder::Listing);
     if (folder.isOpen())
-        return walk.visit(folder, top.path(), top.nameFilters());
-    if (!folder.isMissing())
+        walk.visit(folder, top.path(), top.nameFilters());
+    else if (!folder.isMissing())
         logUnreadable(folder);
-    return true;
 }
