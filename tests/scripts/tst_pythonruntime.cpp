@@ -29,6 +29,8 @@ private Q_SLOTS:
     void nobodyElsesCodeRuns();
     void placesAreThoseOfTheLinkedRuntime();
     void runtimeBringsItsOwnLibrary();
+    void runtimeAloneTakesTheLibraryBuiltWith_data();
+    void runtimeAloneTakesTheLibraryBuiltWith();
     void startWithoutAUsableLibraryIsFalse_data();
     void startWithoutAUsableLibraryIsFalse();
     void startWithAFolderAsInputIsFalse();
@@ -123,15 +125,35 @@ void tst_PythonRuntime::runtimeBringsItsOwnLibrary()
     QCOMPARE(root.run(QStringLiteral("call")), root.path().toUtf8() + "/python\ntrue\n5\n");
 }
 
+void tst_PythonRuntime::runtimeAloneTakesTheLibraryBuiltWith_data()
+{
+    QTest::addColumn<QVector<Trap>>("traps");
+    QTest::newRow("no library") << QVector<Trap>();
+    QTest::newRow("library above it") << QVector<Trap>{{"lib/python2.7/os.py"}, {"lib/python2.7/site.py"}};
+}
+
+// A host may ship the runtime in its own lib folder.
+void tst_PythonRuntime::runtimeAloneTakesTheLibraryBuiltWith()
+{
+    QFETCH(const QVector<Trap>, traps);
+    StartRoot root;
+    root.writeStartModule("import sys\nprint sys.prefix\nsys.stdout.flush()\n");
+    for (const Trap& trap : traps)
+        root.write(QString::fromLatin1(trap.path), trap.content);
+    const QString library = root.path() + QStringLiteral("/app/lib");
+    QVERIFY(QDir().mkpath(library));
+    const QString runtime = QFileInfo(QStringLiteral(PYTHON_RUNTIME)).canonicalFilePath();
+    QVERIFY(QFile::copy(runtime, library + QStringLiteral("/libpython2.7.so.1.0")));
+    root.setVariable(QStringLiteral("LD_LIBRARY_PATH"), library);
+    QCOMPARE(root.run(QStringLiteral("call")), QByteArray(PYTHON_HOME) + "\ntrue\n5\n");
+}
+
 void tst_PythonRuntime::startWithoutAUsableLibraryIsFalse_data()
 {
     QTest::addColumn<QVector<Trap>>("files");
     QTest::addColumn<QByteArray>("cause");
     const char* const os = "python/lib/python2.7/os.py";
     const char* const site = "python/lib/python2.7/site.py";
-    QTest::newRow("no library") << QVector<Trap>() << QByteArray("its standard library is missing");
-    QTest::newRow("library above it") << QVector<Trap>{{"lib/python2.7/os.py"}, {"lib/python2.7/site.py"}}
-                                      << QByteArray("its standard library is missing");
     QTest::newRow("no site") << QVector<Trap>{{os, ""}} << QByteArray("ImportError: No module named site");
     QTest::newRow("damaged") << QVector<Trap>{{os, ""}, {site, "def f(:\n"}} << QByteArray("SyntaxError: ");
     QTest::newRow("ends the process")

@@ -12,9 +12,10 @@
 void makePythonSymbolsGlobal();
 
 /**
- * The folder that the linked runtime was installed in, like "/usr", told by where its own file lies.
+ * The folder with the standard library of the linked runtime, like "/usr": the one that the runtime's own
+ * file was installed in or, where that has none, the one that was built with.
  *
- * @return empty when the runtime's standard library is not there
+ * @return empty when there is none in either
  */
 std::string pythonHome();
 

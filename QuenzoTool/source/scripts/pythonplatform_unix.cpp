@@ -30,7 +30,7 @@ bool isLibraryFolder(const fs::path& folder)
 }
 
 // HOME/lib/libpython2.7.so or HOME/lib/PLATFORM/libpython2.7.so. No folder further up is looked at: it may be
-// anybody's. A runtime elsewhere, such as one within a program, is the one that was built with.
+// anybody's. Empty for a runtime elsewhere, such as one within a program.
 fs::path installedHome()
 {
     std::error_code error;
@@ -40,7 +40,7 @@ fs::path installedHome()
         if (isLibraryFolder(library))
             return library.parent_path();
     }
-    return QUENZO_PYTHON_HOME;
+    return {};
 }
 
 bool hasStandardLibrary(const fs::path& home)
@@ -85,8 +85,12 @@ void makePythonSymbolsGlobal()
 
 std::string pythonHome()
 {
-    const fs::path home = installedHome();
-    return hasStandardLibrary(home) ? home.string() : std::string();
+    // A host may ship the runtime alone among its own libraries: what was built with goes with it.
+    for (const fs::path& home : {installedHome(), fs::path(QUENZO_PYTHON_HOME)}) {
+        if (!home.empty() && hasStandardLibrary(home))
+            return home.string();
+    }
+    return {};
 }
 
 bool isStandardInputAFolder()
