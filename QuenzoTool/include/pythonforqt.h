@@ -66,8 +66,11 @@ private:
  * Ownership: an object owns the result of its last call until a reader or releaseObj() takes it. Read (or
  * release) each result before the next call and before the object goes: a result not read is never released.
  *
- * A script's failure is never thrown or printed. It shows as the reader's empty value. The exception's type
- * and text go to the logging category "quenzo.scripts", which is off until the host switches it on.
+ * A script's failure is never thrown or printed, but for the SyntaxError of a folder with a quotation mark in
+ * its name, which the interpreter prints. It shows as the reader's empty value. The exception's type and text
+ * go to the logging category "quenzo.scripts", which is off until the host switches it on.
+ *
+ * A process that leaves `main` does not wait for scripts at work on other threads: they end with it.
  *
  * @since 1.0
  */
@@ -85,11 +88,13 @@ public:
      * from it. Whether these succeed is not checked: the interpreter prints their errors to the standard
      * error.
      *
-     * The interpreter runs the standard library that the linked runtime was installed with. Environment
-     * variables, the search path, the working folder and modules of the person have no say.
+     * The interpreter runs the standard library that the linked runtime was installed with or, where there is
+     * none beside it, the one that this library was built with. Environment variables, the search path, the
+     * working folder and modules of the person have no say.
      *
-     * The calling thread does not hold the interpreter lock afterwards. The process's handling of SIGINT and
-     * SIGPIPE stays as it was. A tool folder with a single quotation mark in its path is not supported.
+     * The calling thread does not hold the interpreter lock afterwards. The process's handling of SIGINT,
+     * SIGPIPE and SIGXFSZ stays as it was. A tool folder with a single quotation mark in its path is not
+     * supported.
      *
      * The process should run under a UTF-8 locale: under the POSIX locale one folder with a non-ASCII name in
      * `sys.path` makes every later import fail.

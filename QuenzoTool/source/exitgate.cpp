@@ -5,11 +5,12 @@
 
 #include <QtGlobal>
 
-#include <chrono>
+#include <atomic>
 #include <condition_variable>
 #include <cstdlib>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -33,6 +34,10 @@ Gate& gate()
 
 // A slot that ends the process in the middle of a step must not wait for itself.
 thread_local int ownSteps = 0;
+// Those of them that are calls.
+thread_local int ownCalls = 0;
+// Whether what is at work on this thread was held.
+thread_local bool wasHeld = false;
 
 void closeGate()
 {
@@ -52,6 +57,20 @@ bool isHeld(int stepsWithin)
     return gate().state == Gate::Left || stepsWithin == 0;
 }
 
+void sleepFor(std::chrono::seconds duration)
+{
+    std::this_thread::sleep_for(duration);
+}
+
+std::atomic<void (*)(std::chrono::seconds)> currentHold{sleepFor};
+
+// Once for all that is at work on the thread: it is to end soon when an exit handler waits for it.
+void hold()
+{
+    if (!std::exchange(wasHeld, ownSteps > 0))
+        currentHold.load()(exitPatience);
+}
+
 bool enter()
 {
     {
@@ -62,21 +81,33 @@ bool enter()
             return true;
         }
     }
-    std::this_thread::sleep_for(exitPatience);
+    hold();
     return false;
 }
 
 void leave()
 {
+    bool held = false;
     {
         const std::lock_guard<std::mutex> guard(gate().mutex);
         --ownSteps;
         --gate().steps;
         gate().stepEnded.notify_all();
-        if (!isHeld(ownSteps))
-            return;
+        held = isHeld(ownSteps);
     }
-    std::this_thread::sleep_for(exitPatience);
+    if (held)
+        hold();
+    else if (ownSteps == 0)
+        wasHeld = false;
+}
+
+// With the gate's mutex held.
+void countCalls(int calls)
+{
+    gate().steps += calls;
+    ownSteps += calls;
+    ownCalls += calls;
+    gate().stepEnded.notify_all();
 }
 
 } // namespace
@@ -90,15 +121,47 @@ void ExitGate::arm()
     std::atexit(closeGate);
 }
 
+void ExitGate::setHold(void (*hold)(std::chrono::seconds))
+{
+    currentHold = hold;
+}
+
 ExitGate::Call::Call()
     : m_entered(enter())
 {
+    if (m_entered)
+        ++ownCalls;
 }
 
 ExitGate::Call::~Call()
 {
-    if (m_entered)
-        leave();
+    if (!m_entered)
+        return;
+    --ownCalls;
+    leave();
+}
+
+ExitGate::Outside::Outside()
+    : m_calls(ownSteps == ownCalls ? ownCalls : 0)
+{
+    if (m_calls == 0)
+        return;
+    const std::lock_guard<std::mutex> guard(gate().mutex);
+    countCalls(-m_calls);
+}
+
+ExitGate::Outside::~Outside()
+{
+    if (m_calls == 0)
+        return;
+    std::unique_lock<std::mutex> lock(gate().mutex);
+    if (isHeld(ownSteps)) {
+        lock.unlock();
+        hold();
+        wasHeld = true;
+        lock.lock();
+    }
+    countCalls(m_calls);
 }
 
 ExitGate::Step::Step()

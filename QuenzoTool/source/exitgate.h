@@ -2,6 +2,8 @@
 #ifndef EXITGATE_H
 #define EXITGATE_H
 
+#include <chrono>
+
 /**
  * Keeps threads that are still at work away from what the process destroys when it leaves main: Qt's message
  * formatter, text codecs, connections.
@@ -10,7 +12,7 @@
  * not for ever, until those within have left; meanwhile they may pass it once more, as does a script call in
  * a slot of the database worker. Whoever else comes to a closed gate, or leaves it, is held: what is
  * destroyed by then may be what comes next. A hold is limited, too, for the sake of exit handlers that wait
- * for a thread. The thread that ends the process is never held.
+ * for a thread, and what is at work is held once. The thread that ends the process is never held.
  */
 namespace ExitGate {
 
@@ -20,6 +22,9 @@ namespace ExitGate {
  * it.
  */
 void arm();
+
+/** Has threads held by @p hold, which waits as long as it is told, instead of a mere sleep. */
+void setHold(void (*hold)(std::chrono::seconds));
 
 /** One call of a host, on the thread that makes it. To be looked at before anything is done. */
 class Call {
@@ -34,6 +39,22 @@ public:
 
 private:
     bool m_entered;
+};
+
+/**
+ * A stretch within the calls of this thread that touches nothing of what is destroyed, such as the run of a
+ * script: the process does not wait for it, and holds the thread at its end. In a worker's step, which is
+ * waited for as a whole, and on a thread without calls it does nothing.
+ */
+class Outside {
+public:
+    Outside();
+    ~Outside();
+    Outside(const Outside&) = delete;
+    Outside& operator=(const Outside&) = delete;
+
+private:
+    int m_calls;
 };
 
 /** One step of a worker that has no end of its own, on the thread that makes it. */

@@ -13,7 +13,9 @@
 #include <QVector>
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -43,9 +45,9 @@ public:
 
     void add(int line, const QString& text) { m_messages.append({line, text}); }
 
-    void addNotImported(const QFileInfo& script)
+    void addNotImported(const QString& scriptName)
     {
-        add(__LINE__, QStringLiteral("scriptName: ") + script.completeBaseName());
+        add(__LINE__, QStringLiteral("scriptName: ") + scriptName);
         add(__LINE__, QStringLiteral("Error:Not Found The File of srcipt"));
     }
 
@@ -100,6 +102,30 @@ bool holdsInterpreterLock()
     return own != nullptr && own == _PyThreadState_Current;
 }
 
+// How the exit gate holds a thread, which may have the interpreter lock of a caller: others need it
+// meanwhile.
+void holdWithoutLock(std::chrono::seconds duration)
+{
+    PyThreadState* const own =
+        PythonRuntime::isRunning() && holdsInterpreterLock() ? PyEval_SaveThread() : nullptr;
+    std::this_thread::sleep_for(duration);
+    if (own != nullptr)
+        PyEval_RestoreThread(own);
+}
+
+void armExitGate()
+{
+    ExitGate::setHold(holdWithoutLock);
+    ExitGate::arm();
+}
+
+// A turn with the interpreter: the process does not wait for it at exit, as it may last as long as a script.
+// The texts that are made meanwhile need nothing that is destroyed.
+struct InterpreterTurn {
+    ExitGate::Outside outside;
+    PyThreadStateLock lock;
+};
+
 QString textOf(PyObject* object)
 {
     const char* text = nullptr;
@@ -125,7 +151,7 @@ public:
 
 private:
     // The reference goes first, while the lock is held.
-    PyThreadStateLock m_lock;
+    InterpreterTurn m_turn;
     PyReference m_result;
 };
 
@@ -138,18 +164,25 @@ void unloadModule(const std::string& name, PyObject* module)
     PyErr_Clear();
 }
 
+// The statements of the start-up, made before its turn with the interpreter.
+struct StartStatements {
+    QString folder = QuenzoTool::getToolPath() + QStringLiteral("/Python");
+    std::string variable = statement(PythonForQt::tr("os.environ['PYTHON_QUENZO_ENV'] = '%1'"), folder);
+    std::string path = statement(PythonForQt::tr("sys.path.append(str('%1').decode('utf8'))"), folder);
+    std::string module = PythonForQt::tr("import init_python_env").toStdString();
+};
+
 // Begins with the interpreter lock held, and ends without.
-void prepareEnvironment()
+void prepareEnvironment(const StartStatements& statements)
 {
     PyEval_InitThreads();
     PyEval_ReleaseThread(PyThreadState_Get());
     const PyThreadStateLock lock;
     runPythonStatement("import sys");
-    const QString folder = QuenzoTool::getToolPath() + QStringLiteral("/Python");
     runPythonStatement("import os");
-    runPythonStatement(statement(PythonForQt::tr("os.environ['PYTHON_QUENZO_ENV'] = '%1'"), folder));
-    runPythonStatement(statement(PythonForQt::tr("sys.path.append(str('%1').decode('utf8'))"), folder));
-    runPythonStatement(PythonForQt::tr("import init_python_env").toStdString());
+    runPythonStatement(statements.variable);
+    runPythonStatement(statements.path);
+    runPythonStatement(statements.module);
 }
 
 } // namespace
@@ -182,7 +215,7 @@ bool PythonForQt::initPythonEnv()
     static std::atomic<bool> starting{false};
     static std::recursive_mutex startMutex;
     static std::once_flag armed;
-    std::call_once(armed, ExitGate::arm);
+    std::call_once(armed, armExitGate);
     if (PythonRuntime::isRunning() && (!starting || holdsInterpreterLock()))
         return true;
     const ExitGate::Call call;
@@ -190,13 +223,15 @@ bool PythonForQt::initPythonEnv()
         return false;
     QString cause;
     {
+        const StartStatements statements;
+        const ExitGate::Outside outside;
         const std::lock_guard<std::recursive_mutex> guard(startMutex);
         if (PythonRuntime::isRunning())
             return true;
         starting = true;
         cause = PythonRuntime::start();
         if (cause.isEmpty())
-            prepareEnvironment();
+            prepareEnvironment(statements);
         starting = false;
     }
     if (!cause.isEmpty())
@@ -213,24 +248,25 @@ void PythonForQt::callScript(QString scriptPath, QString function, const QList<Q
     CallMessages messages("void __cdecl PythonForQt::callScript(class QString,class QString,"
                           "const class QList<class QVariant> &,bool)");
     const QFileInfo script(scriptPath);
+    const QString scriptName = script.completeBaseName();
     if (!PythonRuntime::isRunning()) {
-        messages.addNotImported(script);
+        messages.addNotImported(scriptName);
         return;
     }
-    const PyThreadStateLock lock;
+    const std::string folder = "str('" + quoted(script.absolutePath()).toStdString() + "').decode('utf8')";
+    const InterpreterTurn turn;
     // An error left by the caller, or by an earlier call under the caller's lock, would fail the first
     // statement.
     PyErr_Clear();
     runPythonStatement("import sys");
     runPythonStatement("import os");
-    const std::string moduleName = script.completeBaseName().toStdString();
-    const std::string folder = "str('" + quoted(script.absolutePath()).toStdString() + "').decode('utf8')";
+    const std::string moduleName = scriptName.toStdString();
     runPythonStatement("reload(sys);sys.setdefaultencoding('utf8');");
     runPythonStatement("sys.path.append(" + folder + ")");
 
     PyReference module(PyImport_ImportModule(moduleName.c_str()));
     if (module == nullptr) {
-        messages.addNotImported(script);
+        messages.addNotImported(scriptName);
         messages.addCause(QStringLiteral("the script '%1' could not be imported").arg(scriptPath));
         return;
     }
@@ -329,6 +365,6 @@ void PythonForQt::releaseObj(PyObject** slot)
 {
     if (*slot == nullptr)
         return;
-    const PyThreadStateLock lock;
+    const InterpreterTurn turn;
     Py_CLEAR(*slot);
 }

@@ -5,6 +5,7 @@
 
 #include <dbhelper.h>
 #include <pythonforqt.h>
+#include <pythontoolthread.h>
 #include <quenzobase.h>
 #include <quenzotool.h>
 
@@ -241,6 +242,45 @@ void leaveWhileASlotCalls()
     std::atexit([] { ending = true; });
 }
 
+int exitCode = 0;
+std::atomic<bool> atWork{false};
+
+// Starts a task whose script says when it is at work, on a thread that is never destroyed.
+void startWork()
+{
+    auto* const worker = new PythonToolThread;
+    const QString script = QuenzoBase::getRunPath() + QStringLiteral("/../Script/task.py");
+    worker->StartOperate(
+        PYTHON_TOOL_RUN_SCRIPT,
+        {{QStringLiteral("toolPath"), script}, {QStringLiteral("main"), QStringLiteral("work")}});
+    worker->start();
+    while (!atWork)
+        std::this_thread::yield();
+}
+
+void leaveWhileAScriptWorks()
+{
+    startWork();
+    exitCode = 3;
+}
+
+// Leaves main for an exit handler, run after the gate closed, that needs the interpreter.
+void leaveWhileAScriptCallsBack()
+{
+    std::atexit([] { print(QString::number(callAnswer("five"))); });
+    startWork();
+}
+
+// Leaves main with the interpreter lock held, which other threads wait for.
+void leaveWithTheLock()
+{
+    PythonForQt::initPythonEnv();
+    for (int i = 0; i < 3; ++i)
+        std::thread(callUntil, std::cref(ending)).detach();
+    Q_UNUSED(new PyThreadStateLock)
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+}
+
 const QMap<QString, void (*)()>& ways()
 {
     static const QMap<QString, void (*)()> all{
@@ -256,6 +296,9 @@ const QMap<QString, void (*)()>& ways()
         {QStringLiteral("join"), leaveAndJoin},
         {QStringLiteral("exit handler"), callInAnExitHandler},
         {QStringLiteral("slot"), leaveWhileASlotCalls},
+        {QStringLiteral("work"), leaveWhileAScriptWorks},
+        {QStringLiteral("call back"), leaveWhileAScriptCallsBack},
+        {QStringLiteral("held lock"), leaveWithTheLock},
         {QStringLiteral("ascii"), callFromAFolderBeyondAscii},
     };
     return all;
@@ -263,7 +306,7 @@ const QMap<QString, void (*)()>& ways()
 
 } // namespace
 
-// A start-up module reaches back into the host through these.
+// Modules reach back into the host through these.
 extern "C" __attribute__((visibility("default"))) int startAgain()
 {
     return PythonForQt::initPythonEnv() ? 1 : 0;
@@ -275,6 +318,16 @@ extern "C" __attribute__((visibility("default"))) int startAgainUnderTheLock()
     return PythonForQt::initPythonEnv() ? 1 : 0;
 }
 
+extern "C" __attribute__((visibility("default"))) void noteWork()
+{
+    atWork = true;
+}
+
+extern "C" __attribute__((visibility("default"))) int callAgain()
+{
+    return callAnswer("five");
+}
+
 int main(int argc, char* argv[])
 {
     QLoggingCategory::setFilterRules(QStringLiteral("quenzo.scripts=true"));
@@ -283,5 +336,5 @@ int main(int argc, char* argv[])
         return 2;
     const QCoreApplication application(argc, argv);
     way();
-    return 0;
+    return exitCode;
 }
