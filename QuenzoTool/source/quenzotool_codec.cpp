@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <string_view>
 
 namespace {
 
@@ -19,15 +21,20 @@ constexpr int groupLetters = 4;
 // So many groups are taken before looking whether all was well.
 constexpr int groupsAtOnce = 64;
 
-constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::string_view alphabet("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/");
+
+constexpr uchar letterOf(std::size_t sixBits)
+{
+    return static_cast<uchar>(alphabet[sixBits]);
+}
 
 constexpr std::array<int, 128> makeValues()
 {
     std::array<int, 128> values{};
     for (int& value : values)
         value = -1;
-    for (int i = 0; i < 64; ++i)
-        values[static_cast<std::size_t>(alphabet[i])] = i;
+    for (std::size_t i = 0; i < alphabet.size(); ++i)
+        values[letterOf(i)] = static_cast<int>(i);
     return values;
 }
 
@@ -43,7 +50,7 @@ constexpr std::array<quint32, 4096> makePairs()
 {
     std::array<quint32, 4096> pairs{};
     for (std::size_t i = 0; i < pairs.size(); ++i)
-        pairs[i] = quint32(uchar(alphabet[i >> 6])) << 16 | quint32(uchar(alphabet[i & 63]));
+        pairs[i] = quint32{letterOf(i >> 6)} << 16 | quint32{letterOf(i & 63)};
     return pairs;
 }
 
@@ -58,8 +65,8 @@ template <typename Letter> inline void putPair(unsigned bits, Letter* out)
 
 template <typename Letter> inline void putPlainPair(unsigned bits, Letter* out)
 {
-    out[0] = static_cast<Letter>(alphabet[bits >> 6]);
-    out[1] = static_cast<Letter>(alphabet[bits & 63]);
+    out[0] = static_cast<Letter>(letterOf(bits >> 6));
+    out[1] = static_cast<Letter>(letterOf(bits & 63));
 }
 
 // The bytes of a group, and whatever they have beyond.
@@ -72,9 +79,9 @@ template <typename Unit> inline unsigned bitsOf(const Unit* in, unsigned& seen)
 // The last group, padded where it is not full.
 template <typename Unit, typename Letter> unsigned encodeLastGroup(const Unit* in, int bytes, Letter* out)
 {
-    const Unit full[groupBytes] = {in[0], bytes > 1 ? in[1] : Unit(0), bytes > 2 ? in[2] : Unit(0)};
+    const std::array<Unit, groupBytes> full{in[0], bytes > 1 ? in[1] : Unit(0), bytes > 2 ? in[2] : Unit(0)};
     unsigned seen = 0;
-    const unsigned bits = bitsOf(full, seen);
+    const unsigned bits = bitsOf(full.data(), seen);
     putPlainPair(bits >> 12 & 4095, out);
     putPlainPair(bits & 4095, out + 2);
     std::fill(out + bytes + 1, out + groupLetters, static_cast<Letter>('='));
@@ -88,9 +95,9 @@ unsigned encodeBytes(const Unit* in, int bytes, Letter* out, unsigned limit)
 {
     const int groups = (bytes + groupBytes - 1) / groupBytes;
     unsigned seen = 0;
-    int done = 0;
+    std::ptrdiff_t done = 0;
     while (done < groups - 2) {
-        const int next = std::min(groups - 2, done + groupsAtOnce);
+        const std::ptrdiff_t next = std::min<std::ptrdiff_t>(groups - 2, done + groupsAtOnce);
         for (; done < next; ++done) {
             const unsigned bits = bitsOf(in + done * groupBytes, seen);
             putPair(bits >> 12 & 4095, out + done * groupLetters);
@@ -104,7 +111,8 @@ unsigned encodeBytes(const Unit* in, int bytes, Letter* out, unsigned limit)
     putPlainPair(bits & 4095, out + done * groupLetters + 2);
     ++done;
     return seen
-        | encodeLastGroup(in + done * groupBytes, bytes - done * groupBytes, out + done * groupLetters);
+        | encodeLastGroup(in + done * groupBytes, bytes - static_cast<int>(done) * groupBytes,
+                          out + done * groupLetters);
 }
 
 // What is ored from all groups: of three bytes each, and negative when a letter is none of the alphabet.
@@ -157,11 +165,11 @@ int paddingOf(const ushort* letters, int length)
 // The last group, whose padding stands for no bytes.
 template <typename Unit> void decodeLastGroup(const ushort* in, int padding, Unit* out, Decoded& all)
 {
-    ushort full[groupLetters] = {in[0], in[1], in[2], in[3]};
-    std::fill(full + groupLetters - padding, full + groupLetters, ushort('A'));
+    std::array<ushort, groupLetters> full{in[0], in[1], in[2], in[3]};
+    std::fill(full.end() - padding, full.end(), ushort('A'));
     // The bytes that are not there are none of zero.
     const int behind = (1 << 8 * padding) - 1;
-    const int bits = bitsOf(full, plain);
+    const int bits = bitsOf(full.data(), plain);
     const int filled = (bits & ~behind) | (0x010101 & behind);
     all.bytes |= bits < 0 ? bits : filled;
     all.zeroes |= (filled - 0x010101) & ~filled;
@@ -175,9 +183,9 @@ template <typename Unit> Decoded decodeLetters(const ushort* in, int length, int
 {
     const int groups = length / groupLetters;
     Decoded all;
-    int done = 0;
+    std::ptrdiff_t done = 0;
     while (done < groups - 2) {
-        const int next = std::min(groups - 2, done + groupsAtOnce);
+        const std::ptrdiff_t next = std::min<std::ptrdiff_t>(groups - 2, done + groupsAtOnce);
         for (; done < next; ++done)
             decodeGroup(in + done * groupLetters, out + done * groupBytes, swapped, all);
         if (!all.isRight() || (sizeof(Unit) > 1 && !all.isAscii()))
