@@ -204,7 +204,9 @@ bool TreeFolder::removeExisting(const QByteArray& name) const
     if (forceWriteOther(name) && removeFile(name))
         return true;
     const int error = errno;
-    fchmodat(m_handle, name.constData(), status.st_mode & ~static_cast<mode_t>(S_IFMT), 0);
+    // Nothing more can be done for one that keeps them.
+    [[maybe_unused]] const int givenBack =
+        fchmodat(m_handle, name.constData(), status.st_mode & ~static_cast<mode_t>(S_IFMT), 0);
     errno = error;
     return false;
 }
