@@ -184,6 +184,10 @@ OutputCut::Result OutputCut::moveEntries(TreeFolder& source, const QVector<TreeE
         const Result result = (this->*folderStep)(source, entry, target);
         if (result == Failed)
             return Failed;
+        // The new rights of a folder that stays may bar the way to a target in it.
+        if (result == Stays
+            && TreeFolder::open(target.folder.path(), TreeFolder::Writing).id() != target.folder.id())
+            target.folder.suspend();
         allMoved = allMoved && result == Emptied;
     }
     return allMoved ? Emptied : Stays;
