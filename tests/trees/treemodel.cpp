@@ -106,7 +106,6 @@ TreeModel::Node* TreeModel::find(const QString& path) const
     Node* node = m_root.get();
     const QStringList names = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
     for (const QString& name : names) {
-        m_metLockedFolder = m_metLockedFolder || !node->isUsable();
         if (!node->isFolder || !node->isUsable() || !node->entries.contains(name))
             return nullptr;
         node = node->entries.value(name).get();

@@ -57,9 +57,6 @@ public:
     /** The same of the file system, where folders that cannot be entered get other rights for it. */
     static QMap<QString, QByteArray> contentOnDisk(const QString& path);
 
-    /** Whether a path led through a folder that a plain user is locked out of. */
-    bool metLockedFolder() const { return m_metLockedFolder; }
-
 private:
     struct Node;
 
@@ -76,7 +73,6 @@ private:
 
     const ListingOrder& m_order;
     std::unique_ptr<Node> m_root;
-    mutable bool m_metLockedFolder = false;
 };
 
 #endif
