@@ -117,7 +117,7 @@ bool bindAll(sqlite3_stmt* statement, const RowValues& values, SqliteDirect::Tex
 void giveBackLongTexts(SqliteDirect::TextBuffers& buffers)
 {
     for (std::string& buffer : buffers) {
-        if (buffer.size() > 2 * longestKeptText)
+        if (buffer.size() > std::size_t{2} * longestKeptText)
             std::string().swap(buffer);
     }
 }
@@ -131,7 +131,7 @@ QString textOf(sqlite3_stmt* statement, int column)
         const unsigned char* const bytes = sqlite3_column_text(statement, column);
         const int size = sqlite3_column_bytes(statement, column);
         QString text(size, Qt::Uninitialized);
-        ushort* const to = reinterpret_cast<ushort*>(text.data());
+        auto* const to = reinterpret_cast<ushort*>(text.data());
         unsigned char seen = 0;
         for (int i = 0; i < size; ++i) {
             seen = static_cast<unsigned char>(seen | bytes[i]);
@@ -154,7 +154,7 @@ QVariant valueOf(sqlite3_stmt* statement, int column)
     case SQLITE_FLOAT:
         return sqlite3_column_double(statement, column);
     case SQLITE_NULL:
-        return QVariant(QVariant::String);
+        return {QVariant::String};
     case SQLITE_BLOB: {
         const auto* const bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
         return QByteArray(bytes, sqlite3_column_bytes(statement, column));
