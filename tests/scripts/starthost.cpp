@@ -277,7 +277,7 @@ void leaveWithTheLock()
     PythonForQt::initPythonEnv();
     for (int i = 0; i < 3; ++i)
         std::thread(callUntil, std::cref(ending)).detach();
-    Q_UNUSED(new PyThreadStateLock)
+    PyGILState_Ensure();
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
 }
 
