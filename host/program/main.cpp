@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "command.h"
+#include "commandtable.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
 #include "console/standardstreams.h"
@@ -33,14 +33,6 @@ void ensureUtf8Locale()
     std::setlocale(LC_ALL, "");
 }
 
-QVector<Command> allCommands()
-{
-    QVector<Command> commands;
-    for (const auto& group : {scriptCommands, treeCommands, dbCommands, iconCommands, deviceCommands})
-        commands += group();
-    return commands;
-}
-
 void writeLine(std::FILE* stream, const QString& text)
 {
     StandardStreams::write(stream, text + QLatin1Char('\n'));
@@ -67,19 +59,6 @@ ExitCode usageError(const QString& text, const QString& command = {})
     const QString help = command.isEmpty() ? QStringLiteral("--help") : command + QStringLiteral(" --help");
     writeLine(stderr, Program::tr("Try: quenzo %1").arg(help));
     return ExitUsage;
-}
-
-QString syntaxOf(const Argument& argument)
-{
-    switch (argument.count) {
-    case Argument::Optional:
-        return QStringLiteral("[%1]").arg(argument.name);
-    case Argument::AnyNumber:
-        return QStringLiteral("[%1...]").arg(argument.name);
-    case Argument::Once:
-        break;
-    }
-    return argument.name;
 }
 
 QString withSuggestion(const QString& error, const QString& word, const QStringList& names)
@@ -109,8 +88,8 @@ QString objectionToNumber(const Command& command, const QStringList& given)
 
 QString objectionToOptions(const Command& command, const QCommandLineParser& parser)
 {
-    QStringList names{QStringLiteral("help"), QStringLiteral("json")};
-    for (const QCommandLineOption& option : command.options)
+    QStringList names;
+    for (const QCommandLineOption& option : commonOptions() + command.options)
         names += option.names();
     const QString unknown = parser.unknownOptionNames().value(0);
     if (unknown.isEmpty())
@@ -133,11 +112,7 @@ ExitCode runCommand(const Command& command, QStringList words)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(command.summary);
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  Program::tr("Shows this help."));
-    const QCommandLineOption json(QStringLiteral("json"),
-                                  Program::tr("Prints one JSON object as the result."));
-    parser.addOptions({help, json});
+    parser.addOptions(commonOptions());
     parser.addOptions(command.options);
     for (const Argument& argument : command.arguments)
         parser.addPositionalArgument(argument.name, argument.description, syntaxOf(argument));
@@ -145,7 +120,7 @@ ExitCode runCommand(const Command& command, QStringList words)
     words.prepend(QStringLiteral("quenzo"));
     if (!parser.parse(words))
         return usageError(objectionToOptions(command, parser), command.name);
-    if (parser.isSet(help)) {
+    if (parser.isSet(QStringLiteral("help"))) {
         writeLine(stdout, helpText(command, parser));
         return ExitDone;
     }
@@ -154,7 +129,7 @@ ExitCode runCommand(const Command& command, QStringList words)
     if (!objection.isEmpty())
         return usageError(objection, command.name);
 
-    Console console(parser.isSet(json));
+    Console console(parser.isSet(QStringLiteral("json")));
     const ExitCode code = command.run(parser, console);
     if (code != ExitUsage)
         console.finish(command.name, code == ExitDone);

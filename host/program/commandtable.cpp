@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#include "commandtable.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+struct Table {
+    Q_DECLARE_TR_FUNCTIONS(Table)
+};
+
+} // namespace
+
+QVector<Command> allCommands()
+{
+    QVector<Command> commands;
+    for (const auto& group : {scriptCommands, treeCommands, dbCommands, iconCommands, deviceCommands})
+        commands += group();
+    return commands;
+}
+
+QList<QCommandLineOption> commonOptions()
+{
+    return {{{QStringLiteral("h"), QStringLiteral("help")}, Table::tr("Shows this help.")},
+            {QStringLiteral("json"), Table::tr("Prints one JSON object as the result.")}};
+}
+
+QString syntaxOf(const Argument& argument)
+{
+    switch (argument.count) {
+    case Argument::Optional:
+        return QStringLiteral("[%1]").arg(argument.name);
+    case Argument::AnyNumber:
+        return QStringLiteral("[%1...]").arg(argument.name);
+    case Argument::Once:
+        break;
+    }
+    return argument.name;
+}
+
+QVector<Explained> exitCodes()
+{
+    return {
+        {QStringLiteral("0"), Table::tr("done")},
+        {QStringLiteral("1"), Table::tr("the operation failed, or not all of it could be done")},
+        {QStringLiteral("2"), Table::tr("the words were wrong; nothing was done")},
+        {QStringLiteral("130"),
+         Table::tr("Ctrl-C ended the program, as a shell tells it: 128 and the signal's number")},
+    };
+}
+
+QVector<Explained> environmentVariables()
+{
+    return {
+        {QStringLiteral("QUENZO_KEY"),
+         Table::tr("The file of the key that encrypt and decrypt take, where "
+                   "--key names none.")},
+        {QStringLiteral("XDG_DATA_HOME"),
+         Table::tr("The folder that holds the person's own key, instead of ~/.local/share.")},
+        {QStringLiteral("QUENZO_DEVELOP_INFO"),
+         Table::tr("The file of the channels' developer records that export reads.")},
+        {QStringLiteral("ANDROID_SERIAL"),
+         Table::tr("The device of install and uninstall, where --device names none.")},
+        {QStringLiteral("QUENZO_ADB_TIMEOUT"),
+         Table::tr("How many seconds one command of adb may take: 600.")},
+        {QStringLiteral("QUENZO_ADB_WAIT"),
+         Table::tr("How many seconds of these it may wait for a device that is away: 20.")},
+        {QStringLiteral("TERM"), Table::tr("A terminal that is \"dumb\" gets no state of work at hand.")},
+    };
+}
+
+QVector<Explained> usedFiles()
+{
+    return {
+        {QStringLiteral("ROOT/bin/quenzo"),
+         Table::tr("The program; everything else is found from its folder, links resolved.")},
+        {QStringLiteral("ROOT/Script"),
+         Table::tr("The scripts behind import, encrypt, decrypt, pack, unpack "
+                   "and export, and the developer records.")},
+        {QStringLiteral("ROOT/tool/mac"), Table::tr("adb and aapt, and what the interpreter imports first.")},
+        {QStringLiteral("ROOT/log/quenzotool.log"), Table::tr("The log.")},
+        {QStringLiteral("~/.local/share/quenzo/encrypt.key"),
+         Table::tr("The person's own key, made when it is first needed.")},
+    };
+}
