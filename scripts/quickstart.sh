@@ -34,7 +34,7 @@ run quenzo pack "$out/encrypted" "$out/skyharbour-packed.apk"
 run quenzo export 101 "$out/develop"
 for platform in android ios; do
     run quenzo icons --icon "$sample/icons/icon.png" --marks "$sample/icons/marks" --out "$out/icons-$platform" \
-        --platform "$platform" --default-corner right-bottom --default-x 352 --default-y -352 \
+        --platform "$platform" \
         --sheet "$out/sheet-$platform.png" "$sample/icons/channels.json"
 done
 run quenzo package-name "$out/skyharbour-packed.apk"

@@ -44,6 +44,11 @@ private Q_SLOTS:
     void defaultCornerTakesTheDefaultPlace();
     void cornerAndMarkMayBeLeftOut();
     void numberedDefaultCornerIsTaken();
+    void markWithoutAPlaceLiesFlushInItsCorner_data();
+    void markWithoutAPlaceLiesFlushInItsCorner();
+    void markLargerThanTheIconKeepsItsCorner();
+    void listMayComeFromTheStandardInput();
+    void pathsMayBeginWithAColon();
     void outputFolderIsClearedFirst();
     void outputFolderOfAnEarlierRunIsClearedAgain();
     void outputFolderMayBeALink();
@@ -69,11 +74,11 @@ void tst_IconCommands::sampleGivesWholeSetsOfTheRightSizes()
     QFETCH(const QString, platform);
     QFETCH(const QList<int>, sides);
     const QString sample = QStringLiteral(SAMPLE_ICONS);
-    const Ended ended = quenzo(
-        QStringList{QStringLiteral("icons"), QStringLiteral("--icon"), sample + QStringLiteral("/icon.png"),
-                    QStringLiteral("--marks"), sample + QStringLiteral("/marks"),
-                    QStringLiteral("--platform"), platform, sample + QStringLiteral("/channels.json")}
-        + words("--out out --default-corner right-bottom --default-x 352 --default-y -352"));
+    const Ended ended = quenzo(QStringList{QStringLiteral("icons"), QStringLiteral("--icon"),
+                                           sample + QStringLiteral("/icon.png"), QStringLiteral("--marks"),
+                                           sample + QStringLiteral("/marks"), QStringLiteral("--platform"),
+                                           platform, sample + QStringLiteral("/channels.json")}
+                               + words("--out out"));
     QCOMPARE(ended.error, QByteArray());
     QCOMPARE(ended.code, 0);
     const QByteArray count = QByteArray::number(6 * (sides.size() + 1));
@@ -151,13 +156,89 @@ void tst_IconCommands::cornerAndMarkMayBeLeftOut()
     QCOMPARE(ended.error, QByteArray());
     QCOMPARE(produced(QStringLiteral("plain")), master());
     QCOMPARE(produced(QStringLiteral("none")), master());
-    QCOMPARE(produced(QStringLiteral("marked")), marked(master(), markPicture(3), 0, 0));
+    QCOMPARE(produced(QStringLiteral("marked")), marked(master(), markPicture(3), 68, -68));
 }
 
 void tst_IconCommands::numberedDefaultCornerIsTaken()
 {
     QCOMPARE(icons(R"([{"folder": "a", "mark": "red"}])", words("--default-corner 2")).error, QByteArray());
-    QCOMPARE(produced(QStringLiteral("a")), marked(master(), markPicture(2), 0, 0));
+    QCOMPARE(produced(QStringLiteral("a")), marked(master(), markPicture(2), 72, 0));
+}
+
+void tst_IconCommands::markWithoutAPlaceLiesFlushInItsCorner_data()
+{
+    QTest::addColumn<QByteArray>("place");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("corner");
+    QTest::addColumn<QPoint>("position");
+    // The mark's pictures have 20, 24, 28 and 32 pixels a side, the icon 100.
+    const QList<QPoint> flush{{0, 0}, {0, -76}, {72, 0}, {68, -68}};
+    for (int i = 0; i < flush.size(); ++i) {
+        const QPoint place = flush.at(i);
+        const QByteArray name = cornerNames().at(i).toUtf8();
+        const QByteArray corner = R"(, "corner": ")" + name + '"';
+        const QStringList byDefault{QStringLiteral("--default-corner"), cornerNames().at(i)};
+        const auto row = [&](const char* title, const QByteArray& given, const QStringList& options,
+                             const QPoint& position) {
+            QTest::addRow("%s, %s", name.constData(), title) << given << options << i << position;
+        };
+        row("neither", corner, {}, place);
+        row("only x", corner + R"(, "x": 7)", {}, {7, place.y()});
+        row("only y", corner + R"(, "y": -7)", {}, {place.x(), -7});
+        row("zeros", corner + R"(, "x": 0, "y": 0)", {}, {0, 0});
+        row("by default", {}, byDefault, place);
+        row("by default, only x", {}, byDefault + words("--default-x 9"), {9, place.y()});
+        row("by default, zeros", {}, byDefault + words("--default-x 0 --default-y 0"), {0, 0});
+        row("by default, the channel's own left aside", R"(, "x": 1, "y": 1)", byDefault, place);
+    }
+}
+
+void tst_IconCommands::markWithoutAPlaceLiesFlushInItsCorner()
+{
+    QFETCH(const QByteArray, place);
+    QFETCH(const QStringList, options);
+    QFETCH(const int, corner);
+    QFETCH(const QPoint, position);
+    const Ended ended = icons(R"([{"folder": "a", "mark": "red")" + place + "}]", options);
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(produced(QStringLiteral("a")),
+             marked(master(), markPicture(corner), position.x(), position.y()));
+}
+
+void tst_IconCommands::markLargerThanTheIconKeepsItsCorner()
+{
+    QVERIFY(mark(130, Qt::blue).save(path(QStringLiteral("marks/red/icon/right-bottom.png"))));
+    const Ended ended = icons(R"([{"folder": "a", "mark": "red"}])");
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(produced(QStringLiteral("a")), marked(master(), markPicture(3), -30, 30));
+}
+
+void tst_IconCommands::listMayComeFromTheStandardInput()
+{
+    QStringList withoutList = arguments();
+    withoutList.last() = QStringLiteral("-");
+    const Ended ended = QuenzoProcess(withoutList, root()).end(R"([{"folder": "a"}])");
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(filesBelow(out()).size(), 7);
+
+    const Ended refused = QuenzoProcess(withoutList, root()).end("[");
+    QCOMPARE(refused.code, 1);
+    QVERIFY2(refused.error.startsWith("quenzo: the standard input is not JSON: "), refused.error.constData());
+}
+
+void tst_IconCommands::pathsMayBeginWithAColon()
+{
+    for (const auto& [from, to] : {std::pair{"game.png", ":game.png"}, std::pair{"marks", ":marks"}})
+        QVERIFY(QFile::rename(path(QLatin1String(from)), root() + QLatin1Char('/') + QLatin1String(to)));
+    write(root() + QStringLiteral("/:list"), R"([{"folder": "a", "mark": "red", "corner": "left-top"}])");
+    const Ended ended = quenzo(words("icons --icon :game.png --marks :marks --out :out --platform android "
+                                     "--sheet :sheet.png :list"));
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(QImage(root() + QStringLiteral("/:out/a/icon512x512.png")),
+             marked(QImage(root() + QStringLiteral("/:game.png")),
+                    QImage(root() + QStringLiteral("/:marks/red/icon/left-top.png")), 0, 0));
+    QVERIFY(!QImage(root() + QStringLiteral("/:sheet.png")).isNull());
 }
 
 void tst_IconCommands::outputFolderIsClearedFirst()

@@ -38,6 +38,8 @@ private Q_SLOTS:
     void missingMarkMayBeIgnored();
     void markOutsideTheIconIsWarnedOf_data();
     void markOutsideTheIconIsWarnedOf();
+    void markThatIsCutOffIsWarnedOf_data();
+    void markThatIsCutOffIsWarnedOf();
     void refusedThreadsEndTheRun_data();
     void refusedThreadsEndTheRun();
     void folderGivenTwiceIsWarnedOf();
@@ -105,6 +107,29 @@ void tst_IconFailures::markOutsideTheIconIsWarnedOf()
     QCOMPARE(produced(QStringLiteral("a")), master());
 }
 
+void tst_IconFailures::markThatIsCutOffIsWarnedOf_data()
+{
+    QTest::addColumn<QByteArray>("place");
+    QTest::addColumn<QByteArray>("told");
+    QTest::newRow("right") << QByteArray(R"("x": 81, "y": 0)") << QByteArray("(81, 0)");
+    QTest::newRow("left") << QByteArray(R"("x": -1, "y": 0)") << QByteArray("(-1, 0)");
+    QTest::newRow("above") << QByteArray(R"("x": 0, "y": 1)") << QByteArray("(0, -1)");
+    QTest::newRow("below") << QByteArray(R"("x": 0, "y": -81)") << QByteArray("(0, 81)");
+    QTest::newRow("just within") << QByteArray(R"("x": 80, "y": -80)") << QByteArray();
+}
+
+void tst_IconFailures::markThatIsCutOffIsWarnedOf()
+{
+    QFETCH(const QByteArray, place);
+    QFETCH(const QByteArray, told);
+    const Ended ended = icons(R"([{"folder": "a", "mark": "red", "corner": 0, )" + place + "}]");
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(ended.error,
+             told.isEmpty() ? QByteArray()
+                            : "quenzo: channel 'a': the mark is cut off: it has 20x20 pixels at " + told
+                     + ", and the icon has 100x100\n");
+}
+
 void tst_IconFailures::refusedThreadsEndTheRun_data()
 {
     QTest::addColumn<int>("limit");
@@ -146,7 +171,7 @@ void tst_IconFailures::folderGivenTwiceIsWarnedOf()
     QCOMPARE(ended.code, 0);
     QVERIFY2(ended.error.contains("the folder 'a' is given twice"), ended.error.constData());
     QVERIFY2(ended.output.startsWith("7 of 7 files in "), ended.output.constData());
-    QCOMPARE(produced(QStringLiteral("a")), marked(master(), markPicture(3), 0, 0));
+    QCOMPARE(produced(QStringLiteral("a")), marked(master(), markPicture(3), 68, -68));
 }
 
 void tst_IconFailures::fileInTheWayOfAFolderIsReported()

@@ -80,6 +80,8 @@ public:
         return name;
     }
 
+    bool gives(const QString& key) const { return m_values.contains(key); }
+
     int number(const QString& key) const
     {
         const QJsonValue value = m_values.value(key);
@@ -122,6 +124,8 @@ ListedChannel channelOf(const Entry& entry)
     channel.icon.strChannelDir = entry.fileName(QStringLiteral("folder"), {});
     channel.icon.strMarkName = entry.fileName(QStringLiteral("mark"), noMark);
     channel.icon.nCorner = entry.corner(QStringLiteral("corner"));
+    channel.givesX = entry.gives(QStringLiteral("x"));
+    channel.givesY = entry.gives(QStringLiteral("y"));
     channel.icon.nOffsetX = entry.number(QStringLiteral("x"));
     channel.icon.nOffsetY = entry.number(QStringLiteral("y"));
     channel.name = entry.text(QStringLiteral("name"), channel.icon.strChannelDir);
@@ -147,22 +151,25 @@ QString ChannelList::formatHelp()
         "  \"name\"    what the sheet shows (the folder's name)\n"
         "  \"mark\"    the mark's folder in the marks' folder (none)\n"
         "  \"corner\"  left-top, left-bottom, right-top, right-bottom, default, or 0 to 4 (default)\n"
-        "  \"x\"       the mark's distance from the icon's left edge, in pixels (0)\n"
-        "  \"y\"       its height over the icon's top edge: -20 is 20 pixels below it (0)\n"
-        "With the corner \"default\" the mark goes where --default-corner, --default-x and\n"
-        "--default-y put it. A mark's pictures are MARK/icon/left-top.png and so on.");
+        "  \"x\"       the mark's distance from the icon's left edge, in pixels\n"
+        "  \"y\"       its height over the icon's top edge: -20 is 20 pixels below it\n"
+        "Without \"x\" or \"y\" the mark lies flush in its corner. With the corner \"default\" it\n"
+        "goes where --default-corner, --default-x and --default-y put it, or flush into that\n"
+        "corner. A mark's pictures are MARK/icon/left-top.png and so on.");
 }
 
 QVector<ListedChannel> ChannelList::read(const QString& path, QStringList& errors)
 {
+    const bool isStandardInput = path == QLatin1String("-");
+    const QString title = isStandardInput ? Channels::tr("the standard input") : path;
     const QFileInfo found(path);
-    if (found.exists() && !found.isFile()) {
-        errors.append(Channels::tr("%1 is not a regular file").arg(path));
+    if (!isStandardInput && found.exists() && !found.isFile()) {
+        errors.append(Channels::tr("%1 is not a regular file").arg(title));
         return {};
     }
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        errors.append(Channels::tr("%1 cannot be read: %2").arg(path, file.errorString()));
+    if (!(isStandardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly))) {
+        errors.append(Channels::tr("%1 cannot be read: %2").arg(title, file.errorString()));
         return {};
     }
     const QByteArray content = file.readAll();
@@ -170,11 +177,11 @@ QVector<ListedChannel> ChannelList::read(const QString& path, QStringList& error
     const QJsonDocument document = QJsonDocument::fromJson(content, &fault);
     if (fault.error != QJsonParseError::NoError) {
         errors.append(Channels::tr("%1 is not JSON: %2 at %3")
-                          .arg(path, fault.errorString(), placeOf(content, fault.offset)));
+                          .arg(title, fault.errorString(), placeOf(content, fault.offset)));
         return {};
     }
     if (!document.isArray()) {
-        errors.append(Channels::tr("%1 does not hold an array of channels").arg(path));
+        errors.append(Channels::tr("%1 does not hold an array of channels").arg(title));
         return {};
     }
     QVector<ListedChannel> channels;

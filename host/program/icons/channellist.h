@@ -12,6 +12,8 @@
 struct ListedChannel {
     QString name;
     ST_CHANNEL_ICON icon;
+    bool givesX = false; ///< whether the list says where the mark goes; otherwise it lies flush in its corner
+    bool givesY = false;
 };
 
 namespace ChannelList {
@@ -22,6 +24,7 @@ QString formatHelp();
 /**
  * Reads a channel list and finds all its mistakes.
  *
+ * @param path a file; "-" is the standard input
  * @param[out] errors a sentence a mistake; empty when the list can be used
  */
 QVector<ListedChannel> read(const QString& path, QStringList& errors);

@@ -25,6 +25,22 @@ struct IconCommands {
     Q_DECLARE_TR_FUNCTIONS(IconCommands)
 };
 
+// False for a value that is no number.
+bool readPixels(const QCommandLineParser& parser, const QString& option, std::optional<int>& pixels)
+{
+    if (!parser.isSet(option))
+        return true;
+    bool isNumber = false;
+    pixels = parser.value(option).toInt(&isNumber);
+    return isNumber;
+}
+
+// Qt takes a leading colon for the name of a built-in resource.
+QString asFile(const QString& path)
+{
+    return path.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + path : path;
+}
+
 // Reads the options; an empty text means they are complete and sound.
 QString readOptions(const QCommandLineParser& parser, IconJob& job)
 {
@@ -39,11 +55,11 @@ QString readOptions(const QCommandLineParser& parser, IconJob& job)
     if (platform != QLatin1String("android") && platform != QLatin1String("ios"))
         return IconCommands::tr("--platform is android or ios, not '%1'").arg(platform);
     job.platform = platform == QLatin1String("android") ? IconSet::Android : IconSet::Ios;
-    job.icon = parser.value(QStringLiteral("icon"));
-    job.marks = parser.value(QStringLiteral("marks"));
+    job.icon = asFile(parser.value(QStringLiteral("icon")));
+    job.marks = asFile(parser.value(QStringLiteral("marks")));
     job.out = parser.value(QStringLiteral("out"));
-    job.list = parser.positionalArguments().at(1);
-    job.sheet = parser.value(QStringLiteral("sheet"));
+    job.list = asFile(parser.positionalArguments().at(1));
+    job.sheet = asFile(parser.value(QStringLiteral("sheet")));
     job.keep = parser.isSet(QStringLiteral("keep"));
     job.clear = parser.isSet(QStringLiteral("clear"));
     job.ignoreMissing = parser.isSet(QStringLiteral("ignore-missing"));
@@ -54,12 +70,10 @@ QString readOptions(const QCommandLineParser& parser, IconJob& job)
     if (job.defaultCorner < 0 || job.defaultCorner > IconSet::RightBottom)
         return IconCommands::tr(
             "--default-corner is left-top, left-bottom, right-top or right-bottom, or 0 to 3");
-    bool isX = false;
-    bool isY = false;
-    job.defaultX = parser.value(QStringLiteral("default-x")).toInt(&isX);
-    job.defaultY = parser.value(QStringLiteral("default-y")).toInt(&isY);
-    return isX && isY ? QString()
-                      : IconCommands::tr("--default-x and --default-y take whole numbers of pixels");
+    if (!readPixels(parser, QStringLiteral("default-x"), job.defaultX)
+        || !readPixels(parser, QStringLiteral("default-y"), job.defaultY))
+        return IconCommands::tr("--default-x and --default-y take whole numbers of pixels");
+    return {};
 }
 
 // Why the icon cannot be read; empty when it can.
@@ -106,7 +120,10 @@ QStringList readInputs(IconJob& job)
                     .arg(word)};
     QStringList faults = faultsOfPictures(job);
     job.channels = ChannelList::read(job.list, faults);
-    const QString danger = faults.isEmpty() ? job.danger() : QString();
+    if (!faults.isEmpty())
+        return faults;
+    job.placeMarks();
+    const QString danger = job.danger();
     if (!danger.isEmpty())
         faults.append(danger);
     if (faults.isEmpty() && !job.ignoreMissing)
@@ -150,7 +167,8 @@ bool produce(const IconJob& job, FileTally& tally, Console& console)
     for (const ListedChannel& channel : job.channels)
         icons.append(channel.icon);
     ThreadGenerateIcon thread;
-    thread.setGameInfo(job.icon, job.defaultCorner, job.defaultX, job.defaultY, job.platform);
+    // Every channel has a corner and a position of its own by now.
+    thread.setGameInfo(job.icon, job.defaultCorner, 0, 0, job.platform);
     thread.setInfo(job.marks, icons);
     thread.setOutputDir(job.out + QLatin1Char('/'));
     thread.setClearDirFirst(!job.keep);
@@ -277,7 +295,8 @@ QVector<Command> iconCommands()
     Command icons;
     icons.name = QStringLiteral("icons");
     icons.summary = C::tr("makes every channel's launcher icons");
-    icons.arguments = {{QStringLiteral("CHANNELS.json"), C::tr("the list of channels, see below")}};
+    icons.arguments = {{QStringLiteral("CHANNELS.json"),
+                        C::tr("the list of channels, see below; - reads it from the standard input")}};
     icons.options = {
         option("icon", C::tr("The game's icon, in any usual format."), "FILE"),
         option("marks", C::tr("The folder that holds a folder a mark."), "DIR"),
@@ -287,8 +306,8 @@ QVector<Command> iconCommands()
         option("platform", C::tr("The set of sizes: android or ios."), "NAME"),
         option("default-corner", C::tr("The corner of channels with the corner \"default\" (right-bottom)."),
                "CORNER", "right-bottom"),
-        option("default-x", C::tr("Where these channels' marks go, as \"x\" (0)."), "N", "0"),
-        option("default-y", C::tr("Where these channels' marks go, as \"y\" (0)."), "N", "0"),
+        option("default-x", C::tr("Where these channels' marks go, as \"x\" (flush in the corner)."), "N"),
+        option("default-y", C::tr("Where these channels' marks go, as \"y\" (flush in the corner)."), "N"),
         QCommandLineOption(QStringLiteral("keep"),
                            C::tr("Deletes nothing: files of the same names are overwritten.")),
         QCommandLineOption(QStringLiteral("clear"),

@@ -42,8 +42,7 @@ QString markPath(const IconJob& job, const QString& mark, int corner)
 
 QString markPath(const IconJob& job, const ST_CHANNEL_ICON& icon)
 {
-    return markPath(job, icon.strMarkName,
-                    icon.nCorner == IconSet::Default ? job.defaultCorner : icon.nCorner);
+    return markPath(job, icon.strMarkName, icon.nCorner);
 }
 
 bool isMarked(const ListedChannel& channel)
@@ -59,8 +58,9 @@ struct Input {
 // The files that must stay as they are; among them the pictures of marks that no channel uses.
 QVector<Input> inputsOf(const IconJob& job)
 {
-    QVector<Input> inputs{{job.icon, Job::tr("the icon '%1'").arg(job.icon)},
-                          {job.list, Job::tr("the channel list '%1'").arg(job.list)}};
+    QVector<Input> inputs{{job.icon, Job::tr("the icon '%1'").arg(job.icon)}};
+    if (job.list != QLatin1String("-"))
+        inputs.append({job.list, Job::tr("the channel list '%1'").arg(job.list)});
     QStringList marks = QDir(job.marks).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
     // A folder that may be entered, but not listed, shows none of them.
     for (const ListedChannel& channel : job.channels)
@@ -132,10 +132,10 @@ QString faultOfClearing(const IconJob& job)
         {QCoreApplication::applicationDirPath(), Job::tr("this program")},
         {job.icon, Job::tr("the icon")},
         {job.marks, Job::tr("the marks")},
-        {job.list, Job::tr("the channel list")},
+        {job.list == QLatin1String("-") ? QString() : job.list, Job::tr("the channel list")},
     };
     for (const auto& [path, what] : kept) {
-        if (holds(root.canonicalFilePath(), path))
+        if (!path.isEmpty() && holds(root.canonicalFilePath(), path))
             return Job::tr(
                        "the output folder '%1' is deleted first, and it holds %2 (--keep deletes nothing)")
                 .arg(job.out, what);
@@ -168,20 +168,64 @@ QString faultOfMark(const QString& path)
         : QString();
 }
 
-// Why nothing of a mark will be seen; empty when something will.
-QString faultOfPlace(const IconJob& job, const ST_CHANNEL_ICON& icon, const QSize& markSize,
-                     const QSize& iconSize)
+// Empty for what is no picture.
+QSize sizeOf(const QString& path)
 {
-    const bool byDefault = icon.nCorner == IconSet::Default;
-    const qint64 x = byDefault ? job.defaultX : icon.nOffsetX;
-    const qint64 y = -qint64(byDefault ? job.defaultY : icon.nOffsetY);
-    if (x >= iconSize.width() || y >= iconSize.height() || x + markSize.width() <= 0
-        || y + markSize.height() <= 0)
+    if (!QFileInfo(path).isFile())
+        return {};
+    QImageReader reader(path);
+    const QSize size = reader.size();
+    return size.isValid() ? size : reader.read().size(); // not every format tells it beforehand
+}
+
+QString shown(const QSize& size)
+{
+    return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
+}
+
+// Why not all of a mark will be seen; empty when it will.
+QString faultOfPlace(const ST_CHANNEL_ICON& icon, const QSize& markSize, const QSize& iconSize)
+{
+    const qint64 x = icon.nOffsetX;
+    const qint64 y = -qint64(icon.nOffsetY);
+    const qint64 right = x + markSize.width();
+    const qint64 bottom = y + markSize.height();
+    if (x >= iconSize.width() || y >= iconSize.height() || right <= 0 || bottom <= 0)
         return Job::tr("the mark lies outside the icon: its top left corner is at (%1, %2)").arg(x).arg(y);
+    if (x < 0 || y < 0 || right > iconSize.width() || bottom > iconSize.height())
+        return Job::tr("the mark is cut off: it has %1 pixels at (%2, %3), and the icon has %4")
+            .arg(shown(markSize))
+            .arg(x)
+            .arg(y)
+            .arg(shown(iconSize));
     return {};
 }
 
 } // namespace
+
+void IconJob::placeMarks()
+{
+    const QSize iconSize = sizeOf(icon);
+    for (ListedChannel& channel : channels) {
+        ST_CHANNEL_ICON& decoration = channel.icon;
+        if (decoration.nCorner == IconSet::Default) {
+            decoration.nCorner = defaultCorner;
+            decoration.nOffsetX = defaultX.value_or(0);
+            decoration.nOffsetY = defaultY.value_or(0);
+            channel.givesX = defaultX.has_value();
+            channel.givesY = defaultY.has_value();
+        }
+        const QSize markSize = isMarked(channel) ? sizeOf(markPath(*this, decoration)) : QSize();
+        if (markSize.isEmpty())
+            continue;
+        if (!channel.givesX)
+            decoration.nOffsetX =
+                IconSet::isRight(decoration.nCorner) ? iconSize.width() - markSize.width() : 0;
+        if (!channel.givesY)
+            decoration.nOffsetY =
+                IconSet::isBottom(decoration.nCorner) ? markSize.height() - iconSize.height() : 0;
+    }
+}
 
 QString IconJob::folderOf(const ListedChannel& channel) const
 {
@@ -254,17 +298,15 @@ QStringList IconJob::warnings() const
 {
     QStringList texts;
     QSet<QString> folders;
-    const QSize iconSize = QImageReader(icon).size();
+    const QSize iconSize = sizeOf(icon);
     for (const ListedChannel& channel : channels) {
         const QString& folder = channel.icon.strChannelDir;
         if (folders.contains(folder))
             texts.append(
                 Job::tr("the folder '%1' is given twice; the later channel's icons stay").arg(folder));
         folders.insert(folder);
-        const QSize markSize =
-            isMarked(channel) ? QImageReader(markPath(*this, channel.icon)).size() : QSize();
-        const QString fault =
-            markSize.isValid() ? faultOfPlace(*this, channel.icon, markSize, iconSize) : QString();
+        const QSize markSize = isMarked(channel) ? sizeOf(markPath(*this, channel.icon)) : QSize();
+        const QString fault = markSize.isEmpty() ? QString() : faultOfPlace(channel.icon, markSize, iconSize);
         if (!fault.isEmpty())
             texts.append(Job::tr("channel '%1': %2").arg(channel.name, fault));
     }

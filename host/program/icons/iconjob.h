@@ -9,21 +9,26 @@
 #include <QStringList>
 #include <QVector>
 
+#include <optional>
+
 /** What the command line and the channel list ask for. */
 struct IconJob {
     QString icon;
     QString marks;
     QString out; ///< absolute, without links and a separator at the end
-    QString list;
+    QString list; ///< "-" for the standard input
     QString sheet; ///< empty when none is wanted
     int platform = IconSet::Android;
     int defaultCorner = IconSet::RightBottom;
-    int defaultX = 0;
-    int defaultY = 0;
+    std::optional<int> defaultX; ///< flush in the corner when not given
+    std::optional<int> defaultY;
     bool keep = false;
     bool clear = false; ///< also a folder that no earlier run has made
     bool ignoreMissing = false; ///< marks that cannot be read leave their icons unmarked
     QVector<ListedChannel> channels;
+
+    /** Gives each channel the corner and the position that its mark really gets. */
+    void placeMarks();
 
     /** The path of every file, each once: channels may share a folder. */
     QStringList files() const;

@@ -9,6 +9,16 @@ QStringList IconSet::cornerNames()
             QStringLiteral("right-bottom"), QStringLiteral("default")};
 }
 
+bool IconSet::isRight(int corner)
+{
+    return corner == RightTop || corner == RightBottom;
+}
+
+bool IconSet::isBottom(int corner)
+{
+    return corner == LeftBottom || corner == RightBottom;
+}
+
 QString IconSet::cornerFile(int corner)
 {
     return QLatin1String("icon/") + cornerNames().at(qMin<int>(corner, RightBottom)) + QLatin1String(".png");

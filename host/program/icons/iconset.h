@@ -9,10 +9,13 @@
 namespace IconSet {
 
 enum Platform : int { Android = 0, Ios = 1 };
-enum Corner : int { RightBottom = 3, Default = 4 };
+enum Corner : int { LeftTop = 0, LeftBottom = 1, RightTop = 2, RightBottom = 3, Default = 4 };
 
 /** The words for the corners, each at its number; the last one is that of Default. */
 QStringList cornerNames();
+
+bool isRight(int corner);
+bool isBottom(int corner);
 
 /** The file of a mark's picture for a corner, in the mark's folder. */
 QString cornerFile(int corner);
