@@ -248,7 +248,7 @@ QVector<int> tst_HostTrees::figuresOnATerminal(const QString& call, int count)
         terminal.shown();
     if (process.end().code != 0)
         return {-1};
-    const QRegularExpression figure(QStringLiteral("files: ([0-9,]+) of "));
+    const QRegularExpression figure(QStringLiteral("([0-9,]+) of [0-9,]+ files"));
     QRegularExpressionMatchIterator found = figure.globalMatch(QString::fromUtf8(terminal.shown()));
     QVector<int> figures;
     while (found.hasNext())

@@ -400,7 +400,7 @@ void tst_IconCommands::progressIsShownOnATerminal()
 
     const QString shown = QString::fromLocal8Bit(terminal.shown());
     QRegularExpressionMatchIterator bars =
-        QRegularExpression(QStringLiteral(R"(\r\x1b\[K[-|/\\] \[(#*)(\.*)\] (\d) of 7 files)"))
+        QRegularExpression(QStringLiteral(R"(\r\x1b\[K[-|/\\] drawing \[(#*)(\.*)\] (\d) of 7 files)"))
             .globalMatch(shown);
     QVERIFY2(bars.hasNext(), terminal.shown().constData());
     int before = 0;

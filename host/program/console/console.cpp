@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "console/console.h"
 
+#include "console/progress.h"
 #include "console/standardstreams.h"
 
 #include <QCoreApplication>
@@ -106,7 +107,7 @@ bool Console::isInteractive()
     return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
 }
 
-bool Console::showsProgress()
+bool Console::showsProgress() const
 {
     return isatty(STDERR_FILENO) != 0 && qgetenv("TERM") != "dumb";
 }
@@ -173,11 +174,13 @@ bool Console::confirms(const QString& question)
     return false;
 }
 
-void Console::showProgress(const QString& text)
+void Console::showProgress(const Progress& progress)
 {
     if (!showsProgress())
         return;
-    write(stderr, QStringLiteral("\r\033[K") + inOneLine(shown(text), terminalWidth() - 1));
+    const QString signs = QStringLiteral("|/-\\");
+    const QString text = signs.at(m_turn++ % signs.size()) + QLatin1Char(' ') + shown(progress.text());
+    write(stderr, QStringLiteral("\r\033[K") + inOneLine(text, terminalWidth() - 1));
     m_progressShown = true;
 }
 

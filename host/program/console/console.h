@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+struct Progress;
+
 /** Where a command reports: results on the standard output, diagnostics and progress on the standard error.
  */
 class Console {
@@ -27,8 +29,9 @@ public:
     /** Whether a person watches the diagnostics, and thus wants progress and may be asked. */
     static bool isInteractive();
 
-    /** Whether there is a terminal for the state of work at hand, and one that can take a line back. */
-    static bool showsProgress();
+    /** Whether the state of work at hand is shown: to a machine that asked for it, or on a terminal that can
+     * take a line back. */
+    bool showsProgress() const;
 
     /** Whether a person reads the results. */
     static bool outputIsTerminal();
@@ -57,8 +60,9 @@ public:
     /** Asks a question that y or yes affirms; false when it was not, which has been reported. */
     bool confirms(const QString& question);
 
-    /** Shows the state of work at hand on a terminal, in the place of the state before, cut to one line. */
-    void showProgress(const QString& text);
+    /** Shows the state of work at hand, on a terminal in the place of the state before and cut to one line.
+     */
+    void showProgress(const Progress& progress);
     void clearProgress();
 
     /** Ends the report: prints the JSON object with "command" and "ok", if wanted. */
@@ -69,6 +73,7 @@ private:
 
     bool m_json;
     bool m_progressShown = false;
+    int m_turn = 0;
     QJsonObject m_values;
 };
 

@@ -2,26 +2,21 @@
 #include "console/spinner.h"
 
 #include "console/console.h"
+#include "console/progress.h"
 
 #include <utility>
 
-Spinner::Spinner(Console& console, std::function<QString()> text)
+Spinner::Spinner(Console& console, std::function<Progress()> progress)
     : m_console(console)
-    , m_text(std::move(text))
+    , m_progress(std::move(progress))
 {
     constexpr int intervalMs = 120;
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { turn(); });
-    if (Console::showsProgress())
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { m_console.showProgress(m_progress()); });
+    if (m_console.showsProgress())
         m_timer.start(intervalMs);
 }
 
 Spinner::~Spinner()
 {
     m_console.clearProgress();
-}
-
-void Spinner::turn()
-{
-    const QString signs = QStringLiteral("|/-\\");
-    m_console.showProgress(signs.at(m_turn++ % signs.size()) + QLatin1Char(' ') + m_text());
 }

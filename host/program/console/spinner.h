@@ -2,29 +2,26 @@
 #ifndef SPINNER_H
 #define SPINNER_H
 
-#include <QString>
 #include <QTimer>
 
 #include <functional>
 
 class Console;
+struct Progress;
 
-/** Shows, while it lives and the event loop runs, a turning sign and the state of work on a terminal. */
+/** Shows, while it lives and the event loop runs, the state of work where that is wanted. */
 class Spinner {
 public:
-    /** @param text asked several times a second for what follows the sign; never without a terminal */
-    Spinner(Console& console, std::function<QString()> text);
+    /** @param progress asked several times a second; never where nothing is to be shown */
+    Spinner(Console& console, std::function<Progress()> progress);
     ~Spinner();
     Spinner(const Spinner&) = delete;
     Spinner& operator=(const Spinner&) = delete;
 
 private:
-    void turn();
-
     Console& m_console;
-    const std::function<QString()> m_text;
+    const std::function<Progress()> m_progress;
     QTimer m_timer;
-    int m_turn = 0;
 };
 
 #endif

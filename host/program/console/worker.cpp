@@ -2,6 +2,7 @@
 #include "console/worker.h"
 
 #include "console/console.h"
+#include "console/progress.h"
 #include "console/spinner.h"
 
 #include <QCoreApplication>
@@ -16,7 +17,7 @@ struct Worker {
 
 } // namespace
 
-bool runWorker(QThread& worker, Console& console, const std::function<QString()>& progress)
+bool runWorker(QThread& worker, Console& console, const std::function<Progress()>& progress)
 {
     const Spinner spinner(console, progress);
     QEventLoop loop;

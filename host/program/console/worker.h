@@ -2,20 +2,22 @@
 #ifndef WORKER_H
 #define WORKER_H
 
-#include <QString>
+#include <qglobal.h>
 
 #include <functional>
 
 class Console;
+struct Progress;
+QT_BEGIN_NAMESPACE
 class QThread;
+QT_END_NAMESPACE
 
 /**
  * Starts a worker and lets the event loop run until it has finished, as a desktop host would.
  *
- * @param progress asked several times a second for what a terminal shows, if there is one; its result follows
- * a turning sign
+ * @param progress asked several times a second for what is shown meanwhile, if anything is
  * @return false, with the error reported, when the system had no thread to give; nothing was done then
  */
-bool runWorker(QThread& worker, Console& console, const std::function<QString()>& progress);
+bool runWorker(QThread& worker, Console& console, const std::function<Progress()>& progress);
 
 #endif

@@ -2,6 +2,7 @@
 #include "command.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
+#include "console/progress.h"
 #include "console/worker.h"
 #include "devices/devicetask.h"
 #include "devices/installerrors.h"
@@ -35,7 +36,7 @@ template <typename Question> auto askTool(const Question& question, Console& con
     Diagnostics::takeAll();
     decltype(question()) answer;
     const std::unique_ptr<QThread> worker(QThread::create([&] { answer = question(); }));
-    runWorker(*worker, console, [&text] { return text; });
+    runWorker(*worker, console, [&text] { return Progress{text}; });
     return answer;
 }
 

@@ -4,6 +4,7 @@
 #include "console/console.h"
 #include "console/diagnostics.h"
 #include "console/interruptguard.h"
+#include "console/progress.h"
 #include "console/spinner.h"
 
 #include <installapk.h>
@@ -76,7 +77,7 @@ TaskOutcome runDeviceTask(const DeviceTask& task, Console& console)
     QObject::connect(&ticker, &QTimer::timeout, &loop, tick);
     ticker.start(intervalMs);
     tick();
-    const Spinner spinner(console, [&] { return text.arg(task.serial); });
+    const Spinner spinner(console, [&] { return Progress{text.arg(task.serial)}; });
 
     installer->startTask(task.apk, task.install);
     // Not before: the start blocks on questions, at which an interruption is to end the program at once.

@@ -2,6 +2,7 @@
 #include "command.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
+#include "console/progress.h"
 #include "console/worker.h"
 #include "fileidentity.h"
 #include "icons/channellist.h"
@@ -151,15 +152,6 @@ private:
     QStringList m_texts;
 };
 
-QString progressBar(int done, int all)
-{
-    constexpr int width = 30;
-    const int filled = all == 0 ? width : done * width / all;
-    return QStringLiteral("[%1%2] %3")
-        .arg(QString(filled, QLatin1Char('#')), QString(width - filled, QLatin1Char('.')),
-             IconCommands::tr("%1 of %2 files").arg(done).arg(all));
-}
-
 // False when nothing was done.
 bool produce(const IconJob& job, FileTally& tally, Console& console)
 {
@@ -173,8 +165,7 @@ bool produce(const IconJob& job, FileTally& tally, Console& console)
     thread.setOutputDir(job.out + QLatin1Char('/'));
     thread.setClearDirFirst(!job.keep);
     return runWorker(thread, console, [&tally] {
-        const int done = tally.seen();
-        return progressBar(done, tally.expected());
+        return Progress{IconCommands::tr("drawing"), Progress::Files, tally.seen(), tally.expected()};
     });
 }
 

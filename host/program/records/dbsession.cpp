@@ -3,6 +3,8 @@
 
 #include "console/console.h"
 #include "console/diagnostics.h"
+#include "console/progress.h"
+#include "console/spinner.h"
 #include "records/dbrequest.h"
 
 #include <QCoreApplication>
@@ -49,15 +51,14 @@ QVariantList waitUntilDrained(DBHelper& database, Console& console)
     QEventLoop loop;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] {
-        console.showProgress(DBSession::tr("waiting for the database"));
         // The flag stays true from the last command to the commit of its burst.
         if (ended && !database.isRunning())
             loop.quit();
     });
     timer.start(intervalMs);
+    const Spinner spinner(console, [] { return Progress{DBSession::tr("waiting for the database")}; });
     database.StartThread();
     loop.exec();
-    console.clearProgress();
     return rows;
 }
 

@@ -3,6 +3,7 @@
 
 #include "console/console.h"
 #include "console/diagnostics.h"
+#include "console/progress.h"
 #include "console/worker.h"
 
 #include <pythonforqt.h>
@@ -54,7 +55,7 @@ Outcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap
                              outcome.values = *values;
                      });
     thread.StartOperate(operate, parameters);
-    outcome.began = runWorker(thread, console, [&doing] { return doing; });
+    outcome.began = runWorker(thread, console, [&doing] { return Progress{doing}; });
     // The signal was queued before the thread's end was.
     outcome.diagnostics = Diagnostics::take();
     return outcome;
@@ -128,7 +129,7 @@ Outcome runDecryption(Console& console, const QString& apk)
                           {runPath, apk}, true);
         answer = python.getResultAsInt();
     }));
-    outcome.began = runWorker(*worker, console, [] { return ScriptCommands::tr("decrypting"); });
+    outcome.began = runWorker(*worker, console, [] { return Progress{ScriptCommands::tr("decrypting")}; });
     outcome.diagnostics = Diagnostics::take();
     outcome.succeeded = answer == 0;
     outcome.values.insert(QStringLiteral("result"), answer);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "command.h"
 #include "console/console.h"
+#include "console/progress.h"
 #include "console/worker.h"
 #include "trees/treecount.h"
 #include "trees/treeoperation.h"
@@ -98,9 +99,7 @@ ExitCode removeTree(const RemovalPath& path, const TreeCount& all, Console& cons
     TreeRemoval removal(QFile::encodeName(path.realFolder));
     const std::unique_ptr<QThread> worker(QThread::create([&removal] { removal.run(); }));
     const bool began = runWorker(*worker, console, [&] {
-        const QLocale locale;
-        return TreeCommands::tr("files: %1 of %2")
-            .arg(locale.toString(removal.filesGone()), locale.toString(all.files));
+        return Progress{TreeCommands::tr("removing"), Progress::Files, removal.filesGone(), all.files};
     });
     if (!began)
         return ExitFailed;
@@ -129,7 +128,7 @@ ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
                 .arg(path.folder));
         return ExitUsage;
     }
-    console.showProgress(TreeCommands::tr("counting"));
+    console.showProgress({TreeCommands::tr("counting")});
     const TreeCount all = TreeCount::of(tree);
     const QString question = TreeCommands::tr("'%1' is removed with all in it, %2. Go on? [y/N]");
     if (!parser.isSet(yesOption) && !console.confirms(question.arg(path.folder, summaryOf(all))))

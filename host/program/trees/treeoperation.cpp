@@ -4,6 +4,7 @@
 #include "console/console.h"
 #include "console/diagnostics.h"
 #include "console/interruptguard.h"
+#include "console/progress.h"
 #include "console/worker.h"
 #include "trees/treeprogress.h"
 #include "trees/treerightskeeper.h"
@@ -22,12 +23,14 @@ struct TreeOperations {
     Q_DECLARE_TR_FUNCTIONS(TreeOperation)
 };
 
-QString progressText(const TreeCount& done, const TreeCount& all)
+Progress progressOf(THREAD_OPERATE operate, const TreeCount& done, const TreeCount& all)
 {
     const QLocale locale;
-    return TreeOperations::tr("files: %1 of %2, bytes: %3 of %4")
-        .arg(locale.toString(done.files), locale.toString(all.files), locale.toString(done.bytes),
-             locale.toString(all.bytes));
+    const QString doing =
+        operate == OPERATE_COPY ? TreeOperations::tr("copying") : TreeOperations::tr("moving");
+    const QString files =
+        TreeOperations::tr("%1 of %2 files").arg(locale.toString(done.files), locale.toString(all.files));
+    return {doing, Progress::Bytes, done.bytes, all.bytes, files};
 }
 
 // Whether something is a folder, or one of those above it.
@@ -100,7 +103,7 @@ TreeOperation::~TreeOperation() = default;
 
 bool TreeOperation::run(Console& console)
 {
-    console.showProgress(TreeOperations::tr("counting"));
+    console.showProgress({TreeOperations::tr("counting")});
     const QByteArray endless = linkToTarget(m_scope, m_target);
     if (!endless.isEmpty()) {
         console.error(TreeOperations::tr(
@@ -134,7 +137,7 @@ bool TreeOperation::start(Console& console, const QStringList& left)
     m_started = runWorker(worker, console, [this] {
         TreeCount done = m_progress->done([this](const QByteArray& path) { return m_arrival->has(path); });
         done.bytes += m_arrival->unnamedBytes();
-        return progressText(done, m_progress->all());
+        return progressOf(m_operate, done, m_progress->all());
     });
     m_causes = Diagnostics::takeAll();
     return m_started && worker.getResult().toBool();
