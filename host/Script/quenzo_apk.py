@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: MIT
 """Writes an APK anew with its assets in another form; every other entry is carried over as it was packed."""
 import contextlib
-import re
 
 from quenzo_assets import EncryptedAssets, content_digests, decrypted_assets, is_asset
 from quenzo_cipher import NotAuthentic
@@ -9,10 +8,8 @@ from quenzo_files import replaced
 from quenzo_folder import parents_made
 from quenzo_place import Work
 from quenzo_report import DamagedArchive
-from quenzo_zipread import FLAG_UTF8, STORED, Archive
-from quenzo_zipwrite import Record, ZipWriter
-
-_SIGNATURE = re.compile(r"^META-INF/(MANIFEST\.MF|[^/]+\.(SF|RSA|DSA|EC))\Z", re.IGNORECASE)
+from quenzo_zipread import STORED, Archive
+from quenzo_zipwrite import ZipWriter, is_signature, record_like
 
 
 def encrypt_file(path, archive, secret):
@@ -21,7 +18,7 @@ def encrypt_file(path, archive, secret):
         encrypted = EncryptedAssets(archive, secret, work)
 
         def add(writer, entry):
-            writer.add(_record(entry, STORED, encrypted.size(entry.name)), encrypted.blocks(entry.name))
+            writer.add(record_like(entry, STORED, encrypted.size(entry.name)), encrypted.blocks(entry.name))
 
         _rewrite(archive, add, out)
         with Archive(name) as made:
@@ -37,7 +34,7 @@ def decrypt_file(path, archive, secret):
 
         def add(writer, entry):
             header = plain.headers[entry.name]
-            writer.add(_record(entry, header.method, header.length), plain.blocks(entry.name))
+            writer.add(record_like(entry, header.method, header.length), plain.blocks(entry.name))
 
         _rewrite(archive, add, out)
         with Archive(name) as made:
@@ -59,20 +56,15 @@ def _rewrite(archive, add_asset, out):
     for entry in archive.entries:
         if is_asset(entry):
             add_asset(writer, entry)
-        elif not _SIGNATURE.match(entry.name):
-            writer.add_packed(_record(entry, entry.method, entry.size), archive.packed_blocks(entry), entry.packed,
+        elif not is_signature(entry.name):
+            writer.add_packed(record_like(entry, entry.method, entry.size), archive.packed_blocks(entry), entry.packed,
                               entry.crc)
     writer.finish()
 
 
-def _record(entry, method, size):
-    return Record(entry.raw_name, method, size, (entry.time, entry.date), entry.system, entry.attributes,
-                  entry.flags & FLAG_UTF8)
-
-
 def _check_others(before, after):
     """Every entry that is neither asset nor signature is the same in both, and whole."""
-    expected = [_likeness(entry) for entry in before.entries if not _SIGNATURE.match(entry.name)]
+    expected = [_likeness(entry) for entry in before.entries if not is_signature(entry.name)]
     if expected != [_likeness(entry) for entry in after.entries]:
         raise DamagedArchive("the new APK does not hold what the old one did")
     for entry in after.entries:

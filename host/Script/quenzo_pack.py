@@ -5,13 +5,14 @@ import collections
 import contextlib
 import itertools
 import os
-import stat
 
 from quenzo_ahead import in_order
-from quenzo_files import SCRATCH, argument_path, argument_text, blocks, open_regular, read_small, replaced
+from quenzo_files import argument_path, argument_text, blocks, open_regular, read_small, replaced
 from quenzo_folder import parents_made
+from quenzo_gather import add_extra, contents, lies_in
 from quenzo_limits import check_content, check_entries
 from quenzo_names import check_names
+from quenzo_progress import add_progress, begin_progress
 from quenzo_report import ToolError
 from quenzo_zipread import DEFLATED, STORED
 from quenzo_zipwrite import FOLDER_ATTRIBUTES, Record, ZipWriter, changed, deflated
@@ -29,25 +30,41 @@ STORED_SUFFIXES = frozenset((
 BATCH_BYTES = 1 << 18           # files are read and deflated together up to this; a larger one goes block by block
 ENTRY_BYTES = 1 << 10           # what an entry costs besides its content
 
-Source = collections.namedtuple("Source", "name path size")
+# An entry to write: from a Source, or from an Entry of a base, or from the one of both that turns out right.
+Item = collections.namedtuple("Item", "name record source entry")
+
+_Job = collections.namedtuple("_Job", "item data packed")
 
 
 def pack(src, dest, apkfile):
     """Packs folder src, and file apkfile beside its content unless that is empty, into archive dest."""
+    pack_planned(src, dest, apkfile, lambda root, found: [new_item(found[name]) for name in sorted(found)])
+
+
+def pack_planned(src, dest, apkfile, plan, base=None):
+    """The same with the Items that plan(root, found) makes of what the folder holds; base has their entries."""
     root = argument_path(src, "the folder to pack")
     target = argument_path(dest, "the archive to write")
     extra = argument_text(apkfile, "the file to add") if apkfile or not isinstance(apkfile, basestring) else None
     if not os.path.isdir(root):
         raise ToolError("no such folder: %s" % root)
-    if _lies_in(target, root):
+    if lies_in(target, root):
         raise ToolError("the archive would lie in the folder to pack: %s" % target)
     with parents_made(argument_text(dest, "the archive to write")) as (folder, file_name):
-        found = _contents(root)
+        found = contents(root)
         if extra is not None:
-            _add_extra(found, extra, target)
-        _check(found)
+            add_extra(found, extra, target)
+        items = plan(root, found)
+        _check(items)
         with replaced(folder, file_name) as (out, _):
-            _write(out, found)
+            _write(out, items, base)
+
+
+def new_item(source):
+    """An entry of its own."""
+    if source.name.endswith("/"):
+        return Item(source.name, Record(source.name, STORED, 0, attributes=FOLDER_ATTRIBUTES), source, None)
+    return Item(source.name, Record(source.name, method_for(source.name, source.size), source.size), source, None)
 
 
 def method_for(name, size):
@@ -58,118 +75,100 @@ def method_for(name, size):
     return DEFLATED
 
 
-def _lies_in(path, root):
-    """Whether path is root or below it, by whatever names."""
-    while path != "/":
-        if os.path.isdir(path) and os.path.samefile(path, root):
-            return True
-        path = os.path.dirname(path)
-    return os.path.samefile("/", root)
-
-
-def _check(found):
+def _check(items):
     """Refuses at once what could not be unpacked again."""
-    check_entries(len(found))
-    check_names(found)
-    check_content(sum(source.size for source in found.itervalues()))
+    check_entries(len(items))
+    check_names([item.name for item in items])
+    check_content(sum(item.record.size for item in items))
 
 
-def _contents(root):
-    """Entry name to Source, for every file and every empty folder below root."""
-    found = {}
-
-    def walk(folder, prefix):
-        names = [name for name in os.listdir(folder) if not SCRATCH.match(name)]
-        for name in names:
-            path = os.path.join(folder, name)
-            status = os.lstat(path)
-            if stat.S_ISDIR(status.st_mode):
-                walk(path, prefix + name + "/")
-            else:
-                found[prefix + name] = _file_behind(prefix + name, path, status, root)
-        if prefix and not names:
-            found[prefix] = Source(prefix, folder, 0)
-
-    try:
-        walk(root, "")
-    except RuntimeError:
-        raise ToolError("the folder is nested too deep: %s" % root)
-    return found
-
-
-def _file_behind(name, path, status, root):
-    """The file to read for an entry; a link has to end at a file of the same tree."""
-    if stat.S_ISLNK(status.st_mode):
-        real = os.path.realpath(path)
-        if not real.startswith(root.rstrip("/") + "/"):
-            raise ToolError("a link leads out of the folder: %s" % path)
-        if not os.path.isfile(real):
-            raise ToolError("a link leads to no file: %s" % path)
-        return Source(name, real, os.path.getsize(real))
-    if not stat.S_ISREG(status.st_mode):
-        raise ToolError("neither file nor folder: %s" % path)
-    return Source(name, path, status.st_size)
-
-
-def _add_extra(found, extra, target):
-    name = os.path.basename(extra)
-    path = os.path.realpath(extra)
-    if path == target:
-        raise ToolError("the file to add is the archive to write: %s" % extra)
-    if not os.path.isfile(path):
-        raise ToolError("no such file to add: %s" % extra)
-    if any(entry.split("/", 1)[0] == name for entry in found):
-        raise ToolError("the folder holds a '%s' of its own" % name)
-    found[name] = Source(name, path, os.path.getsize(path))
-
-
-def _write(out, found):
+def _write(out, items, base):
     writer = ZipWriter(out)
-    batches = _batches(found[name] for name in sorted(found))
-    with contextlib.closing(in_order(_packed, batches)) as done:
+    begin_progress(sum(item.record.size for item in items))
+    with contextlib.closing(in_order(lambda batch: _packed(batch, base), _batches(items, base))) as done:
         for batch, packed in done:
-            for (source, record, data), content in itertools.izip(batch, packed):
-                if data is None:
-                    _add_large(writer, source, record)
+            for job, content in itertools.izip(batch, packed):
+                record = job.item.record
+                if content is None:
+                    _add_large(writer, job.item, base)
                 else:
                     writer.add_packed(record, [content], len(content), record.crc)
+                    add_progress(record.size)
     writer.finish()
 
 
-def _batches(sources):
-    """Lists of (source, record, content), content being None for a large file.
+def _batches(items, base):
+    """Lists of jobs: files, and entries of the base, are read here, on one thread.
 
-    Files are read here, on one thread: each step that hands the interpreter lock over costs as much as a short text.
+    Each step that hands the interpreter lock over costs as much as a short text.
     """
     batch, size = [], 0
-    for source in sources:
-        record, data = _record(source), None
-        if source.size <= BATCH_BYTES:
-            data = "" if source.name.endswith("/") else read_small(source.path, source.size + 1)
-            if len(data) != source.size:
-                raise changed(source.name)
-            record.crc = binascii.crc32(data) & 0xffffffff
-        batch.append((source, record, data))
-        size += len(data or "") + ENTRY_BYTES
-        if size > BATCH_BYTES or data is None:
+    for item in items:
+        job = _Job(item, None, None) if _is_large(item) else _read(item, base)
+        batch.append(job)
+        size += len(job.data or "") + len(job.packed or "") + ENTRY_BYTES
+        if size > BATCH_BYTES or _is_large(item):
             yield batch
             batch, size = [], 0
     if batch:
         yield batch
 
 
-def _packed(batch):
-    """What each content of a batch is in the archive."""
-    deflating = iter(deflated([data for _, record, data in batch if data and record.method == DEFLATED]))
-    return [next(deflating) if data and record.method == DEFLATED else data for _, record, data in batch]
+def _is_large(item):
+    return item.record.size > BATCH_BYTES or item.entry is not None and item.entry.packed > BATCH_BYTES
 
 
-def _record(source):
-    if source.name.endswith("/"):
-        return Record(source.name, STORED, 0, attributes=FOLDER_ATTRIBUTES)
-    return Record(source.name, method_for(source.name, source.size), source.size)
+def _read(item, base):
+    record, data, packed = item.record, None, None
+    if item.source:
+        data = "" if item.name.endswith("/") else read_small(item.source.path, item.source.size + 1)
+        if len(data) != item.source.size:
+            raise changed(item.name)
+        record.crc = binascii.crc32(data) & 0xffffffff
+    if item.entry and (data is None or (record.size, record.crc) == (item.entry.size, item.entry.crc)):
+        packed = "".join(base.packed_blocks(item.entry))
+        record.crc = item.entry.crc
+    return _Job(item, data, packed)
 
 
-def _add_large(writer, source, record):
-    with open_regular(source.path) as opened:
-        writer.add(record, blocks(opened))
+def _packed(batch, base):
+    """What each content of a batch is in the archive; None for a large one."""
+    kept = [job.packed if job.packed is not None and _holds(job, base) else None for job in batch]
+    deflating = iter(deflated([job.data for job, packed in zip(batch, kept) if packed is None and _deflates(job)]))
+    for position, job in enumerate(batch):
+        if kept[position] is None:
+            kept[position] = next(deflating) if _deflates(job) else job.data
+    return kept
+
+
+def _holds(job, base):
+    """Whether the base's entry is what has to be written; raises when it is damaged."""
+    content = base.content(job.item.entry, [job.packed])
+    return job.data is None or content == job.data
+
+
+def _deflates(job):
+    return job.data and job.item.record.method == DEFLATED
+
+
+def _add_large(writer, item, base):
+    """Block by block, on this thread."""
+    if item.entry and (item.source is None or _is_equal(item, base)):
+        writer.add_packed(item.record, base.verified_blocks(item.entry), item.entry.packed, item.entry.crc)
+        add_progress(item.record.size)
+        return
+    with open_regular(item.source.path) as content:
+        writer.add(item.record, _counted(blocks(content)))
+
+
+def _is_equal(item, base):
+    if item.source.size != item.entry.size:
+        return False
+    with open_regular(item.source.path) as content:
+        return all(content.read(len(block)) == block for block in base.blocks(item.entry)) and not content.read(1)
+
+
+def _counted(content):
+    for block in content:
+        add_progress(len(block))
+        yield block

@@ -14,6 +14,7 @@ import zlib
 from quenzo_files import BLOCK, open_regular
 from quenzo_limits import check_content, check_directory, check_entries, check_ratio
 from quenzo_names import check_names, is_utf8
+from quenzo_progress import add_progress
 from quenzo_report import DamagedArchive, ToolError
 
 STORED, DEFLATED = zipfile.ZIP_STORED, zipfile.ZIP_DEFLATED
@@ -89,18 +90,9 @@ class Archive(object):
 
     def blocks(self, entry):
         """The content of an entry; raises as soon as it is more than declared, or not what was packed."""
-        size = crc = 0
-        unpacked = self.packed_blocks(entry)
-        if entry.method == DEFLATED:
-            unpacked = _inflated(unpacked, entry.name)
-        for block in unpacked:
-            size += len(block)
-            if size > entry.size:
-                raise ToolError("'%s' unpacks to more than it declares" % entry.name)
-            crc = zlib.crc32(block, crc)
+        for block in checked(entry, self.packed_blocks(entry)):
+            add_progress(len(block))
             yield block
-        if size != entry.size or crc & 0xffffffff != entry.crc:
-            raise DamagedArchive("'%s' is damaged (size or checksum)" % entry.name)
 
     def verify(self, entry):
         """Reads an entry through."""
@@ -175,6 +167,19 @@ class Archive(object):
             reached = entry.data + entry.packed
         if reached > end:
             raise DamagedArchive("the archive is cut off")
+
+
+def checked(entry, packed):
+    """The content that an entry's packed blocks give; raises like Archive.blocks."""
+    size = crc = 0
+    for block in _inflated(packed, entry.name) if entry.method == DEFLATED else packed:
+        size += len(block)
+        if size > entry.size:
+            raise ToolError("'%s' unpacks to more than it declares" % entry.name)
+        crc = zlib.crc32(block, crc)
+        yield block
+    if size != entry.size or crc & 0xffffffff != entry.crc:
+        raise DamagedArchive("'%s' is damaged (size or checksum)" % entry.name)
 
 
 def _check_kind(entry):

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 """Writes archives whose bytes follow from their content alone, aligned so that Android can map stored entries."""
+import re
 import struct
 import zlib
 
@@ -20,6 +21,7 @@ LIMIT_32 = 0xffffffff
 LIMIT_16 = 0xffff
 ZIP64_SIZE = 0xf0000000         # sizes from here on are written in the long form; deflating may add a little
 _PADDING_ID = 0xd935            # the extra field that Android's own tools align with
+_SIGNATURE = re.compile(r"^META-INF/(MANIFEST\.MF|[^/]+\.(SF|RSA|DSA|EC))\Z", re.IGNORECASE)
 _LOCAL = struct.Struct("<4s5HLLL2H")
 _CENTRAL = struct.Struct("<4s6HLLL5HLL")
 
@@ -54,6 +56,17 @@ class Record(object):
         self.offset = 0
         self.padding = 0
         self.long_form = size >= ZIP64_SIZE
+
+
+def record_like(entry, method, size):
+    """A record with the name, time, system, rights and marks of an archive's entry."""
+    return Record(entry.raw_name, method, size, (entry.time, entry.date), entry.system, entry.attributes,
+                  entry.flags & FLAG_UTF8)
+
+
+def is_signature(name):
+    """Whether an entry is part of a signature, which holds no longer once anything else has changed."""
+    return _SIGNATURE.match(name) is not None
 
 
 class ZipWriter(object):
