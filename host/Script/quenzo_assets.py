@@ -8,26 +8,43 @@ import os
 from quenzo_cipher import (MAGIC, NO_FINGERPRINT, SALT_BYTES, STREAM_HEAD_BYTES, STREAM_MAGIC, TAG_BYTES, Header, Keys,
                            NotAuthentic, fingerprint_of, padded)
 from quenzo_files import BLOCK, open_new, remove
+from quenzo_zipread import checked
 
 
-def assets_of(archive):
-    """The payload: every file below assets/."""
-    return [entry for entry in archive.entries if is_asset(entry)]
+def assets_of(archive, left=()):
+    """The payload: every file below assets/, but those whose names are left out."""
+    return [entry for entry in archive.entries if is_asset(entry) and entry.name not in left]
 
 
 def is_asset(entry):
     return entry.name.startswith("assets/") and not entry.is_folder
 
 
+def plain_names(archive):
+    """The names of the assets that do not look like our encrypted form."""
+    return frozenset(entry.name for entry in assets_of(archive) if not _beginning(archive, entry).startswith(MAGIC))
+
+
 def has_encrypted(archive):
     """Whether any asset looks like our encrypted form."""
-    return any(next(archive.blocks(entry), "").startswith(MAGIC) for entry in assets_of(archive))
+    return any(_beginning(archive, entry).startswith(MAGIC) for entry in assets_of(archive))
 
 
-def content_digests(archive):
+def fingerprints(archive):
+    """The fingerprints of the keys that the encrypted assets name."""
+    beginnings = [_beginning(archive, entry) for entry in assets_of(archive)]
+    return set(Header.unpack(one[:Header.SIZE]).fingerprint for one in beginnings
+               if one.startswith(MAGIC) and len(one) >= Header.SIZE)
+
+
+def _beginning(archive, entry):
+    return next(checked(entry, archive.packed_blocks(entry)), "")
+
+
+def content_digests(archive, left):
     """The digest of each asset's content by name."""
     digests = {}
-    for entry in assets_of(archive):
+    for entry in assets_of(archive, left):
         digest = hashlib.sha256()
         for block in archive.blocks(entry):
             digest.update(block)
@@ -61,14 +78,14 @@ class PlainAssets(object):
 
 
 class EncryptedAssets(object):
-    """The encrypted form of an archive's assets, made in folder work."""
+    """The encrypted form of an archive's assets but those left as they are, made in folder work."""
 
-    def __init__(self, archive, secret, work):
+    def __init__(self, archive, secret, work, left):
         plain = os.path.join(work, "plain")
         self._path = os.path.join(work, "cipher")
-        self._keys = Keys(secret, os.urandom(SALT_BYTES))
+        self._keys = Keys(secret, os.urandom(SALT_BYTES), left)
         self._fingerprint = fingerprint_of(secret)
-        self._headers = self._write_plain(archive, plain)
+        self._headers = self._write_plain(assets_of(archive, left), archive, plain)
         self._keys.encrypt(plain, self._path)
         remove(plain)
         with open(self._path, "rb", BLOCK) as stream:
@@ -90,11 +107,11 @@ class EncryptedAssets(object):
                 yield block
         yield tag.digest()
 
-    def _write_plain(self, archive, path):
+    def _write_plain(self, assets, archive, path):
         """All assets one behind the other, each at a multiple of the cipher's block."""
         headers, offset = {}, 0
         with open_new(path, 0o600) as stream:
-            for entry in assets_of(archive):
+            for entry in assets:
                 for block in archive.blocks(entry):
                     stream.write(block)
                 stream.write("\0" * (padded(entry.size) - entry.size))
@@ -108,8 +125,9 @@ class EncryptedAssets(object):
 
 def decrypted_assets(archive, secret, work):
     """PlainAssets of an encrypted archive; every tag is checked before anything is decrypted."""
-    entries = assets_of(archive)
-    headers = dict((entry.name, _authenticated_header(archive, entry, secret)) for entry in entries)
+    left = plain_names(archive)
+    entries = assets_of(archive, left)
+    headers = dict((entry.name, _authenticated_header(archive, entry, secret, left)) for entry in entries)
     salt, stream_salt, total = _common_stream(headers.values())
     cipher, plain = os.path.join(work, "authentic"), os.path.join(work, "decrypted")
     with open_new(cipher, 0o600) as stream:
@@ -126,7 +144,7 @@ def decrypted_assets(archive, secret, work):
     return PlainAssets(headers, plain)
 
 
-def _authenticated_header(archive, entry, secret):
+def _authenticated_header(archive, entry, secret, left):
     if entry.size < Header.SIZE + TAG_BYTES:
         raise NotAuthentic("'%s' is not encrypted, or cut off" % entry.name)
     content = _Content(archive, entry)
@@ -134,11 +152,12 @@ def _authenticated_header(archive, entry, secret):
     _check_key(entry.name, header.fingerprint, fingerprint_of(secret))
     if header.length != entry.size - Header.SIZE - TAG_BYTES:
         raise NotAuthentic("'%s' has another length than it says" % entry.name)
-    tag = Keys(secret, header.salt).tag(entry.name, header)
+    tag = Keys(secret, header.salt, left).tag(entry.name, header)
     for block in content.blocks(header.length):
         tag.update(block)
     if not hmac.compare_digest(tag.digest(), content.read(TAG_BYTES)):
-        raise NotAuthentic("'%s' was altered, or encrypted with another key" % entry.name)
+        raise NotAuthentic("'%s' was altered, or encrypted with another key%s"
+                           % (entry.name, "; or an asset beside it came or went" if left else ""))
     return header
 
 

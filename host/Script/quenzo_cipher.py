@@ -70,10 +70,14 @@ def fingerprint_of(secret):
 
 
 class Keys(object):
-    """What one APK is encrypted and authenticated with, derived from the secret and a salt of its own."""
+    """What one APK is encrypted and authenticated with, derived from the secret and a salt of its own.
 
-    def __init__(self, secret, salt):
+    left: the names of the assets that are not encrypted; each tag holds them, so that none can come or go unnoticed.
+    """
+
+    def __init__(self, secret, salt, left=()):
         self.salt = salt
+        self._left = "".join(_sized(name) for name in sorted(left))
         self._phrase = hmac.new(secret, "quenzo asset encryption" + salt, hashlib.sha256).hexdigest()
         self._tag_key = hmac.new(secret, "quenzo asset authentication" + salt, hashlib.sha256).digest()
 
@@ -90,8 +94,12 @@ class Keys(object):
     def tag(self, name, header):
         """Begins the tag of an asset: over its name and header, then its encrypted bytes by update()."""
         begun = hmac.new(self._tag_key, digestmod=hashlib.sha256)
-        begun.update(struct.pack("<Q", len(name)) + name + header.pack())
+        begun.update(_sized(name) + header.pack() + self._left)
         return begun
+
+
+def _sized(name):
+    return struct.pack("<Q", len(name)) + name
 
 
 def padded(length):

@@ -5,6 +5,7 @@ It is the file that the caller names, else the one that QUENZO_KEY names, else t
 the first use. A key beside the scripts, where it was kept once, serves as long as the person has no other.
 """
 import binascii
+import contextlib
 import errno
 import os
 import re
@@ -25,20 +26,42 @@ class KeyFailure(ToolError):
 
 def secret(named, make, tell):
     """The secret's bytes; make says whether a missing key of the person's own is made, tell(text) is told of it."""
-    try:
-        named = named or os.environ.get(VARIABLE)
-        if named:
-            return _read(_named_file(named))
-        own = own_file()
-        if not os.path.lexists(own):
-            if os.path.lexists(BESIDE_SCRIPTS) and _belongs(os.lstat(BESIDE_SCRIPTS)):
-                tell("the key is still beside the scripts; move it from %s to %s" % (BESIDE_SCRIPTS, own))
-                return _read(BESIDE_SCRIPTS)
+    with _failures():
+        path = key_file(named, tell)
+        own = not named and not os.environ.get(VARIABLE)
+        if own and not os.path.lexists(path):
             if not make:
-                raise KeyFailure("there is no key: %s" % own)
-            if _make(own):
-                tell("made the key %s; keep a copy, without it nothing can be decrypted" % own)
-        return _read(own)
+                raise KeyFailure("there is no key: %s" % path)
+            if _make(path):
+                tell("made the key %s; keep a copy, without it nothing can be decrypted" % path)
+        return _read(path)
+
+
+def key_file(named, tell):
+    """The path of the key in force, whether it is there or not."""
+    named = named or os.environ.get(VARIABLE)
+    if named:
+        return _named_file(named)
+    own = own_file()
+    if not os.path.lexists(own) and os.path.lexists(BESIDE_SCRIPTS) and _belongs(os.lstat(BESIDE_SCRIPTS)):
+        tell("the key is still beside the scripts; move it from %s to %s" % (BESIDE_SCRIPTS, own))
+        return BESIDE_SCRIPTS
+    return own
+
+
+def make_key(named, tell):
+    """Makes a key where the one in force would be, and gives its path; one that is there stays."""
+    with _failures():
+        path = key_file(named, tell)
+        if os.path.lexists(path) or not _make(path):
+            raise KeyFailure("there is a key already, which packages may need: %s" % path)
+        return path
+
+
+@contextlib.contextmanager
+def _failures():
+    try:
+        yield
     except EnvironmentError as error:
         raise KeyFailure("the key file: %s: %s" % (error.strerror, error.filename))
 

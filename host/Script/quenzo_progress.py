@@ -25,9 +25,15 @@ def add_progress(units):
     """So many more are done."""
     if _state["descriptor"] is None:
         return
-    _state["done"] += units
-    if _state["done"] - _state["told"] >= _STEP or _state["done"] >= _state["total"]:
+    _state["done"] = min(_state["done"] + units, _state["total"])
+    news = _state["done"] - _state["told"]
+    if news >= _STEP or news and _state["done"] == _state["total"]:
         _tell()
+
+
+def end_progress():
+    """All is done, where the total was reckoned roughly."""
+    add_progress(_state["total"])
 
 
 def _tell():
@@ -36,6 +42,6 @@ def _tell():
     _state["told"] = _state["done"]
     try:
         os.lseek(_state["descriptor"], 0, os.SEEK_SET)
-        os.write(_state["descriptor"], _NUMBERS.pack(min(_state["done"], _state["total"]), _state["total"]))
+        os.write(_state["descriptor"], _NUMBERS.pack(_state["done"], _state["total"]))
     except OSError:
         _state["descriptor"] = None  # Whoever asked is gone; the work goes on.

@@ -4,10 +4,12 @@ import os
 
 from quenzo_files import open_new
 from quenzo_place import placed
+from quenzo_progress import begin_progress
 
 
 def unpack(archive, dest):
     """Unpacks an open Archive into folder dest, which is made when missing and merged over when not."""
+    begin_progress(sum(entry.size for entry in archive.entries))
     with placed(dest) as tree:
         for entry in archive.entries:
             _extract(archive, entry, tree)

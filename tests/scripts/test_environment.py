@@ -105,7 +105,7 @@ class ShippedScripts(unittest.TestCase):
     def test_scriptsUseTheStandardLibraryAndEachOtherOnly(self):
         names = [name[:-3] for name in os.listdir(SCRIPTS) if name.endswith(".py")]
         wanted = set(names) | set((
-            "Queue binascii collections contextlib errno fcntl hashlib hmac itertools json os re shutil stat struct subprocess "
+            "Queue binascii collections contextlib errno fcntl fnmatch hashlib hmac itertools json os re shutil stat struct subprocess "
             "sys tempfile thread threading unicodedata xml zipfile zlib").split())
         for folder in (SCRIPTS, TOOL_PYTHON):
             for name in os.listdir(folder):
