@@ -5,7 +5,6 @@
 #include "messagelog.h"
 #include "treefiles.h"
 
-#include <QLoggingCategory>
 #include <QProcess>
 #include <QThreadPool>
 #include <QtTest>
@@ -49,7 +48,6 @@ private:
 void tst_IconFaults::cleanup()
 {
     FaultyCalls::heal();
-    QLoggingCategory::setFilterRules({});
     QCOMPARE(m_log->takeWarnings(), QStringList());
 }
 
@@ -110,7 +108,7 @@ void tst_IconFaults::runEndsUntouchedWhereThreadsAreRefused_data()
 void tst_IconFaults::runEndsUntouchedWhereThreadsAreRefused()
 {
     QFETCH(const int, given);
-    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.icons.warning=true"));
+    const CategoryOn icons("quenzo.icons");
     Job job;
     job.writePicture(job.icon, photograph(800, 800));
     job.write(job.out(QStringLiteral("kept")), "kept");
@@ -232,7 +230,7 @@ void tst_IconFaults::causesAreToldToWhoAsks()
     QFETCH(const std::function<void(Job&)>, prepare);
     QFETCH(const bool, clears);
     QFETCH(const QString, told);
-    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.icons.warning=true"));
+    const CategoryOn icons("quenzo.icons");
     Job job;
     job.thread.setClearDirFirst(clears);
     prepare(job);

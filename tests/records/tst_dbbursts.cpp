@@ -1,36 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include "messagelog.h"
+#include "recordsfixture.h"
 #include "runroot.h"
-#include "steppeddatabase.h"
 
 #include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QtTest>
 
-#include <memory>
-
-using Row = QMap<QString, QVariant>;
-
-namespace {
-
-const QString table = QStringLiteral("channel");
-
-Row row(const QVariant& id, const QVariant& name)
-{
-    return {{QStringLiteral("id"), id}, {QStringLiteral("name"), name}};
-}
-
-} // namespace
-
 // What the worker makes of queued commands, and their transactions; the test is the worker.
-class tst_DBBursts : public QObject {
+class tst_DBBursts : public RecordsFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void mapInsertIsWrittenAsOneRow();
     void mapIsWrittenBehindTheRowsOfItsCommand();
     void updateTakesItsConditionAlong();
@@ -43,26 +24,7 @@ private Q_SLOTS:
     void closingLeavesTheTransactionFlag();
     void commandsForAClosedDatabaseFail();
     void emptyStepCommitsNothing();
-
-private:
-    std::unique_ptr<MessageLog> m_log;
-    std::unique_ptr<SteppedDatabase> m_database;
 };
-
-void tst_DBBursts::init()
-{
-    RunRoot::clear();
-    m_log = std::make_unique<MessageLog>();
-    m_database = std::make_unique<SteppedDatabase>();
-    m_database->openNew();
-}
-
-void tst_DBBursts::cleanup()
-{
-    m_database.reset();
-    QCOMPARE(m_log->takeWarnings(), QStringList());
-    m_log.reset();
-}
 
 void tst_DBBursts::mapInsertIsWrittenAsOneRow()
 {

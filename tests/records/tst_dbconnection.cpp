@@ -1,52 +1,22 @@
 // SPDX-License-Identifier: MIT
-#include "messagelog.h"
+#include "recordsfixture.h"
 #include "runroot.h"
-#include "steppeddatabase.h"
 
 #include <QSqlDatabase>
 #include <QtTest>
 
-#include <memory>
-
-namespace {
-
-const QString table = QStringLiteral("channel");
-
-} // namespace
-
 // Opening, closing and removing the one connection.
-class tst_DBConnection : public QObject {
+class tst_DBConnection : public RecordsFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void secondOpeningFailsAndSaysSo();
     void fileThatCannotBeOpenedFailsAndSaysSo();
     void closedConnectionOpensAgain();
     void removedConnectionOpensAgain();
     void removingWithoutConnectionDoesNothing();
     void connectionIsNamedQuenzo();
-
-private:
-    std::unique_ptr<MessageLog> m_log;
-    std::unique_ptr<SteppedDatabase> m_database;
 };
-
-void tst_DBConnection::init()
-{
-    m_log = std::make_unique<MessageLog>();
-    m_database = std::make_unique<SteppedDatabase>();
-    m_database->openNew();
-}
-
-void tst_DBConnection::cleanup()
-{
-    m_database.reset();
-    QCOMPARE(m_log->takeWarnings(), QStringList());
-    m_log.reset();
-}
 
 void tst_DBConnection::secondOpeningFailsAndSaysSo()
 {

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "messagelog.h"
-#include "steppeddatabase.h"
+#include "recordsfixture.h"
 
 #include <QFile>
-#include <QLoggingCategory>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QtTest>
@@ -11,36 +9,15 @@
 #include <functional>
 #include <memory>
 
-using Row = QMap<QString, QVariant>;
 using Call = std::function<bool(DBHelper& database, const QString& tableName)>;
 
 Q_DECLARE_METATYPE(Call)
 
-namespace {
-
-const QString table = QStringLiteral("channel");
-
-Row row(const QVariant& id, const QVariant& name)
-{
-    return {{QStringLiteral("id"), id}, {QStringLiteral("name"), name}};
-}
-
-// A host that has switched the causes on.
-struct CategoryOn {
-    CategoryOn() { QLoggingCategory::setFilterRules(QStringLiteral("quenzo.records=true")); }
-    ~CategoryOn() { QLoggingCategory::setFilterRules(QString()); }
-};
-
-} // namespace
-
 // What a statement that fails says, and where.
-class tst_DBFailures : public QObject {
+class tst_DBFailures : public RecordsFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void brokenReadingYieldsWhatItReadAndWritesNoMessage();
     void brokenReadingIsToldInTheCategory();
     void causesAreToldInTheCategory_data();
@@ -59,24 +36,7 @@ private Q_SLOTS:
 
 private:
     void damagedFile();
-
-    std::unique_ptr<MessageLog> m_log;
-    std::unique_ptr<SteppedDatabase> m_database;
 };
-
-void tst_DBFailures::init()
-{
-    m_log = std::make_unique<MessageLog>();
-    m_database = std::make_unique<SteppedDatabase>();
-    m_database->openNew();
-}
-
-void tst_DBFailures::cleanup()
-{
-    m_database.reset();
-    QCOMPARE(m_log->takeWarnings(), QStringList());
-    m_log.reset();
-}
 
 void tst_DBFailures::damagedFile()
 {
@@ -106,7 +66,7 @@ void tst_DBFailures::brokenReadingYieldsWhatItReadAndWritesNoMessage()
 void tst_DBFailures::brokenReadingIsToldInTheCategory()
 {
     damagedFile();
-    const CategoryOn records;
+    const CategoryOn records("quenzo.records");
     m_database->selectFromDatabase(table, false);
     QCOMPARE(m_log->takeWarnings(),
              QStringList{QStringLiteral("cannot read all rows of channel: database disk image is malformed "
@@ -152,7 +112,7 @@ void tst_DBFailures::causesAreToldInTheCategory()
 {
     QFETCH(const Call, succeeds);
     QFETCH(const QString, line);
-    const CategoryOn records;
+    const CategoryOn records("quenzo.records");
     QVERIFY(!succeeds(*m_database, QStringLiteral("missing")));
     const QVector<LoggedMessage> messages = m_log->take();
     QCOMPARE(messages.size(), 4);
@@ -176,7 +136,7 @@ void tst_DBFailures::transactionThatTheDatabaseEndedIsTold()
     m_database->outside(QStringLiteral("CREATE TABLE picky(id UNIQUE ON CONFLICT ") + conflict
                         + QStringLiteral(", name)"));
     m_database->outside(QStringLiteral("INSERT INTO picky VALUES('1', 0), ('2', 0)"));
-    const CategoryOn records;
+    const CategoryOn records("quenzo.records");
     const QString picky = QStringLiteral("picky");
     QList<QVariant> changes{Row{{QStringLiteral("name"), 5}},
                             Row{{QStringLiteral("ID"), QStringLiteral("2")}}};

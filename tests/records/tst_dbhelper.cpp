@@ -1,36 +1,16 @@
 // SPDX-License-Identifier: MIT
-#include "messagelog.h"
-#include "runroot.h"
-#include "steppeddatabase.h"
+#include "recordsfixture.h"
 
-#include <QLoggingCategory>
 #include <QSignalSpy>
 #include <QtTest>
 
 #include <future>
-#include <memory>
-
-using Row = QMap<QString, QVariant>;
-
-namespace {
-
-const QString table = QStringLiteral("channel");
-
-Row row(const QVariant& id, const QVariant& name)
-{
-    return {{QStringLiteral("id"), id}, {QStringLiteral("name"), name}};
-}
-
-} // namespace
 
 // The queue, and what the forms of queuing take; the test is the worker.
-class tst_DBHelper : public QObject {
+class tst_DBHelper : public RecordsFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void numbersOfCommandsAndEventAreFixed();
 
     void coreFormMakesRunningTrue();
@@ -59,26 +39,7 @@ private Q_SLOTS:
 
     void messagesAreWrittenWithoutTheConnectionsLock();
     void signalsAreEmittedWithoutTheConnectionsLock();
-
-private:
-    std::unique_ptr<MessageLog> m_log;
-    std::unique_ptr<SteppedDatabase> m_database;
 };
-
-void tst_DBHelper::init()
-{
-    RunRoot::clear();
-    m_log = std::make_unique<MessageLog>();
-    m_database = std::make_unique<SteppedDatabase>();
-    m_database->openNew();
-}
-
-void tst_DBHelper::cleanup()
-{
-    m_database.reset();
-    QCOMPARE(m_log->takeWarnings(), QStringList());
-    m_log.reset();
-}
 
 void tst_DBHelper::numbersOfCommandsAndEventAreFixed()
 {
@@ -386,7 +347,7 @@ void writeToDatabase(QtMsgType, const QMessageLogContext&, const QString& text)
 void tst_DBHelper::messagesAreWrittenWithoutTheConnectionsLock()
 {
     // The causes are told there, too.
-    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.records=true"));
+    const CategoryOn records("quenzo.records");
     handlersDatabase = m_database.get();
     handledStatements = 0;
     const QtMessageHandler before = qInstallMessageHandler(writeToDatabase);
@@ -401,7 +362,6 @@ void tst_DBHelper::messagesAreWrittenWithoutTheConnectionsLock()
     m_database->selectFromDatabase(missing, false);
     m_database->reopen();
     qInstallMessageHandler(before);
-    QLoggingCategory::setFilterRules(QString());
     QCOMPARE(handledStatements, 26);
 }
 

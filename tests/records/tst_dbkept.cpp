@@ -1,19 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "messagelog.h"
-#include "steppeddatabase.h"
+#include "recordsfixture.h"
 
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QtTest>
 
-#include <memory>
-
-using Row = QMap<QString, QVariant>;
-
 namespace {
 
-const QString table = QStringLiteral("channel");
 const QString id = QStringLiteral("id");
 const QString name = QStringLiteral("name");
 
@@ -21,13 +15,10 @@ const QString name = QStringLiteral("name");
 
 // Statements stay ready between calls. Nobody can tell: neither by what is written nor by what a host may do
 // with the connection in between.
-class tst_DBKept : public QObject {
+class tst_DBKept : public RecordsFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void hostsOwnWorkMeetsNoStatement_data();
     void hostsOwnWorkMeetsNoStatement();
     void tableMadeAnewTakesTheNextRow();
@@ -45,24 +36,7 @@ private:
     QSqlDatabase hosts() const { return QSqlDatabase::database(QStringLiteral("Quenzo"), false); }
     bool write(const QVariant& value);
     bool execute(const QString& sql);
-
-    std::unique_ptr<MessageLog> m_log;
-    std::unique_ptr<SteppedDatabase> m_database;
 };
-
-void tst_DBKept::init()
-{
-    m_log = std::make_unique<MessageLog>();
-    m_database = std::make_unique<SteppedDatabase>();
-    m_database->openNew();
-}
-
-void tst_DBKept::cleanup()
-{
-    m_database.reset();
-    QCOMPARE(m_log->takeWarnings(), QStringList());
-    m_log.reset();
-}
 
 // The row of the same columns, again and again.
 bool tst_DBKept::write(const QVariant& value)

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "messagelog.h"
-#include "steppeddatabase.h"
+#include "recordsfixture.h"
 
 #include <quenzotool.h>
 
@@ -11,17 +10,13 @@
 
 #include <atomic>
 #include <limits>
-#include <memory>
 #include <thread>
 
 // Rows of a list that have the columns of the row before take a shorter way into the file than the first one.
-class tst_DBLists : public QObject {
+class tst_DBLists : public RecordsFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void laterRowsAreStoredAsTheFirst_data();
     void laterRowsAreStoredAsTheFirst();
     void kindsMayChangeFromRowToRow();
@@ -34,32 +29,8 @@ private Q_SLOTS:
     void textsThatAreTooLongFailInALaterRowToo();
 
 private:
-    static QVariant row(int id, const QVariant& name);
     void createStrictTable();
-
-    const QString m_table = QStringLiteral("channel");
-    std::unique_ptr<MessageLog> m_log;
-    std::unique_ptr<SteppedDatabase> m_database;
 };
-
-void tst_DBLists::init()
-{
-    m_log = std::make_unique<MessageLog>();
-    m_database = std::make_unique<SteppedDatabase>();
-    m_database->openNew();
-}
-
-void tst_DBLists::cleanup()
-{
-    m_database.reset();
-    QCOMPARE(m_log->takeWarnings(), QStringList());
-    m_log.reset();
-}
-
-QVariant tst_DBLists::row(int id, const QVariant& name)
-{
-    return QVariantMap{{QStringLiteral("id"), id}, {QStringLiteral("name"), name}};
-}
 
 void tst_DBLists::laterRowsAreStoredAsTheFirst_data()
 {
@@ -96,7 +67,7 @@ void tst_DBLists::laterRowsAreStoredAsTheFirst()
 {
     QFETCH(const QVariant, value);
     QList<QVariant> rows{row(1, value), row(2, value), row(3, value)};
-    QVERIFY(m_database->insertToDatabase(m_table, rows, false));
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
     QCOMPARE(m_database->committedIds(), (QVariantList{1, 2, 3}));
     const QVariantList stored = m_database->outside(
         QStringLiteral("SELECT typeof(name) || ' ' || hex(name) FROM channel ORDER BY id"));
@@ -108,7 +79,7 @@ void tst_DBLists::kindsMayChangeFromRowToRow()
 {
     QList<QVariant> rows{row(1, QStringLiteral("a")), row(2, QDate(2026, 2, 28)), row(3, 3),
                          row(4, QVariant()), row(5, QByteArray("b"))};
-    QVERIFY(m_database->insertToDatabase(m_table, rows, false));
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
     QCOMPARE(m_database->outside(QStringLiteral(
                  "SELECT typeof(name) || ' ' || coalesce(name, '-') FROM channel ORDER BY id")),
              (QVariantList{QStringLiteral("text a"), QStringLiteral("text 2026-02-28"),
@@ -123,7 +94,7 @@ void tst_DBLists::valuesOfLaterRowsAreEncodedToo()
         rows.append(QVariantMap{{QStringLiteral("name"), QLatin1String(name)}});
         expected.append(QuenzoTool::ckEncode(QLatin1String(name)));
     }
-    QVERIFY(m_database->insertToDatabase(m_table, rows, true));
+    QVERIFY(m_database->insertToDatabase(table, rows, true));
     QCOMPARE(m_database->outside(QStringLiteral("SELECT name FROM channel ORDER BY rowid")), expected);
 }
 
@@ -161,7 +132,7 @@ void tst_DBLists::failureInALaterRowReadsAsThatOfASingleRow()
     const QVariantList kept = m_database->outside(QStringLiteral("SELECT id FROM strict"));
     QVERIFY(m_database->deleteFromDatabase(strict));
 
-    QVariantMap good = row(1, 1).toMap();
+    QVariantMap good = row(1, 1);
     QVERIFY(m_database->insertToDatabase(strict, good, false));
     QVERIFY(!m_database->insertToDatabase(strict, bad, false));
     QCOMPARE(ofList, m_log->takeDebugTexts());
@@ -209,12 +180,11 @@ void tst_DBLists::nobodySeesAFailedRowBeforeItsRollback()
 void tst_DBLists::updatesOfLaterRowsTakeTheirOwnValues()
 {
     QList<QVariant> rows{row(1, QStringLiteral("a")), row(2, QStringLiteral("b"))};
-    QVERIFY(m_database->insertToDatabase(m_table, rows, false));
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
     QList<QVariant> changes;
     for (const char* state : {"x", "y", "z"})
         changes.append(QVariantMap{{QStringLiteral("state"), QLatin1String(state)}});
-    QVERIFY(
-        m_database->updateToDatabase(m_table, QStringLiteral("name"), QStringLiteral("b"), changes, false));
+    QVERIFY(m_database->updateToDatabase(table, QStringLiteral("name"), QStringLiteral("b"), changes, false));
     QCOMPARE(m_database->outside(QStringLiteral("SELECT coalesce(state, '-') FROM channel ORDER BY id")),
              (QVariantList{QStringLiteral("-"), QStringLiteral("z")}));
 }
@@ -222,9 +192,9 @@ void tst_DBLists::updatesOfLaterRowsTakeTheirOwnValues()
 void tst_DBLists::rowsAreTakenAfterALaterRowFailed()
 {
     QList<QVariant> rows{row(1, 1), row(2, 1), row(2, 1)};
-    QVERIFY(!m_database->insertToDatabase(m_table, rows, false));
+    QVERIFY(!m_database->insertToDatabase(table, rows, false));
     QList<QVariant> others{row(3, 1), row(4, 1)};
-    QVERIFY(m_database->insertToDatabase(m_table, others, false));
+    QVERIFY(m_database->insertToDatabase(table, others, false));
     QCOMPARE(m_database->committedIds(), (QVariantList{1, 2, 3, 4}));
 }
 
@@ -233,10 +203,10 @@ void tst_DBLists::textsThatAreTooLongFailInALaterRowToo()
     // One byte beyond SQLite's limit for a value.
     const QByteArray tooLong(1000000001, 'x');
     QList<QVariant> rows{row(1, QByteArray()), row(2, tooLong)};
-    QVERIFY(!m_database->insertToDatabase(m_table, rows, false));
+    QVERIFY(!m_database->insertToDatabase(table, rows, false));
     const QStringList ofList = m_log->takeDebugTexts();
-    QVariantMap single = row(2, tooLong).toMap();
-    QVERIFY(!m_database->insertToDatabase(m_table, single, false));
+    QVariantMap single = row(2, tooLong);
+    QVERIFY(!m_database->insertToDatabase(table, single, false));
     QCOMPARE(ofList, m_log->takeDebugTexts());
     QCOMPARE(m_database->committedIds(), QVariantList{1});
 }

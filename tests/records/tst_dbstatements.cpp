@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "messagelog.h"
-#include "steppeddatabase.h"
+#include "recordsfixture.h"
 
 #include <quenzotool.h>
 
@@ -8,18 +7,8 @@
 #include <QtTest>
 
 #include <limits>
-#include <memory>
-
-using Row = QMap<QString, QVariant>;
 
 namespace {
-
-const QString table = QStringLiteral("channel");
-
-Row row(const QVariant& id, const QVariant& name)
-{
-    return {{QStringLiteral("id"), id}, {QStringLiteral("name"), name}};
-}
 
 QString scrambled(const char* text)
 {
@@ -29,13 +18,10 @@ QString scrambled(const char* text)
 } // namespace
 
 // The direct calls; each test has a file of its own.
-class tst_DBStatements : public QObject {
+class tst_DBStatements : public RecordsFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void columnsAreTakenInAscendingOrderOfTheirNames();
     void insertWritesOneRow();
     void oneColumnInsertBindsText();
@@ -72,25 +58,7 @@ private Q_SLOTS:
     void hostileValuesAreBound();
     void invalidVariantsAreStoredAsNull();
     void hostileValuesDoNotReachTheStatement();
-
-private:
-    std::unique_ptr<MessageLog> m_log;
-    std::unique_ptr<SteppedDatabase> m_database;
 };
-
-void tst_DBStatements::init()
-{
-    m_log = std::make_unique<MessageLog>();
-    m_database = std::make_unique<SteppedDatabase>();
-    m_database->openNew();
-}
-
-void tst_DBStatements::cleanup()
-{
-    m_database.reset();
-    QCOMPARE(m_log->takeWarnings(), QStringList());
-    m_log.reset();
-}
 
 void tst_DBStatements::columnsAreTakenInAscendingOrderOfTheirNames()
 {

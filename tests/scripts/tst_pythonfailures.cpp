@@ -51,6 +51,7 @@ private:
     Said takeSaid();
 
     std::unique_ptr<MessageLog> m_log;
+    std::unique_ptr<CategoryOn> m_category;
 };
 
 void tst_PythonFailures::initTestCase()
@@ -58,7 +59,7 @@ void tst_PythonFailures::initTestCase()
     RunRoot::clear();
     RunRoot::write(QStringLiteral("tool/mac/Python/init_python_env.py"), "");
     m_log = std::make_unique<MessageLog>();
-    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.scripts=true"));
+    m_category = std::make_unique<CategoryOn>("quenzo.scripts");
     QVERIFY(PythonForQt::initPythonEnv());
 }
 
@@ -321,12 +322,12 @@ void tst_PythonFailures::causeIsSilentUnlessSwitchedOn()
                     "    def __str__(self):\n        __builtin__.told = 1\n        return ''\n"
                     "def fail(): raise Told()\n");
     PythonForQt bridge;
-    QLoggingCategory::setFilterRules(QString());
+    m_category.reset();
     bridge.callScript(script, QStringLiteral("fail"), {}, true);
     bridge.callScript(script, QStringLiteral("absent"), {}, true);
     bridge.callScript(RunRoot::path() + QStringLiteral("/Script/silent/absent.py"), QStringLiteral("f"), {},
                       true);
-    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.scripts=true"));
+    m_category = std::make_unique<CategoryOn>("quenzo.scripts");
     const Said said = takeSaid();
     QCOMPARE(said.causes, QStringList());
     QCOMPARE(said.messages, (QStringList{noFunction, QStringLiteral("scriptName: absent"), notFound}));

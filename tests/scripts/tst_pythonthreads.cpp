@@ -275,7 +275,7 @@ void tst_PythonThreads::messageHandlerMayWaitForPython()
 {
     const QString script = RunRoot::write(QStringLiteral("Script/told.py"), "def fail(): raise ValueError\n");
     handled = 0;
-    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.scripts=true"));
+    const CategoryOn scripts("quenzo.scripts");
     handlerBefore = qInstallMessageHandler(waitForPython);
     PythonForQt bridge;
     bridge.callScript(script, QStringLiteral("fail"), {}, true);
@@ -283,7 +283,6 @@ void tst_PythonThreads::messageHandlerMayWaitForPython()
     bridge.callScript(RunRoot::path() + QStringLiteral("/Script/untold/absent.py"), QStringLiteral("f"), {},
                       true);
     qInstallMessageHandler(handlerBefore);
-    QLoggingCategory::setFilterRules(QString());
     QCOMPARE(handled.load(), 1 + 2 + 3);
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "messagelog.h"
 
+#include <QLoggingCategory>
+
 #include <mutex>
 #include <utility>
 
@@ -72,4 +74,14 @@ QStringList MessageLog::takeWarnings()
             texts.append(message.text);
     }
     return texts;
+}
+
+CategoryOn::CategoryOn(const char* name)
+{
+    QLoggingCategory::setFilterRules(QLatin1String(name) + QStringLiteral("=true"));
+}
+
+CategoryOn::~CategoryOn()
+{
+    QLoggingCategory::setFilterRules({});
 }

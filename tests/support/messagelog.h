@@ -38,4 +38,13 @@ public:
     QStringList takeWarnings();
 };
 
+/** Switches a logging category of the library's on while it lives, as a host does that wants the causes. */
+class CategoryOn {
+public:
+    explicit CategoryOn(const char* name);
+    ~CategoryOn();
+    CategoryOn(const CategoryOn&) = delete;
+    CategoryOn& operator=(const CategoryOn&) = delete;
+};
+
 #endif

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "treefiles.h"
 
-#include <QDir>
-
 #include <array>
 #include <cstdlib>
 #include <cstring>
@@ -62,6 +60,18 @@ void TreeFiles::write(const QByteArray& path, const QByteArray& content)
     close(handle);
 }
 
+void TreeFiles::writeMany(const QByteArray& beginning, int count, const QByteArray& content)
+{
+    for (int i = 0; i < count; ++i)
+        write(beginning + QByteArray::number(i), content);
+}
+
+void TreeFiles::writeManySizes(const QByteArray& beginning, int count)
+{
+    for (int i = 0; i < count; ++i)
+        write(beginning + QByteArray::number(i), QByteArray(i * 50, 'x'));
+}
+
 void TreeFiles::writeAt(const QByteArray& path, qint64 offset, const QByteArray& content)
 {
     const int handle = open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
@@ -85,6 +95,11 @@ void TreeFiles::makeLink(const QByteArray& target, const QByteArray& path)
     require(symlink(target.constData(), path.constData()) == 0, "make", path);
 }
 
+void TreeFiles::setMode(const QByteArray& path, int mode)
+{
+    require(chmod(path.constData(), static_cast<mode_t>(mode)) == 0, "change the mode of", path);
+}
+
 QVector<QPair<QByteArray, QByteArray>> TreeFiles::hardNames()
 {
     QVector<QPair<QByteArray, QByteArray>> names{{"longest", QByteArray(255, 'n')},
@@ -102,6 +117,11 @@ QVector<QPair<QByteArray, QByteArray>> TreeFiles::hardNames()
                 {"byte " + QByteArray::number(byte), "a" + QByteArray(1, static_cast<char>(byte)) + "b"});
     }
     return names;
+}
+
+QDir TreeFiles::folder(const QByteArray& path)
+{
+    return {QFile::decodeName(path)};
 }
 
 QByteArray TreeFiles::read(const QByteArray& path)
@@ -141,6 +161,11 @@ QString TreeFiles::quickFolder()
 {
     const bool hasMemory = access("/dev/shm", W_OK) == 0;
     return (hasMemory ? QStringLiteral("/dev/shm") : QDir::tempPath()) + QStringLiteral("/trees.XXXXXX");
+}
+
+QString TreeFiles::diskFolder()
+{
+    return QDir::tempPath() + QStringLiteral("/trees.XXXXXX");
 }
 
 bool TreeFiles::asPlainUser(const std::function<bool()>& work)

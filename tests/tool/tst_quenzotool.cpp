@@ -7,7 +7,6 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QLoggingCategory>
 #include <QProcess>
 #include <QtTest>
 
@@ -272,9 +271,8 @@ void tst_QuenzoTool::causesOfFailureAreLoggedWhenAskedFor()
     QuenzoTool::runCmdWaitFinish(command, output, error);
     QCOMPARE(m_log->takeWarnings(), QStringList());
 
-    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.devices=true"));
+    const CategoryOn devices("quenzo.devices");
     QuenzoTool::runCmdWaitFinish(command, output, error);
-    QLoggingCategory::setFilterRules({});
     const QStringList told = m_log->takeWarnings();
     QCOMPARE(told.size(), causes.size());
     for (int i = 0; i < told.size(); ++i)

@@ -39,6 +39,14 @@ void TreeRuns::addEveryMove()
     QTest::newRow("output") << CutForOutput;
 }
 
+void TreeRuns::addHardNames()
+{
+    QTest::addColumn<QByteArray>("name");
+    const auto names = TreeFiles::hardNames();
+    for (const auto& [what, name] : names)
+        QTest::newRow(what.constData()) << name;
+}
+
 TreeRuns::Mount::Mount(const QByteArray& place, bool mounted)
     : isMounted(mounted)
     , m_place(place)

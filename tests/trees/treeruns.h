@@ -26,6 +26,9 @@ bool transfer(const QByteArray& source, const QByteArray& target, Manner manner)
 void addEveryWay();
 void addEveryMove();
 
+/** Adds the column "name" and a row for each of TreeFiles::hardNames(). */
+void addHardNames();
+
 /** A file system of its own in a folder made for it: a small one in memory, or another folder; as root only.
  */
 class Mount {

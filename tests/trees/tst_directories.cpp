@@ -2,37 +2,24 @@
 #include <quenzotool.h>
 #include <threadcommon.h>
 
-#include "messagelog.h"
-#include "treefiles.h"
+#include "treefixture.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 #include <QThread>
 #include <QtTest>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 using TreeFiles::exists;
+using TreeFiles::folder;
 using TreeFiles::makeFolder;
 using TreeFiles::makeLink;
+using TreeFiles::setMode;
 using TreeFiles::write;
 
 namespace {
-
-QDir folder(const QByteArray& path)
-{
-    return {QFile::decodeName(path)};
-}
-
-void setMode(const QByteArray& path, mode_t mode)
-{
-    if (chmod(path.constData(), mode) != 0)
-        qFatal("cannot change %s", path.constData());
-}
 
 // Every combination of the nine bits, copied by Qt and by us, by whoever runs this. Each in a folder of its
 // own, which takes no further thread: the sanitizer forbids these to a forked process.
@@ -61,14 +48,16 @@ bool bitsAreThoseOfQtsCopy(const QByteArray& root)
 
 } // namespace
 
-class tst_Directories : public QObject {
+class tst_Directories : public TreeFixture {
     Q_OBJECT
 
-private Q_SLOTS:
-    void initTestCase() { umask(022); }
-    void init();
-    void cleanup();
+public:
+    tst_Directories()
+        : TreeFixture(TreeFiles::diskFolder())
+    {
+    }
 
+private Q_SLOTS:
     void missingParentOfTargetCreatesNothing();
     void missingSourceCountsAsEmpty();
     void targetThatIsAFileIsFalse();
@@ -77,7 +66,7 @@ private Q_SLOTS:
     void hiddenFilesAreCopied();
     void emptyFolderGivesEmptyTarget();
     void existingFilesStopACopyWithoutOverwrite();
-    void everyNameGetsThrough_data();
+    void everyNameGetsThrough_data() { TreeRuns::addHardNames(); }
     void everyNameGetsThrough();
     void namesOfResourcesStayInTheTree();
     void permissionBitsAreThoseOfQtsCopy();
@@ -96,34 +85,7 @@ private Q_SLOTS:
 private:
     static constexpr unsigned smallStack = 192U << 10U;
     void makeDeepest();
-    bool copy(bool overwrite = true)
-    {
-        return QuenzoTool::copyDirectory(folder(m_source), folder(m_target), overwrite, false);
-    }
-    bool move() { return QuenzoTool::copyDirectory(folder(m_source), folder(m_target), true, true); }
-
-    std::unique_ptr<MessageLog> m_messages;
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QByteArray m_root;
-    QByteArray m_source;
-    QByteArray m_target;
 };
-
-void tst_Directories::init()
-{
-    m_messages = std::make_unique<MessageLog>();
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_root = QFile::encodeName(m_folder->path());
-    m_source = m_root + "/source";
-    m_target = m_root + "/target";
-    makeFolder(m_source);
-}
-
-void tst_Directories::cleanup()
-{
-    QCOMPARE(m_messages->takeWarnings(), QStringList());
-    m_messages.reset();
-}
 
 void tst_Directories::missingParentOfTargetCreatesNothing()
 {
@@ -202,24 +164,14 @@ void tst_Directories::emptyFolderGivesEmptyTarget()
 
 void tst_Directories::existingFilesStopACopyWithoutOverwrite()
 {
-    for (int i = 0; i < 200; ++i)
-        write(m_source + "/file" + QByteArray::number(i), "new");
+    TreeFiles::writeMany(m_source + "/file", 200, "new");
     write(m_target + "/file7", "old");
     QVERIFY(!copy(false));
     QCOMPARE(TreeFiles::read(m_target + "/file7"), QByteArray("old"));
     // What had been listed before it was copied, and nothing behind it.
-    const int before = QDir(QFile::decodeName(m_source))
-                           .entryList(QDir::Files, QDir::Unsorted)
-                           .indexOf(QStringLiteral("file7"));
+    const int before =
+        folder(m_source).entryList(QDir::Files, QDir::Unsorted).indexOf(QStringLiteral("file7"));
     QCOMPARE(TreeFiles::content(m_target).size(), before + 1);
-}
-
-void tst_Directories::everyNameGetsThrough_data()
-{
-    QTest::addColumn<QByteArray>("name");
-    const auto names = TreeFiles::hardNames();
-    for (const auto& [what, name] : names)
-        QTest::newRow(what.constData()) << name;
 }
 
 void tst_Directories::everyNameGetsThrough()
@@ -233,8 +185,7 @@ void tst_Directories::everyNameGetsThrough()
     QVERIFY(move());
     QVERIFY(TreeFiles::content(m_source).isEmpty());
     QCOMPARE(TreeFiles::content(m_target), before);
-    QDir target = folder(m_target);
-    QVERIFY(QuenzoTool::removeRecursively(target));
+    QVERIFY(remove(m_target));
     QVERIFY(!exists(m_target));
 }
 
@@ -242,7 +193,7 @@ void tst_Directories::namesOfResourcesStayInTheTree()
 {
     write(m_source + "/:x", "resource");
     const QString before = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(m_folder->path()));
+    QVERIFY(QDir::setCurrent(QFile::decodeName(m_root)));
     const bool moved =
         QuenzoTool::copyDirectory(QDir(QStringLiteral("source")), QDir(QStringLiteral("target")), true, true);
     QDir::setCurrent(before);
@@ -343,9 +294,7 @@ void tst_Directories::hugeSparseFileStaysSparse()
 
 void tst_Directories::deepTreeIsCopiedMovedAndRemoved()
 {
-    QByteArray deepest = m_source;
-    for (int i = 0; i < 800; ++i)
-        deepest += "/n";
+    const QByteArray deepest = m_source + QByteArray("/n").repeated(800);
     write(deepest + "/file", "deep");
     write(m_source + "/n/n/n/side", "side");
     const auto before = TreeFiles::content(m_source);
@@ -354,8 +303,7 @@ void tst_Directories::deepTreeIsCopiedMovedAndRemoved()
     QVERIFY(move());
     QCOMPARE(TreeFiles::content(m_target), before);
     QVERIFY(TreeFiles::content(m_source).isEmpty());
-    QDir target = folder(m_target);
-    QVERIFY(QuenzoTool::removeRecursively(target));
+    QVERIFY(remove(m_target));
     QVERIFY(!exists(m_target));
 }
 
@@ -382,16 +330,12 @@ void tst_Directories::tooDeepTreeForTheStackIsFalse()
     makeDeepest();
     ThreadCommon worker;
     worker.setStackSize(smallStack);
-    worker.StartOperate(static_cast<THREAD_OPERATE>(operate),
-                        QVariantMap{{QStringLiteral("src"), QFile::decodeName(m_source)},
-                                    {QStringLiteral("dest"), QFile::decodeName(m_target)}});
+    worker.StartOperate(static_cast<THREAD_OPERATE>(operate), folders());
     worker.start();
     QVERIFY(worker.wait());
     QCOMPARE(worker.getResult(), QVariant(false));
-    QDir source = folder(m_source);
-    QDir target = folder(m_target);
-    QVERIFY(QuenzoTool::removeRecursively(source));
-    QVERIFY(QuenzoTool::removeRecursively(target));
+    QVERIFY(remove(m_source));
+    QVERIFY(remove(m_target));
 }
 
 // Above and below the numbers from which on files go in bulk.
@@ -414,7 +358,7 @@ void tst_Directories::relativePathsAreTakenFromTheWorkingFolder()
 {
     write(m_source + "/folder/file");
     const QString before = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(m_folder->path()));
+    QVERIFY(QDir::setCurrent(QFile::decodeName(m_root)));
     const bool copied = QuenzoTool::copyDirectory(QDir(QStringLiteral("source")),
                                                   QDir(QStringLiteral("./target/")), false, false);
     QDir::setCurrent(before);

@@ -3,12 +3,10 @@
 #include <quenzotool.h>
 #include <threadcommon.h>
 
-#include "messagelog.h"
 #include "runroot.h"
-#include "treefiles.h"
+#include "treefixture.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <sys/stat.h>
@@ -16,20 +14,17 @@
 
 using TreeFiles::content;
 using TreeFiles::exists;
+using TreeFiles::folder;
 using TreeFiles::makeFolder;
 using TreeFiles::makeLink;
+using TreeFiles::setMode;
 using TreeFiles::write;
-using Tree = QMap<QByteArray, QByteArray>;
 
-class tst_OutputTrees : public QObject {
+class tst_OutputTrees : public TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup() { QCOMPARE(m_messages->takeWarnings(), QStringList()); }
-
-    void everyNameGetsThrough_data();
+    void everyNameGetsThrough_data() { TreeRuns::addHardNames(); }
     void everyNameGetsThrough();
     void everyNameIsLogged_data();
     void everyNameIsLogged();
@@ -44,34 +39,11 @@ private Q_SLOTS:
 
 private:
     bool cut(const QString& filter = {});
-
-    std::unique_ptr<MessageLog> m_messages;
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QByteArray m_root;
-    QByteArray m_source;
-    QByteArray m_target;
 };
-
-void tst_OutputTrees::initTestCase()
-{
-    umask(022);
-    m_messages = std::make_unique<MessageLog>();
-}
-
-void tst_OutputTrees::init()
-{
-    RunRoot::clear();
-    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
-    m_root = QFile::encodeName(m_folder->path());
-    m_source = m_root + "/project";
-    m_target = m_root + "/output";
-    makeFolder(m_source);
-}
 
 bool tst_OutputTrees::cut(const QString& filter)
 {
-    QVariantMap map{{QStringLiteral("src"), QFile::decodeName(m_source)},
-                    {QStringLiteral("dest"), QFile::decodeName(m_target)}};
+    QVariantMap map = folders();
     if (!filter.isNull())
         map.insert(QStringLiteral("filter"), filter);
     ThreadCommon thread;
@@ -79,14 +51,6 @@ bool tst_OutputTrees::cut(const QString& filter)
     thread.start();
     thread.wait();
     return thread.getResult() == QVariant(true);
-}
-
-void tst_OutputTrees::everyNameGetsThrough_data()
-{
-    QTest::addColumn<QByteArray>("name");
-    const auto names = TreeFiles::hardNames();
-    for (const auto& [what, name] : names)
-        QTest::newRow(what.constData()) << name;
 }
 
 void tst_OutputTrees::everyNameGetsThrough()
@@ -104,8 +68,7 @@ void tst_OutputTrees::everyNameGetsThrough()
     QCOMPARE(TreeFiles::read(m_target + '/' + name), QByteArray("new"));
     QVERIFY(RunRoot::log().isEmpty());
     // The temporary folder could not remove every name.
-    QDir target(QFile::decodeName(m_target));
-    QVERIFY(QuenzoTool::removeRecursively(target));
+    QVERIFY(remove(m_target));
 }
 
 void tst_OutputTrees::everyNameIsLogged_data()
@@ -148,9 +111,7 @@ void tst_OutputTrees::pipesAreFalseAtOnce()
 
 void tst_OutputTrees::deepTreeIsMoved()
 {
-    QByteArray deepest = m_source;
-    for (int i = 0; i < 800; ++i)
-        deepest += "/n";
+    const QByteArray deepest = m_source + QByteArray("/n").repeated(800);
     write(deepest + "/file", "deep");
     write(m_source + "/n/n/n/side", "side");
     const Tree before = content(m_source);
@@ -163,14 +124,12 @@ void tst_OutputTrees::deepTreeIsMoved()
 void tst_OutputTrees::deepTreeInAnOutputInsideTheSourceEndsNothing()
 {
     m_target = m_source + "/out";
-    QByteArray deepest = m_target;
-    for (int i = 0; i < 40; ++i)
-        deepest += "/n";
+    const QByteArray deepest = m_target + QByteArray("/n").repeated(40);
     write(deepest + "/file", "deep");
     write(m_source + "/file", "moved");
     write(m_source + "/folder/file", "moved, too");
     QVERIFY(cut());
-    QCOMPARE(chmod(m_target.constData(), 0755), 0);
+    setMode(m_target, 0755);
     QCOMPARE(TreeFiles::read(deepest + "/file"), QByteArray("deep"));
     QCOMPARE(TreeFiles::read(m_target + "/folder/file"), QByteArray("moved, too"));
     QVERIFY(!exists(m_source + "/file"));
@@ -229,8 +188,7 @@ void tst_OutputTrees::treeThatGetsTooDeepIsFalseAndWhole()
     QVERIFY(!cut());
     QCOMPARE(TreeFiles::read(deepest + "/file"), QByteArray("deep"));
     // The temporary folder would take long.
-    QDir target(QFile::decodeName(m_target));
-    QVERIFY(QuenzoTool::removeRecursively(target));
+    QVERIFY(remove(m_target));
 }
 
 void tst_OutputTrees::sparseFileStaysSparse()

@@ -2,23 +2,21 @@
 #include <quenzotool.h>
 #include <threadcommon.h>
 
-#include "messagelog.h"
 #include "runroot.h"
-#include "treefiles.h"
+#include "treefixture.h"
 
 #include <QDir>
 #include <QEventLoop>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 using TreeFiles::exists;
+using TreeFiles::folder;
 using TreeFiles::makeFolder;
 using TreeFiles::makeLink;
+using TreeFiles::setMode;
 using TreeFiles::write;
-using Tree = QMap<QByteArray, QByteArray>;
 
 namespace {
 
@@ -42,14 +40,10 @@ public:
 
 } // namespace
 
-class tst_ThreadCommon : public QObject {
+class tst_ThreadCommon : public TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { umask(022); }
-    void init();
-    void cleanup();
-
     void codesAreFixed();
     void freshObjectHasNoResult();
     void copyMakesTheDestinationWithItsParents();
@@ -86,36 +80,12 @@ private Q_SLOTS:
 
 private:
     QVariantMap folders(const QString& filter = {}) const;
-
-    std::unique_ptr<MessageLog> m_messages;
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QByteArray m_root;
-    QByteArray m_source;
-    QByteArray m_target;
 };
-
-void tst_ThreadCommon::init()
-{
-    RunRoot::clear();
-    m_messages = std::make_unique<MessageLog>();
-    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
-    m_root = QFile::encodeName(m_folder->path());
-    m_source = m_root + "/project";
-    m_target = m_root + "/output";
-    makeFolder(m_source);
-}
-
-void tst_ThreadCommon::cleanup()
-{
-    QCOMPARE(m_messages->takeWarnings(), QStringList());
-    m_messages.reset();
-}
 
 QVariantMap tst_ThreadCommon::folders(const QString& filter) const
 {
-    QVariantMap map{{QStringLiteral("src"), QFile::decodeName(m_source)},
-                    {QStringLiteral("dest"), QFile::decodeName(m_target)},
-                    {QStringLiteral("extra"), 1}};
+    QVariantMap map = TreeFixture::folders();
+    map.insert(QStringLiteral("extra"), 1);
     if (!filter.isNull())
         map.insert(QStringLiteral("filter"), filter);
     return map;
@@ -189,7 +159,7 @@ void tst_ThreadCommon::missingSourceCountsAsEmpty()
     for (const THREAD_OPERATE operate : {OPERATE_COPY, OPERATE_CUT, OPERATE_CUT_OUTPUT}) {
         Worker worker;
         QCOMPARE(worker.perform(operate, folders()), QVariant(true));
-        QCOMPARE(TreeFiles::content(m_root), Tree({{"output", "folder"}, {"project", "folder"}}));
+        QCOMPARE(TreeFiles::content(m_root), Tree({{"source", "folder"}, {"target", "folder"}}));
         QVERIFY(worker.exceptCut(QFile::decodeName(m_source), QFile::decodeName(m_root + "/not made"), {}));
         QCOMPARE(rmdir(m_target.constData()), 0);
     }
@@ -312,8 +282,7 @@ void tst_ThreadCommon::outputInsideTheSourceAsDescribed()
     makeFolder(m_source + "/b");
     // The output gets the mode 0002 when its turn comes, and a plain user brings nothing into it after that:
     // it is the folder listed last.
-    const QStringList listed =
-        QDir(QFile::decodeName(m_source)).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
+    const QStringList listed = folder(m_source).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
     const QByteArray folder = QFile::encodeName(listed.first());
     const QByteArray out = QFile::encodeName(listed.last());
     m_target = m_source + '/' + out;
@@ -323,7 +292,7 @@ void tst_ThreadCommon::outputInsideTheSourceAsDescribed()
     Worker worker;
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(true));
     QCOMPARE(TreeFiles::mode(m_target), 0002);
-    chmod(m_target.constData(), 0755);
+    setMode(m_target, 0755);
     QCOMPARE(TreeFiles::content(m_source),
              Tree({{out, "folder"},
                    {out + "/apk", "folder"},
@@ -350,11 +319,11 @@ void tst_ThreadCommon::foldersOfTheOutputStay()
 
 void tst_ThreadCommon::siblingWithTheSameBeginningIsTakenForInner()
 {
-    m_target = m_root + "/project2";
+    m_target = m_root + "/source2";
     write(m_source + "/file", "1");
     Worker worker;
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(true));
-    QCOMPARE(worker.m_exceptDir, QFile::decodeName(m_root + "/project22"));
+    QCOMPARE(worker.m_exceptDir, QFile::decodeName(m_root + "/source22"));
     QCOMPARE(TreeFiles::content(m_target), Tree({{"file", "file 1"}}));
 }
 
@@ -368,7 +337,7 @@ void tst_ThreadCommon::equalFoldersLoseAFileAndFail()
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(false));
     QCOMPARE(worker.m_exceptDir, QFile::decodeName(m_source));
     // One to the inner walk, one to the outer one.
-    QCOMPARE(QDir(QFile::decodeName(m_source)).entryList(QDir::Files).size(), 2);
+    QCOMPARE(folder(m_source).entryList(QDir::Files).size(), 2);
     QVERIFY(exists(m_source + "/folder/file"));
     QCOMPARE(RunRoot::log().count("Copy Fail:"), 2);
 }
@@ -376,7 +345,7 @@ void tst_ThreadCommon::equalFoldersLoseAFileAndFail()
 void tst_ThreadCommon::linkToItsOwnTargetLosesThatFile()
 {
     write(m_target + "/file", "lost");
-    makeLink("../output/file", m_source + "/file");
+    makeLink("../target/file", m_source + "/file");
     Worker worker;
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(false));
     QVERIFY(TreeFiles::content(m_target).isEmpty());
@@ -388,9 +357,9 @@ void tst_ThreadCommon::linkGoesThoughItsTargetIsReplaced()
 {
     write(m_target + "/file", "old");
     // One of them is copied before the file, in most orders of a listing.
-    makeLink("../output/file", m_source + "/first");
+    makeLink("../target/file", m_source + "/first");
     write(m_source + "/file", "new, and longer");
-    makeLink("../output/file", m_source + "/last");
+    makeLink("../target/file", m_source + "/last");
     Worker worker;
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(true));
     QVERIFY(TreeFiles::content(m_source).isEmpty());
@@ -403,7 +372,7 @@ void tst_ThreadCommon::readOnlyFileAtTheDestinationIsReplaced()
     write(m_source + "/file", "new");
     write(m_target + "/file", "old");
     const QByteArray old = m_target + "/file";
-    chmod(old.constData(), 0444);
+    setMode(old, 0444);
     Worker worker;
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(true));
     QCOMPARE(TreeFiles::read(old), QByteArray("new"));
@@ -412,7 +381,7 @@ void tst_ThreadCommon::readOnlyFileAtTheDestinationIsReplaced()
 void tst_ThreadCommon::missingParentOfTheDestinationMovesNothing()
 {
     write(m_source + "/file");
-    m_target = m_root + "/missing/output";
+    m_target = m_root + "/missing/target";
     Worker worker;
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(false));
     QVERIFY(exists(m_source + "/file"));
@@ -433,11 +402,9 @@ void tst_ThreadCommon::failedCopyIsLogged()
 
 void tst_ThreadCommon::failureKeepsWhatWasMoved()
 {
-    for (int i = 0; i < 100; ++i)
-        write(m_source + "/file" + QByteArray::number(i), "moved");
+    TreeFiles::writeMany(m_source + "/file", 100, "moved");
     makeLink("nowhere", m_source + "/link");
-    const QStringList listed =
-        QDir(QFile::decodeName(m_source)).entryList(QDir::Files | QDir::System, QDir::Unsorted);
+    const QStringList listed = folder(m_source).entryList(QDir::Files | QDir::System, QDir::Unsorted);
     const int before = listed.indexOf(QStringLiteral("link"));
     Worker worker;
     QCOMPARE(worker.perform(OPERATE_CUT_OUTPUT, folders()), QVariant(false));
@@ -455,7 +422,7 @@ void tst_ThreadCommon::linkedFolderIsEmptiedAndGetsOtherRights()
     QVERIFY(exists(m_source + "/link"));
     const QByteArray elsewhere = m_root + "/elsewhere";
     QCOMPARE(TreeFiles::mode(elsewhere), 0002);
-    chmod(elsewhere.constData(), 0755);
+    setMode(elsewhere, 0755);
     QVERIFY(TreeFiles::content(elsewhere).isEmpty());
 }
 
@@ -491,8 +458,8 @@ void tst_ThreadCommon::exceptCutSparesFoldersOfExceptDir()
 void tst_ThreadCommon::runawayEndsWithoutLoss_data()
 {
     QTest::addColumn<QByteArray>("dest");
-    QTest::newRow("trailing slash") << QByteArray("/project/out/");
-    QTest::newRow("detour") << QByteArray("/project/./out");
+    QTest::newRow("trailing slash") << QByteArray("/source/out/");
+    QTest::newRow("detour") << QByteArray("/source/./out");
 }
 
 void tst_ThreadCommon::runawayEndsWithoutLoss()
@@ -511,8 +478,7 @@ void tst_ThreadCommon::runawayEndsWithoutLoss()
             found.append(QString::fromUtf8(value.mid(5)));
     }
     found.sort();
-    QDir folder(QFile::decodeName(m_source)); // much faster than what the temporary folder would do
-    QVERIFY(QuenzoTool::removeRecursively(folder));
+    QVERIFY(remove(m_source)); // much faster than what the temporary folder would do
     QCOMPARE(found.join(QLatin1Char(' ')), QStringLiteral("/4 /a/1 /b/2 /b/c/3 /out/5"));
 }
 

@@ -2,32 +2,29 @@
 // Copies and moves in a world that breaks: system calls that fail, a disk that is full, a process that is
 // killed.
 #include <quenzotool.h>
-#include <threadcommon.h>
 
 #include "faultycalls.h"
 #include "runroot.h"
-#include "treefiles.h"
-#include "treeruns.h"
+#include "treefixture.h"
 
 #include <QDir>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include <array>
 #include <csignal>
 #include <fcntl.h>
 #include <functional>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using TreeFiles::content;
 using TreeFiles::exists;
+using TreeFiles::folder;
 using TreeFiles::makeFolder;
 using TreeFiles::write;
+using TreeFiles::writeMany;
+using TreeFiles::writeManySizes;
 using namespace TreeRuns;
-using Tree = QMap<QByteArray, QByteArray>;
 
 namespace {
 
@@ -62,12 +59,11 @@ QList<QByteArray> broken(const Tree& before, const Tree& target)
 
 } // namespace
 
-class tst_TreeFaults : public QObject {
+class tst_TreeFaults : public TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup() { FaultyCalls::heal(); }
+    void cleanup() override;
 
     void failedCallsLoseNothing_data();
     void failedCallsLoseNothing();
@@ -80,25 +76,17 @@ private Q_SLOTS:
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll();
     void fileSystemsWithoutUnnamedFilesServe_data();
     void fileSystemsWithoutUnnamedFilesServe();
-    void fullDiskLeavesNoPartOfAFile_data();
+    void fullDiskLeavesNoPartOfAFile_data() { addEveryWay(); }
     void fullDiskLeavesNoPartOfAFile();
     void sizeLimitLeavesNoPartOfAFile();
-    void killedCopyLeavesNoPartOfAFile_data();
+    void killedCopyLeavesNoPartOfAFile_data() { addEveryWay(); }
     void killedCopyLeavesNoPartOfAFile();
-
-private:
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QByteArray m_source;
-    QByteArray m_target;
 };
 
-void tst_TreeFaults::init()
+void tst_TreeFaults::cleanup()
 {
-    RunRoot::clear();
-    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
-    m_source = QFile::encodeName(m_folder->path()) + "/source";
-    m_target = QFile::encodeName(m_folder->path()) + "/target";
-    makeFolder(m_source);
+    FaultyCalls::heal();
+    TreeFixture::cleanup();
 }
 
 void tst_TreeFaults::failedCallsLoseNothing_data()
@@ -124,15 +112,14 @@ void tst_TreeFaults::failedCallsLoseNothing()
     QFETCH(int, call);
     QFETCH(int, error);
     QFETCH(Manner, manner);
-    for (int i = 0; i < 40; ++i)
-        write(m_source + "/folder/file" + QByteArray::number(i), QByteArray(i * 50, 'x'));
+    writeManySizes(m_source + "/folder/file", 40);
     write(m_source + "/large", QByteArray(200000, 'y'));
     const Tree before = content(m_source);
     bool hit = true;
     bool failed = false;
     for (int n = 1; hit && n < 300; ++n) {
         FaultyCalls::failFromNth(static_cast<FaultyCalls::Call>(call), n, error);
-        const bool done = transfer(m_source, m_target, manner);
+        const bool done = transfer(manner);
         hit = FaultyCalls::wasHit();
         FaultyCalls::heal();
         failed = failed || !done;
@@ -146,9 +133,8 @@ void tst_TreeFaults::failedCallsLoseNothing()
         if (manner == Copy)
             QCOMPARE(source, before);
         // As it was at the beginning, for the next call.
-        QVERIFY(transfer(m_target, m_source, Move) || !exists(m_target));
-        QDir rest(QFile::decodeName(m_target));
-        QVERIFY(QuenzoTool::removeRecursively(rest));
+        QVERIFY(TreeRuns::transfer(m_target, m_source, Move) || !exists(m_target));
+        QVERIFY(remove(m_target));
         QCOMPARE(content(m_source), before);
     }
     QVERIFY2(!hit, "there were more calls than expected");
@@ -157,25 +143,23 @@ void tst_TreeFaults::failedCallsLoseNothing()
 
 void tst_TreeFaults::copyGoesOnWithoutAFurtherThread()
 {
-    for (int i = 0; i < 300; ++i)
-        write(m_source + "/file" + QByteArray::number(i), QByteArray(i * 50, 'x'));
+    writeManySizes(m_source + "/file", 300);
     const Tree before = content(m_source);
     for (const Manner manner : {Copy, Move}) {
         FaultyCalls::failFromNth(FaultyCalls::StartingThread, 1, EAGAIN);
-        QVERIFY(transfer(m_source, m_target, manner));
+        QVERIFY(transfer(manner));
         QVERIFY(FaultyCalls::wasHit());
         QCOMPARE(content(m_target), before);
         QCOMPARE(content(m_source), manner == Copy ? before : Tree());
-        QVERIFY(QDir(QFile::decodeName(m_target)).removeRecursively());
+        QVERIFY(folder(m_target).removeRecursively());
     }
 }
 
 void tst_TreeFaults::helperThreadsTakeNoSignals()
 {
-    for (int i = 0; i < 300; ++i)
-        write(m_source + "/file" + QByteArray::number(i));
-    QDir source(QFile::decodeName(m_source));
-    const QVector<std::function<bool()>> jobs{[&] { return transfer(m_source, m_target, Copy); },
+    writeMany(m_source + "/file", 300);
+    QDir source = folder(m_source);
+    const QVector<std::function<bool()>> jobs{[&] { return copy(); },
                                               [&] { return QuenzoTool::removeRecursively(source); }};
     for (const auto& job : jobs) {
         sigset_t signalsOfThread{};
@@ -207,12 +191,11 @@ void tst_TreeFaults::copyGoesOnWithoutModes()
     QFETCH(int, error);
     QFETCH(bool, unnamed);
     FaultyCalls::allowUnnamedFiles(unnamed);
-    for (int i = 0; i < 60; ++i)
-        write(m_source + "/file" + QByteArray::number(i), QByteArray(i * 50, 'x'));
+    writeManySizes(m_source + "/file", 60);
     const Tree before = content(m_source);
     for (const Manner manner : {Copy, Move}) {
         FaultyCalls::failFromNth(FaultyCalls::ChangingMode, 1, error);
-        QVERIFY(transfer(m_source, m_target, manner));
+        QVERIFY(transfer(manner));
         QVERIFY(FaultyCalls::wasHit());
         QCOMPARE(content(m_target), before);
     }
@@ -230,13 +213,13 @@ void tst_TreeFaults::copyingNothingIsNoEnd()
     for (int n = 1; hit; ++n) {
         for (const Manner manner : {Copy, Move}) {
             FaultyCalls::failFromNth(FaultyCalls::Copying, n, FaultyCalls::nothingDone);
-            QVERIFY(transfer(m_source, m_target, manner));
+            QVERIFY(transfer(manner));
             hit = FaultyCalls::wasHit();
             FaultyCalls::heal();
             QCOMPARE(content(m_target), before);
         }
         QVERIFY(content(m_source).isEmpty());
-        QVERIFY(transfer(m_target, m_source, Move));
+        QVERIFY(TreeRuns::transfer(m_target, m_source, Move));
     }
 }
 
@@ -266,15 +249,14 @@ void tst_TreeFaults::sourceThatShrinksIsCopiedAsItIsOrNotAtAll()
             const Tree before = content(m_source);
             FaultyCalls::actBeforeNth(FaultyCalls::Copying, n,
                                       [&] { QCOMPARE(truncate(file.constData(), size), 0); });
-            const bool done = transfer(m_source, m_target, manner);
+            const bool done = transfer(manner);
             hit = FaultyCalls::wasHit();
             const Tree target = content(m_target);
             QCOMPARE(target.contains("file"), done);
             const Tree shrunk{{"file", before.value("file").left(5 + size)}};
             QVERIFY(!done || target == before || (hit && target == shrunk));
             QVERIFY(hit || done);
-            QDir rest(QFile::decodeName(m_target));
-            QVERIFY(rest.removeRecursively());
+            QVERIFY(remove(m_target));
         }
     }
 }
@@ -293,24 +275,17 @@ void tst_TreeFaults::fileSystemsWithoutUnnamedFilesServe()
 {
     QFETCH(int, call);
     QFETCH(int, error);
-    for (int i = 0; i < 60; ++i)
-        write(m_source + "/folder/file" + QByteArray::number(i), QByteArray(i * 50, 'x'));
+    writeManySizes(m_source + "/folder/file", 60);
     write(m_source + "/large", QByteArray(200000, 'y'));
     const Tree before = content(m_source);
     FaultyCalls::failFromNth(static_cast<FaultyCalls::Call>(call), 1, error);
-    QVERIFY(transfer(m_source, m_target, Copy));
+    QVERIFY(copy());
     QCOMPARE(content(m_target), before);
     // Where files of these names are already, and may not be replaced.
-    QVERIFY(!QuenzoTool::copyDirectory(QDir(QFile::decodeName(m_source)), QDir(QFile::decodeName(m_target)),
-                                       false, false));
-    QVERIFY(transfer(m_source, m_target, Move));
+    QVERIFY(!copy(false));
+    QVERIFY(move());
     QCOMPARE(content(m_target), before);
     QVERIFY(content(m_source).isEmpty());
-}
-
-void tst_TreeFaults::fullDiskLeavesNoPartOfAFile_data()
-{
-    addEveryWay();
 }
 
 void tst_TreeFaults::fullDiskLeavesNoPartOfAFile()
@@ -323,7 +298,7 @@ void tst_TreeFaults::fullDiskLeavesNoPartOfAFile()
         write(m_source + "/file" + QByteArray::number(i), QByteArray(i == 20 ? 700000 : 30000, 'x'));
     const Tree before = content(m_source);
     for (int tries = 0; tries < 2; ++tries) {
-        QVERIFY(!transfer(m_source, m_target, manner));
+        QVERIFY(!transfer(manner));
         QCOMPARE(broken(before, content(m_target)), QList<QByteArray>());
         QCOMPARE(lost(before, content(m_source), content(m_target)), QList<QByteArray>());
     }
@@ -342,9 +317,9 @@ void tst_TreeFaults::sizeLimitLeavesNoPartOfAFile()
     struct rlimit limit = was;
     limit.rlim_cur = 100000;
     QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    const bool copied = transfer(m_source, m_target, Copy);
-    const bool moved = transfer(m_source, m_target, Move);
-    const bool cut = transfer(m_source, m_target, CutForOutput);
+    const bool copied = copy();
+    const bool moved = move();
+    const bool cut = transfer(CutForOutput);
     setrlimit(RLIMIT_FSIZE, &was);
     std::signal(SIGXFSZ, SIG_DFL);
     QVERIFY(!copied);
@@ -352,11 +327,6 @@ void tst_TreeFaults::sizeLimitLeavesNoPartOfAFile()
     QVERIFY(!cut);
     QCOMPARE(content(m_source), before);
     QCOMPARE(content(m_target), Tree({{"folder", "folder"}}));
-}
-
-void tst_TreeFaults::killedCopyLeavesNoPartOfAFile_data()
-{
-    addEveryWay();
 }
 
 void tst_TreeFaults::killedCopyLeavesNoPartOfAFile()
@@ -390,8 +360,7 @@ void tst_TreeFaults::killedCopyLeavesNoPartOfAFile()
     copier.kill();
     copier.waitForFinished();
     QCOMPARE(copier.exitStatus(), QProcess::CrashExit);
-    QCOMPARE(QDir(QFile::decodeName(root + "/target"))
-                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(folder(root + "/target").entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
     QCOMPARE(QFileInfo(large).size(), qint64(512) << 20);
 }

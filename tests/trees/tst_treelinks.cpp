@@ -1,39 +1,29 @@
 // SPDX-License-Identifier: MIT
 // Copies of links, through links, and of folders into each other.
-#include <quenzotool.h>
 
-#include "messagelog.h"
-#include "treefiles.h"
+#include "treefixture.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 using TreeFiles::exists;
+using TreeFiles::folder;
 using TreeFiles::makeFolder;
 using TreeFiles::makeLink;
 using TreeFiles::write;
 
-namespace {
-
-QDir folder(const QByteArray& path)
-{
-    return {QFile::decodeName(path)};
-}
-
-} // namespace
-
-class tst_TreeLinks : public QObject {
+class tst_TreeLinks : public TreeFixture {
     Q_OBJECT
 
-private Q_SLOTS:
-    void initTestCase() { umask(022); }
-    void init();
-    void cleanup();
+public:
+    tst_TreeLinks()
+        : TreeFixture(TreeFiles::diskFolder())
+    {
+    }
 
+private Q_SLOTS:
     void linkToFileIsCopiedAsFile();
     void linkToFolderIsWalked();
     void danglingLinkIsFalse();
@@ -52,34 +42,7 @@ private Q_SLOTS:
     void sourceInsideTargetIsMovedUp();
 
 private:
-    bool copy(bool overwrite = true)
-    {
-        return QuenzoTool::copyDirectory(folder(m_source), folder(m_target), overwrite, false);
-    }
-    bool move() { return QuenzoTool::copyDirectory(folder(m_source), folder(m_target), true, true); }
-
-    std::unique_ptr<MessageLog> m_messages;
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QByteArray m_root;
-    QByteArray m_source;
-    QByteArray m_target;
 };
-
-void tst_TreeLinks::init()
-{
-    m_messages = std::make_unique<MessageLog>();
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_root = QFile::encodeName(m_folder->path());
-    m_source = m_root + "/source";
-    m_target = m_root + "/target";
-    makeFolder(m_source);
-}
-
-void tst_TreeLinks::cleanup()
-{
-    QCOMPARE(m_messages->takeWarnings(), QStringList());
-    m_messages.reset();
-}
 
 void tst_TreeLinks::linkToFileIsCopiedAsFile()
 {
@@ -123,7 +86,7 @@ void tst_TreeLinks::linkToMovedFileDangles()
 {
     write(m_source + "/file");
     makeLink("file", m_source + "/link");
-    const QStringList listed = QDir(QFile::decodeName(m_source)).entryList(QDir::Files, QDir::Unsorted);
+    const QStringList listed = folder(m_source).entryList(QDir::Files, QDir::Unsorted);
     QCOMPARE(move(), listed.first() == QLatin1String("link"));
     QVERIFY(!exists(m_source + "/file"));
     QVERIFY(exists(m_target + "/file"));

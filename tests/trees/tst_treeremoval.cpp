@@ -2,46 +2,31 @@
 // Changes of rights in trees, and their removal.
 #include <quenzotool.h>
 
-#include "messagelog.h"
-#include "treefiles.h"
+#include "treefixture.h"
 
 #include <QDir>
-#include <QLoggingCategory>
-#include <QTemporaryDir>
 #include <QThread>
 #include <QtTest>
 
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 using TreeFiles::exists;
+using TreeFiles::folder;
 using TreeFiles::makeFolder;
 using TreeFiles::makeLink;
+using TreeFiles::setMode;
 using TreeFiles::write;
 
-namespace {
-
-QDir folder(const QByteArray& path)
-{
-    return {QFile::decodeName(path)};
-}
-
-void setMode(const QByteArray& path, mode_t mode)
-{
-    if (chmod(path.constData(), mode) != 0)
-        qFatal("cannot change %s", path.constData());
-}
-
-} // namespace
-
-class tst_TreeRemoval : public QObject {
+class tst_TreeRemoval : public TreeFixture {
     Q_OBJECT
 
-private Q_SLOTS:
-    void initTestCase() { umask(022); }
-    void init();
-    void cleanup();
+public:
+    tst_TreeRemoval()
+        : TreeFixture(TreeFiles::diskFolder())
+    {
+    }
 
+private Q_SLOTS:
     void tooDeepTreeForTheStackIsRemoved();
     void changeOfMissingFolderIsTrue();
     void changeTellsEveryStep();
@@ -55,28 +40,7 @@ private Q_SLOTS:
     void removalReportsWhatStays();
     void removalWithoutFreeHandlesIsFalse();
     void removalTakesFoldersOfManyFiles();
-
-private:
-    std::unique_ptr<MessageLog> m_messages;
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QByteArray m_root;
-    QByteArray m_source;
 };
-
-void tst_TreeRemoval::init()
-{
-    m_messages = std::make_unique<MessageLog>();
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_root = QFile::encodeName(m_folder->path());
-    m_source = m_root + "/source";
-    makeFolder(m_source);
-}
-
-void tst_TreeRemoval::cleanup()
-{
-    QCOMPARE(m_messages->takeWarnings(), QStringList());
-    m_messages.reset();
-}
 
 void tst_TreeRemoval::tooDeepTreeForTheStackIsRemoved()
 {
@@ -92,10 +56,10 @@ void tst_TreeRemoval::tooDeepTreeForTheStackIsRemoved()
         thread->start();
         return thread->wait() && result;
     };
-    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.trees.warning=true"));
-    const bool changed = isTrueOnSmallStack(QuenzoTool::changePermessionRecursively);
-    QLoggingCategory::setFilterRules({});
-    QVERIFY(changed);
+    {
+        const CategoryOn trees("quenzo.trees");
+        QVERIFY(isTrueOnSmallStack(QuenzoTool::changePermessionRecursively));
+    }
     QCOMPARE(TreeFiles::mode(deepest + "/file"), 0644);
     const QStringList told = m_messages->takeWarnings();
     QCOMPARE(told.size(), 1);
@@ -170,8 +134,7 @@ void tst_TreeRemoval::changeEndsInLoopsOfLinks()
 
 void tst_TreeRemoval::removalOfMissingFolderIsTrue()
 {
-    QDir missing = folder(m_root + "/missing");
-    QVERIFY(QuenzoTool::removeRecursively(missing));
+    QVERIFY(remove(m_root + "/missing"));
 }
 
 void tst_TreeRemoval::removalTakesReadOnlyFiles()
@@ -179,8 +142,7 @@ void tst_TreeRemoval::removalTakesReadOnlyFiles()
     write(m_source + "/file");
     write(m_source + "/folder/file");
     setMode(m_source + "/folder/file", 0444);
-    QDir source = folder(m_source);
-    QVERIFY(QuenzoTool::removeRecursively(source));
+    QVERIFY(remove(m_source));
     QVERIFY(!exists(m_source));
 }
 
@@ -189,8 +151,7 @@ void tst_TreeRemoval::removalLeavesWhatLinksLeadTo()
     write(m_root + "/elsewhere/file", "kept");
     makeLink("../elsewhere", m_source + "/link");
     makeLink("nowhere", m_source + "/dangling");
-    QDir source = folder(m_source);
-    QVERIFY(QuenzoTool::removeRecursively(source));
+    QVERIFY(remove(m_source));
     QVERIFY(!exists(m_source));
     QVERIFY(exists(m_root + "/elsewhere/file"));
 }
@@ -199,8 +160,7 @@ void tst_TreeRemoval::removalThroughALinkIsFalse()
 {
     write(m_source + "/file");
     makeLink("source", m_root + "/link");
-    QDir source = folder(m_root + "/link");
-    QVERIFY(!QuenzoTool::removeRecursively(source));
+    QVERIFY(!remove(m_root + "/link"));
     QVERIFY(TreeFiles::content(m_source).isEmpty());
     QVERIFY(exists(m_root + "/link"));
 }
@@ -240,8 +200,7 @@ void tst_TreeRemoval::removalTakesFoldersOfManyFiles()
 {
     for (int i = 0; i < 1001; ++i)
         write(m_source + "/folder" + QByteArray::number(i % 3) + "/file" + QByteArray::number(i));
-    QDir source = folder(m_source);
-    QVERIFY(QuenzoTool::removeRecursively(source));
+    QVERIFY(remove(m_source));
     QVERIFY(!exists(m_source));
 }
 

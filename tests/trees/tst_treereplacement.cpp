@@ -1,20 +1,13 @@
 // SPDX-License-Identifier: MIT
 // When an existing file goes for another one, and when it stays.
-#include <quenzotool.h>
-#include <threadcommon.h>
 
 #include "faultycalls.h"
 #include "runroot.h"
-#include "treefiles.h"
-#include "treeruns.h"
+#include "treefixture.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include <array>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using TreeFiles::content;
@@ -22,46 +15,31 @@ using TreeFiles::exists;
 using TreeFiles::makeFolder;
 using TreeFiles::write;
 using namespace TreeRuns;
-using Tree = QMap<QByteArray, QByteArray>;
 
-class tst_TreeReplacement : public QObject {
+class tst_TreeReplacement : public TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup() { FaultyCalls::heal(); }
+    void cleanup() override;
 
-    void existingFileThatResistsIsForced_data();
+    void existingFileThatResistsIsForced_data() { addEveryWay(); }
     void existingFileThatResistsIsForced();
-    void existingLinkThatCannotBeRemovedLeavesOthersTheirRights_data();
+    void existingLinkThatCannotBeRemovedLeavesOthersTheirRights_data() { addEveryWay(); }
     void existingLinkThatCannotBeRemovedLeavesOthersTheirRights();
-    void existingFileGoesWhenItsReplacementIsWhole_data();
+    void existingFileGoesWhenItsReplacementIsWhole_data() { addEveryWay(); }
     void existingFileGoesWhenItsReplacementIsWhole();
     void sourceThatAnotherRunTakesIsNotLost_data();
     void sourceThatAnotherRunTakesIsNotLost();
-    void existingFileMakesRoomForItsReplacement_data();
+    void existingFileMakesRoomForItsReplacement_data() { addEveryWay(); }
     void existingFileMakesRoomForItsReplacement();
-    void existingFileThatCannotBeRemovedIsFalse_data();
+    void existingFileThatCannotBeRemovedIsFalse_data() { addEveryWay(); }
     void existingFileThatCannotBeRemovedIsFalse();
-
-private:
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QByteArray m_source;
-    QByteArray m_target;
 };
 
-void tst_TreeReplacement::init()
+void tst_TreeReplacement::cleanup()
 {
-    RunRoot::clear();
-    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
-    m_source = QFile::encodeName(m_folder->path()) + "/source";
-    m_target = QFile::encodeName(m_folder->path()) + "/target";
-    makeFolder(m_source);
-}
-
-void tst_TreeReplacement::existingFileThatResistsIsForced_data()
-{
-    addEveryWay();
+    FaultyCalls::heal();
+    TreeFixture::cleanup();
 }
 
 // As a read-only file does on some systems.
@@ -74,36 +52,26 @@ void tst_TreeReplacement::existingFileThatResistsIsForced()
     const QByteArray kept = m_target + "/kept";
     QCOMPARE(link(file.constData(), kept.constData()), 0);
     FaultyCalls::failNth(FaultyCalls::Removing, 1, EACCES);
-    QVERIFY(transfer(m_source, m_target, manner));
+    QVERIFY(transfer(manner));
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(TreeFiles::read(file), QByteArray("new"));
     QCOMPARE(TreeFiles::mode(file), 0644);
     QCOMPARE(TreeFiles::mode(kept), 0002);
 }
 
-void tst_TreeReplacement::existingLinkThatCannotBeRemovedLeavesOthersTheirRights_data()
-{
-    addEveryWay();
-}
-
 void tst_TreeReplacement::existingLinkThatCannotBeRemovedLeavesOthersTheirRights()
 {
     QFETCH(Manner, manner);
-    const QByteArray outside = QFile::encodeName(m_folder->path()) + "/outside";
+    const QByteArray outside = m_root + "/outside";
     write(m_source + "/file", "new");
     write(outside, "others'");
     makeFolder(m_target);
     TreeFiles::makeLink("../outside", m_target + "/file");
     FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EACCES);
-    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(!transfer(manner));
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(TreeFiles::mode(outside), 0644);
     QVERIFY(exists(m_source + "/file"));
-}
-
-void tst_TreeReplacement::existingFileGoesWhenItsReplacementIsWhole_data()
-{
-    addEveryWay();
 }
 
 void tst_TreeReplacement::existingFileGoesWhenItsReplacementIsWhole()
@@ -113,7 +81,7 @@ void tst_TreeReplacement::existingFileGoesWhenItsReplacementIsWhole()
     write(m_target + "/file", "old");
     for (const FaultyCalls::Call call : {FaultyCalls::Opening, FaultyCalls::Copying}) {
         FaultyCalls::failFromNth(call, 1, EIO);
-        QVERIFY(!transfer(m_source, m_target, manner));
+        QVERIFY(!transfer(manner));
         QVERIFY(FaultyCalls::wasHit());
         FaultyCalls::heal();
         QCOMPARE(content(m_target), Tree({{"file", "file old"}}));
@@ -163,14 +131,9 @@ void tst_TreeReplacement::sourceThatAnotherRunTakesIsNotLost()
         QCOMPARE(rename(moved.constData(), target.constData()), 0);
         unlink(source.constData());
     });
-    transfer(m_source, m_target, manner);
+    transfer(manner);
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(content(m_target), Tree({{"file", "file new"}}));
-}
-
-void tst_TreeReplacement::existingFileMakesRoomForItsReplacement_data()
-{
-    addEveryWay();
 }
 
 void tst_TreeReplacement::existingFileMakesRoomForItsReplacement()
@@ -182,13 +145,8 @@ void tst_TreeReplacement::existingFileMakesRoomForItsReplacement()
     write(m_source + "/file", QByteArray(700000, 'n'));
     write(m_target + "/file", QByteArray(700000, 'o'));
     const Tree before = content(m_source);
-    QVERIFY(transfer(m_source, m_target, manner));
+    QVERIFY(transfer(manner));
     QCOMPARE(content(m_target), before);
-}
-
-void tst_TreeReplacement::existingFileThatCannotBeRemovedIsFalse_data()
-{
-    addEveryWay();
 }
 
 void tst_TreeReplacement::existingFileThatCannotBeRemovedIsFalse()
@@ -198,7 +156,7 @@ void tst_TreeReplacement::existingFileThatCannotBeRemovedIsFalse()
     write(m_target + "/file", "old");
     const QByteArray file = m_target + "/file";
     FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EACCES);
-    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(!transfer(manner));
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(TreeFiles::mode(file), 0644); // its own again
     QCOMPARE(content(m_target), Tree({{"file", "file old"}}));

@@ -3,19 +3,17 @@
 #include <quenzotool.h>
 #include <threadcommon.h>
 
-#include "messagelog.h"
 #include "runroot.h"
-#include "treefiles.h"
+#include "treefixture.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 #include <QtTest>
 
 using TreeFiles::content;
 using TreeFiles::exists;
+using TreeFiles::folder;
 using TreeFiles::makeFolder;
 using TreeFiles::write;
-using Tree = QMap<QByteArray, QByteArray>;
 
 namespace {
 
@@ -32,12 +30,11 @@ public:
 
 } // namespace
 
-class tst_TreeResources : public QObject {
+class tst_TreeResources : public TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init() override;
 
     void resourcesAreCopied_data();
     void resourcesAreCopied();
@@ -52,29 +49,13 @@ private Q_SLOTS:
     void nameFiltersHoldInAChangeOfRights();
 
 private:
-    std::unique_ptr<MessageLog> m_messages;
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QByteArray m_root;
-    QByteArray m_source;
-    QByteArray m_target;
     QDir m_targetDir;
 };
 
 void tst_TreeResources::init()
 {
-    RunRoot::clear();
-    m_messages = std::make_unique<MessageLog>();
-    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
-    m_root = QFile::encodeName(m_folder->path());
-    m_source = m_root + "/source";
-    m_target = m_root + "/target";
-    m_targetDir.setPath(QFile::decodeName(m_target));
-}
-
-void tst_TreeResources::cleanup()
-{
-    QCOMPARE(m_messages->takeWarnings(), QStringList());
-    m_messages.reset();
+    TreeFixture::init();
+    m_targetDir = folder(m_target);
 }
 
 void tst_TreeResources::resourcesAreCopied_data()
@@ -149,7 +130,7 @@ void tst_TreeResources::resourcesAreNotRemoved()
 void tst_TreeResources::resourcesTakeNothing()
 {
     write(m_source + "/file");
-    const QDir source(QFile::decodeName(m_source));
+    const QDir source = folder(m_source);
     for (const char* path : {":/templates", ":/missing", ":/"})
         QVERIFY(!QuenzoTool::copyDirectory(source, QDir(QString::fromLatin1(path)), true, true));
     QVERIFY(exists(m_source + "/file"));
@@ -183,7 +164,7 @@ void tst_TreeResources::nameFiltersHoldDirectlyInTheSource()
     write(m_source + "/other", "3");
     write(m_source + "/folder/file", "4");
     write(m_source + "/folder.txt/file", "5");
-    QDir source(QFile::decodeName(m_source));
+    QDir source = folder(m_source);
     source.setNameFilters({QStringLiteral("*.txt")});
     QVERIFY(QuenzoTool::copyDirectory(source, m_targetDir, true, false));
     QCOMPARE(content(m_target),
@@ -203,7 +184,7 @@ void tst_TreeResources::nameFiltersHoldInACutForOutput()
 {
     write(m_source + "/one.txt", "1");
     write(m_source + "/other", "2");
-    QDir source(QFile::decodeName(m_source));
+    QDir source = folder(m_source);
     source.setNameFilters({QStringLiteral("*.txt")});
     Worker worker;
     QVERIFY(worker.cutForOutput(source, m_targetDir, nullptr));
@@ -215,7 +196,7 @@ void tst_TreeResources::nameFiltersHoldInAChangeOfRights()
 {
     write(m_source + "/one.txt");
     write(m_source + "/other");
-    QDir source(QFile::decodeName(m_source));
+    QDir source = folder(m_source);
     source.setNameFilters({QStringLiteral("*.txt")});
     QVERIFY(QuenzoTool::changePermessionRecursively(source));
     QCOMPARE(TreeFiles::mode(m_source + "/one.txt"), 0002);

@@ -1,35 +1,26 @@
 // SPDX-License-Identifier: MIT
 // What may stand in a target already: links and mounts that lead back, links that lead elsewhere.
-#include <quenzotool.h>
 #include <threadcommon.h>
 
-#include "messagelog.h"
 #include "runroot.h"
-#include "treefiles.h"
-#include "treeruns.h"
+#include "treefixture.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 #include <QtTest>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 using TreeFiles::content;
 using TreeFiles::exists;
 using TreeFiles::makeFolder;
 using TreeFiles::makeLink;
+using TreeFiles::setMode;
 using TreeFiles::write;
 using namespace TreeRuns;
-using Tree = QMap<QByteArray, QByteArray>;
 
-class tst_TreeTargets : public QObject {
+class tst_TreeTargets : public TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { umask(022); }
-    void init();
-    void cleanup();
+    void init() override;
 
     void linkIntoTheSourceIsRefused_data() { addPlaces(); }
     void linkIntoTheSourceIsRefused();
@@ -51,30 +42,13 @@ private Q_SLOTS:
 
 private:
     static void addPlaces();
-
-    std::unique_ptr<MessageLog> m_messages;
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QByteArray m_root;
-    QByteArray m_source;
-    QByteArray m_target;
+    void fillTwoFolders() const;
 };
 
 void tst_TreeTargets::init()
 {
-    RunRoot::clear();
-    m_messages = std::make_unique<MessageLog>();
-    m_folder = std::make_unique<QTemporaryDir>(TreeFiles::quickFolder());
-    m_root = QFile::encodeName(m_folder->path());
-    m_source = m_root + "/source";
-    m_target = m_root + "/target";
-    makeFolder(m_source);
+    TreeFixture::init();
     makeFolder(m_target);
-}
-
-void tst_TreeTargets::cleanup()
-{
-    QCOMPARE(m_messages->takeWarnings(), QStringList());
-    m_messages.reset();
 }
 
 void tst_TreeTargets::addPlaces()
@@ -87,19 +61,24 @@ void tst_TreeTargets::addPlaces()
     }
 }
 
-void tst_TreeTargets::linkIntoTheSourceIsRefused()
+void tst_TreeTargets::fillTwoFolders() const
 {
-    QFETCH(Manner, manner);
-    QFETCH(QByteArray, place);
     write(m_source + "/folder/inner/file", "1");
     write(m_source + "/other/inner/file", "2");
     write(m_source + "/other/file", "3");
     write(m_source + "/folder/file", "4");
+}
+
+void tst_TreeTargets::linkIntoTheSourceIsRefused()
+{
+    QFETCH(Manner, manner);
+    QFETCH(QByteArray, place);
+    fillTwoFolders();
     // Both, since either folder may be listed first, and so be moved before the other is refused.
     makeLink(m_source + place, m_target + "/folder");
     makeLink(m_source + place, m_target + "/other");
     const Tree before = content(m_root);
-    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(!transfer(manner));
     QCOMPARE(content(m_root), before);
 }
 
@@ -107,16 +86,13 @@ void tst_TreeTargets::mountOfTheSourceIsRefused()
 {
     QFETCH(Manner, manner);
     QFETCH(QByteArray, place);
-    write(m_source + "/folder/inner/file", "1");
-    write(m_source + "/other/inner/file", "2");
-    write(m_source + "/other/file", "3");
-    write(m_source + "/folder/file", "4");
+    fillTwoFolders();
     const Mount folder = Mount::folder(m_source + place, m_target + "/folder");
     const Mount other = Mount::folder(m_source + place, m_target + "/other");
     if (!folder.isMounted || !other.isMounted)
         QSKIP("only root can mount a folder");
     const Tree before = content(m_source);
-    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(!transfer(manner));
     QCOMPARE(content(m_source), before);
 }
 
@@ -127,7 +103,7 @@ void tst_TreeTargets::folderBehindALinkThatIsOfTheSourceIsRefused()
     write(m_source + "/up/source/file", "1");
     makeLink("..", m_target + "/up");
     const Tree before = content(m_source);
-    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(!transfer(manner));
     QCOMPARE(content(m_source), before);
 }
 
@@ -146,7 +122,7 @@ void tst_TreeTargets::outputByAnotherNameOfTheSourceIsRefused()
     m_target = m_root + "/alias";
     makeLink(place, m_target);
     const Tree before = content(m_root);
-    QVERIFY(!transfer(m_source, m_target, CutForOutput));
+    QVERIFY(!transfer(CutForOutput));
     ThreadCommon around;
     QVERIFY(!around.exceptCut(QFile::decodeName(m_source), QFile::decodeName(m_target), {}));
     QCOMPARE(content(m_root), before);
@@ -158,8 +134,8 @@ void tst_TreeTargets::linkFromAnOutputInsideTheSourceIsRefused()
     write(m_source + "/folder/file", "1");
     makeFolder(m_target);
     makeLink("../folder", m_target + "/folder");
-    QVERIFY(!transfer(m_source, m_target, CutForOutput));
-    chmod(m_target.constData(), 0755);
+    QVERIFY(!transfer(CutForOutput));
+    setMode(m_target, 0755);
     QCOMPARE(TreeFiles::read(m_source + "/folder/file"), QByteArray("1"));
 }
 
@@ -170,7 +146,7 @@ void tst_TreeTargets::linkToElsewhereIsFollowed()
     write(m_source + "/folder/inner/file", "2");
     makeFolder(m_root + "/elsewhere/inner");
     makeLink("../elsewhere", m_target + "/folder");
-    QVERIFY(transfer(m_source, m_target, manner));
+    QVERIFY(transfer(manner));
     QCOMPARE(content(m_root + "/elsewhere"),
              Tree({{"file", "file 1"}, {"inner", "folder"}, {"inner/file", "file 2"}}));
 }
@@ -181,7 +157,7 @@ void tst_TreeTargets::danglingLinkStaysAndIsFalse()
     QFETCH(Manner, manner);
     write(m_source + "/file", "new");
     makeLink("nowhere", m_target + "/file");
-    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(!transfer(manner));
     QCOMPARE(content(m_target), Tree({{"file", "link nowhere"}}));
     QVERIFY(exists(m_source + "/file"));
     QCOMPARE(RunRoot::log().count("Copy Fail:"), manner == CutForOutput ? 1 : 0);
@@ -192,7 +168,7 @@ void tst_TreeTargets::folderOfAFilesNameKeepsItsRights()
     QFETCH(Manner, manner);
     write(m_source + "/entry");
     write(m_target + "/entry/file");
-    QVERIFY(!transfer(m_source, m_target, manner));
+    QVERIFY(!transfer(manner));
     QCOMPARE(TreeFiles::mode(m_target + "/entry"), 0755);
     QVERIFY(exists(m_target + "/entry/file"));
 }
@@ -207,8 +183,7 @@ void tst_TreeTargets::runsAtOnceLoseNothing_data()
 void tst_TreeTargets::runsAtOnceLoseNothing()
 {
     QFETCH(int, operate);
-    const QVariantMap map{{QStringLiteral("src"), QFile::decodeName(m_source)},
-                          {QStringLiteral("dest"), QFile::decodeName(m_target)}};
+    const QVariantMap map = folders();
     for (int round = 0; round < 60; ++round) {
         QSet<QByteArray> names;
         for (int i = 0; i < 12; ++i) {
