@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Finds the Python 2.7 runtime library to embed, as the target Python27::Python.
+# Finds the Python 2.7 runtime library to embed, as the target Python27::Python, and the folder that holds its
+# include and lib folders, as Python27_HOME.
 #
 # Only the system's own is looked for: interpreters under version managers come first on the usual search paths
 # and bring neither a shared runtime nor a standard library that a host could count on. Name another one with
@@ -13,6 +14,9 @@ mark_as_advanced(Python27_INCLUDE_DIR Python27_LIBRARY)
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(Python27 REQUIRED_VARS Python27_LIBRARY Python27_INCLUDE_DIR
     REASON_FAILURE_MESSAGE "scripts/dependencies.sh installs it on Debian 12")
+
+cmake_path(GET Python27_INCLUDE_DIR PARENT_PATH Python27_HOME)
+cmake_path(GET Python27_HOME PARENT_PATH Python27_HOME)
 
 if(Python27_FOUND AND NOT TARGET Python27::Python)
     add_library(Python27::Python SHARED IMPORTED)
