@@ -1,28 +1,16 @@
 // SPDX-License-Identifier: MIT
-#include "quenzoprocess.h"
+#include "devicefixture.h"
 #include "runroot.h"
-#include "scriptedtools.h"
-#include "terminal.h"
 
 #include <QtTest>
 
 #include <csignal>
-#include <memory>
-
-namespace {
-
-constexpr int timeLimitMs = 60000;
-const char* const endOfInput = "\x04";
-
-} // namespace
 
 // The host with scripted programs in its tool folder.
-class tst_DeviceCommands : public QObject {
+class tst_DeviceCommands : public DeviceFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
     void devicesArePrinted();
     void inaccessibleDeviceIsNoDevice();
     void missingToolIsSaidPlainly();
@@ -51,71 +39,10 @@ private Q_SLOTS:
     void wrongTimeOutIsAUsageError_data();
     void wrongTimeOutIsAUsageError();
     void helpSaysThatDataGo();
-    void deviceIsChosenByNumberOnATerminal();
-    void noChoiceChangesNothing();
-    void installIsConfirmedOnATerminal();
-    void refusedConfirmationChangesNothing();
-    void yesIsNotAsked();
-    void uninstallIsConfirmedOnATerminal();
-    void progressIsShownOnATerminal();
     void questionEndsWithTheProgram();
     void interruptionTellsWhatWasBegun_data();
     void interruptionTellsWhatWasBegun();
-    void progressKeepsToOneLine();
-    void dumbTerminalsGetNoControlCharacters();
-
-private:
-    static void prepare(QuenzoProcess& process);
-    static Ended quenzo(const QStringList& arguments);
-    static Ended confirmed(const QStringList& arguments);
-    static void start(QuenzoProcess& process, const Terminal& terminal);
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_apk;
 };
-
-void tst_DeviceCommands::initTestCase()
-{
-    const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/quenzo");
-    QFile::remove(program);
-    QVERIFY(QFile::copy(QStringLiteral(QUENZO_PROGRAM), program));
-    qunsetenv("ANDROID_SERIAL");
-}
-
-void tst_DeviceCommands::init()
-{
-    ScriptedTools::write();
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_apk = m_folder->filePath(QStringLiteral("my game.apk"));
-    QVERIFY(QFile(m_apk).open(QIODevice::WriteOnly));
-}
-
-// The copy in this root, which finds the scripted programs.
-void tst_DeviceCommands::prepare(QuenzoProcess& process)
-{
-    process.setProgram(QCoreApplication::applicationDirPath() + QStringLiteral("/quenzo"));
-}
-
-Ended tst_DeviceCommands::quenzo(const QStringList& arguments)
-{
-    QuenzoProcess process(arguments);
-    prepare(process);
-    return process.end();
-}
-
-Ended tst_DeviceCommands::confirmed(const QStringList& arguments)
-{
-    return quenzo(arguments + QStringList{QStringLiteral("--yes")});
-}
-
-void tst_DeviceCommands::start(QuenzoProcess& process, const Terminal& terminal)
-{
-    prepare(process);
-    process.setStandardInputFile(terminal.path());
-    process.setStandardErrorFile(terminal.path());
-    process.start();
-    QVERIFY(process.waitForStarted(timeLimitMs));
-}
 
 void tst_DeviceCommands::devicesArePrinted()
 {
@@ -498,105 +425,6 @@ void tst_DeviceCommands::helpSaysThatDataGo()
     QCOMPARE(quenzo({QStringLiteral("devices"), QStringLiteral("x")}).code, 2);
 }
 
-void tst_DeviceCommands::deviceIsChosenByNumberOnATerminal()
-{
-    ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b c")});
-    Terminal terminal;
-    QuenzoProcess process(QuenzoProcess::words("uninstall --yes") << m_apk);
-    start(process, terminal);
-    QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("Number of the device:"), timeLimitMs);
-    QVERIFY2(terminal.shown().contains("  1  a\r\n  2  b c\r\n"), terminal.shown().constData());
-    terminal.type("3\nx\n2\n");
-    const Ended ended = process.end();
-    QCOMPARE(ended.code, 0);
-    QCOMPARE(ended.output, QByteArray("Uninstall successful!\n"));
-    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><b c><uninstall><org.example.game>"));
-}
-
-void tst_DeviceCommands::noChoiceChangesNothing()
-{
-    ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b")});
-    for (const char* answer : {"\n", endOfInput}) {
-        Terminal terminal;
-        QuenzoProcess process(QuenzoProcess::words("install") << m_apk);
-        start(process, terminal);
-        QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("Number of the device:"), timeLimitMs);
-        terminal.type(answer);
-        QCOMPARE(process.end().code, 1);
-        QVERIFY2(terminal.shown().contains("no device was chosen"), terminal.shown().constData());
-    }
-    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
-}
-
-void tst_DeviceCommands::installIsConfirmedOnATerminal()
-{
-    ScriptedTools::attach({QStringLiteral("a")});
-    Terminal terminal;
-    QuenzoProcess process(QuenzoProcess::words("install") << m_apk);
-    start(process, terminal);
-    QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
-    QVERIFY2(terminal.shown().contains("org.example.game and its data are removed from a"),
-             terminal.shown().constData());
-    terminal.type("Y\n");
-    QCOMPARE(process.end().code, 0);
-    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <install><-r><%1>").arg(m_apk));
-}
-
-void tst_DeviceCommands::refusedConfirmationChangesNothing()
-{
-    ScriptedTools::attach({QStringLiteral("a")});
-    for (const char* answer : {"n\n", "\n", endOfInput}) {
-        Terminal terminal;
-        QuenzoProcess process(QuenzoProcess::words("install") << m_apk);
-        start(process, terminal);
-        QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
-        terminal.type(answer);
-        QCOMPARE(process.end().code, 1);
-        QVERIFY2(terminal.shown().contains("nothing was changed"), terminal.shown().constData());
-    }
-    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
-}
-
-void tst_DeviceCommands::yesIsNotAsked()
-{
-    ScriptedTools::attach({QStringLiteral("a")});
-    Terminal terminal;
-    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
-    start(process, terminal);
-    QCOMPARE(process.end().code, 0);
-    QVERIFY2(!terminal.shown().contains("[y/N]"), terminal.shown().constData());
-}
-
-void tst_DeviceCommands::progressIsShownOnATerminal()
-{
-    ScriptedTools::attach({QStringLiteral("a")});
-    ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
-    Terminal terminal;
-    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
-    start(process, terminal);
-    QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("\\ installing on a"), timeLimitMs);
-    ScriptedTools::openGate();
-    const Ended ended = process.end();
-    QCOMPARE(ended.code, 0);
-    QVERIFY2(terminal.shown().endsWith("\r\033[K"), terminal.shown().constData());
-    QCOMPARE(ended.output, QByteArray("Installation is complete!\n"));
-}
-
-void tst_DeviceCommands::uninstallIsConfirmedOnATerminal()
-{
-    ScriptedTools::attach({QStringLiteral("a")});
-    for (const char* answer : {"n\n", "y\n"}) {
-        Terminal terminal;
-        QuenzoProcess process(QuenzoProcess::words("uninstall") << m_apk);
-        start(process, terminal);
-        QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
-        QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<uninstall>")), QStringList());
-        terminal.type(answer);
-        QCOMPARE(process.end().code, *answer == 'y' ? 0 : 1);
-    }
-    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<uninstall>")).size(), 1);
-}
-
 // The question has a process group of its own, which Ctrl-C at a terminal does not reach.
 void tst_DeviceCommands::questionEndsWithTheProgram()
 {
@@ -647,36 +475,6 @@ void tst_DeviceCommands::interruptionTellsWhatWasBegun()
     QCOMPARE(QString::fromUtf8(ended.error), told.contains(QLatin1Char('%')) ? told.arg(m_apk) : told);
     // adb was not meant, and is still at work.
     ScriptedTools::openGate();
-}
-
-void tst_DeviceCommands::progressKeepsToOneLine()
-{
-    // Each of these letters takes two columns.
-    const QString serial = QString(15, QChar(0x624b)) + QStringLiteral("-phone");
-    ScriptedTools::attach({serial});
-    ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
-    Terminal terminal;
-    terminal.setColumns(30);
-    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
-    start(process, terminal);
-    // The last column stays free: 16 for the words before leave 13.
-    const QByteArray line = "/ installing on " + QString(6, QChar(0x624b)).toUtf8() + "\r\033[K";
-    QTRY_VERIFY2_WITH_TIMEOUT(terminal.shown().contains(line), terminal.shown().constData(), timeLimitMs);
-    ScriptedTools::openGate();
-    QCOMPARE(process.end().code, 0);
-}
-
-void tst_DeviceCommands::dumbTerminalsGetNoControlCharacters()
-{
-    ScriptedTools::attach({QStringLiteral("a")});
-    ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
-    Terminal terminal;
-    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
-    process.setVariable("TERM", QStringLiteral("dumb"));
-    start(process, terminal);
-    ScriptedTools::openGate();
-    QCOMPARE(process.end().code, 0);
-    QCOMPARE(terminal.shown(), QByteArray());
 }
 
 QTEST_GUILESS_MAIN(tst_DeviceCommands)

@@ -4,7 +4,7 @@
 import unittest
 
 from support import contents, parsed, raw_archive, read, Raw
-from test_encrypt import DONE, NOT_AUTHENTIC, NOTHING_THERE, Encrypting
+from encryptcase import DONE, NOT_AUTHENTIC, NOTHING_THERE, Encrypting
 
 import encrypt
 

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include "devicefixture.h"
+#include "terminal.h"
+
+#include <QtTest>
+
+namespace {
+
+const char* const endOfInput = "\x04";
+
+} // namespace
+
+// What the host asks and shows on a terminal.
+class tst_DeviceQuestions : public DeviceFixture {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void deviceIsChosenByNumberOnATerminal();
+    void noChoiceChangesNothing();
+    void installIsConfirmedOnATerminal();
+    void refusedConfirmationChangesNothing();
+    void yesIsNotAsked();
+    void progressIsShownOnATerminal();
+    void uninstallIsConfirmedOnATerminal();
+    void progressKeepsToOneLine();
+    void dumbTerminalsGetNoControlCharacters();
+};
+
+void tst_DeviceQuestions::deviceIsChosenByNumberOnATerminal()
+{
+    ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b c")});
+    Terminal terminal;
+    QuenzoProcess process(QuenzoProcess::words("uninstall --yes") << m_apk);
+    start(process, terminal);
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("Number of the device:"), timeLimitMs);
+    QVERIFY2(terminal.shown().contains("  1  a\r\n  2  b c\r\n"), terminal.shown().constData());
+    terminal.type("3\nx\n2\n");
+    const Ended ended = process.end();
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(ended.output, QByteArray("Uninstall successful!\n"));
+    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><b c><uninstall><org.example.game>"));
+}
+
+void tst_DeviceQuestions::noChoiceChangesNothing()
+{
+    ScriptedTools::attach({QStringLiteral("a"), QStringLiteral("b")});
+    for (const char* answer : {"\n", endOfInput}) {
+        Terminal terminal;
+        QuenzoProcess process(QuenzoProcess::words("install") << m_apk);
+        start(process, terminal);
+        QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("Number of the device:"), timeLimitMs);
+        terminal.type(answer);
+        QCOMPARE(process.end().code, 1);
+        QVERIFY2(terminal.shown().contains("no device was chosen"), terminal.shown().constData());
+    }
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
+}
+
+void tst_DeviceQuestions::installIsConfirmedOnATerminal()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    Terminal terminal;
+    QuenzoProcess process(QuenzoProcess::words("install") << m_apk);
+    start(process, terminal);
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
+    QVERIFY2(terminal.shown().contains("org.example.game and its data are removed from a"),
+             terminal.shown().constData());
+    terminal.type("Y\n");
+    QCOMPARE(process.end().code, 0);
+    QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <install><-r><%1>").arg(m_apk));
+}
+
+void tst_DeviceQuestions::refusedConfirmationChangesNothing()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    for (const char* answer : {"n\n", "\n", endOfInput}) {
+        Terminal terminal;
+        QuenzoProcess process(QuenzoProcess::words("install") << m_apk);
+        start(process, terminal);
+        QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
+        terminal.type(answer);
+        QCOMPARE(process.end().code, 1);
+        QVERIFY2(terminal.shown().contains("nothing was changed"), terminal.shown().constData());
+    }
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
+}
+
+void tst_DeviceQuestions::yesIsNotAsked()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    Terminal terminal;
+    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    start(process, terminal);
+    QCOMPARE(process.end().code, 0);
+    QVERIFY2(!terminal.shown().contains("[y/N]"), terminal.shown().constData());
+}
+
+void tst_DeviceQuestions::progressIsShownOnATerminal()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
+    Terminal terminal;
+    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    start(process, terminal);
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("\\ installing on a"), timeLimitMs);
+    ScriptedTools::openGate();
+    const Ended ended = process.end();
+    QCOMPARE(ended.code, 0);
+    QVERIFY2(terminal.shown().endsWith("\r\033[K"), terminal.shown().constData());
+    QCOMPARE(ended.output, QByteArray("Installation is complete!\n"));
+}
+
+void tst_DeviceQuestions::uninstallIsConfirmedOnATerminal()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    for (const char* answer : {"n\n", "y\n"}) {
+        Terminal terminal;
+        QuenzoProcess process(QuenzoProcess::words("uninstall") << m_apk);
+        start(process, terminal);
+        QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("[y/N]"), timeLimitMs);
+        QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<uninstall>")), QStringList());
+        terminal.type(answer);
+        QCOMPARE(process.end().code, *answer == 'y' ? 0 : 1);
+    }
+    QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<uninstall>")).size(), 1);
+}
+
+void tst_DeviceQuestions::progressKeepsToOneLine()
+{
+    // Each of these letters takes two columns.
+    const QString serial = QString(15, QChar(0x624b)) + QStringLiteral("-phone");
+    ScriptedTools::attach({serial});
+    ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
+    Terminal terminal;
+    terminal.setColumns(30);
+    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    start(process, terminal);
+    // The last column stays free: 16 for the words before leave 13.
+    const QByteArray line = "/ installing on " + QString(6, QChar(0x624b)).toUtf8() + "\r\033[K";
+    QTRY_VERIFY2_WITH_TIMEOUT(terminal.shown().contains(line), terminal.shown().constData(), timeLimitMs);
+    ScriptedTools::openGate();
+    QCOMPARE(process.end().code, 0);
+}
+
+void tst_DeviceQuestions::dumbTerminalsGetNoControlCharacters()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
+    Terminal terminal;
+    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    process.setVariable("TERM", QStringLiteral("dumb"));
+    start(process, terminal);
+    ScriptedTools::openGate();
+    QCOMPARE(process.end().code, 0);
+    QCOMPARE(terminal.shown(), QByteArray());
+}
+
+QTEST_GUILESS_MAIN(tst_DeviceQuestions)
+#include "tst_devicequestions.moc"
