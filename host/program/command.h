@@ -3,8 +3,9 @@
 #define COMMAND_H
 
 #include <QCommandLineOption>
+#include <QHash>
 #include <QList>
-#include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <functional>
@@ -36,6 +37,8 @@ struct Command {
     std::function<ExitCode(const QCommandLineParser&, Console&)> run;
     /** What the summary leaves out; the command's own help adds it. */
     QString details = {};
+    /** The words that an option or an argument, by its name, takes, where there are no others. */
+    QHash<QString, QStringList> words = {};
 };
 
 QVector<Command> scriptCommands();

@@ -46,11 +46,12 @@ QString overview(const QVector<Command>& commands)
     QString text = Program::tr("Usage: quenzo COMMAND [options] [arguments]\n\nCommands:\n");
     for (const Command& command : commands)
         text += QStringLiteral("  %1  %2\n").arg(command.name, -width).arg(command.summary);
-    return text
-        + Program::tr(
-               "\nquenzo help COMMAND tells more; quenzo version prints the version. Words behind -- are no "
-               "options.\n"
-               "Exit codes: 0 done, 1 failed, 2 wrong words.");
+    text += Program::tr(
+        "\nquenzo help COMMAND tells more; quenzo version prints the version. Words behind -- are no "
+        "options.\nExit codes:");
+    for (const Explained& code : exitCodes())
+        text += QStringLiteral("\n  %1  %2").arg(code.name, -3).arg(code.meaning);
+    return text;
 }
 
 ExitCode usageError(const QString& text, const QString& command = {})

@@ -309,5 +309,7 @@ QVector<Command> iconCommands()
     };
     icons.run = makeIcons;
     icons.details = ChannelList::formatHelp();
+    icons.words = {{QStringLiteral("platform"), {QStringLiteral("android"), QStringLiteral("ios")}},
+                   {QStringLiteral("default-corner"), IconSet::cornerNames().mid(0, IconSet::Default)}};
     return {icons};
 }

@@ -194,7 +194,10 @@ Command dbCommand()
               "JSON shows reals without a fraction as whole numbers, bytes as Base64, and integers beyond "
               "2^53\n"
               "and infinite numbers (9e999) as text. Inserted again, the latter are numbers in columns of a\n"
-              "numeric type, and text in others.")};
+              "numeric type, and text in others."),
+        {{QStringLiteral("OPERATION"),
+          {QStringLiteral("insert"), QStringLiteral("update"), QStringLiteral("delete"),
+           QStringLiteral("select")}}}};
 }
 
 } // namespace
