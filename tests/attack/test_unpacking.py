@@ -5,17 +5,18 @@ import os
 import time
 import unittest
 
-from support import APK, FolderCase, Raw, raw_archive, read, tree, write
+from attack import Attack, IS_ROOT, NOBODY, ROUNDS, tell
+from support import APK, Raw, raw_archive, read, tree, write
 
 import encrypt
 import pytoolForQt
 
-NOBODY = 65534
 
+class Exchanges(Attack):
+    theme = "unpacking"
 
-class Exchanges(FolderCase):
     def setUp(self):
-        FolderCase.setUp(self)
+        Attack.setUp(self)
         self.src, self.base = self.path("in.zip"), self.path("base")
         self.out, self.victim = self.path("base", "out"), self.path("victim")
         raw_archive(self.src, [Raw("sub/%d" % number, "evil") for number in range(30)])
@@ -104,7 +105,7 @@ class AtTheWorstMoment(Exchanges):
 
 class WhileItRuns(Exchanges):
     """A second process exchanges a folder again and again."""
-    ROUNDS, TRIES = 10, 8
+    TRIES = 8
 
     def exchanging(self, folder, target):
         """Starts it, as another user where root can."""
@@ -115,7 +116,7 @@ class WhileItRuns(Exchanges):
             self.addCleanup(self._end, child)
             return
         try:
-            if os.geteuid() == 0:
+            if IS_ROOT:
                 os.setgid(NOBODY)
                 os.setuid(NOBODY)
             parent = os.getppid()
@@ -132,15 +133,15 @@ class WhileItRuns(Exchanges):
         os.waitpid(child, 0)
 
     def owned_by_somebody(self):
-        if os.geteuid() == 0:
+        if IS_ROOT:
             os.chmod(self.folder, 0o711)
             for folder, unused, unused in os.walk(self.base):
                 os.lchown(folder, NOBODY, NOBODY)
 
-    def count_hits(self):
-        """In how many rounds a file came to the victim."""
+    def count_hits(self, race):
+        """In how many rounds a file came to the victim, and how often unpacking succeeded."""
         hits, unpacked = 0, 0
-        for unused in range(self.ROUNDS):
+        for unused in range(ROUNDS):
             for unused in range(self.TRIES):
                 unpacked += self.unpack()
                 found = [name for name, content in tree(self.victim).items() if content is not None]
@@ -149,28 +150,29 @@ class WhileItRuns(Exchanges):
                     for name in found:
                         os.remove(os.path.join(self.victim, name))
                     break
+        tell(self.theme, race, ROUNDS, hits)
         return hits, unpacked
 
     def test_aFolderInTheTargetLeadsNowhereElse(self):
         self.owned_by_somebody()
         self.exchanging(os.path.join(self.out, "sub"), os.path.join(self.victim, "out", "sub"))
-        hits, unpacked = self.count_hits()
+        hits, unpacked = self.count_hits("folder in the target")
         self.assertEqual(0, hits)
         self.assertGreater(unpacked, 0)
 
-    @unittest.skipUnless(os.geteuid() == 0, "a folder of one's own leads where one's own links say")
+    @unittest.skipUnless(IS_ROOT, "a folder of one's own leads where one's own links say")
     def test_aFolderOfSomebodyElseAboveTheTargetLeadsNowhereElse(self):
         write(self.path("keep"), "x")
         self.owned_by_somebody()
         os.chown(self.path(), NOBODY, NOBODY)
         self.exchanging(self.base, self.victim)
-        hits, unpacked = self.count_hits()
+        hits, unpacked = self.count_hits("folder of somebody else above the target")
         self.assertEqual(0, hits)
         self.assertGreater(unpacked, 0)
 
 
 class Links(Exchanges):
-    @unittest.skipUnless(os.geteuid() == 0, "root alone has more rights than the link's owner")
+    @unittest.skipUnless(IS_ROOT, "root alone has more rights than the link's owner")
     def test_rootFollowsNoLinkThatOthersCanChange(self):
         for make in (lambda link: os.lchown(link, NOBODY, NOBODY), lambda link: os.chmod(self.folder, 0o777)):
             link = self.path("link")

@@ -6,11 +6,8 @@
 
 #include <QtTest>
 
-#include <atomic>
-#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 using TreeFiles::exists;
@@ -33,11 +30,6 @@ private Q_SLOTS:
     void removeAsksOnATerminal_data();
     void removeAsksOnATerminal();
     void removeNeedsYesWhereNobodyCanBeAsked();
-    void removeFollowsNoLinkThatComesMeanwhile();
-    void removeFollowsNoLinkThatAFolderBecomes();
-
-private:
-    Ended removeUnder(const std::function<void()>& attack) const;
 };
 
 void tst_HostRemoval::removeTakesEverythingButWhatLinksLeadTo()
@@ -185,60 +177,6 @@ void tst_HostRemoval::removeNeedsYesWhereNobodyCanBeAsked()
                        "asked\n")
             .arg(folder()));
     QVERIFY(exists(m_root + "/source/file"));
-}
-
-// Somebody else works in the tree until the program has ended.
-Ended tst_HostRemoval::removeUnder(const std::function<void()>& attack) const
-{
-    constexpr int files = 1500;
-    write(m_root + "/elsewhere/file", "kept");
-    write(m_root + "/elsewhere/folder/file", "kept");
-    for (int i = 0; i < files; ++i)
-        write(m_root + "/source/" + QByteArray::number(i % 30) + "/file" + QByteArray::number(i), "");
-    std::atomic<bool> ended{false};
-    std::thread other([&] {
-        while (!ended)
-            attack();
-    });
-    const Ended outcome = run("remove --yes source");
-    ended = true;
-    other.join();
-    return outcome;
-}
-
-void tst_HostRemoval::removeFollowsNoLinkThatComesMeanwhile()
-{
-    const Ended outcome = removeUnder([this] {
-        for (int i = 0; i < 30; ++i) {
-            const QByteArray trap = m_root + "/source/" + QByteArray::number(i) + "/trap";
-            [[maybe_unused]] const int made = symlink("../../elsewhere", trap.constData());
-        }
-    });
-    QVERIFY2(outcome.code == 0 || outcome.code == 1, outcome.error.constData());
-    QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0644);
-    QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/folder/file"), 0644);
-    QCOMPARE(TreeFiles::read(m_root + "/elsewhere/folder/file"), QByteArray("kept"));
-}
-
-void tst_HostRemoval::removeFollowsNoLinkThatAFolderBecomes()
-{
-    TreeFiles::makeFolder(m_root + "/aside");
-    const Ended outcome = removeUnder([this] {
-        for (int i = 0; i < 30; ++i) {
-            const QByteArray folder = m_root + "/source/" + QByteArray::number(i);
-            const QByteArray aside = m_root + "/aside/" + QByteArray::number(i);
-            // Away, with a link in its place; and the next time back again.
-            if (rename(folder.constData(), aside.constData()) != 0) {
-                unlink(folder.constData());
-                rename(aside.constData(), folder.constData());
-            } else if (symlink("../elsewhere", folder.constData()) != 0) {
-                rename(aside.constData(), folder.constData());
-            }
-        }
-    });
-    QVERIFY2(outcome.code == 0 || outcome.code == 1, outcome.error.constData());
-    QCOMPARE(TreeFiles::mode(m_root + "/elsewhere/file"), 0644);
-    QCOMPARE(TreeFiles::read(m_root + "/elsewhere/folder/file"), QByteArray("kept"));
 }
 
 QTEST_GUILESS_MAIN(tst_HostRemoval)
