@@ -83,6 +83,14 @@ bool OutputCut::isAlias(const TreeFolder& source, const TreeFolder& target)
     return true;
 }
 
+// A folder of the source that is mounted as the target in another place would be moved into itself without
+// end.
+bool OutputCut::isOutputElsewhere(const TreeFolder& folder) const
+{
+    const TreeFolder& output = m_targets.outermost();
+    return folder.id() == output.id() && !output.path().startsWith(m_sources.outermost().path());
+}
+
 bool OutputCut::finish()
 {
     const bool flushed = m_transfer.settle();
@@ -129,6 +137,11 @@ OutputCut::Result OutputCut::cutSubfolder(TreeFolder& source, const TreeEntry& e
     if (!TreeTransfer::canEnter(source, entry.name, target.folder))
         return Failed;
     TreeFolder child = source.openChild(entry.name, TreeFolder::Listing);
+    if (!entry.isLink && isOutputElsewhere(child)) {
+        logFailedCopy(child.path(), target.folder.pathOf(entry.name),
+                      QStringLiteral("it leads into the target"));
+        return Failed;
+    }
     TransferTarget made = m_transfer.makeFolder(target, entry.name);
     if (!made.folder.isOpen() || TreeTransfer::leadsIntoSource(made, child, m_sources, m_targets))
         return Failed;

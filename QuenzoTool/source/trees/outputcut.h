@@ -61,6 +61,7 @@ private:
     Result cutFolder(TreeFolder& source, TransferTarget& target, const QStringList& nameFilters,
                      const QStringList* leftBehind);
     static bool isAlias(const TreeFolder& source, const TreeFolder& target);
+    bool isOutputElsewhere(const TreeFolder& folder) const;
     Result cutSubfolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);
     Result exceptFolder(TreeFolder& source, TransferTarget& target);
     Result exceptSubfolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);
