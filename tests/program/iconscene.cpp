@@ -75,7 +75,8 @@ QImage IconScene::markPicture(int corner) const
 
 QStringList IconScene::arguments(const QStringList& further, const QString& outDir)
 {
-    const bool hasPlatform = further.contains(QStringLiteral("--platform"));
+    const bool hasPlatform =
+        further.contains(QStringLiteral("--platform")) || further.contains(QStringLiteral("--layout"));
     return words("icons --icon game.png --marks marks --out") + QStringList{outDir}
     + (hasPlatform ? QStringList() : words("--platform android")) + further + words("channels.json");
 }

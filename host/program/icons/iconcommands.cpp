@@ -2,13 +2,12 @@
 #include "command.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
-#include "console/progress.h"
-#include "console/worker.h"
 #include "fileidentity.h"
 #include "icons/channellist.h"
 #include "icons/contactsheet.h"
 #include "icons/filetally.h"
 #include "icons/iconjob.h"
+#include "icons/iconproduction.h"
 #include "icons/iconset.h"
 
 #include <QCommandLineParser>
@@ -42,29 +41,74 @@ QString asFile(const QString& path)
     return path.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + path : path;
 }
 
+QString missingOptions(const QCommandLineParser& parser, IconLayout::Arrangement arrangement)
+{
+    QStringList required{QStringLiteral("icon"), QStringLiteral("marks"), QStringLiteral("out")};
+    if (arrangement == IconLayout::Plain)
+        required.append(QStringLiteral("platform"));
+    if (arrangement == IconLayout::AndroidAdaptive)
+        required.append(QStringLiteral("background"));
+    QStringList missing;
+    for (const QString& option : qAsConst(required)) {
+        if (parser.value(option).isEmpty())
+            missing.append(QStringLiteral("--") + option);
+    }
+    return missing.isEmpty() ? QString()
+                             : IconCommands::tr("icons: missing: %1").arg(missing.join(QLatin1Char(' ')));
+}
+
+// Reads what the layout's name implies, and refuses what does not go with it; empty when all is sound.
+QString readLayout(const QCommandLineParser& parser, IconJob& job)
+{
+    const QString word = parser.value(QStringLiteral("layout"));
+    const QStringList words = IconLayout::arrangementNames();
+    if (!words.contains(word))
+        return IconCommands::tr("--layout is one of %1, not '%2'")
+            .arg(words.join(QStringLiteral(", ")), word);
+    IconLayout& layout = job.layout;
+    layout.arrangement = static_cast<IconLayout::Arrangement>(words.indexOf(word));
+    QString fault = missingOptions(parser, layout.arrangement);
+    if (!fault.isEmpty())
+        return fault;
+
+    const bool isPlain = layout.arrangement == IconLayout::Plain;
+    const QString given = parser.value(QStringLiteral("platform"));
+    const QString platform = isPlain ? given : word.section(QLatin1Char('-'), 0, 0);
+    if (platform != QLatin1String("android") && platform != QLatin1String("ios"))
+        return IconCommands::tr("--platform is android or ios, not '%1'").arg(platform);
+    if (!given.isEmpty() && given != platform)
+        return IconCommands::tr("--layout %1 is for the platform %2").arg(word, platform);
+    layout.platform = platform == QLatin1String("android") ? IconSet::Android : IconSet::Ios;
+
+    const bool isNamed = parser.isSet(QStringLiteral("name"));
+    layout.name = isNamed ? parser.value(QStringLiteral("name")) : layout.usualName();
+    if (isNamed && isPlain)
+        return IconCommands::tr("--name belongs to the other layouts than plain");
+    if (!layout.takesName(layout.name))
+        return IconCommands::tr("no icon of a package can be named '%1'").arg(layout.name);
+    job.background = asFile(parser.value(QStringLiteral("background")));
+    if (!job.background.isEmpty() && layout.arrangement != IconLayout::AndroidAdaptive)
+        return IconCommands::tr("--background belongs to the layout android-adaptive");
+    if (!isPlain && parser.isSet(QStringLiteral("clear")))
+        return IconCommands::tr("--clear belongs to the layout plain; the others delete nothing");
+    return {};
+}
+
 // Reads the options; an empty text means they are complete and sound.
 QString readOptions(const QCommandLineParser& parser, IconJob& job)
 {
-    QStringList missing;
-    for (const char* required : {"icon", "marks", "out", "platform"}) {
-        if (parser.value(QLatin1String(required)).isEmpty())
-            missing.append(QStringLiteral("--") + QLatin1String(required));
-    }
-    if (!missing.isEmpty())
-        return IconCommands::tr("icons: missing: %1").arg(missing.join(QLatin1Char(' ')));
-    const QString platform = parser.value(QStringLiteral("platform"));
-    if (platform != QLatin1String("android") && platform != QLatin1String("ios"))
-        return IconCommands::tr("--platform is android or ios, not '%1'").arg(platform);
-    job.platform = platform == QLatin1String("android") ? IconSet::Android : IconSet::Ios;
+    QString fault = readLayout(parser, job);
+    if (!fault.isEmpty())
+        return fault;
     job.icon = asFile(parser.value(QStringLiteral("icon")));
     job.marks = asFile(parser.value(QStringLiteral("marks")));
     job.out = parser.value(QStringLiteral("out"));
     job.list = asFile(parser.positionalArguments().at(1));
     job.sheet = asFile(parser.value(QStringLiteral("sheet")));
-    job.keep = parser.isSet(QStringLiteral("keep"));
+    job.keep = parser.isSet(QStringLiteral("keep")) || job.layout.arrangement != IconLayout::Plain;
     job.clear = parser.isSet(QStringLiteral("clear"));
     job.ignoreMissing = parser.isSet(QStringLiteral("ignore-missing"));
-    if (job.keep && job.clear)
+    if (parser.isSet(QStringLiteral("keep")) && job.clear)
         return IconCommands::tr("--keep and --clear exclude each other");
 
     job.defaultCorner = ChannelList::cornerOf(parser.value(QStringLiteral("default-corner")));
@@ -107,6 +151,9 @@ QStringList faultsOfPictures(const IconJob& job)
     const QString fault = faultOfIcon(job.icon);
     if (!fault.isEmpty())
         faults.append(IconCommands::tr("the icon '%1' cannot be read: %2").arg(job.icon, fault));
+    const QString second = job.background.isEmpty() ? QString() : faultOfIcon(job.background);
+    if (!second.isEmpty())
+        faults.append(IconCommands::tr("the background '%1' cannot be read: %2").arg(job.background, second));
     if (!QFileInfo(job.marks).isDir())
         faults.append(IconCommands::tr("the marks' folder '%1' does not exist").arg(job.marks));
     return faults;
@@ -152,28 +199,11 @@ private:
     QStringList m_texts;
 };
 
-// False when nothing was done.
-bool produce(const IconJob& job, FileTally& tally, Console& console)
-{
-    QList<ST_CHANNEL_ICON> icons;
-    for (const ListedChannel& channel : job.channels)
-        icons.append(channel.icon);
-    ThreadGenerateIcon thread;
-    // Every channel has a corner and a position of its own by now.
-    thread.setGameInfo(job.icon, job.defaultCorner, 0, 0, job.platform);
-    thread.setInfo(job.marks, icons);
-    thread.setOutputDir(job.out + QLatin1Char('/'));
-    thread.setClearDirFirst(!job.keep);
-    return runWorker(thread, console, [&tally] {
-        return Progress{IconCommands::tr("drawing"), Progress::Files, tally.seen(), tally.expected()};
-    });
-}
-
 // Says what of each channel was not written, after what the library knows of it.
-void reportMissing(const IconJob& job, const QStringList& missing, Console& console)
+void reportMissing(const IconJob& job, const QStringList& missing, const QStringList& causes,
+                   Console& console)
 {
     constexpr int mostCauses = 10;
-    const QStringList causes = Diagnostics::takeAll();
     console.set(QStringLiteral("missing"), QJsonArray::fromStringList(missing));
     if (missing.isEmpty())
         return;
@@ -195,13 +225,13 @@ void reportMissing(const IconJob& job, const QStringList& missing, Console& cons
 
 bool writeSheet(const IconJob& job, Console& console)
 {
-    constexpr int shownSide = 144; // which both platforms have
-    const QString shown = QLatin1Char('/') + IconSet::fileName(job.platform, shownSide);
     QVector<SheetEntry> entries;
-    for (const ListedChannel& channel : job.channels)
-        entries.append({channel.name, job.folderOf(channel) + shown});
+    for (const ListedChannel& channel : job.channels) {
+        const QString shown = job.layout.shownFile(channel.icon.strChannelDir);
+        entries.append({channel.name, job.out + QLatin1Char('/') + shown});
+    }
     const QString platform =
-        job.platform == IconSet::Android ? QStringLiteral("Android") : QStringLiteral("iOS");
+        job.layout.platform == IconSet::Android ? QStringLiteral("Android") : QStringLiteral("iOS");
     const QString title = IconCommands::tr("%1, channels: %2").arg(platform).arg(entries.size());
     QSaveFile file(job.sheet);
     if (file.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&file, "PNG")
@@ -228,11 +258,12 @@ QStringList warningsAfter(const IconJob& job)
 }
 
 // False when a file is missing.
-bool reportFiles(const IconJob& job, const FileTally& tally, const QElapsedTimer& time, Console& console)
+bool reportFiles(const IconJob& job, const FileTally& tally, const QStringList& causes,
+                 const QElapsedTimer& time, Console& console)
 {
     const QStringList missing = tally.missing();
     const int written = tally.expected() - missing.size();
-    reportMissing(job, missing, console);
+    reportMissing(job, missing, Diagnostics::takeAll() + causes, console);
     console.set(QStringLiteral("channels"), job.channels.size());
     console.set(QStringLiteral("expected"), tally.expected());
     console.set(QStringLiteral("written"), written);
@@ -265,9 +296,10 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
     QElapsedTimer time;
     time.start();
     FileTally tally(job.files());
-    if (!produce(job, tally, console))
+    QStringList causes;
+    if (!produceIcons(job, tally, causes, console))
         return ExitFailed;
-    const bool complete = reportFiles(job, tally, time, console);
+    const bool complete = reportFiles(job, tally, causes, time, console);
     warnings.add(warningsAfter(job));
     const bool sheetDone = job.sheet.isEmpty() || writeSheet(job, console);
     return complete && sheetDone ? ExitDone : ExitFailed;
@@ -292,9 +324,17 @@ QVector<Command> iconCommands()
         option("icon", C::tr("The game's icon, in any usual format."), "FILE"),
         option("marks", C::tr("The folder that holds a folder a mark."), "DIR"),
         option("out",
-               C::tr("The output folder. It is deleted first, and must be empty or of an earlier run."),
+               C::tr("The output folder. With the layout plain it is deleted first, and must be empty or of "
+                     "an earlier run; the others only add to it."),
                "DIR"),
-        option("platform", C::tr("The set of sizes: android or ios."), "NAME"),
+        option("platform", C::tr("The set of sizes: android or ios. Other layouts than plain name it."),
+               "NAME"),
+        option("layout",
+               C::tr("How they are arranged: %1 (plain).")
+                   .arg(IconLayout::arrangementNames().join(QStringLiteral(", "))),
+               "NAME", "plain"),
+        option("name", C::tr("The icon's name in the package (ic_launcher, AppIcon)."), "TEXT"),
+        option("background", C::tr("The picture behind the icon, for android-adaptive."), "FILE"),
         option("default-corner", C::tr("The corner of channels with the corner \"default\" (right-bottom)."),
                "CORNER", "right-bottom"),
         option("default-x", C::tr("Where these channels' marks go, as \"x\" (flush in the corner)."), "N"),
@@ -310,6 +350,7 @@ QVector<Command> iconCommands()
     icons.run = makeIcons;
     icons.details = ChannelList::formatHelp();
     icons.words = {{QStringLiteral("platform"), {QStringLiteral("android"), QStringLiteral("ios")}},
+                   {QStringLiteral("layout"), IconLayout::arrangementNames()},
                    {QStringLiteral("default-corner"), IconSet::cornerNames().mid(0, IconSet::Default)}};
     return {icons};
 }

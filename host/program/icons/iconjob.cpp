@@ -13,6 +13,7 @@
 #include <QImageReader>
 #include <QSet>
 
+#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
@@ -45,11 +46,6 @@ QString markPath(const IconJob& job, const ST_CHANNEL_ICON& icon)
     return markPath(job, icon.strMarkName, icon.nCorner);
 }
 
-bool isMarked(const ListedChannel& channel)
-{
-    return channel.icon.strMarkName != QLatin1String("None");
-}
-
 struct Input {
     QString path;
     QString title;
@@ -59,6 +55,8 @@ struct Input {
 QVector<Input> inputsOf(const IconJob& job)
 {
     QVector<Input> inputs{{job.icon, Job::tr("the icon '%1'").arg(job.icon)}};
+    if (!job.background.isEmpty())
+        inputs.append({job.background, Job::tr("the background '%1'").arg(job.background)});
     if (job.list != QLatin1String("-"))
         inputs.append({job.list, Job::tr("the channel list '%1'").arg(job.list)});
     QStringList marks = QDir(job.marks).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -80,7 +78,7 @@ QString faultOfMarkFiles(const IconJob& job)
 {
     for (const ListedChannel& channel : job.channels) {
         const QFileInfo mark(markPath(job, channel.icon));
-        if (isMarked(channel) && mark.exists() && !mark.isFile())
+        if (IconJob::isMarked(channel) && mark.exists() && !mark.isFile())
             return Job::tr("the mark picture '%1' is not a regular file").arg(mark.filePath());
     }
     return {};
@@ -183,6 +181,41 @@ QString shown(const QSize& size)
     return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
 }
 
+// An entry of an app icon set names the size that its file must have.
+QString faultOfShape(const IconJob& job)
+{
+    const QSize size = sizeOf(job.icon);
+    if (job.layout.arrangement != IconLayout::IosAppIconSet || size.width() == size.height())
+        return {};
+    return Job::tr("the icon has %1 pixels, and an app icon set takes a square one").arg(shown(size));
+}
+
+bool hasTransparentParts(const QString& path)
+{
+    const QImage picture = QImageReader(path).read().convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < picture.height(); ++y) {
+        const QRgb* line = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+        if (std::any_of(line, line + picture.width(), [](QRgb pixel) { return qAlpha(pixel) < 255; }))
+            return true;
+    }
+    return false;
+}
+
+// What the store's large picture will not be as it should.
+QStringList doubtsOfStorePicture(const IconJob& job)
+{
+    if (job.layout.arrangement != IconLayout::IosAppIconSet)
+        return {};
+    QStringList texts;
+    const QSize size = sizeOf(job.icon);
+    if (size.width() < IconLayout::storeSide)
+        texts.append(Job::tr("the icon has %1 pixels, and is enlarged for the store's picture of %2")
+                         .arg(shown(size), shown(QSize(IconLayout::storeSide, IconLayout::storeSide))));
+    if (hasTransparentParts(job.icon))
+        texts.append(Job::tr("the icon has transparent parts, which become white in the store's picture"));
+    return texts;
+}
+
 // Why not all of a mark will be seen; empty when it will.
 QString faultOfPlace(const ST_CHANNEL_ICON& icon, const QSize& markSize, const QSize& iconSize)
 {
@@ -227,6 +260,11 @@ void IconJob::placeMarks()
     }
 }
 
+bool IconJob::isMarked(const ListedChannel& channel)
+{
+    return channel.icon.strMarkName != QLatin1String("None");
+}
+
 QString IconJob::folderOf(const ListedChannel& channel) const
 {
     return out + QLatin1Char('/') + channel.icon.strChannelDir;
@@ -235,10 +273,9 @@ QString IconJob::folderOf(const ListedChannel& channel) const
 QStringList IconJob::files() const
 {
     QStringList paths;
-    const QStringList names = IconSet::fileNames(platform);
     for (const ListedChannel& channel : channels) {
-        for (const QString& name : names)
-            paths.append(folderOf(channel) + QLatin1Char('/') + name);
+        for (const LayoutFile& file : layout.filesOf(channel.icon.strChannelDir))
+            paths.append(out + QLatin1Char('/') + file.path);
     }
     paths.removeDuplicates();
     return paths;
@@ -249,8 +286,8 @@ QString IconJob::danger() const
     const QFileInfo root(out);
     if (root.exists() && !root.isDir())
         return Job::tr("the output folder '%1' is not a folder").arg(out);
-    for (const auto& faultOf :
-         {faultOfMarkFiles, faultOfIcons, faultOfSheet, faultOfClearing, faultOfForeignFolder}) {
+    for (const auto& faultOf : {faultOfShape, faultOfMarkFiles, faultOfIcons, faultOfSheet, faultOfClearing,
+                                faultOfForeignFolder}) {
         QString fault = faultOf(*this);
         if (!fault.isEmpty())
             return fault;
@@ -296,7 +333,7 @@ QStringList IconJob::missingMarks() const
 
 QStringList IconJob::warnings() const
 {
-    QStringList texts;
+    QStringList texts = doubtsOfStorePicture(*this);
     QSet<QString> folders;
     const QSize iconSize = sizeOf(icon);
     for (const ListedChannel& channel : channels) {

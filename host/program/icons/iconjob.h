@@ -3,7 +3,7 @@
 #define ICONJOB_H
 
 #include "icons/channellist.h"
-#include "icons/iconset.h"
+#include "icons/iconlayout.h"
 
 #include <QString>
 #include <QStringList>
@@ -14,15 +14,16 @@
 /** What the command line and the channel list ask for. */
 struct IconJob {
     QString icon;
+    QString background; ///< the second picture; empty for layouts without one
     QString marks;
     QString out; ///< absolute, without links and a separator at the end
     QString list; ///< "-" for the standard input
     QString sheet; ///< empty when none is wanted
-    int platform = IconSet::Android;
+    IconLayout layout;
     int defaultCorner = IconSet::RightBottom;
     std::optional<int> defaultX; ///< flush in the corner when not given
     std::optional<int> defaultY;
-    bool keep = false;
+    bool keep = false; ///< delete nothing
     bool clear = false; ///< also a folder that no earlier run has made
     bool ignoreMissing = false; ///< marks that cannot be read leave their icons unmarked
     QVector<ListedChannel> channels;
@@ -33,6 +34,7 @@ struct IconJob {
     /** The path of every file, each once: channels may share a folder. */
     QStringList files() const;
 
+    static bool isMarked(const ListedChannel& channel);
     QString folderOf(const ListedChannel& channel) const;
 
     /** Why the job must not be run, since it would destroy what it must not; empty when it may. */

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "icons/iconset.h"
 
-#include <QVector>
-
 QStringList IconSet::cornerNames()
 {
     return {QStringLiteral("left-top"), QStringLiteral("left-bottom"), QStringLiteral("right-top"),
@@ -30,14 +28,23 @@ QString IconSet::fileName(int platform, int side)
                                : QStringLiteral("Icon-%1.png").arg(side);
 }
 
+QString IconSet::wholeFile()
+{
+    return QStringLiteral("icon512x512.png");
+}
+
+QVector<int> IconSet::sides(int platform)
+{
+    if (platform == Android)
+        return {36, 48, 72, 96, 144, 192};
+    return {29, 40, 50, 57, 58, 72, 76, 80, 87, 100, 114, 120, 144, 152, 180};
+}
+
 QStringList IconSet::fileNames(int platform)
 {
-    const QVector<int> sides = platform == Android
-        ? QVector<int>{36, 48, 72, 96, 144, 192}
-        : QVector<int>{29, 40, 50, 57, 58, 72, 76, 80, 87, 100, 114, 120, 144, 152, 180};
     QStringList names;
-    for (const int side : sides)
+    for (const int side : sides(platform))
         names.append(fileName(platform, side));
-    names.append(QStringLiteral("icon512x512.png"));
+    names.append(wholeFile());
     return names;
 }

@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 /** The names that the library's icons and marks have: sizes, corners, files. */
 namespace IconSet {
@@ -20,11 +21,17 @@ bool isBottom(int corner);
 /** The file of a mark's picture for a corner, in the mark's folder. */
 QString cornerFile(int corner);
 
-/** The names of the files that each channel gets. */
+/** The sizes that the library writes, in pixels. */
+QVector<int> sides(int platform);
+
+/** The names of the files that the library writes for each channel. */
 QStringList fileNames(int platform);
 
 /** The name of the file of one size, in pixels. */
 QString fileName(int platform, int side);
+
+/** That of the marked icon in its own size. */
+QString wholeFile();
 
 } // namespace IconSet
 
