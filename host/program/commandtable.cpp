@@ -21,8 +21,17 @@ QVector<Command> allCommands()
 
 QList<QCommandLineOption> commonOptions()
 {
-    return {{{QStringLiteral("h"), QStringLiteral("help")}, Table::tr("Shows this help.")},
-            {QStringLiteral("json"), Table::tr("Prints one JSON object as the result.")}};
+    return {
+        {{QStringLiteral("h"), QStringLiteral("help")}, Table::tr("Shows this help.")},
+        {QStringLiteral("json"), Table::tr("Prints one JSON object as the result.")},
+        {QStringLiteral("progress"),
+         Table::tr("How the state of work is shown: terminal (a line, where there is one) or json (objects, "
+                   "line by line on the standard error)."),
+         QStringLiteral("FORM"), QStringLiteral("terminal")},
+        {{QStringLiteral("q"), QStringLiteral("quiet")},
+         Table::tr("Shows no progress, no warnings and no word of success.")},
+        {{QStringLiteral("v"), QStringLiteral("verbose")},
+         Table::tr("Tells the steps, and all of the causes.")}};
 }
 
 QString syntaxOf(const Argument& argument)

@@ -232,13 +232,16 @@ void tst_DBCommands::selectPrintsOneJsonObject()
     ask(QStringLiteral("INSERT INTO channel(id) VALUES(1), (2)"));
     const QJsonObject object = db(words("select channel --json")).json();
     QCOMPARE(object.value(QLatin1String("ok")).toBool(), true);
-    QCOMPARE(object.value(QLatin1String("rows")).toArray().size(), 2);
+    QCOMPARE(object.value(QLatin1String("result")).toObject().value(QLatin1String("rows")).toArray().size(),
+             2);
     const Ended failed = db(words("select missing --json"));
     QCOMPARE(failed.code, 1);
     const QJsonObject report = failed.json();
     QCOMPARE(report.value(QLatin1String("ok")).toBool(true), false);
-    QVERIFY(
-        report.value(QLatin1String("error")).toString().contains(QLatin1String("no such table: missing")));
+    QVERIFY(failed.failure()
+                .value(QLatin1String("message"))
+                .toString()
+                .contains(QLatin1String("no such table: missing")));
 }
 
 void tst_DBCommands::encodedRecordsAreReadWithDecode()

@@ -60,7 +60,7 @@ void tst_DeviceCommands::devicesArePrinted()
 
     run = quenzo({QStringLiteral("devices"), QStringLiteral("--json")});
     QCOMPARE(run.code, 0);
-    QCOMPARE(run.json().value(QStringLiteral("devices")).toVariant().toStringList(),
+    QCOMPARE(run.result().value(QStringLiteral("devices")).toVariant().toStringList(),
              QStringList({QStringLiteral("b c"), QStringLiteral("10.0.0.1:5555")}));
     QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(), true);
 }
@@ -103,7 +103,8 @@ void tst_DeviceCommands::brokenToolIsSaidPlainly()
     QVERIFY2(run.error.trimmed().endsWith("does not work: the program was not found on the PATH"),
              run.error.constData());
     QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(true), false);
-    QVERIFY(run.json().value(QStringLiteral("error")).toString().contains(QStringLiteral("/tool/mac/adb")));
+    QVERIFY(
+        run.failure().value(QStringLiteral("message")).toString().contains(QStringLiteral("/tool/mac/adb")));
 }
 
 void tst_DeviceCommands::packageNameIsPrinted()
@@ -113,7 +114,7 @@ void tst_DeviceCommands::packageNameIsPrinted()
     QCOMPARE(run.output, QByteArray("org.example.game\n"));
     QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("aapt <d><badging><%1>").arg(m_apk));
     run = quenzo({QStringLiteral("package-name"), m_apk, QStringLiteral("--json")});
-    QCOMPARE(run.json().value(QStringLiteral("package")).toString(), QStringLiteral("org.example.game"));
+    QCOMPARE(run.result().value(QStringLiteral("package")).toString(), QStringLiteral("org.example.game"));
 }
 
 void tst_DeviceCommands::unusableApkIsRefused_data()
@@ -177,7 +178,7 @@ void tst_DeviceCommands::failingAdbIsNoEmptyList()
     for (const Ended& run :
          {quenzo({QStringLiteral("devices")}), confirmed({QStringLiteral("install"), m_apk})}) {
         QCOMPARE(run.code, 1);
-        QVERIFY2(run.error.startsWith("quenzo: the devices cannot be listed: "), run.error.constData());
+        QVERIFY2(run.error.startsWith("quenzo: the devices cannot be listed\n"), run.error.constData());
         QVERIFY2(run.error.endsWith(cause + '\n'), run.error.constData());
     }
     const QJsonObject json = quenzo({QStringLiteral("devices"), QStringLiteral("--json")}).json();
@@ -208,8 +209,8 @@ void tst_DeviceCommands::installReportsItsSuccess()
 
     run = confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
     QCOMPARE(run.code, 0);
-    const QJsonObject json = run.json();
-    QCOMPARE(json.value(QStringLiteral("ok")).toBool(), true);
+    const QJsonObject json = run.result();
+    QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(), true);
     QCOMPARE(json.value(QStringLiteral("package")).toString(), QStringLiteral("org.example.game"));
     QCOMPARE(json.value(QStringLiteral("device")).toString(), QStringLiteral("a"));
 }
@@ -244,8 +245,8 @@ void tst_DeviceCommands::refusalIsExplained()
     const Ended run = confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--json")});
     QCOMPARE(run.code, 1);
     QCOMPARE(run.error, QStringLiteral("quenzo: %1\n").arg(text).toUtf8());
-    QCOMPARE(run.json().value(QStringLiteral("error")).toString(), text);
-    QCOMPARE(run.json().value(QStringLiteral("errorKey")).toString(), QString::fromUtf8(key));
+    QCOMPARE(run.failure().value(QStringLiteral("message")).toString(), text);
+    QCOMPARE(run.result().value(QStringLiteral("errorKey")).toString(), QString::fromUtf8(key));
     QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(true), false);
 }
 
@@ -274,7 +275,7 @@ void tst_DeviceCommands::severalDevicesInAPipeAreListed()
         QCOMPARE(run.code, 1);
         QCOMPARE(
             run.error,
-            QByteArray("quenzo: several devices are ready: choose one by --device.\n  1  a\n  2  b c\n"));
+            QByteArray("quenzo: several devices are ready (choose one by --device)\n  1  a\n  2  b c\n"));
     }
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
 }
@@ -332,7 +333,7 @@ void tst_DeviceCommands::otherDeviceThanTheOnlyOneIsRefused()
     QCOMPARE(run.error, QByteArray("quenzo: the device b is not ready. Ready:\n  1  a\n"));
     ScriptedTools::attach({});
     QCOMPARE(confirmed({QStringLiteral("install"), m_apk}).error,
-             QByteArray("quenzo: no device is ready: connect one, unlock it and allow debugging\n"));
+             QByteArray("quenzo: no device is ready (connect one, unlock it and allow debugging)\n"));
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
 }
 

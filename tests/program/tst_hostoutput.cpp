@@ -157,7 +157,7 @@ void tst_HostOutput::plainUsersOutputIsWhole()
     const Ended outcome = runPlainly("output source source/out --leave Log --json");
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.code, 0);
-    QCOMPARE(outcome.json().value(QStringLiteral("files")), QJsonValue(2 * count));
+    QCOMPARE(outcome.result().value(QStringLiteral("files")), QJsonValue(2 * count));
     QCOMPARE(TreeFiles::mode(m_root + "/source/out"), 0755);
     QDir source(path(QStringLiteral("source")));
     QCOMPARE(source.entryList(QDir::AllEntries | QDir::NoDotAndDotDot),

@@ -107,8 +107,8 @@ void tst_HostRemoval::removeGoesOnBehindWhatStays()
     chmod(closed.constData(), 0555);
     const Ended outcome = runPlainly("remove --yes source --json");
     QCOMPARE(outcome.code, 1);
-    QCOMPARE(outcome.json().value(QStringLiteral("files")), QJsonValue(2));
-    QCOMPARE(outcome.json().value(QStringLiteral("error")).toString(),
+    QCOMPARE(outcome.result().value(QStringLiteral("files")), QJsonValue(2));
+    QCOMPARE(outcome.failure().value(QStringLiteral("message")).toString(),
              QStringLiteral("'%1/source/b/file' could not be removed: Permission denied").arg(folder()));
     QCOMPARE(TreeFiles::content(m_root + "/source").keys(), (QList<QByteArray>{"b", "b/file"}));
     chmod(closed.constData(), 0755);
@@ -132,7 +132,7 @@ void tst_HostRemoval::removeReachesAnyDepth()
     close(handle);
     const Ended outcome = run("remove --yes source --json");
     QCOMPARE(outcome.error, QByteArray());
-    QCOMPARE(outcome.json().value(QStringLiteral("files")), QJsonValue(1));
+    QCOMPARE(outcome.result().value(QStringLiteral("files")), QJsonValue(1));
     QVERIFY(!exists(m_root + "/source"));
 }
 

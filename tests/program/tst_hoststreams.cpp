@@ -142,7 +142,7 @@ void tst_HostStreams::wordsThatAreNoTextAreRefused()
     process.setProgram(QStringLiteral("/bin/sh"));
     const Ended ended = process.end();
     QCOMPARE(ended.output, QByteArray());
-    QVERIFY2(ended.error.contains("is not UTF-8 text\n"), ended.error.constData());
+    QVERIFY2(ended.error.contains("is not UTF-8 text (see quenzo --help)\n"), ended.error.constData());
     QCOMPARE(ended.code, 2);
 }
 
@@ -168,7 +168,7 @@ void tst_HostStreams::resultsSteerNoTerminal()
     const QStringList decode{QStringLiteral("decode"), QString::fromUtf8(scrambled)};
     QCOMPARE(QuenzoProcess(decode).end().output, text.toUtf8() + '\n');
     const Ended json = QuenzoProcess(decode + words("--json")).end();
-    QCOMPARE(json.json().value(QStringLiteral("text")).toString(), text);
+    QCOMPARE(json.result().value(QStringLiteral("text")).toString(), text);
     QVERIFY(!QString::fromUtf8(json.output).contains(QChar(0x9b)));
 
     Terminal terminal;

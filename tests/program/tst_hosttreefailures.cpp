@@ -81,7 +81,7 @@ void tst_HostTreeFailures::uselessCallsAreExplained()
     QCOMPARE(outcome.code, 1);
     QVERIFY2(outcome.error.startsWith("quenzo: "), outcome.error.constData());
     QVERIFY2(outcome.error.contains(reason), outcome.error.constData());
-    QVERIFY(outcome.json().value(QStringLiteral("error")).toString().toUtf8().contains(reason));
+    QVERIFY(outcome.failure().value(QStringLiteral("message")).toString().toUtf8().contains(reason));
     QCOMPARE(outcome.json().value(QStringLiteral("ok")), QJsonValue(false));
     QCOMPARE(TreeFiles::content(m_root), before);
 }

@@ -55,8 +55,8 @@ void tst_HostTrees::copyReportsFilesAndBytes()
     const Ended json = run("copy --json source second");
     QCOMPARE(json.code, 0);
     QCOMPARE(json.json().value(QStringLiteral("ok")), QJsonValue(true));
-    QCOMPARE(json.json().value(QStringLiteral("files")), QJsonValue(2));
-    QCOMPARE(json.json().value(QStringLiteral("bytes")), QJsonValue(8));
+    QCOMPARE(json.result().value(QStringLiteral("files")), QJsonValue(2));
+    QCOMPARE(json.result().value(QStringLiteral("bytes")), QJsonValue(8));
 }
 
 void tst_HostTrees::cutEmptiesTheSource()
@@ -87,9 +87,10 @@ void tst_HostTrees::filesThatCannotBeMovedAwayAreNotMoved()
     const Ended ended = runPlainly(qPrintable(call));
     chmod(source.constData(), 0755);
     QCOMPARE(ended.code, 1);
-    QCOMPARE(ended.json().value(QStringLiteral("files")), QJsonValue(1));
-    const QStringList lines = ended.json().value(QStringLiteral("error")).toString().split(QLatin1Char('\n'));
-    QCOMPARE(lines.first(),
+    QCOMPARE(ended.result().value(QStringLiteral("files")), QJsonValue(1));
+    const QStringList lines =
+        ended.failure().value(QStringLiteral("cause")).toString().split(QLatin1Char('\n'));
+    QCOMPARE(ended.failure().value(QStringLiteral("message")).toString(),
              QStringLiteral("everything was copied to '%1/target', but files are still in '%1/source': 1")
                  .arg(folder()));
     QVERIFY2(lines.contains(
@@ -121,11 +122,11 @@ void tst_HostTrees::countsFollowLinksAsTheLibraryDoes()
     write(m_root + "/source/three", "333");
     TreeFiles::makeLink("../elsewhere", m_root + "/source/link");
     const Ended copied = run("copy --json source target");
-    QCOMPARE(copied.json().value(QStringLiteral("files")), QJsonValue(3));
-    QCOMPARE(copied.json().value(QStringLiteral("bytes")), QJsonValue(6));
+    QCOMPARE(copied.result().value(QStringLiteral("files")), QJsonValue(3));
+    QCOMPARE(copied.result().value(QStringLiteral("bytes")), QJsonValue(6));
     const Ended moved = run("cut --json source second");
-    QCOMPARE(moved.json().value(QStringLiteral("files")), QJsonValue(3));
-    QCOMPARE(moved.json().value(QStringLiteral("bytes")), QJsonValue(6));
+    QCOMPARE(moved.result().value(QStringLiteral("files")), QJsonValue(3));
+    QCOMPARE(moved.result().value(QStringLiteral("bytes")), QJsonValue(6));
 }
 
 void tst_HostTrees::movedFilesCountOnce_data()
@@ -146,8 +147,8 @@ void tst_HostTrees::movedFilesCountOnce()
     TreeFiles::makeLink("../elsewhere", m_root + "/source/link");
     TreeFiles::makeLink("../elsewhere", m_root + "/source/same");
     const Ended moved = run(qPrintable(call + QStringLiteral(" --json")));
-    QCOMPARE(moved.json().value(QStringLiteral("files")), QJsonValue(3));
-    QCOMPARE(moved.json().value(QStringLiteral("bytes")), QJsonValue(6));
+    QCOMPARE(moved.result().value(QStringLiteral("files")), QJsonValue(3));
+    QCOMPARE(moved.result().value(QStringLiteral("bytes")), QJsonValue(6));
     if (!call.endsWith(QLatin1String("--dry-run"))) {
         const auto arrived = TreeFiles::content(m_root + "/target").values();
         QCOMPARE(arrived.size() - arrived.count("folder"), 3);
@@ -159,7 +160,7 @@ void tst_HostTrees::countsHoldNamesThatAreNoText()
     write(m_root + "/source/a\xff", "1");
     write(m_root + "/source/b\xfe/c", "22");
     const auto count = [this](const char* call) {
-        const QJsonObject json = run(call).json();
+        const QJsonObject json = run(call).result();
         return QPair<int, int>(json.value(QStringLiteral("files")).toInt(),
                                json.value(QStringLiteral("bytes")).toInt());
     };
@@ -203,7 +204,7 @@ void tst_HostTrees::plansAreToldAndNotDone()
     QCOMPARE(text.error, QByteArray());
     QCOMPARE(text.code, 0);
 
-    const QJsonObject json = run(qPrintable(call + QStringLiteral(" --dry-run --json"))).json();
+    const QJsonObject json = run(qPrintable(call + QStringLiteral(" --dry-run --json"))).result();
     QCOMPARE(json.value(QStringLiteral("dryRun")), QJsonValue(true));
     QCOMPARE(json.value(QStringLiteral("files")), QJsonValue(1));
     const QJsonObject entry = json.value(QStringLiteral("entries")).toArray().at(0).toObject();
@@ -295,7 +296,7 @@ void tst_HostTrees::controlCharactersAreShownEscaped()
     QCOMPARE(failed.code, 1);
     QVERIFY2(failed.error.contains(shown + '\''), failed.error.constData());
     QCOMPARE(failed.error.count('\n'), 1);
-    QCOMPARE(failed.json().value(QStringLiteral("source")).toString(), folder() + QLatin1Char('/') + name);
+    QCOMPARE(failed.result().value(QStringLiteral("source")).toString(), folder() + QLatin1Char('/') + name);
 
     write(m_root + "/source/file");
     const Ended done = run({QStringLiteral("copy"), QStringLiteral("source"), name});

@@ -17,6 +17,16 @@ QJsonObject Ended::json() const
     return QJsonDocument::fromJson(output).object();
 }
 
+QJsonObject Ended::result() const
+{
+    return json().value(QStringLiteral("result")).toObject();
+}
+
+QJsonObject Ended::failure() const
+{
+    return json().value(QStringLiteral("error")).toObject();
+}
+
 QuenzoProcess::QuenzoProcess(const QStringList& arguments, const QString& folder)
 {
     setProgram(QStringLiteral(QUENZO_PROGRAM));

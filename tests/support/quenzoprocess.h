@@ -17,6 +17,10 @@ struct Ended {
 
     /** The object that --json prints; empty when the output is none. */
     QJsonObject json() const;
+
+    /** What of that object tells what was done, and what kept the command from its end. */
+    QJsonObject result() const;
+    QJsonObject failure() const;
 };
 
 /**

@@ -8,14 +8,11 @@
 #include <QJsonDocument>
 
 #include <algorithm>
-#include <cstdio>
 #include <cwchar>
 #include <iostream>
 #include <string>
 #include <sys/ioctl.h>
 #include <unistd.h>
-
-using StandardStreams::write;
 
 namespace {
 
@@ -79,22 +76,6 @@ QString inOneLine(const QString& text, int columns)
     return line;
 }
 
-// Inside its strings JSON can name every character by its number, and outside of them there are no controls.
-QString jsonLine(const QJsonObject& values)
-{
-    QString line;
-    QString text = QString::fromUtf8(QJsonDocument(values).toJson(QJsonDocument::Compact));
-    if (std::none_of(text.cbegin(), text.cend(), isControl))
-        return text;
-    for (const QChar letter : qAsConst(text)) {
-        if (isControl(letter))
-            line += QStringLiteral("\\u%1").arg(letter.unicode(), 4, 16, QLatin1Char('0'));
-        else
-            line += letter;
-    }
-    return line;
-}
-
 } // namespace
 
 QString Console::shown(const QString& text)
@@ -109,12 +90,15 @@ bool Console::isInteractive()
 
 bool Console::showsProgress() const
 {
-    return isatty(STDERR_FILENO) != 0 && qgetenv("TERM") != "dumb";
+    if (m_style.progress == ConsoleStyle::JsonLines)
+        return true;
+    // Steps would come in between.
+    return isatty(STDERR_FILENO) != 0 && qgetenv("TERM") != "dumb" && !m_style.quiet && !m_style.verbose;
 }
 
 bool Console::outputIsTerminal()
 {
-    return isatty(STDOUT_FILENO) != 0;
+    return StandardStreams::outputIsTerminal();
 }
 
 void Console::print(const QString& line)
@@ -124,42 +108,65 @@ void Console::print(const QString& line)
 
 void Console::printText(const QString& text)
 {
-    if (m_json)
+    if (m_style.json)
         return;
     clearProgress();
     const QString whole = outputIsTerminal() ? withoutControls(text, QStringLiteral("\n\t")) : text;
-    write(stdout, whole + QLatin1Char('\n'));
+    StandardStreams::writeResult((whole + QLatin1Char('\n')).toUtf8());
+}
+
+void Console::say(const QString& line)
+{
+    if (!m_style.quiet)
+        print(line);
 }
 
 void Console::set(const QString& key, const QJsonValue& value)
 {
-    m_values.insert(key, value);
+    m_result.insert(key, value);
 }
 
-void Console::error(const QString& text, const QStringList& lines)
+void Console::error(const Failure& failure)
 {
-    m_values.insert(QStringLiteral("error"), (QStringList(text) + lines).join(QLatin1Char('\n')));
-    writeDiagnostic(text, lines);
+    if (m_hasFailed)
+        m_failure.causes += QStringList(failure.message) + failure.causes;
+    else
+        m_failure = failure;
+    m_hasFailed = true;
+    writeDiagnostic(failure.lines());
+}
+
+void Console::error(const QString& text, const QStringList& causes)
+{
+    error(Failure{Failure::Failed, text, causes});
 }
 
 void Console::warn(const QString& text, const QStringList& lines)
 {
-    writeDiagnostic(text, lines);
+    m_warnings.append((QStringList(text) + lines).join(QLatin1Char('\n')));
+    if (!m_style.quiet)
+        writeDiagnostic(QStringList(text) + lines);
 }
 
-void Console::writeDiagnostic(const QString& text, const QStringList& lines)
+void Console::step(const QString& text)
+{
+    if (m_style.verbose)
+        writeDiagnostic({text});
+}
+
+void Console::writeDiagnostic(const QStringList& lines)
 {
     clearProgress();
-    QString whole = QStringLiteral("quenzo: ") + shown(text) + QLatin1Char('\n');
+    QString whole = QStringLiteral("quenzo: ");
     for (const QString& line : lines)
         whole += shown(line) + QLatin1Char('\n');
-    write(stderr, whole);
+    StandardStreams::writeDiagnostic(whole);
 }
 
 QString Console::ask(const QString& question)
 {
     clearProgress();
-    write(stderr, shown(question) + QLatin1Char(' '));
+    StandardStreams::writeDiagnostic(shown(question) + QLatin1Char(' '));
     std::string line;
     std::getline(std::cin, line);
     return QString::fromStdString(line).trimmed();
@@ -170,7 +177,7 @@ bool Console::confirms(const QString& question)
     const QString answer = ask(question).toLower();
     if (answer == ConsoleText::tr("y") || answer == ConsoleText::tr("yes"))
         return true;
-    error(ConsoleText::tr("called off; nothing was changed"));
+    error(Failure{Failure::Declined, ConsoleText::tr("called off; nothing was changed")});
     return false;
 }
 
@@ -178,9 +185,16 @@ void Console::showProgress(const Progress& progress)
 {
     if (!showsProgress())
         return;
+    if (m_style.progress == ConsoleStyle::JsonLines) {
+        const QString line = jsonLine({{QStringLiteral("progress"), progress.json()}});
+        if (line != m_progressLine)
+            StandardStreams::writeDiagnostic(line + QLatin1Char('\n'));
+        m_progressLine = line;
+        return;
+    }
     const QString signs = QStringLiteral("|/-\\");
     const QString text = signs.at(m_turn++ % signs.size()) + QLatin1Char(' ') + shown(progress.text());
-    write(stderr, QStringLiteral("\r\033[K") + inOneLine(text, terminalWidth() - 1));
+    StandardStreams::writeDiagnostic(QStringLiteral("\r\033[K") + inOneLine(text, terminalWidth() - 1));
     m_progressShown = true;
 }
 
@@ -188,16 +202,40 @@ void Console::clearProgress()
 {
     if (!m_progressShown)
         return;
-    write(stderr, QStringLiteral("\r\033[K"));
+    StandardStreams::writeDiagnostic(QStringLiteral("\r\033[K"));
     m_progressShown = false;
 }
 
 void Console::finish(const QString& command, bool ok)
 {
     clearProgress();
-    if (!m_json)
+    if (!m_style.json)
         return;
-    m_values.insert(QStringLiteral("command"), command);
-    m_values.insert(QStringLiteral("ok"), ok);
-    write(stdout, jsonLine(m_values) + QLatin1Char('\n'));
+    constexpr int version = 1; // of the object's shape
+    QJsonObject outcome{{QStringLiteral("quenzo"), version},
+                        {QStringLiteral("command"), command.isEmpty() ? QJsonValue() : QJsonValue(command)},
+                        {QStringLiteral("ok"), ok}};
+    if (!ok)
+        outcome.insert(QStringLiteral("error"), m_failure.json());
+    if (ok || !m_result.isEmpty())
+        outcome.insert(QStringLiteral("result"), m_result);
+    if (!m_warnings.isEmpty())
+        outcome.insert(QStringLiteral("warnings"), m_warnings);
+    StandardStreams::writeResult((jsonLine(outcome) + QLatin1Char('\n')).toUtf8());
+}
+
+// Inside its strings JSON can name every character by its number, and outside of them there are no controls.
+QString Console::jsonLine(const QJsonObject& values)
+{
+    QString line;
+    QString text = QString::fromUtf8(QJsonDocument(values).toJson(QJsonDocument::Compact));
+    if (std::none_of(text.cbegin(), text.cend(), isControl))
+        return text;
+    for (const QChar letter : qAsConst(text)) {
+        if (isControl(letter))
+            line += QStringLiteral("\\u%1").arg(letter.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            line += letter;
+    }
+    return line;
 }

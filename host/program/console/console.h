@@ -2,18 +2,31 @@
 #ifndef CONSOLE_H
 #define CONSOLE_H
 
+#include "console/failure.h"
+
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
 struct Progress;
 
+/** How a command is to report. */
+struct ConsoleStyle {
+    enum ProgressForm { Terminal, JsonLines };
+
+    bool json = false; ///< one JSON object in the place of the result's text
+    bool quiet = false; ///< only results and errors
+    bool verbose = false; ///< steps, and causes in full
+    ProgressForm progress = Terminal;
+};
+
 /** Where a command reports: results on the standard output, diagnostics and progress on the standard error.
  */
 class Console {
 public:
-    explicit Console(bool json)
-        : m_json(json)
+    explicit Console(const ConsoleStyle& style)
+        : m_style(style)
     {
     }
 
@@ -24,9 +37,12 @@ public:
     static QString shown(const QString& text);
 
     /** Whether one JSON object is wanted in the place of the result's text. */
-    bool json() const { return m_json; }
+    bool json() const { return m_style.json; }
 
-    /** Whether a person watches the diagnostics, and thus wants progress and may be asked. */
+    /** Whether a person wants to read all of the steps and causes. */
+    bool verbose() const { return m_style.verbose; }
+
+    /** Whether a person watches the diagnostics, and thus may be asked. */
     static bool isInteractive();
 
     /** Whether the state of work at hand is shown: to a machine that asked for it, or on a terminal that can
@@ -37,7 +53,7 @@ public:
     static bool outputIsTerminal();
 
     /**
-     * A line for people; nothing with JSON. A terminal gets it without anything that would steer it, and
+     * A line of the result; nothing with JSON. A terminal gets it without anything that would steer it, and
      * without other lines; what is no terminal gets it as it stands.
      */
     void print(const QString& line);
@@ -45,14 +61,24 @@ public:
     /** The same of a text that may have lines and tabs: a table, or what was asked for itself. */
     void printText(const QString& text);
 
+    /** A line that merely tells what was done; nothing for those who want it quiet, too. */
+    void say(const QString& line);
+
     /** A value of the result for machines; nothing without JSON. */
     void set(const QString& key, const QJsonValue& value);
 
-    /** A diagnostic, with further lines below it; with JSON also the value of "error". */
-    void error(const QString& text, const QStringList& lines = {});
+    /** What kept the command from its end. Of several failures the first is the one that machines get; the
+     * others are among its causes. */
+    void error(const Failure& failure);
 
-    /** A diagnostic that leaves the operation's success alone. */
+    /** The same for a failure of the work itself. */
+    void error(const QString& text, const QStringList& causes = {});
+
+    /** A diagnostic that leaves the operation's success alone; machines get its text beside the result. */
     void warn(const QString& text, const QStringList& lines = {});
+
+    /** A step on the way, for who wants to know them. */
+    void step(const QString& text);
 
     /** Asks the person at the terminal; empty at the end of the input. */
     QString ask(const QString& question);
@@ -65,16 +91,23 @@ public:
     void showProgress(const Progress& progress);
     void clearProgress();
 
-    /** Ends the report: prints the JSON object with "command" and "ok", if wanted. */
+    /** Ends the report: prints the JSON object, if wanted. The command is empty when the words name none. */
     void finish(const QString& command, bool ok);
 
-private:
-    void writeDiagnostic(const QString& text, const QStringList& lines);
+    /** An object in one line, in which nothing steers a terminal. */
+    static QString jsonLine(const QJsonObject& values);
 
-    bool m_json;
+private:
+    void writeDiagnostic(const QStringList& lines);
+
+    const ConsoleStyle m_style;
     bool m_progressShown = false;
     int m_turn = 0;
-    QJsonObject m_values;
+    QString m_progressLine;
+    QJsonObject m_result;
+    QJsonArray m_warnings;
+    bool m_hasFailed = false;
+    Failure m_failure;
 };
 
 #endif

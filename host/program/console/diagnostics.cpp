@@ -14,6 +14,7 @@ QBasicMutex mutex;
 // Workers may still have something to say while the program leaves main.
 QStringList& texts = *new QStringList;
 QStringList& stepTexts = *new QStringList;
+std::function<void(const QString&)>& stepFollower = *new std::function<void(const QString&)>;
 QtMessageHandler handlerBefore = nullptr;
 QLoggingCategory::CategoryFilter filterBefore = nullptr;
 
@@ -41,6 +42,8 @@ void keep(QtMsgType type, const QMessageLogContext& context, const QString& text
     if (isOfTheLibrary(context.category)) {
         const QMutexLocker locker(&mutex);
         (type == QtInfoMsg ? stepTexts : texts).append(text);
+        if (type == QtInfoMsg && stepFollower)
+            stepFollower(text);
     } else if (!isDescribed) {
         handlerBefore(type, context, Console::shown(text));
     }
@@ -60,6 +63,12 @@ QStringList Diagnostics::takeAll()
 {
     const QMutexLocker locker(&mutex);
     return std::exchange(texts, {});
+}
+
+void Diagnostics::followSteps(const std::function<void(const QString&)>& follower)
+{
+    const QMutexLocker locker(&mutex);
+    stepFollower = follower;
 }
 
 QStringList Diagnostics::steps()

@@ -1,24 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "console/standardstreams.h"
 
+#include <QCoreApplication>
+#include <QFile>
+
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace {
 
+struct StreamText {
+    Q_DECLARE_TR_FUNCTIONS(StandardStreams)
+};
+
 int firstError = 0;
+int output = STDOUT_FILENO;
 
-void keepError()
-{
-    if (firstError == 0)
-        firstError = errno;
-}
-
-} // namespace
-
-void StandardStreams::ensureOpen()
+void ensureOpen()
 {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         // The lowest free number is the one that is given.
@@ -27,21 +28,65 @@ void StandardStreams::ensureOpen()
     }
 }
 
-void StandardStreams::write(std::FILE* stream, const QString& text)
+// Nothing that is written there fails: a script is not to stumble over its own prints.
+void redirectPrints()
 {
-    const QByteArray bytes = text.toUtf8();
-    const auto size = static_cast<std::size_t>(bytes.size());
-    const bool written = std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
-    if (!written && stream == stdout)
-        keepError();
+    const bool canWrite = (fcntl(STDERR_FILENO, F_GETFL) & O_ACCMODE) != O_RDONLY;
+    const int other = canWrite ? STDERR_FILENO : open("/dev/null", O_WRONLY | O_CLOEXEC);
+    dup2(other, STDOUT_FILENO);
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+}
+
+int writeAll(int descriptor, const QByteArray& bytes)
+{
+    for (int done = 0; done < bytes.size();) {
+        const ssize_t count =
+            ::write(descriptor, bytes.constData() + done, static_cast<std::size_t>(bytes.size() - done));
+        if (count < 0 && errno != EINTR)
+            return errno;
+        done += static_cast<int>(qMax<ssize_t>(0, count));
+    }
+    return 0;
+}
+
+} // namespace
+
+void StandardStreams::takeOver()
+{
+    ensureOpen();
+    output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    redirectPrints();
+}
+
+bool StandardStreams::outputIsTerminal()
+{
+    return isatty(output) != 0;
+}
+
+void StandardStreams::writeResult(const QByteArray& bytes)
+{
+    const int error = writeAll(output, bytes);
+    if (firstError == 0)
+        firstError = error;
+}
+
+void StandardStreams::writeDiagnostic(const QString& text)
+{
+    writeAll(STDERR_FILENO, text.toUtf8());
 }
 
 QString StandardStreams::outputError()
 {
-    if (std::fflush(stdout) != 0)
-        keepError();
-    // Scripts in this process write to the same stream.
-    if (firstError == 0 && std::ferror(stdout) != 0)
-        firstError = EIO;
     return firstError == 0 ? QString() : QString::fromLocal8Bit(std::strerror(firstError));
+}
+
+QByteArray StandardStreams::readInput(QString& error)
+{
+    QFile input;
+    QByteArray bytes;
+    if (input.open(stdin, QIODevice::ReadOnly))
+        bytes = input.readAll();
+    if (!input.isOpen() || std::ferror(stdin) != 0)
+        error = StreamText::tr("the standard input cannot be read");
+    return bytes;
 }

@@ -2,24 +2,31 @@
 #ifndef STANDARDSTREAMS_H
 #define STANDARDSTREAMS_H
 
+#include <QByteArray>
 #include <QString>
-
-#include <cstdio>
 
 /** The descriptors 0, 1 and 2, and whether results have arrived. */
 namespace StandardStreams {
 
 /**
- * Opens those that the program was started without, before anything else is given their numbers: reading from
- * them comes to an end at once, writing fails. To be called first.
+ * To be called first, before anything else is given the numbers of streams that the program was started
+ * without: reading from these comes to an end at once, writing fails. From then on the standard output is for
+ * results alone: whatever else writes to it, a script or a tool, reaches the standard error.
  */
-void ensureOpen();
+void takeOver();
 
-/** Writes at once; what fails on the standard output is kept for outputError(). */
-void write(std::FILE* stream, const QString& text);
+/** Whether a person reads the results. */
+bool outputIsTerminal();
 
-/** Why something has not reached the standard output, by whomever it was written; empty when all has. */
+/** Writes at once; what fails is kept for outputError(). */
+void writeResult(const QByteArray& bytes);
+void writeDiagnostic(const QString& text);
+
+/** Why a result has not reached the standard output; empty when all have. */
 QString outputError();
+
+/** All of the standard input. @param[out] error why it could not be read; left alone otherwise */
+QByteArray readInput(QString& error);
 
 } // namespace StandardStreams
 

@@ -44,7 +44,7 @@ bool toolWorks(const QString& name, Console& console)
 {
     const QString problem = toolProblem(name);
     if (!problem.isEmpty())
-        console.error(problem);
+        console.error({Failure::NoTool, problem});
     return problem.isEmpty();
 }
 
@@ -73,7 +73,7 @@ bool adbFailed(Console& console)
 {
     const QString cause = firstCause();
     if (!cause.isEmpty())
-        console.error(DeviceCommands::tr("the devices cannot be listed: %1").arg(cause));
+        console.error({Failure::NoTool, DeviceCommands::tr("the devices cannot be listed"), {cause}});
     return !cause.isEmpty();
 }
 
@@ -91,14 +91,15 @@ QString usableApk(const QString& given, Console& console)
 {
     const QFileInfo file(given);
     if (!file.isFile()) {
-        console.error(DeviceCommands::tr("%1: no such file").arg(given));
+        console.error({Failure::NotFound, DeviceCommands::tr("%1: no such file").arg(given)});
         return {};
     }
     // The tools' command lines are split at quotation marks, and a backslash is no way out.
     QString path = file.absoluteFilePath();
     if (path.contains(QLatin1Char('"'))) {
         console.error(
-            DeviceCommands::tr("%1: a path with a quotation mark cannot be used; rename it").arg(path));
+            {Failure::BadInput,
+             DeviceCommands::tr("%1: a path with a quotation mark cannot be used; rename it").arg(path)});
         return {};
     }
     return path;
@@ -109,12 +110,15 @@ QString packageOf(const QString& apk, Console& console)
     QString name = askTool([&apk] { return CInstallApk::getApkPackageName(apk); }, console,
                            DeviceCommands::tr("reading the package name"));
     if (name.isEmpty()) {
-        console.error(DeviceCommands::tr("%1: aapt finds no package name; is it an APK?").arg(apk),
-                      {firstCause()});
+        QStringList causes{firstCause()};
+        causes.removeAll({});
+        console.error({Failure::BadInput,
+                       DeviceCommands::tr("%1: aapt finds no package name; is it an APK?").arg(apk), causes});
         return {};
     }
     if (!isPackageName(name)) {
-        console.error(DeviceCommands::tr("%1: \"%2\" cannot be the name of a package").arg(apk, name));
+        console.error({Failure::BadInput,
+                       DeviceCommands::tr("%1: \"%2\" cannot be the name of a package").arg(apk, name)});
         return {};
     }
     console.set(QStringLiteral("package"), name);
@@ -136,23 +140,26 @@ QString chooseDevice(const QString& wanted, Console& console)
     const QStringList serials = readyDevices(console);
     if (serials.isEmpty()) {
         if (!adbFailed(console))
-            console.error(
-                DeviceCommands::tr("no device is ready: connect one, unlock it and allow debugging"));
+            console.error({Failure::NoDevice,
+                           DeviceCommands::tr("no device is ready"),
+                           {},
+                           DeviceCommands::tr("connect one, unlock it and allow debugging")});
         return {};
     }
     if (!wanted.isEmpty()) {
         if (serials.contains(wanted))
             return wanted;
-        console.error(DeviceCommands::tr("the device %1 is not ready. Ready:").arg(wanted),
-                      numberedList(serials));
+        console.error({Failure::NoDevice,
+                       DeviceCommands::tr("the device %1 is not ready. Ready:").arg(wanted),
+                       numberedList(serials)});
         return {};
     }
     if (serials.size() == 1)
         return serials.first();
 
     if (!Console::isInteractive()) {
-        console.error(DeviceCommands::tr("several devices are ready: choose one by --device."),
-                      numberedList(serials));
+        console.error({Failure::NoDevice, DeviceCommands::tr("several devices are ready"),
+                       numberedList(serials), DeviceCommands::tr("choose one by --device")});
         return {};
     }
     console.warn(DeviceCommands::tr("several devices are ready:"), numberedList(serials));
@@ -164,7 +171,7 @@ QString chooseDevice(const QString& wanted, Console& console)
         if (number >= 1 && number <= serials.size())
             return serials.at(number - 1);
     }
-    console.error(DeviceCommands::tr("no device was chosen"));
+    console.error({Failure::Declined, DeviceCommands::tr("no device was chosen")});
     return {};
 }
 
@@ -179,15 +186,16 @@ bool isConfirmed(bool install, const QString& package, const QString& serial, Co
 ExitCode tell(const TaskOutcome& outcome, const DeviceTask& task, Console& console)
 {
     if (outcome.success) {
-        console.print(outcome.information);
+        console.say(outcome.information);
         return ExitDone;
     }
     if (outcome.timedOut) {
-        console.error(
-            DeviceCommands::tr("no outcome was reported within %1 s. adb failed without a code, could not be "
-                               "started, or is still at work.")
-                .arg(task.timeoutSeconds),
-            Diagnostics::takeAll());
+        console.error({Failure::TimedOut,
+                       DeviceCommands::tr(
+                           "no outcome was reported within %1 s. adb failed without a code, could not be "
+                           "started, or is still at work.")
+                           .arg(task.timeoutSeconds),
+                       Diagnostics::takeAll()});
         return ExitFailed;
     }
     QString text = outcome.information.trimmed();
@@ -208,12 +216,14 @@ ExitCode runTask(const QCommandLineParser& parser, Console& console, bool instal
     task.timeoutSeconds = parser.value(timeoutOption).toInt(&isNumber);
     if (!isNumber || task.timeoutSeconds < 1 || task.timeoutSeconds > longestTimeout) {
         console.error(
-            DeviceCommands::tr("--timeout takes a number of seconds, from 1 to %1").arg(longestTimeout));
+            {Failure::Usage,
+             DeviceCommands::tr("--timeout takes a number of seconds, from 1 to %1").arg(longestTimeout)});
         return ExitUsage;
     }
     if (!parser.isSet(yesOption) && !Console::isInteractive()) {
-        console.error(DeviceCommands::tr(
-            "this removes a package and its data: --yes is needed where nobody can be asked"));
+        console.error({Failure::Usage,
+                       DeviceCommands::tr("this removes a package and its data: --yes is needed where nobody "
+                                          "can be asked")});
         return ExitUsage;
     }
     task.apk = usableApk(parser.positionalArguments().at(1), console);
@@ -231,7 +241,8 @@ ExitCode runTask(const QCommandLineParser& parser, Console& console, bool instal
     // It would end the word that the flow's command line has for the serial.
     if (task.serial.contains(QLatin1Char('"'))) {
         console.error(
-            DeviceCommands::tr("%1: a serial with a quotation mark cannot be used").arg(task.serial));
+            {Failure::NoDevice,
+             DeviceCommands::tr("%1: a serial with a quotation mark cannot be used").arg(task.serial)});
         return ExitFailed;
     }
     console.set(QStringLiteral("device"), task.serial);

@@ -31,11 +31,15 @@ void tellInterruption(const DeviceTask& task, Console& console)
     console.clearProgress();
     const QStringList steps = Diagnostics::steps();
     if (steps.isEmpty())
-        console.error(DeviceTaskText::tr("interrupted; nothing was changed on %1").arg(task.serial));
+        console.error({Failure::Interrupted,
+                       DeviceTaskText::tr("interrupted; nothing was changed on %1").arg(task.serial)});
     else
         console.error(
-            DeviceTaskText::tr("interrupted on %1. The last of these may be done or not:").arg(task.serial),
-            steps);
+            {Failure::Interrupted,
+             DeviceTaskText::tr("interrupted on %1. The last of these may be done or not:").arg(task.serial),
+             steps});
+    // The end comes by the signal, without a way back.
+    console.finish(task.install ? QStringLiteral("install") : QStringLiteral("uninstall"), false);
 }
 
 // The launcher gives its report before we stop listening, in the second step of an install as well.

@@ -180,30 +180,17 @@ QStringList readInputs(IconJob& job)
 }
 
 // What is worth a look although the run goes on.
-class Warnings {
-public:
-    explicit Warnings(Console& console)
-        : m_console(console)
-    {
-    }
-    void add(const QStringList& texts)
-    {
-        for (const QString& text : texts)
-            m_console.warn(text);
-        m_texts += texts;
-        m_console.set(QStringLiteral("warnings"), QJsonArray::fromStringList(m_texts));
-    }
-
-private:
-    Console& m_console;
-    QStringList m_texts;
-};
+void warnOf(const QStringList& texts, Console& console)
+{
+    for (const QString& text : texts)
+        console.warn(text);
+}
 
 // Says what of each channel was not written, after what the library knows of it.
 void reportMissing(const IconJob& job, const QStringList& missing, const QStringList& causes,
                    Console& console)
 {
-    constexpr int mostCauses = 10;
+    const int mostCauses = console.verbose() ? causes.size() : 10;
     console.set(QStringLiteral("missing"), QJsonArray::fromStringList(missing));
     if (missing.isEmpty())
         return;
@@ -268,12 +255,12 @@ bool reportFiles(const IconJob& job, const FileTally& tally, const QStringList& 
     console.set(QStringLiteral("expected"), tally.expected());
     console.set(QStringLiteral("written"), written);
     console.set(QStringLiteral("out"), job.out);
-    console.print(IconCommands::tr("%1 of %2 files in %3 s, channels: %4, folder: %5")
-                      .arg(written)
-                      .arg(tally.expected())
-                      .arg(static_cast<double>(time.elapsed()) / 1000, 0, 'f', 1)
-                      .arg(job.channels.size())
-                      .arg(job.out));
+    console.say(IconCommands::tr("%1 of %2 files in %3 s, channels: %4, folder: %5")
+                    .arg(written)
+                    .arg(tally.expected())
+                    .arg(static_cast<double>(time.elapsed()) / 1000, 0, 'f', 1)
+                    .arg(job.channels.size())
+                    .arg(job.out));
     return missing.isEmpty();
 }
 
@@ -282,16 +269,15 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
     IconJob job;
     const QString fault = readOptions(parser, job);
     if (!fault.isEmpty()) {
-        console.error(fault);
+        console.error({Failure::Usage, fault});
         return ExitUsage;
     }
     const QStringList faults = readInputs(job);
     for (const QString& text : faults)
-        console.error(text);
+        console.error({Failure::BadInput, text});
     if (!faults.isEmpty())
         return ExitFailed;
-    Warnings warnings(console);
-    warnings.add((job.ignoreMissing ? job.missingMarks() : QStringList()) + job.warnings());
+    warnOf((job.ignoreMissing ? job.missingMarks() : QStringList()) + job.warnings(), console);
 
     QElapsedTimer time;
     time.start();
@@ -300,7 +286,7 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
     if (!produceIcons(job, tally, causes, console))
         return ExitFailed;
     const bool complete = reportFiles(job, tally, causes, time, console);
-    warnings.add(warningsAfter(job));
+    warnOf(warningsAfter(job), console);
     const bool sheetDone = job.sheet.isEmpty() || writeSheet(job, console);
     return complete && sheetDone ? ExitDone : ExitFailed;
 }

@@ -24,6 +24,7 @@ const QHash<QString, ValueKind>& kinds()
         {QStringLiteral("COLUMN"), {ValueKind::Text}},
         {QStringLiteral("COLUMN=VALUE"), {ValueKind::Text}},
         {QStringLiteral("FUNCTION"), {ValueKind::Text}},
+        {QStringLiteral("FORM"), {ValueKind::Words, {QStringLiteral("terminal"), QStringLiteral("json")}}},
         {QStringLiteral("GLOB"), {ValueKind::Text}},
         {QStringLiteral("N"), {ValueKind::Text}},
         {QStringLiteral("NAME,..."), {ValueKind::Text}},

@@ -2,20 +2,19 @@
 #include "command.h"
 
 #include "console/console.h"
+#include "console/standardstreams.h"
 #include "records/dbrequest.h"
 #include "records/dbsession.h"
 #include "records/rowformat.h"
 
 #include <quenzotool.h>
 
+#include <QBuffer>
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
-
-#include <cstdio>
 
 namespace {
 
@@ -23,10 +22,10 @@ struct DBCommands {
     Q_DECLARE_TR_FUNCTIONS(DBCommands)
 };
 
-ExitCode fail(Console& console, const QString& text, ExitCode code = ExitFailed)
+ExitCode fail(Console& console, const QString& text, Failure::Code code = Failure::Failed)
 {
-    console.error(text);
-    return code;
+    console.error({code, text});
+    return code == Failure::Usage ? ExitUsage : ExitFailed;
 }
 
 void decodeColumns(QVariantList& rows, const QStringList& columns)
@@ -81,13 +80,13 @@ void reportWritten(Console& console, const DBRequest& request)
 {
     const QString count = QString::number(request.rows.size());
     if (request.command == DB_INSERT) {
-        console.print(DBCommands::tr("inserted into %1, rows: %2").arg(request.table, count));
+        console.say(DBCommands::tr("inserted into %1, rows: %2").arg(request.table, count));
         console.set(QStringLiteral("inserted"), request.rows.size());
     } else if (request.command == DB_UPDATE) {
-        console.print(DBCommands::tr("updated %1, statements: %2").arg(request.table, count));
+        console.say(DBCommands::tr("updated %1, statements: %2").arg(request.table, count));
         console.set(QStringLiteral("statements"), request.rows.size());
     } else {
-        console.print(DBCommands::tr("deleted from %1").arg(request.table));
+        console.say(DBCommands::tr("deleted from %1").arg(request.table));
     }
 }
 
@@ -96,19 +95,18 @@ ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
     QString error;
     DBRequest request = DBRequests::fromCommandLine(parser, error);
     if (!error.isEmpty())
-        return fail(console, error, ExitUsage);
+        return fail(console, error, Failure::Usage);
     // The library would make the file, and with it a database without tables.
     if (!QFileInfo(request.file).isFile())
-        return fail(console, DBCommands::tr("there is no database file '%1'").arg(request.file));
+        return fail(console, DBCommands::tr("there is no database file '%1'").arg(request.file),
+                    Failure::NotFound);
     if (request.writes() && request.rows.isEmpty()) {
-        QFile input;
-        if (!input.open(stdin, QIODevice::ReadOnly))
-            return fail(console, DBCommands::tr("the standard input cannot be read"));
-        request.rows = DBRequests::rowsFromJsonLines(input, request.conditionColumn(), error);
-        if (std::ferror(stdin) != 0)
-            error = DBCommands::tr("the standard input cannot be read");
+        QByteArray lines = StandardStreams::readInput(error);
+        QBuffer input(&lines);
+        if (error.isEmpty() && input.open(QIODevice::ReadOnly))
+            request.rows = DBRequests::rowsFromJsonLines(input, request.conditionColumn(), error);
         if (!error.isEmpty())
-            return fail(console, error);
+            return fail(console, error, Failure::BadInput);
     }
 
     DBOutcome outcome = runRequest(request, console);

@@ -34,7 +34,7 @@ struct Outcome {
     bool reported = false;
     bool succeeded = false;
     QVariantMap values;
-    QString diagnostics;
+    QStringList diagnostics;
 };
 
 /** Runs one task on the worker thread, under a running event loop. */
@@ -43,7 +43,7 @@ Outcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap
 {
     Outcome outcome;
     if (!QuenzoTool::initPythonEnv()) {
-        outcome.diagnostics = Diagnostics::take();
+        outcome.diagnostics = Diagnostics::takeAll();
         return outcome;
     }
     PythonToolThread thread;
@@ -57,7 +57,7 @@ Outcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap
     thread.StartOperate(operate, parameters);
     outcome.began = runWorker(thread, console, [&doing] { return Progress{doing}; });
     // The signal was queued before the thread's end was.
-    outcome.diagnostics = Diagnostics::take();
+    outcome.diagnostics = Diagnostics::takeAll();
     return outcome;
 }
 
@@ -65,8 +65,7 @@ ExitCode fail(Console& console, const QString& what, const Outcome& outcome)
 {
     if (!outcome.began)
         return ExitFailed;
-    console.error(outcome.diagnostics.isEmpty() ? what
-                                                : what + QStringLiteral(" (%1)").arg(outcome.diagnostics));
+    console.error(what, outcome.diagnostics);
     return ExitFailed;
 }
 
@@ -74,7 +73,7 @@ bool exists(Console& console, const QString& path)
 {
     if (QFileInfo::exists(path))
         return true;
-    console.error(ScriptCommands::tr("'%1' does not exist").arg(path));
+    console.error({Failure::NotFound, ScriptCommands::tr("'%1' does not exist").arg(path)});
     return false;
 }
 
@@ -89,7 +88,8 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
         const int id = parser.value(sdkOption).toInt(&isNumber);
         // One below 0 would switch the check off.
         if (!isNumber || id < 0) {
-            console.error(ScriptCommands::tr("--sdk-id takes a whole number that is not negative"));
+            console.error(
+                {Failure::Usage, ScriptCommands::tr("--sdk-id takes a whole number that is not negative")});
             return ExitUsage;
         }
         parameters.insert(QStringLiteral("idSDK"), id);
@@ -99,13 +99,13 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
     const Outcome outcome =
         runTask(console, PYTHON_TOOL_IMPORT_SDK, parameters, ScriptCommands::tr("importing"));
     if (outcome.succeeded) {
-        console.print(ScriptCommands::tr("imported %1 into %2").arg(package, dest));
+        console.say(ScriptCommands::tr("imported %1 into %2").arg(package, dest));
         console.set(QStringLiteral("dest"), dest);
         return ExitDone;
     }
     const int code = outcome.values.value(QStringLiteral("error_code"), -1).toInt();
     const QString text = outcome.values.value(QStringLiteral("error_str")).toString();
-    console.set(QStringLiteral("error_code"), code);
+    console.set(QStringLiteral("answer"), code);
     return fail(
         console,
         ScriptCommands::tr("import failed with answer %1: %2")
@@ -118,7 +118,7 @@ Outcome runDecryption(Console& console, const QString& apk)
 {
     Outcome outcome;
     if (!QuenzoTool::initPythonEnv()) {
-        outcome.diagnostics = Diagnostics::take();
+        outcome.diagnostics = Diagnostics::takeAll();
         return outcome;
     }
     int answer = -1;
@@ -130,7 +130,7 @@ Outcome runDecryption(Console& console, const QString& apk)
         answer = python.getResultAsInt();
     }));
     outcome.began = runWorker(*worker, console, [] { return Progress{ScriptCommands::tr("decrypting")}; });
-    outcome.diagnostics = Diagnostics::take();
+    outcome.diagnostics = Diagnostics::takeAll();
     outcome.succeeded = answer == 0;
     outcome.values.insert(QStringLiteral("result"), answer);
     return outcome;
@@ -146,7 +146,7 @@ ExitCode workOnAssets(const QCommandLineParser& parser, Console& console,
         const QString key = parser.value(keyOption);
         // An empty name would mean the person's own key.
         if (key.isEmpty()) {
-            console.error(ScriptCommands::tr("--key takes the name of a file"));
+            console.error({Failure::Usage, ScriptCommands::tr("--key takes the name of a file")});
             return ExitUsage;
         }
         qputenv("QUENZO_KEY", QFile::encodeName(key)); // the interpreter reads it when it starts
@@ -155,10 +155,10 @@ ExitCode workOnAssets(const QCommandLineParser& parser, Console& console,
         return ExitFailed;
     const Outcome outcome = work(apk);
     const int answer = outcome.values.value(QStringLiteral("result"), -1).toInt();
-    console.set(QStringLiteral("result"), answer);
+    console.set(QStringLiteral("answer"), answer);
     if (!outcome.succeeded)
         return fail(console, failedText.arg(answer), outcome);
-    console.print(doneText.arg(apk));
+    console.say(doneText.arg(apk));
     return ExitDone;
 }
 
@@ -193,7 +193,7 @@ ExitCode packFolder(const QCommandLineParser& parser, Console& console)
     const QFileInfo result(archive);
     if (!outcome.diagnostics.isEmpty() || !result.isFile())
         return fail(console, ScriptCommands::tr("packing failed"), outcome);
-    console.print(ScriptCommands::tr("packed %1 into %2, %3 bytes").arg(folder, archive).arg(result.size()));
+    console.say(ScriptCommands::tr("packed %1 into %2, %3 bytes").arg(folder, archive).arg(result.size()));
     console.set(QStringLiteral("archive"), archive);
     console.set(QStringLiteral("bytes"), result.size());
     return ExitDone;
@@ -209,7 +209,7 @@ ExitCode unpackArchive(const QCommandLineParser& parser, Console& console)
     const Outcome outcome = runTask(console, PYTHON_TOOL_UNZIP, parameters, ScriptCommands::tr("unpacking"));
     if (!outcome.diagnostics.isEmpty() || !QFileInfo(folder).isDir())
         return fail(console, ScriptCommands::tr("unpacking failed"), outcome);
-    console.print(ScriptCommands::tr("unpacked %1 into %2").arg(archive, folder));
+    console.say(ScriptCommands::tr("unpacked %1 into %2").arg(archive, folder));
     console.set(QStringLiteral("folder"), folder);
     return ExitDone;
 }
@@ -239,7 +239,7 @@ ExitCode runScript(const QCommandLineParser& parser, Console& console)
         runTask(console, PYTHON_TOOL_RUN_SCRIPT, parameters, ScriptCommands::tr("running"));
     if (!outcome.succeeded)
         return fail(console, ScriptCommands::tr("%1 did not answer \"param\"").arg(words.at(2)), outcome);
-    console.print(ScriptCommands::tr("%1 succeeded").arg(words.at(2)));
+    console.say(ScriptCommands::tr("%1 succeeded").arg(words.at(2)));
     return ExitDone;
 }
 
@@ -249,7 +249,7 @@ ExitCode exportChannel(const QCommandLineParser& parser, Console& console)
     const int channel = parser.positionalArguments().at(1).toInt(&isNumber);
     const QString dest = parser.positionalArguments().at(2);
     if (!isNumber) {
-        console.error(ScriptCommands::tr("CHANNEL-ID is a whole number"));
+        console.error({Failure::Usage, ScriptCommands::tr("CHANNEL-ID is a whole number")});
         return ExitUsage;
     }
     const QVariantMap parameters{{QStringLiteral("idChannel"), channel}, {QStringLiteral("dest"), dest}};
@@ -257,10 +257,10 @@ ExitCode exportChannel(const QCommandLineParser& parser, Console& console)
         runTask(console, PYTHON_TOOL_EXPORT_DEVELOP_INFO, parameters, ScriptCommands::tr("exporting"));
     if (!outcome.succeeded) {
         const int answer = outcome.values.value(QStringLiteral("result"), -1).toInt();
-        console.set(QStringLiteral("result"), answer);
+        console.set(QStringLiteral("answer"), answer);
         return fail(console, ScriptCommands::tr("export failed with answer %1").arg(answer), outcome);
     }
-    console.print(ScriptCommands::tr("exported channel %1 to %2").arg(QString::number(channel), dest));
+    console.say(ScriptCommands::tr("exported channel %1 to %2").arg(QString::number(channel), dest));
     console.set(QStringLiteral("dest"), dest);
     return ExitDone;
 }

@@ -12,6 +12,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 #include <QThread>
 
@@ -38,9 +39,10 @@ void setCount(Console& console, const TreeCount& count)
     console.set(QStringLiteral("bytes"), count.bytes);
 }
 
-ExitCode fail(Console& console, const QString& error)
+// Nothing was touched.
+ExitCode object(Console& console, const QString& objection, const QString& folder)
 {
-    console.error(error);
+    console.error({QFileInfo::exists(folder) ? Failure::Refused : Failure::NotFound, objection});
     return ExitFailed;
 }
 
@@ -48,7 +50,7 @@ ExitCode tellPlan(const TreeScope& scope, const QByteArray& target, Console& con
 {
     const TreeCount count = reportPlan(scope, target, console);
     setCount(console, count);
-    console.print(TreeCommands::tr("Nothing was touched: %1").arg(summaryOf(count)));
+    console.say(TreeCommands::tr("Nothing was touched: %1").arg(summaryOf(count)));
     return ExitDone;
 }
 
@@ -60,7 +62,7 @@ ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Conso
     console.set(QStringLiteral("dest"), paths.target);
     const QString objection = paths.objection(operate);
     if (!objection.isEmpty())
-        return fail(console, objection);
+        return object(console, objection, paths.realSource);
 
     QStringList left;
     if (operate == OPERATE_CUT_OUTPUT && parser.isSet(QStringLiteral("leave")))
@@ -90,7 +92,7 @@ ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Conso
     }
     const QString text =
         operate == OPERATE_COPY ? TreeCommands::tr("Copied to %1: %2") : TreeCommands::tr("Moved to %1: %2");
-    console.print(text.arg(Console::shown(paths.target), summaryOf(handled)));
+    console.say(text.arg(Console::shown(paths.target), summaryOf(handled)));
     return ExitDone;
 }
 
@@ -104,9 +106,11 @@ ExitCode removeTree(const RemovalPath& path, const TreeCount& all, Console& cons
     if (!began)
         return ExitFailed;
     setCount(console, removal.gone());
-    if (!removal.error().isEmpty())
-        return fail(console, removal.error());
-    console.print(
+    if (!removal.error().isEmpty()) {
+        console.error(removal.error());
+        return ExitFailed;
+    }
+    console.say(
         TreeCommands::tr("Removed %1: %2").arg(Console::shown(path.folder), summaryOf(removal.gone())));
     return ExitDone;
 }
@@ -117,15 +121,16 @@ ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
     console.set(QStringLiteral("folder"), path.folder);
     const QString objection = path.objection();
     if (!objection.isEmpty())
-        return fail(console, objection);
+        return object(console, objection, path.realFolder);
 
     const TreeScope tree{QFile::encodeName(path.realFolder), TreeScope::Kept};
     if (parser.isSet(dryRunOption))
         return tellPlan(tree, {}, console);
     if (!parser.isSet(yesOption) && !Console::isInteractive()) {
         console.error(
-            TreeCommands::tr("this removes '%1' with all in it: --yes is needed where nobody can be asked")
-                .arg(path.folder));
+            {Failure::Usage,
+             TreeCommands::tr("this removes '%1' with all in it: --yes is needed where nobody can be asked")
+                 .arg(path.folder)});
         return ExitUsage;
     }
     console.showProgress({TreeCommands::tr("counting")});

@@ -77,8 +77,10 @@ QStringList withTheEndingFirst(QStringList causes)
     return causes;
 }
 
-QStringList shortened(const QStringList& causes)
+QStringList shortened(const QStringList& causes, bool tellsAll)
 {
+    if (tellsAll)
+        return causes;
     constexpr int most = 5;
     QStringList lines = causes.mid(0, most);
     if (causes.size() > most)
@@ -103,6 +105,8 @@ TreeOperation::~TreeOperation() = default;
 
 bool TreeOperation::run(Console& console)
 {
+    m_tellsAll = console.verbose();
+    console.step(TreeOperations::tr("from '%1' to '%2'").arg(m_paths.realSource, m_paths.realTarget));
     console.showProgress({TreeOperations::tr("counting")});
     const QByteArray endless = linkToTarget(m_scope, m_target);
     if (!endless.isEmpty()) {
@@ -168,14 +172,14 @@ bool TreeOperation::finishOutput(Console& console, const TreeRightsKeeper& right
 
 QStringList TreeOperation::causes() const
 {
-    return shortened(m_causes);
+    return shortened(m_causes, m_tellsAll);
 }
 
 bool TreeOperation::fail(Console& console) const
 {
     if (!m_started)
         return false;
-    const QStringList lines = shortened(withTheEndingFirst(m_causes));
+    const QStringList lines = shortened(withTheEndingFirst(m_causes), m_tellsAll);
     if (lines.isEmpty())
         console.error(TreeOperations::tr("not everything has come to '%1'; the rest is in '%2'")
                           .arg(m_paths.target, m_paths.source));

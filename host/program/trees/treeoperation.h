@@ -49,6 +49,7 @@ private:
     std::unique_ptr<TreeArrival> m_arrival;
     QStringList m_causes;
     bool m_started = false;
+    bool m_tellsAll = false; // not only the first causes
 };
 
 #endif

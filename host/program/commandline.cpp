@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: MIT
+#include "commandline.h"
+
+#include "commandtable.h"
+#include "console/console.h"
+#include "console/diagnostics.h"
+#include "suggestion.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace {
+
+struct Line {
+    Q_DECLARE_TR_FUNCTIONS(CommandLine)
+};
+
+const QLatin1String helpCommand("help");
+const QLatin1String versionCommand("version");
+
+QString overview(const QVector<Command>& commands)
+{
+    int width = 0;
+    for (const Command& command : commands)
+        width = std::max(width, command.name.size());
+    QString text = Line::tr("Usage: quenzo COMMAND [options] [arguments]\n\nCommands:\n");
+    for (const Command& command : commands)
+        text += QStringLiteral("  %1  %2\n").arg(command.name, -width).arg(command.summary);
+    text +=
+        Line::tr("\nquenzo help COMMAND tells more; quenzo version prints the version. Words behind -- are "
+                 "no options.\n\nExit codes:");
+    for (const Explained& code : exitCodes())
+        text += QStringLiteral("\n  %1  %2").arg(code.name, -3).arg(code.meaning);
+    return text;
+}
+
+QString withSuggestion(const QString& error, const QString& word, const QStringList& names)
+{
+    const QString meant = likelyMeant(word, names);
+    return meant.isEmpty() ? error : Line::tr("%1; did you mean '%2'?").arg(error, meant);
+}
+
+// What is wrong with the number of the words; empty if nothing is.
+QString objectionToNumber(const Command& command, const QStringList& given)
+{
+    QStringList needed;
+    bool open = false;
+    for (const Argument& argument : command.arguments) {
+        if (argument.count == Argument::Once)
+            needed.append(argument.name);
+        open = open || argument.count == Argument::AnyNumber;
+    }
+    if (given.size() < needed.size())
+        return Line::tr("%1: missing: %2").arg(command.name, needed.mid(given.size()).join(QLatin1Char(' ')));
+    if (!open && given.size() > command.arguments.size())
+        return Line::tr("%1: '%2' is one word too many")
+            .arg(command.name, given.at(command.arguments.size()));
+    return {};
+}
+
+QString objectionToOptions(const Command& command, const QCommandLineParser& parser)
+{
+    QStringList names;
+    for (const QCommandLineOption& option : commonOptions() + command.options)
+        names += option.names();
+    const QString unknown = parser.unknownOptionNames().value(0);
+    if (unknown.isEmpty())
+        return QStringLiteral("%1: %2").arg(command.name, parser.errorText());
+    return withSuggestion(Line::tr("%1: unknown option '%2'").arg(command.name, unknown), unknown, names);
+}
+
+// The parser knows of no commands: its usage line is replaced.
+QString helpText(const Command& command, const QCommandLineParser& parser)
+{
+    QString usage = Line::tr("Usage: quenzo %1 [options]").arg(command.name);
+    for (const Argument& argument : command.arguments)
+        usage += QLatin1Char(' ') + syntaxOf(argument);
+    const QString text = parser.helpText().trimmed();
+    const QString details = command.details.isEmpty() ? QString() : QStringLiteral("\n\n") + command.details;
+    return usage + text.mid(text.indexOf(QLatin1Char('\n'))) + details;
+}
+
+// Before the words are understood: those who want JSON get their objection in it.
+bool asksForJson(const QStringList& words)
+{
+    const int end = words.indexOf(QStringLiteral("--"));
+    return words.mid(0, end).contains(QStringLiteral("--json"));
+}
+
+ExitCode objectTo(Console& console, const QString& text, const QString& command = {})
+{
+    const QString help = command.isEmpty() ? QStringLiteral("--help") : command + QStringLiteral(" --help");
+    console.error(Failure{Failure::Usage, text, {}, Line::tr("see quenzo %1").arg(help)});
+    console.finish(command, false);
+    return ExitUsage;
+}
+
+ExitCode showText(Console& console, const QString& command, const QString& key, const QString& text,
+                  const QString& value)
+{
+    console.printText(text);
+    console.set(key, value);
+    console.finish(command, true);
+    return ExitDone;
+}
+
+ConsoleStyle styleOf(const QCommandLineParser& parser, QString& objection)
+{
+    ConsoleStyle style;
+    style.json = parser.isSet(QStringLiteral("json"));
+    style.quiet = parser.isSet(QStringLiteral("quiet"));
+    style.verbose = parser.isSet(QStringLiteral("verbose"));
+    const QString progress = parser.value(QStringLiteral("progress"));
+    if (progress == QLatin1String("json"))
+        style.progress = ConsoleStyle::JsonLines;
+    else if (progress != QLatin1String("terminal"))
+        objection = Line::tr("--progress is terminal or json, not '%1'").arg(progress);
+    if (style.quiet && style.verbose)
+        objection = Line::tr("--quiet and --verbose exclude each other");
+    return style;
+}
+
+ExitCode runCommand(const Command& command, QStringList words)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(command.summary);
+    parser.addOptions(commonOptions());
+    parser.addOptions(command.options);
+    for (const Argument& argument : command.arguments)
+        parser.addPositionalArgument(argument.name, argument.description, syntaxOf(argument));
+
+    Console early({asksForJson(words)});
+    words.prepend(QStringLiteral("quenzo"));
+    if (!parser.parse(words))
+        return objectTo(early, objectionToOptions(command, parser), command.name);
+    if (parser.isSet(QStringLiteral("help"))) {
+        const QString text = helpText(command, parser);
+        return showText(early, helpCommand, QStringLiteral("text"), text, text);
+    }
+    // The command's own name is the first positional argument.
+    QString objection = objectionToNumber(command, parser.positionalArguments().mid(1));
+    const ConsoleStyle style = styleOf(parser, objection);
+    if (!objection.isEmpty())
+        return objectTo(early, objection, command.name);
+
+    Console console(style);
+    Diagnostics::followSteps([&console](const QString& step) { console.step(step); });
+    const ExitCode code = command.run(parser, console);
+    Diagnostics::followSteps({});
+    console.finish(command.name, code == ExitDone);
+    return code;
+}
+
+QStringList namesOf(const QVector<Command>& commands)
+{
+    QStringList names{helpCommand, versionCommand};
+    for (const Command& command : commands)
+        names.append(command.name);
+    return names;
+}
+
+} // namespace
+
+ExitCode CommandLine::run(QStringList words)
+{
+    const QVector<Command> commands = allCommands();
+    Console console({asksForJson(words)});
+    if (words.value(0) == helpCommand) {
+        words.removeAll(QStringLiteral("--json"));
+        words.removeAll(QStringLiteral("--"));
+    }
+    if (words.isEmpty())
+        return objectTo(console, Line::tr("no command given"));
+    // "help copy" and "copy --help" are the same.
+    if (words.size() > 1 && words.first() == helpCommand) {
+        words = QStringList{words.at(1), QStringLiteral("--help")};
+        if (console.json())
+            words.append(QStringLiteral("--json"));
+    }
+
+    const QString name = words.first();
+    if (name == helpCommand || name == QLatin1String("--help") || name == QLatin1String("-h")) {
+        const QString text = overview(commands);
+        return showText(console, helpCommand, QStringLiteral("text"), text, text);
+    }
+    if (name == versionCommand || name == QLatin1String("--version") || name == QLatin1String("-V")) {
+        return showText(console, versionCommand, QStringLiteral("version"),
+                        QStringLiteral("quenzo " QUENZO_VERSION), QStringLiteral(QUENZO_VERSION));
+    }
+    const auto command = std::find_if(commands.cbegin(), commands.cend(),
+                                      [&name](const Command& candidate) { return candidate.name == name; });
+    if (command != commands.cend())
+        return runCommand(*command, words);
+    return objectTo(console,
+                    withSuggestion(Line::tr("unknown command '%1'").arg(name), name, namesOf(commands)));
+}
+
+ExitCode CommandLine::refuse(const QStringList& words, const QString& objection)
+{
+    Console console({asksForJson(words)});
+    return objectTo(console, objection);
+}

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#ifndef COMMANDLINE_H
+#define COMMANDLINE_H
+
+#include "command.h"
+
+#include <QStringList>
+
+/** Makes of the program's words a command, or an objection, and sees it to its end. */
+namespace CommandLine {
+
+/** @param words without the program's name, under a running application */
+ExitCode run(QStringList words);
+
+/** Objects to words that make no sense, as far as they are known. */
+ExitCode refuse(const QStringList& words, const QString& objection);
+
+} // namespace CommandLine
+
+#endif
