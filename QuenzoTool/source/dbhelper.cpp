@@ -14,8 +14,6 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
-#include <cstdlib>
-#include <mutex>
 #include <typeinfo>
 #include <utility>
 
@@ -107,7 +105,7 @@ bool DBHelper::initDatabase(QString path)
             m_db.setDatabaseName(path);
             opened = m_db.open();
             cause = m_db.lastError().databaseText().simplified();
-            // Makes what Qt keeps for queries, so that it outlives the registration at exit below.
+            // Makes what Qt keeps for queries, before the exit gate is armed below.
             if (opened)
                 const QSqlQuery query(m_db);
         }
@@ -122,12 +120,7 @@ bool DBHelper::initDatabase(QString path)
         qCWarning(recordsLog).noquote().nospace() << "cannot open the database '" << path << "': " << cause;
         return false;
     }
-    static std::once_flag armed;
-    std::call_once(armed, [] {
-        // Runs behind the gate's closing, when the worker rests.
-        std::atexit(commitAtExit);
-        ExitGate::arm();
-    });
+    ExitGate::arm(ExitGate::Connection, commitAtExit);
     return true;
 }
 
@@ -151,8 +144,7 @@ void DBHelper::removeDatabase()
 
 bool DBHelper::StartThread()
 {
-    static std::once_flag armed;
-    std::call_once(armed, ExitGate::arm);
+    ExitGate::arm(ExitGate::Queue);
     start(QThread::InheritPriority);
     return true;
 }

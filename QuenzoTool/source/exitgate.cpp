@@ -5,6 +5,7 @@
 
 #include <QtGlobal>
 
+#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <cstdlib>
@@ -112,13 +113,18 @@ void countCalls(int calls)
 
 } // namespace
 
-void ExitGate::arm()
+void ExitGate::arm(Work work, void (*lastly)())
 {
-    // Makes what Qt keeps for messages and texts, so that it outlives the registration.
-    Q_UNUSED(qFormatLogMessage(QtDebugMsg, QMessageLogContext(), QString()).toLocal8Bit())
-    Q_UNUSED(QLoggingCategory::defaultCategory())
-    gate();
-    std::atexit(closeGate);
+    static std::array<std::once_flag, WorkCount> armed;
+    std::call_once(armed.at(work), [lastly] {
+        // Makes what Qt keeps for messages and texts, which every kind of work uses.
+        Q_UNUSED(qFormatLogMessage(QtDebugMsg, QMessageLogContext(), QString()).toLocal8Bit())
+        Q_UNUSED(QLoggingCategory::defaultCategory())
+        gate();
+        if (lastly != nullptr)
+            std::atexit(lastly);
+        std::atexit(closeGate);
+    });
 }
 
 void ExitGate::setHold(void (*hold)(std::chrono::seconds))

@@ -113,12 +113,6 @@ void holdWithoutLock(std::chrono::seconds duration)
         PyEval_RestoreThread(own);
 }
 
-void armExitGate()
-{
-    ExitGate::setHold(holdWithoutLock);
-    ExitGate::arm();
-}
-
 // A turn with the interpreter: the process does not wait for it at exit, as it may last as long as a script.
 // The texts that are made meanwhile need nothing that is destroyed.
 struct InterpreterTurn {
@@ -214,8 +208,8 @@ bool PythonForQt::initPythonEnv()
 {
     static std::atomic<bool> starting{false};
     static std::recursive_mutex startMutex;
-    static std::once_flag armed;
-    std::call_once(armed, armExitGate);
+    ExitGate::setHold(holdWithoutLock);
+    ExitGate::arm(ExitGate::Scripts);
     if (PythonRuntime::isRunning() && (!starting || holdsInterpreterLock()))
         return true;
     const ExitGate::Call call;

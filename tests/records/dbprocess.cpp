@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A host's process whose end is what a test looks at: dbprocess BEHAVIOUR FILE [MILLISECONDS]
 #include <dbhelper.h>
+#include <quenzotool.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -86,11 +87,16 @@ int exitOnWorker(const QString& file)
     return EXIT_FAILURE;
 }
 
-// The worker's commit fails since somebody reads, who ends just before the process does.
-int endWithTransactionLeftOpen(const QString& file)
+// The worker's commit fails since somebody reads, who ends just before the process does. The interpreter may
+// have been started before the database was opened, or be so after it.
+int endWithTransactionLeftOpen(const QString& file, const QByteArray& scripts)
 {
+    if (scripts == "before" && !QuenzoTool::initPythonEnv())
+        return EXIT_FAILURE;
     DBHelper* const database = DBHelper::getInstance();
     database->initDatabase(file);
+    if (scripts == "after" && !QuenzoTool::initPythonEnv())
+        return EXIT_FAILURE;
     QSqlQuery(QSqlDatabase::database(QStringLiteral("Quenzo")))
         .exec(QStringLiteral("PRAGMA busy_timeout = 1"));
     database->insertToDatabase(table, QStringLiteral("burst"), 1, false);
@@ -162,7 +168,7 @@ int main(int argc, char* argv[])
     if (std::strcmp(behaviour, "leave") == 0)
         return leaveMain(file, QByteArray(argc > 3 ? argv[3] : "0").toULong());
     if (std::strcmp(behaviour, "left-open") == 0)
-        return endWithTransactionLeftOpen(file);
+        return endWithTransactionLeftOpen(file, argc > 3 ? argv[3] : "");
     if (std::strcmp(behaviour, "exit-on-worker") == 0)
         return exitOnWorker(file);
     return EXIT_FAILURE;

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void killedProcessLeavesWholeBurstsOnly();
     void processWithAWorkerEndsCleanlyWhenMainReturns();
     void processMayEndOnTheWorkerItself();
+    void transactionLeftOpenIsCommittedAtTheEnd_data();
     void transactionLeftOpenIsCommittedAtTheEnd();
     void workerOutlivesApplicationObjects();
     void nothingIsQueuedWithoutApplication();
@@ -119,9 +120,18 @@ void tst_DBProcess::processMayEndOnTheWorkerItself()
     run({QStringLiteral("exit-on-worker"), path()}, 60000);
 }
 
+void tst_DBProcess::transactionLeftOpenIsCommittedAtTheEnd_data()
+{
+    QTest::addColumn<QString>("scripts");
+    QTest::newRow("without scripts") << QString();
+    QTest::newRow("scripts before") << QStringLiteral("before");
+    QTest::newRow("scripts after") << QStringLiteral("after");
+}
+
 void tst_DBProcess::transactionLeftOpenIsCommittedAtTheEnd()
 {
-    run({QStringLiteral("left-open"), path()}, 60000);
+    QFETCH(const QString, scripts);
+    run({QStringLiteral("left-open"), path(), scripts}, 60000);
     QCOMPARE(ask(QStringLiteral("SELECT group_concat(burst) FROM bursts")).toString(), QStringLiteral("1,2"));
 }
 
