@@ -28,6 +28,8 @@ private Q_SLOTS:
     void countsFollowLinksAsTheLibraryDoes();
     void movedFilesCountOnce_data();
     void movedFilesCountOnce();
+    void linkToAMovedFolderIsNothingLeft_data();
+    void linkToAMovedFolderIsNothingLeft();
     void countsHoldNamesThatAreNoText();
     void countsAreRightForOneFile();
     void plansAreToldAndNotDone_data();
@@ -153,6 +155,31 @@ void tst_HostTrees::movedFilesCountOnce()
         const auto arrived = TreeFiles::content(m_root + "/target").values();
         QCOMPARE(arrived.size() - arrived.count("folder"), 3);
     }
+}
+
+void tst_HostTrees::linkToAMovedFolderIsNothingLeft_data()
+{
+    QTest::addColumn<bool>("linkFirst");
+    QTest::newRow("link made first") << true;
+    QTest::newRow("folder made first") << false;
+}
+
+// Whichever is listed first takes the files along. The link stays, as one to a folder elsewhere does.
+void tst_HostTrees::linkToAMovedFolderIsNothingLeft()
+{
+    QFETCH(bool, linkFirst);
+    TreeFiles::makeFolder(m_root + "/source");
+    const QByteArray link = m_root + "/source/link";
+    if (linkFirst)
+        TreeFiles::makeLink("folder", link);
+    write(m_root + "/source/folder/file", "moved");
+    if (!linkFirst)
+        TreeFiles::makeLink("folder", link);
+    const Ended moved = run("cut --json source target");
+    QVERIFY2(moved.code == 0, moved.error.constData());
+    QCOMPARE(moved.result().value(QStringLiteral("files")), QJsonValue(1));
+    QCOMPARE(TreeFiles::content(m_root + "/source").keys(), QList<QByteArray>{"link"});
+    QCOMPARE(TreeFiles::content(m_root + "/target").values().count("file moved"), 1);
 }
 
 void tst_HostTrees::countsHoldNamesThatAreNoText()

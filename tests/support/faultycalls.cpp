@@ -69,6 +69,12 @@ int openReally(const char* name, int folder, const char* path, int flags, mode_t
     return real<int (*)(int, const char*, int, mode_t)>(name)(folder, path, flags, mode);
 }
 
+bool isRegular(int file)
+{
+    struct stat status { };
+    return fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+}
+
 mode_t modeFrom(int flags, va_list arguments)
 {
     return (flags & (O_CREAT | __O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
@@ -155,6 +161,15 @@ __attribute__((visibility("default"))) int openat64(int folder, const char* path
     const mode_t mode = modeFrom(flags, arguments);
     va_end(arguments);
     return openReally("openat64", folder, path, flags, mode);
+}
+
+__attribute__((visibility("default"))) ssize_t write(int file, const void* content, size_t size)
+{
+    const bool isMeant = faultyCall == FaultyCalls::Writing && isRegular(file);
+    if (isMeant && fails(FaultyCalls::Writing))
+        return -1;
+    return real<ssize_t (*)(int, const void*, size_t)>("write")(file, content,
+                                                                isMeant ? (size + 1) / 2 : size);
 }
 
 __attribute__((visibility("default"))) int linkat(int oldFolder, const char* oldPath, int newFolder,

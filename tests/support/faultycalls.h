@@ -13,6 +13,7 @@ namespace FaultyCalls {
 enum Call {
     Opening,
     OpeningUnnamed,
+    Writing, ///< into regular files; half of what is handed over arrives while such calls are to fail
     Copying,
     Linking,
     Listing,

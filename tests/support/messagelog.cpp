@@ -27,6 +27,16 @@ void record(QtMsgType type, const QMessageLogContext& context, const QString& te
         handlerBefore(type, context, text);
 }
 
+template <typename IsMeant> QStringList textsOf(const QVector<LoggedMessage>& taken, IsMeant isMeant)
+{
+    QStringList texts;
+    for (const LoggedMessage& message : taken) {
+        if (isMeant(message.type))
+            texts.append(message.text);
+    }
+    return texts;
+}
+
 } // namespace
 
 MessageLog::MessageLog()
@@ -56,24 +66,17 @@ QVector<LoggedMessage> MessageLog::take()
 
 QStringList MessageLog::takeDebugTexts()
 {
-    QStringList texts;
-    const QVector<LoggedMessage> taken = take();
-    for (const LoggedMessage& message : taken) {
-        if (message.type == QtDebugMsg)
-            texts.append(message.text);
-    }
-    return texts;
+    return textsOf(take(), [](QtMsgType type) { return type == QtDebugMsg; });
+}
+
+QStringList MessageLog::takeInfoTexts()
+{
+    return textsOf(take(), [](QtMsgType type) { return type == QtInfoMsg; });
 }
 
 QStringList MessageLog::takeWarnings()
 {
-    QStringList texts;
-    const QVector<LoggedMessage> taken = take();
-    for (const LoggedMessage& message : taken) {
-        if (message.type != QtDebugMsg && message.type != QtInfoMsg)
-            texts.append(message.text);
-    }
-    return texts;
+    return textsOf(take(), [](QtMsgType type) { return type != QtDebugMsg && type != QtInfoMsg; });
 }
 
 CategoryOn::CategoryOn(const char* name)

@@ -34,6 +34,9 @@ public:
     /** Takes every message, as texts of those at debug level. */
     QStringList takeDebugTexts();
 
+    /** Takes every message, as texts of those at info level. */
+    QStringList takeInfoTexts();
+
     /** Takes every message, as texts of the warnings and worse. */
     QStringList takeWarnings();
 };

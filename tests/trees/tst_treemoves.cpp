@@ -179,8 +179,7 @@ void tst_TreeMoves::sourceFolderThatChangedIsToldWithTheReason()
     QVERIFY(FaultyCalls::wasHit());
     const QString line =
         QStringLiteral("'%1' could not be emptied: %2").arg(QFile::decodeName(moved), reason);
-    const QStringList told = m_messages->takeWarnings();
-    QVERIFY2(told.contains(line), qUtf8Printable(told.join(QLatin1Char('\n'))));
+    QCOMPARE(m_messages->takeInfoTexts(), QStringList(line));
     QCOMPARE(TreeFiles::read(elsewhere + "/file"), QByteArray("copied"));
     QCOMPARE(exists(moved + "/file"), replaced);
 }
@@ -191,11 +190,13 @@ void tst_TreeMoves::moveWithinAFullDiskSucceeds()
     QFETCH(Manner, manner);
     const QByteArray root = m_root + "/small";
     const Mount disk = Mount::smallDisk(root, "size=2m");
-    if (!disk.isMounted)
-        QSKIP("only root can make a small disk");
     writeMany(root + "/source/file", 60, QByteArray(30000, 'x'));
     const Tree before = content(root + "/source");
+    // Only root can make a small disk: for others it says once that it is full.
+    if (!disk.isMounted)
+        FaultyCalls::failNth(FaultyCalls::Copying, 40, ENOSPC);
     QVERIFY(TreeRuns::transfer(root + "/source", root + "/target", manner));
+    QVERIFY(disk.isMounted || FaultyCalls::wasHit());
     QCOMPARE(content(root + "/target"), before);
     QVERIFY(content(root + "/source").isEmpty());
 }

@@ -14,9 +14,10 @@ void removeFile(const TreeFolder& folder, const QByteArray& name, const FileStat
     if (now.id.isEmpty())
         return; // somebody else has removed it
     if (!(now == whenCopied))
-        logFailure(path, QStringLiteral("removed"), QStringLiteral("it was written to since it was copied"));
+        logLeftBehind(path, QStringLiteral("removed"),
+                      QStringLiteral("it was written to since it was copied"));
     else if (!folder.removeFile(name))
-        logSystemFailure(path, QStringLiteral("removed"));
+        logLeftBehind(path, QStringLiteral("removed"), errorText(errno));
 }
 
 } // namespace
@@ -57,12 +58,12 @@ void SourceRemoval::perform()
     for (const Group& group : qAsConst(m_groups)) {
         const TreeFolder folder = TreeFolder::open(group.path, TreeFolder::Writing);
         if (!folder.isOpen()) {
-            logFailure(group.path, QStringLiteral("emptied"), errorText(folder.error()));
+            logLeftBehind(group.path, QStringLiteral("emptied"), errorText(folder.error()));
             continue;
         }
         if (folder.id() != group.id) {
-            logFailure(group.path, QStringLiteral("emptied"),
-                       QStringLiteral("it is no longer the folder that was copied"));
+            logLeftBehind(group.path, QStringLiteral("emptied"),
+                          QStringLiteral("it is no longer the folder that was copied"));
             continue;
         }
         for (const Item& item : group.items) {
@@ -81,9 +82,10 @@ void SourceRemoval::removeFolder(const TreeFolder& parent, const QByteArray& nam
 {
     const bool removed = parent.removeFolder(name)
         || (manner == Forced && parent.forceWriteOther(name) && parent.removeFolder(name));
-    // What a folder still holds is known, or meant to stay.
-    if (!removed && errno != ENOTEMPTY)
-        logFolderThatStays(parent.pathOf(name));
+    // What a folder still holds is known, or meant to stay; one that is gone cannot be emptied, which was
+    // told.
+    if (!removed && errno != ENOTEMPTY && errno != ENOENT)
+        logLeftBehind(parent.pathOf(name), QStringLiteral("removed"), reasonOfStaying());
 }
 
 SourceRemoval::Group& SourceRemoval::groupOf(const TreeFolder& folder, const QByteArray& targetPath)

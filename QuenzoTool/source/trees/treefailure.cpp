@@ -5,10 +5,23 @@
 
 #include <cerrno>
 
+namespace {
+
+QString line(const QByteArray& path, const QString& what, const QString& reason)
+{
+    return QStringLiteral("'%1' could not be %2: %3").arg(TreeFolder::text(path), what, reason);
+}
+
+} // namespace
+
 void logFailure(const QByteArray& path, const QString& what, const QString& reason)
 {
-    qCWarning(treesLog).noquote()
-        << QStringLiteral("'%1' could not be %2: %3").arg(TreeFolder::text(path), what, reason);
+    qCWarning(treesLog).noquote() << line(path, what, reason);
+}
+
+void logLeftBehind(const QByteArray& path, const QString& what, const QString& reason)
+{
+    qCInfo(treesLog).noquote() << line(path, what, reason);
 }
 
 void logSystemFailure(const QByteArray& path, const QString& what)
@@ -18,9 +31,12 @@ void logSystemFailure(const QByteArray& path, const QString& what)
 
 void logFolderThatStays(const QByteArray& path)
 {
-    const bool isLink = errno == ENOTDIR;
-    logFailure(path, QStringLiteral("removed"),
-               isLink ? QStringLiteral("it is a link to a folder") : errorText(errno));
+    logFailure(path, QStringLiteral("removed"), reasonOfStaying());
+}
+
+QString reasonOfStaying()
+{
+    return errno == ENOTDIR ? QStringLiteral("it is a link to a folder") : errorText(errno);
 }
 
 void logUnreadable(const TreeFolder& folder)

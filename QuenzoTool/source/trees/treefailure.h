@@ -18,6 +18,15 @@ void logSystemFailure(const QByteArray& path, const QString& what);
 /** The same of a folder that could not be removed. */
 void logFolderThatStays(const QByteArray& path);
 
+/**
+ * Tells at info level of an entry that a move has copied and could not remove: the move goes on behind it,
+ * and its result does not speak of it.
+ */
+void logLeftBehind(const QByteArray& path, const QString& what, const QString& reason);
+
+/** Why a folder could not be removed, by what the system says of its latest call. */
+QString reasonOfStaying();
+
 /** The same of a folder that could not be opened. */
 void logUnreadable(const TreeFolder& folder);
 

@@ -14,7 +14,6 @@
 #include <QFile>
 #include <QLocale>
 
-#include <algorithm>
 #include <unistd.h>
 
 namespace {
@@ -44,37 +43,12 @@ bool isLineOf(const FileIdentity& one, QByteArray folder)
     return true;
 }
 
-// A link in the tree to the target, or to what holds it: what comes to the target would belong to the tree,
-// too, without an end.
-QByteArray linkToTarget(TreeScope scope, const QByteArray& target)
+// A move into the source passes over failures before the one that ends it.
+QStringList withTheEndingFirst(QStringList failures)
 {
-    QByteArray found;
-    scope.filesToo = false;
-    scope.walk([&](const WalkedEntry& entry) {
-        if (!entry.isLink || !entry.isFolder() || !isLineOf(FileIdentity(entry.status), target))
-            return TreeScope::GoOn;
-        found = scope.top + '/' + entry.path;
-        return TreeScope::Stop;
-    });
-    return found;
-}
-
-// What a move goes on behind: it was copied, but is still in the source.
-bool isPassedOver(const QString& cause)
-{
-    const QString verb = QStringLiteral("' could not be ");
-    const QStringRef what = cause.midRef(cause.lastIndexOf(verb) + verb.size());
-    return what.startsWith(QLatin1String("removed: ")) || what.startsWith(QLatin1String("emptied: "));
-}
-
-// The settling of a move comes after what ended it, and a move into the source passes over other failures
-// before.
-QStringList withTheEndingFirst(QStringList causes)
-{
-    const auto ending = std::find_if_not(causes.rbegin(), causes.rend(), isPassedOver);
-    if (ending != causes.rend())
-        causes.prepend(causes.takeAt(static_cast<int>(causes.rend() - ending) - 1));
-    return causes;
+    if (!failures.isEmpty())
+        failures.prepend(failures.takeLast());
+    return failures;
 }
 
 QStringList shortened(const QStringList& causes, bool tellsAll)
@@ -103,12 +77,31 @@ TreeOperation::TreeOperation(THREAD_OPERATE operate, const TreePaths& paths, con
 
 TreeOperation::~TreeOperation() = default;
 
+// Learns of the links to folders in the tree, and returns one that leads to the target, or to what holds it,
+// if there is any: what comes to the target would belong to the tree, too, without an end.
+QByteArray TreeOperation::findFolderLinks()
+{
+    QByteArray found;
+    TreeScope scope = m_scope;
+    scope.filesToo = false;
+    scope.walk([&](const WalkedEntry& entry) {
+        if (!entry.isLink || !entry.isFolder())
+            return TreeScope::GoOn;
+        m_folderLinks.insert(entry.path);
+        if (!isLineOf(FileIdentity(entry.status), m_target))
+            return TreeScope::GoOn;
+        found = scope.top + '/' + entry.path;
+        return TreeScope::Stop;
+    });
+    return found;
+}
+
 bool TreeOperation::run(Console& console)
 {
     m_tellsAll = console.verbose();
     console.step(TreeOperations::tr("from '%1' to '%2'").arg(m_paths.realSource, m_paths.realTarget));
     console.showProgress({TreeOperations::tr("counting")});
-    const QByteArray endless = linkToTarget(m_scope, m_target);
+    const QByteArray endless = findFolderLinks();
     if (!endless.isEmpty()) {
         console.error(TreeOperations::tr(
                           "'%1' is a link to the target, or to a folder that holds it; nothing was touched")
@@ -126,7 +119,15 @@ bool TreeOperation::run(Console& console)
     m_progress = std::make_unique<TreeProgress>(m_scope);
     m_arrival = std::make_unique<TreeArrival>(targets());
     const bool done = m_operate == OPERATE_CUT_OUTPUT ? runOutput(console) : start(console, {});
-    return done || fail(console);
+    return done || onlyLinksAreLeft() || fail(console);
+}
+
+// The library stops at a link that leads nowhere, even to one whose folder it has just moved.
+bool TreeOperation::onlyLinksAreLeft() const
+{
+    return m_started && m_operate != OPERATE_COPY && m_scope.walk([this](const WalkedEntry& entry) {
+        return entry.isLink && m_folderLinks.contains(entry.path) ? TreeScope::PassBy : TreeScope::Stop;
+    });
 }
 
 bool TreeOperation::start(Console& console, const QStringList& left)
@@ -136,6 +137,7 @@ bool TreeOperation::start(Console& console, const QStringList& left)
     if (!left.isEmpty())
         map.insert(QStringLiteral("filter"), left.join(QLatin1Char(',')));
     Diagnostics::takeAll();
+    const int before = Diagnostics::steps().size();
     ThreadCommon worker;
     worker.StartOperate(m_operate, map);
     m_started = runWorker(worker, console, [this] {
@@ -143,7 +145,8 @@ bool TreeOperation::start(Console& console, const QStringList& left)
         done.bytes += m_arrival->unnamedBytes();
         return progressOf(m_operate, done, m_progress->all());
     });
-    m_causes = Diagnostics::takeAll();
+    m_failures = Diagnostics::takeAll();
+    m_leftBehind = Diagnostics::steps().mid(before);
     return m_started && worker.getResult().toBool();
 }
 
@@ -172,14 +175,14 @@ bool TreeOperation::finishOutput(Console& console, const TreeRightsKeeper& right
 
 QStringList TreeOperation::causes() const
 {
-    return shortened(m_causes, m_tellsAll);
+    return shortened(m_failures + m_leftBehind, m_tellsAll);
 }
 
 bool TreeOperation::fail(Console& console) const
 {
     if (!m_started)
         return false;
-    const QStringList lines = shortened(withTheEndingFirst(m_causes), m_tellsAll);
+    const QStringList lines = shortened(withTheEndingFirst(m_failures) + m_leftBehind, m_tellsAll);
     if (lines.isEmpty())
         console.error(TreeOperations::tr("not everything has come to '%1'; the rest is in '%2'")
                           .arg(m_paths.target, m_paths.source));
@@ -195,6 +198,18 @@ TreeCount TreeOperation::handled() const
     TreeCount count = m_progress->all();
     if (m_operate != OPERATE_COPY)
         count -= left();
+    return count;
+}
+
+// A link to a folder stays in a move; it may lead nowhere by then, since that folder was moved, too.
+TreeCount TreeOperation::left() const
+{
+    TreeCount count;
+    m_scope.walk([&](const WalkedEntry& entry) {
+        if (!entry.isLink || !m_folderLinks.contains(entry.path))
+            count.add(entry);
+        return TreeScope::GoOn;
+    });
     return count;
 }
 

@@ -5,6 +5,8 @@
 #include "trees/treecount.h"
 #include "trees/treepaths.h"
 
+#include <QSet>
+
 #include <memory>
 
 class Console;
@@ -28,13 +30,15 @@ public:
     TreeCount handled() const;
 
     /** After a move: the files that are still in the source, though they should not. */
-    TreeCount left() const { return TreeCount::of(m_scope); }
+    TreeCount left() const;
 
     /** What the library could not do, line by line, if anything; the first of it when there is much. */
     QStringList causes() const;
 
 private:
+    QByteArray findFolderLinks();
     bool start(Console& console, const QStringList& left);
+    bool onlyLinksAreLeft() const;
     bool runOutput(Console& console);
     bool finishOutput(Console& console, const TreeRightsKeeper& rights);
     bool fail(Console& console) const;
@@ -45,9 +49,11 @@ private:
     const QStringList m_left;
     const QByteArray m_target;
     TreeScope m_scope;
+    QSet<QByteArray> m_folderLinks; // those in the source when the operation began
     std::unique_ptr<TreeProgress> m_progress;
     std::unique_ptr<TreeArrival> m_arrival;
-    QStringList m_causes;
+    QStringList m_failures;
+    QStringList m_leftBehind; // copied, and still in the source
     bool m_started = false;
     bool m_tellsAll = false; // not only the first causes
 };
