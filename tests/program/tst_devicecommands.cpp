@@ -14,6 +14,7 @@ private Q_SLOTS:
     void devicesArePrinted();
     void inaccessibleDeviceIsNoDevice();
     void missingToolIsSaidPlainly();
+    void brokenToolIsSaidPlainly_data();
     void brokenToolIsSaidPlainly();
     void packageNameIsPrinted();
     void unusableApkIsRefused_data();
@@ -94,14 +95,26 @@ void tst_DeviceCommands::missingToolIsSaidPlainly()
     QCOMPARE(ScriptedTools::calls(), QStringList(QStringLiteral("adb <version>")));
 }
 
+void tst_DeviceCommands::brokenToolIsSaidPlainly_data()
+{
+    QTest::addColumn<QByteArray>("version");
+    QTest::addColumn<QByteArray>("reason");
+    QTest::newRow("own words") << QByteArray("echo 'the program was not found on the PATH' >&2; exit 127")
+                               << QByteArray("does not work: the program was not found on the PATH");
+    QTest::newRow("silence") << QByteArray("exit 7") << QByteArray("/adb ended with code 7: it said nothing");
+    QTest::newRow("crash") << QByteArray("kill -9 $$") << QByteArray("/adb crashed: it said nothing");
+    QTest::newRow("flood") << QByteArray("exec cat /dev/zero")
+                           << QByteArray("/adb was ended: it printed more than 67108864 bytes");
+}
+
 void tst_DeviceCommands::brokenToolIsSaidPlainly()
 {
-    ScriptedTools::answer(QStringLiteral("version"),
-                          "echo 'the program was not found on the PATH' >&2; exit 127");
+    QFETCH(const QByteArray, version);
+    QFETCH(const QByteArray, reason);
+    ScriptedTools::answer(QStringLiteral("version"), version);
     const Ended run = quenzo({QStringLiteral("devices"), QStringLiteral("--json")});
     QCOMPARE(run.code, 1);
-    QVERIFY2(run.error.trimmed().endsWith("does not work: the program was not found on the PATH"),
-             run.error.constData());
+    QVERIFY2(run.error.trimmed().endsWith(reason), run.error.constData());
     QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(true), false);
     QVERIFY(
         run.failure().value(QStringLiteral("message")).toString().contains(QStringLiteral("/tool/mac/adb")));

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "devices/toolcheck.h"
 
+#include "console/diagnostics.h"
+
 #include <quenzotool.h>
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 
 namespace {
 
@@ -18,22 +19,20 @@ struct ToolCheck {
 
 QString toolProblem(const QString& name)
 {
-    constexpr int timeLimitMs = 10000;
     const QString path = QDir::cleanPath(QuenzoTool::getToolPath() + QLatin1Char('/') + name);
     const QFileInfo file(path);
     if (!file.isFile() || !file.isExecutable())
         return ToolCheck::tr("the program %1 is missing: there is no %2 that can be run").arg(name, path);
 
-    QProcess program;
-    program.start(path, {QStringLiteral("version")});
-    const bool ended = program.waitForFinished(timeLimitMs);
-    if (ended && program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0)
+    // The library limits its time and its output, and has a cause for everything but success.
+    QString output;
+    QString error;
+    Diagnostics::takeAll();
+    const bool ended =
+        QuenzoTool::runCmdWaitFinish(QStringLiteral("\"%1\" version").arg(path), output, error);
+    const QString cause = Diagnostics::take();
+    if (ended && cause.isEmpty())
         return {};
-    QString reason = QString::fromUtf8(program.readAllStandardError()).trimmed();
-    if (reason.isEmpty())
-        reason =
-            ended ? ToolCheck::tr("it ended with code %1").arg(program.exitCode()) : program.errorString();
-    program.kill();
-    program.waitForFinished();
-    return ToolCheck::tr("the program %1 does not work: %2").arg(path, reason);
+    const QString ownWords = ended ? error.trimmed() : QString();
+    return ToolCheck::tr("the program %1 does not work: %2").arg(path, ownWords.isEmpty() ? cause : ownWords);
 }
