@@ -51,10 +51,11 @@ void tst_IconFaults::cleanup()
     QCOMPARE(m_log->takeWarnings(), QStringList());
 }
 
-// Run in a process of its own, which dies as soon as a file is filled.
-static int dieBeforeTheFirstName(const char* folder)
+// Run in a process of its own, which dies when half of a file's content is written.
+static int dieInTheMidstOfAFile(const char* folder, bool unnamedFiles)
 {
-    FaultyCalls::actBeforeNth(FaultyCalls::ChangingMode, 1, [] { std::raise(SIGKILL); });
+    FaultyCalls::allowUnnamedFiles(unnamedFiles);
+    FaultyCalls::actBeforeNth(FaultyCalls::Writing, 2, [] { std::raise(SIGKILL); });
     const QString root = QFile::decodeName(folder);
     ThreadGenerateIcon thread;
     thread.setGameInfo(root + QStringLiteral("/game.png"), 3, 0, 0, android);
@@ -69,24 +70,39 @@ static int dieBeforeTheFirstName(const char* folder)
 void tst_IconFaults::killedRunLeavesWholeFiles_data()
 {
     QTest::addColumn<bool>("replacing");
-    QTest::newRow("new file") << false;
-    QTest::newRow("file that was there") << true;
+    QTest::addColumn<bool>("unnamedFiles");
+    QTest::newRow("new file") << false << true;
+    QTest::newRow("file that was there") << true << true;
+    QTest::newRow("new file, named while it is written") << false << false;
+    QTest::newRow("file that was there, named while it is written") << true << false;
 }
 
 void tst_IconFaults::killedRunLeavesWholeFiles()
 {
     QFETCH(const bool, replacing);
+    QFETCH(const bool, unnamedFiles);
     Job job;
     for (const QString& name : replacing ? namesOf(android) : QStringList())
         job.write(job.out(QStringLiteral("a/") + name), "old");
     QProcess child;
-    child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--die"), job.path({})});
+    const QString way = unnamedFiles ? QStringLiteral("--die") : QStringLiteral("--die-named");
+    child.start(QCoreApplication::applicationFilePath(), {way, job.path({})});
     QVERIFY(child.waitForFinished(60000));
     QCOMPARE(child.exitStatus(), QProcess::CrashExit);
     QCOMPARE(child.exitCode(), SIGKILL);
-    QCOMPARE(job.filesIn(QStringLiteral("a")), replacing ? namesOf(android) : QStringList());
-    for (const QString& name : job.filesIn(QStringLiteral("a")))
-        QCOMPARE(TreeFiles::read(QFile::encodeName(job.out(QStringLiteral("a/") + name))), QByteArray("old"));
+    QStringList left;
+    qint64 written = 0;
+    for (const QString& name : job.filesIn(QStringLiteral("a"))) {
+        const QByteArray content = TreeFiles::read(QFile::encodeName(job.out(QStringLiteral("a/") + name)));
+        if (name.contains(QLatin1String(".part"))) {
+            written += content.size();
+            continue;
+        }
+        QCOMPARE(content, QByteArray("old"));
+        left.append(name);
+    }
+    QCOMPARE(left, replacing ? namesOf(android) : QStringList());
+    QVERIFY2(unnamedFiles == (written == 0), "it did not die in the midst of a file");
 }
 
 void tst_IconFaults::filesAreMadeWhereNoneIsUnnamed()
@@ -252,8 +268,8 @@ void tst_IconFaults::causesAreKeptFromWhoDoesNotAsk()
 int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
-    if (argc == 3 && qstrcmp(argv[1], "--die") == 0)
-        return dieBeforeTheFirstName(argv[2]);
+    if (argc == 3 && qstrncmp(argv[1], "--die", 5) == 0)
+        return dieInTheMidstOfAFile(argv[2], qstrcmp(argv[1], "--die") == 0);
     tst_IconFaults test;
     QTEST_SET_MAIN_SOURCE_PATH
     return QTest::qExec(&test, argc, argv);

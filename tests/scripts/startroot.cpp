@@ -35,6 +35,13 @@ void StartRoot::setVariable(const QString& name, const QString& value)
     m_environment.insert(name, value);
 }
 
+void StartRoot::preload(const QString& library)
+{
+    setVariable(QStringLiteral("LD_PRELOAD"), library);
+    // The address sanitizer would refuse to come second.
+    setVariable(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+}
+
 void StartRoot::start(const QString& host, const QStringList& arguments)
 {
     const QString program = m_path + QStringLiteral("/bin/") + host;

@@ -18,6 +18,9 @@ public:
     void writeStartModule(const QByteArray& content);
 
     /** Adds to the environment of the process. */
+    /** Lets the host load a library before every other. */
+    void preload(const QString& library);
+
     void setVariable(const QString& name, const QString& value);
 
     void start(const QString& host, const QStringList& arguments);

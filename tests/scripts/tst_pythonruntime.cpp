@@ -33,6 +33,7 @@ private Q_SLOTS:
     void runtimeAloneTakesTheLibraryBuiltWith();
     void startWithoutAUsableLibraryIsFalse_data();
     void startWithoutAUsableLibraryIsFalse();
+    void startWithoutAnyLibraryIsFalse();
     void startWithAFolderAsInputIsFalse();
     void startBesideAnotherVersionIsFalse();
 };
@@ -178,6 +179,16 @@ void tst_PythonRuntime::startWithoutAUsableLibraryIsFalse()
              root.error().constData());
 }
 
+void tst_PythonRuntime::startWithoutAnyLibraryIsFalse()
+{
+    StartRoot root;
+    root.writeStartModule("");
+    root.preload(QStringLiteral(NO_LIBRARY));
+    QCOMPARE(root.run(QStringLiteral("failing")), QByteArray("false\nfalse\n-1\nhandled\n"));
+    QVERIFY2(root.error().contains("could not be started: its standard library is missing"),
+             root.error().constData());
+}
+
 void tst_PythonRuntime::startWithAFolderAsInputIsFalse()
 {
     StartRoot root;
@@ -192,9 +203,7 @@ void tst_PythonRuntime::startBesideAnotherVersionIsFalse()
 {
     StartRoot root;
     root.writeStartModule("");
-    root.setVariable(QStringLiteral("LD_PRELOAD"), QStringLiteral(OTHER_PYTHON));
-    // The address sanitizer would refuse to come second.
-    root.setVariable(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+    root.preload(QStringLiteral(OTHER_PYTHON));
     QCOMPARE(root.run(QStringLiteral("failing")), QByteArray("false\nfalse\n-1\nhandled\n"));
     QVERIFY2(root.error().contains("the process has loaded another version of it, 3.99.1"),
              root.error().constData());
