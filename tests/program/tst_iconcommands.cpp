@@ -54,6 +54,9 @@ private Q_SLOTS:
     void outputFolderMayBeALink();
     void keepLeavesOtherFilesAndReplacesItsOwn();
     void relativeOutputFolderIsBelowTheCurrentOne();
+    void dryRunTellsAllAndTouchesNothing();
+    void dryRunOfAnAdditionDeletesNothing();
+    void dryRunRefusesWhatARunWould();
     void emptyListGivesAnEmptyFolder();
     void sheetShowsEveryIcon();
     void countsReadWellForOneChannel();
@@ -299,6 +302,61 @@ void tst_IconCommands::relativeOutputFolderIsBelowTheCurrentOne()
     QVERIFY2(ended.output.trimmed().endsWith(
                  QFile::encodeName(QDir(root()).canonicalPath() + QStringLiteral("/deep/down"))),
              ended.output.constData());
+}
+
+void tst_IconCommands::dryRunTellsAllAndTouchesNothing()
+{
+    const QByteArray list = R"([{"folder": "a", "mark": "red"}])";
+    QCOMPARE(icons(list).code, 0);
+    write(out(QStringLiteral("old/inner/file")), "old");
+    QVERIFY(QDir().mkpath(out(QStringLiteral("hollow"))));
+    QVERIFY(QFile::remove(out(QStringLiteral("a/icon36x36.png"))));
+    const QByteArray before = contentOf(out(QStringLiteral("a/icon48x48.png")));
+    const QStringList files = filesBelow(root());
+
+    const Ended told = icons(list, words("--dry-run --sheet sheet.png"));
+    QCOMPARE(told.error, QByteArray());
+    QCOMPARE(told.code, 0);
+    const QString folder = QDir(root()).canonicalPath() + QStringLiteral("/out/");
+    QString expected;
+    for (const char* line :
+         {"delete hollow", "delete old/inner/file", "write a/icon36x36.png", "replace a/icon48x48.png",
+          "replace a/icon72x72.png", "replace a/icon96x96.png", "replace a/icon144x144.png",
+          "replace a/icon192x192.png", "replace a/icon512x512.png"})
+        expected += QString(QLatin1String(line)).replace(QLatin1Char(' '), QLatin1Char(' ') + folder)
+            + QLatin1Char('\n');
+    expected += QStringLiteral("write sheet.png\nfiles to write: 8, to delete: 2\n");
+    QCOMPARE(QString::fromUtf8(told.output), expected);
+    QCOMPARE(filesBelow(root()), files);
+    QVERIFY(QDir(out(QStringLiteral("hollow"))).exists());
+    QCOMPARE(contentOf(out(QStringLiteral("a/icon48x48.png"))), before);
+
+    // What it tells is what happens.
+    QCOMPARE(icons(list).code, 0);
+    QVERIFY(!QFileInfo::exists(out(QStringLiteral("hollow"))));
+    QVERIFY(!QFileInfo::exists(out(QStringLiteral("old"))));
+    QCOMPARE(filesBelow(out()).size(), 7);
+}
+
+void tst_IconCommands::dryRunOfAnAdditionDeletesNothing()
+{
+    write(out(QStringLiteral("a/mine")), "mine");
+    for (const char* options : {"--keep", "--layout android-res"}) {
+        const Ended told = icons(R"([{"folder": "a"}])", words(options) + words("--dry-run"));
+        QCOMPARE(told.code, 0);
+        QVERIFY2(told.output.endsWith("files to write: 7, to delete: 0\n"), told.output.constData());
+        QCOMPARE(filesBelow(out()), words("a/mine"));
+    }
+}
+
+void tst_IconCommands::dryRunRefusesWhatARunWould()
+{
+    write(out(QStringLiteral("mine")), "mine");
+    const Ended told = icons(R"([{"folder": "a"}])", words("--dry-run"));
+    QCOMPARE(told.code, 1);
+    QVERIFY2(told.error.contains("is not empty, and no earlier run has made it"), told.error.constData());
+    QCOMPARE(told.output, QByteArray());
+    QCOMPARE(icons(R"([{"folder": "a", "mark": "absent"}])", words("--dry-run --clear")).code, 1);
 }
 
 void tst_IconCommands::emptyListGivesAnEmptyFolder()

@@ -5,6 +5,7 @@
 #include "fileidentity.h"
 #include "icons/channellist.h"
 #include "icons/contactsheet.h"
+#include "icons/dryrun.h"
 #include "icons/filetally.h"
 #include "icons/iconjob.h"
 #include "icons/iconproduction.h"
@@ -278,6 +279,10 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
     if (!faults.isEmpty())
         return ExitFailed;
     warnOf((job.ignoreMissing ? job.missingMarks() : QStringList()) + job.warnings(), console);
+    if (parser.isSet(QStringLiteral("dry-run"))) {
+        reportDryRun(job, console);
+        return ExitDone;
+    }
 
     QElapsedTimer time;
     time.start();
@@ -331,6 +336,8 @@ QVector<Command> iconCommands()
                            C::tr("Deletes an output folder that no earlier run has made, too.")),
         QCommandLineOption(QStringLiteral("ignore-missing"),
                            C::tr("Leaves icons unmarked whose marks are missing or cannot be read.")),
+        QCommandLineOption(QStringLiteral("dry-run"),
+                           C::tr("Tells file by file what would be written and deleted, and does nothing.")),
         option("sheet", C::tr("Draws all channels' icons with their names into one picture."), "FILE.png"),
     };
     icons.run = makeIcons;

@@ -30,12 +30,6 @@ bool holds(const QString& folder, const QString& path)
         && (inner == folder || folder == QLatin1String("/") || inner.startsWith(folder + QLatin1Char('/')));
 }
 
-// In an output folder that a run has made, and the next one may therefore clear.
-QString markerOf(const IconJob& job)
-{
-    return job.out + QLatin1String("/.quenzo-icons");
-}
-
 QString markPath(const IconJob& job, const QString& mark, int corner)
 {
     return job.marks + QLatin1Char('/') + mark + QLatin1Char('/') + IconSet::cornerFile(corner);
@@ -148,7 +142,7 @@ bool isEmpty(const QString& folder)
 
 QString faultOfForeignFolder(const IconJob& job)
 {
-    if (job.keep || job.clear || isEmpty(job.out) || QFileInfo::exists(markerOf(job)))
+    if (job.keep || job.clear || isEmpty(job.out) || QFileInfo::exists(job.marker()))
         return {};
     return Job::tr("the output folder '%1' is not empty, and no earlier run has made it: --clear deletes "
                    "what is in it, --keep leaves it")
@@ -295,6 +289,11 @@ QString IconJob::danger() const
     return {};
 }
 
+QString IconJob::marker() const
+{
+    return out + QLatin1String("/.quenzo-icons");
+}
+
 QStringList IconJob::leftovers() const
 {
     if (keep)
@@ -352,6 +351,6 @@ QStringList IconJob::warnings() const
 
 bool IconJob::markAsOwn() const
 {
-    QFile marker(markerOf(*this));
-    return marker.open(QIODevice::WriteOnly);
+    QFile file(marker());
+    return file.open(QIODevice::WriteOnly);
 }

@@ -49,7 +49,10 @@ struct IconJob {
     /** What is worth a look although the job can be run. */
     QStringList warnings() const;
 
-    /** Leaves a sign in the output folder that a run may clear it; false when that failed. */
+    /** The file in an output folder that a run has made, and the next one may therefore clear. */
+    QString marker() const;
+
+    /** Makes it; false when that failed. */
     bool markAsOwn() const;
 };
 
