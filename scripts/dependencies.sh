@@ -7,7 +7,7 @@
 set -euo pipefail
 
 build=(g++ make cmake pkg-config qtbase5-dev libqt5sql5-sqlite libsqlite3-dev libdeflate-dev openssl adb aapt
-        pngcheck zsh mandoc groff-base python3-jsonschema)
+        pngcheck zsh mandoc groff-base python3-jsonschema fonts-dejavu-core fonts-wqy-microhei)
 checks=(clang clang-format clang-tidy python3-minimal)
 bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev)
 # Python 2.7 left Debian with release 11. These packages, and nothing else, come from there.

@@ -51,6 +51,9 @@ private Q_SLOTS:
     void whatCannotBeClearedIsWarnedOf();
     void sheetThatCannotBeWrittenFails();
     void sheetWithoutFontsIsWarnedOf();
+    void sheetWithoutANamesLettersIsWarnedOf();
+    void sheetShowsNamesInAnyScript_data();
+    void sheetShowsNamesInAnyScript();
 };
 
 void tst_IconFailures::missingMarkMayBeIgnored_data()
@@ -293,6 +296,48 @@ void tst_IconFailures::sheetWithoutFontsIsWarnedOf()
     QCOMPARE(ended.code, 0);
     QVERIFY2(ended.error.contains("quenzo: no font was found; "), ended.error.constData());
     QVERIFY(!QImage(path(QStringLiteral("s.png"))).isNull());
+}
+
+void tst_IconFailures::sheetWithoutANamesLettersIsWarnedOf()
+{
+    write(path(QStringLiteral("fonts.conf")),
+          "<?xml version=\"1.0\"?>\n<fontconfig><dir>" DEJAVU_FONTS "</dir></fontconfig>\n");
+    write(path(QStringLiteral("channels.json")), R"([{"folder": "a", "name": "Official \u6e20\u9053 \u6e20"},
+                                                     {"folder": "b", "name": "\u041c\u0430\u0433\u0430\u0437\u0438\u043d"}])");
+    QuenzoProcess process(arguments(words("--sheet s.png")), root());
+    process.setVariable("FONTCONFIG_FILE", path(QStringLiteral("fonts.conf")));
+    const Ended ended = process.end();
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(QString::fromUtf8(ended.error),
+             QString::fromUtf8(
+                 "quenzo: channel 'Official \u6e20\u9053 \u6e20': no installed font has \u6e20\u9053; "
+                 "the sheet shows boxes there\n"));
+}
+
+void tst_IconFailures::sheetShowsNamesInAnyScript_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("Chinese") << QString::fromUtf8("\u5b98\u65b9\u6e20\u9053");
+    QTest::newRow("Japanese") << QString::fromUtf8("\u30b2\u30fc\u30e0\u306e\u5e97");
+    QTest::newRow("Korean") << QString::fromUtf8("\uac8c\uc784 \uc0c1\uc810");
+    QTest::newRow("Russian") << QString::fromUtf8("\u041c\u0430\u0433\u0430\u0437\u0438\u043d");
+    QTest::newRow("Greek") << QString::fromUtf8("\u039c\u03b1\u03b3\u03b1\u03b6\u03af");
+    QTest::newRow("Arabic") << QString::fromUtf8("\u0645\u062a\u062c\u0631");
+    QTest::newRow("Hebrew") << QString::fromUtf8("\u05d7\u05e0\u05d5\u05ea");
+    QTest::newRow("joined") << QString::fromUtf8("a\u200db\u00a0c\ufe0e");
+}
+
+void tst_IconFailures::sheetShowsNamesInAnyScript()
+{
+    QFETCH(const QString, name);
+    const Ended ended =
+        icons(R"([{"folder": "a", "name": ")" + name.toUtf8() + R"("}])", words("--sheet s.png"));
+    QCOMPARE(ended.error, QByteArray());
+    const QImage sheet(path(QStringLiteral("s.png")));
+    const QRect caption(10, 44 + 146, 164, 34);
+    QImage blank(caption.size(), sheet.format());
+    blank.fill(Qt::white);
+    QVERIFY2(sheet.copy(caption) != blank, "no caption");
 }
 
 QTEST_GUILESS_MAIN(tst_IconFailures)

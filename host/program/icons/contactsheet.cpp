@@ -74,6 +74,21 @@ bool canWriteOnSheets()
     return QFontMetrics(fontOf(captionPixels, false)).inFont(QLatin1Char('0'));
 }
 
+QString lettersWithoutFont(const QString& text)
+{
+    const QFontMetrics metrics(fontOf(captionPixels, false));
+    QString letters;
+    for (const uint letter : text.toUcs4()) {
+        // Marks that only join or steer their neighbours have no shape of their own.
+        const bool isSeen = QChar::isPrint(letter) && !QChar::isSpace(letter)
+            && QChar::category(letter) != QChar::Other_Format && !(letter >= 0xfe00 && letter <= 0xfe0f);
+        const QString shown = QString::fromUcs4(&letter, 1);
+        if (isSeen && !metrics.inFontUcs4(letter) && !letters.contains(shown))
+            letters += shown;
+    }
+    return letters;
+}
+
 QImage drawContactSheet(const QString& title, const QVector<SheetEntry>& entries)
 {
     // A little wider than high, as screens are.

@@ -19,6 +19,9 @@ struct SheetEntry {
  */
 QImage drawContactSheet(const QString& title, const QVector<SheetEntry>& entries);
 
+/** The letters of a text that no font has; boxes stand for them on a sheet. */
+QString lettersWithoutFont(const QString& text);
+
 /** Whether there is a font; without one a sheet has neither title nor names. */
 bool canWriteOnSheets();
 

@@ -232,6 +232,23 @@ bool writeSheet(const IconJob& job, Console& console)
     return false;
 }
 
+QStringList doubtsOfSheet(const IconJob& job)
+{
+    if (job.sheet.isEmpty())
+        return {};
+    if (!canWriteOnSheets())
+        return {IconCommands::tr("no font was found; the sheet has neither a title nor names")};
+    QStringList texts;
+    for (const ListedChannel& channel : job.channels) {
+        const QString letters = lettersWithoutFont(channel.name);
+        if (!letters.isEmpty())
+            texts.append(
+                IconCommands::tr("channel '%1': no installed font has %2; the sheet shows boxes there")
+                    .arg(channel.name, letters));
+    }
+    return texts;
+}
+
 QStringList warningsAfter(const IconJob& job)
 {
     QStringList texts;
@@ -240,9 +257,7 @@ QStringList warningsAfter(const IconJob& job)
         texts.append(IconCommands::tr("the next run into %1 will need --clear").arg(job.out));
     if (!leftovers.isEmpty())
         texts.append(IconCommands::tr("not deleted: %1").arg(leftovers.join(QStringLiteral(", "))));
-    if (!job.sheet.isEmpty() && !canWriteOnSheets())
-        texts.append(IconCommands::tr("no font was found; the sheet has neither a title nor names"));
-    return texts;
+    return texts + doubtsOfSheet(job);
 }
 
 // False when a file is missing.
