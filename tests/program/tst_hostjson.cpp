@@ -161,6 +161,8 @@ void tst_HostJson::outcomesAreOfTheSchema_data()
     row("decode a b", 2);
     row("icons --icon @/icons/icon.png --marks @/icons/marks --out icons --platform ios "
         "@/icons/channels.json --sheet sheet.png");
+    row("icons --icon @/icons/icon.png --marks @/icons/marks --out icons --platform ios --dry-run "
+        "@/icons/channels.json");
     row("icons --icon absent.png --marks absent --out icons --platform ios @/icons/channels.json", 1);
     row("icons channels.json", 2);
     row("package-name @/skyharbour.apk");
