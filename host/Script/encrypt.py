@@ -69,7 +69,7 @@ def _left_out(archive, patterns):
 
 
 def _begin(archive, passes):
-    """How much will be read, but for the encrypted form's heads: everything once before the work and once behind it, and the assets on the way."""
+    """How much will be read, roughly: everything once before the work and once behind it, and the assets on the way."""
     assets = sum(entry.size for entry in assets_of(archive))
     begin_progress(2 * sum(entry.size for entry in archive.entries) + passes * assets)
 

@@ -6,9 +6,9 @@ docs/scripts.md says what each takes and answers.
 from quenzo_files import argument_path, argument_text
 from quenzo_pack import pack
 from quenzo_repack import pack_like, pack_onto
-from quenzo_report import Answer, DamagedArchive, report
+from quenzo_report import Answer, DamagedArchive, printable, report
 from quenzo_sdk import CONFIG_NAME, MAX_CONFIG_BYTES, ConfigError, SdkConfig
-from quenzo_unpack import unpack
+from quenzo_unpack import check_unpacking, unpack
 from quenzo_zipread import Archive
 
 IMPORTED, WRONG_SDK, DAMAGED, NO_CONFIG, BAD_CONFIG, NOT_UNPACKED = 1, 100, 101, 102, 103, 104
@@ -41,10 +41,27 @@ def unZip(src, dest, unused="NULL"):
 
 def importSDK(src, dest, idSDK=None):
     """Unpacks SDK package src into folder dest; answers 1, or 100 to 104 and leaves dest as it was."""
+    return _imported("importSDK", src, idSDK,
+                     lambda package: unpack(package, argument_text(dest, "the folder to import into")))
+
+
+def planImport(src, dest, idSDK=None):
+    """What importSDK would do, which is not done: the answer as a text and, when it is 1, the names of all files."""
+    names = []
+
+    def note(package):
+        check_unpacking(package, argument_text(dest, "the folder to import into"))
+        names.extend(printable(entry.name) for entry in package.entries if not entry.is_folder)
+
+    return [str(_imported("planImport", src, idSDK, note))] + names
+
+
+def _imported(function, src, wanted, work):
+    """The answer of an import whose work is done with the package once that has been checked."""
     try:
         with Archive(argument_path(src, "the package")) as package:
-            _check_package(package, idSDK)
-            unpack(package, argument_text(dest, "the folder to import into"))
+            _check_package(package, wanted)
+            work(package)
         return IMPORTED
     except Answer as error:
         answer, cause = error.number, error
@@ -52,7 +69,7 @@ def importSDK(src, dest, idSDK=None):
         answer, cause = DAMAGED, error
     except Exception as error:  # The host reads a number, whatever happened.
         answer, cause = NOT_UNPACKED, error
-    report("importSDK", cause)
+    report(function, cause)
     return answer
 
 

@@ -3,8 +3,10 @@
 import os
 
 from quenzo_files import open_new
+from quenzo_folder import walk
 from quenzo_place import placed
 from quenzo_progress import begin_progress
+from quenzo_report import ToolError
 
 
 def unpack(archive, dest):
@@ -13,6 +15,20 @@ def unpack(archive, dest):
     with placed(dest) as tree:
         for entry in archive.entries:
             _extract(archive, entry, tree)
+
+
+def check_unpacking(archive, dest):
+    """Reads the archive through, and raises where file and folder would meet on the way."""
+    walk(dest)[0].close()
+    for entry in archive.entries:
+        archive.verify(entry)
+        parts = entry.name.rstrip("/").split("/")
+        folders = len(parts) - (0 if entry.is_folder else 1)
+        for count in range(1, len(parts) + 1):
+            path = os.path.join(dest, *parts[:count])
+            is_folder = os.path.isdir(path) and not os.path.islink(path)
+            if os.path.lexists(path) and is_folder != (count <= folders):
+                raise ToolError("file and folder meet, or a link is in the way: %s" % path)
 
 
 def _extract(archive, entry, tree):

@@ -49,19 +49,19 @@ class Entry(object):
 
 
 class Archive(object):
-    """An archive whose entries have been checked; a context manager."""
+    """An archive whose entries have been checked; a context manager. Its directory begins at the place directory."""
 
     def __init__(self, path):
         self._file = open_regular(path)
         try:
-            infos, end = self._directory()
+            infos, self.directory = self._directory()
             self.entries = [Entry(info) for info in infos]
             self._check_limits()
             check_names(entry.name for entry in self.entries)
             for entry in self.entries:
                 _check_kind(entry)
                 self._locate(entry)
-            self._check_ranges(end)
+            self._check_ranges(self.directory)
         except Exception:
             self._file.close()
             raise

@@ -41,6 +41,9 @@ struct Command {
     QHash<QString, QStringList> words = {};
 };
 
+QVector<Command> archiveCommands();
+QVector<Command> assetCommands();
+QVector<Command> apkCommands();
 QVector<Command> scriptCommands();
 QVector<Command> treeCommands();
 QVector<Command> dbCommands();

@@ -92,6 +92,11 @@ void tst_HostJson::initTestCase()
           "def say():\n    print 'said'\n    return 'param'\n"
           "def fail():\n    print 'said'\n    raise ValueError('why')\n");
     QVERIFY(QFile::copy(QStringLiteral(SOURCE_DIR "/host/sample/skyharbour.apk"), path("game.apk")));
+    // A stand-in that signs by copying.
+    write("bin/apksigner",
+          "#!/bin/sh\nfor last; do :; done\n[ \"$1\" = sign ] && exec cp \"$last\" \"$9\"\n"
+          "echo 'Signer #1 certificate SHA-256 digest: 00ff'\n");
+    QVERIFY(QFile::setPermissions(path("bin/apksigner"), QFileDevice::ReadOwner | QFileDevice::ExeOwner));
     {
         QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
         database.setDatabaseName(path("records.db"));
@@ -124,12 +129,28 @@ void tst_HostJson::outcomesAreOfTheSchema_data()
     row("import @/packages/harbourpay.zip sdk");
     row("import @/packages/damaged.zip sdk2", 1);
     row("import @/packages/another-sdk.zip sdk2 --sdk-id 7", 1);
+    row("key show", 1);
+    row("key new");
+    row("key show");
+    row("key show --secret");
+    row("encrypt game.apk --exclude *.json");
+    row("key check game.apk");
+    row("decrypt game.apk");
+    row("key check game.apk");
+    row("key frobnicate", 2);
+    row("check game.apk");
+    row("check script.py", 1);
+    row("sign game.apk", 2);
+    row("sign game.apk --keystore script.py --pass-file script.py");
+    row("sign script.py --keystore script.py --pass-file script.py", 1);
     row("encrypt game.apk");
     row("encrypt absent.apk", 1);
     row("decrypt game.apk");
     row("decrypt script.py", 1);
     row("pack packed packed.zip");
     row("pack packed script.py/x.zip", 1);
+    row("pack packed onto.zip --onto packed.zip");
+    row("import @/packages/harbourpay.zip sdk --dry-run");
     row("unpack packed.zip unpacked");
     row("unpack script.py unpacked2", 1);
     row("run script.py say");
@@ -181,6 +202,7 @@ void tst_HostJson::outcomesAreOfTheSchema()
     arguments.insert(1, QStringLiteral("--json"));
     QuenzoProcess process(arguments, m_folder.path());
     process.setVariable("XDG_DATA_HOME", path("data"));
+    process.setVariable("PATH", path("bin") + QLatin1Char(':') + qEnvironmentVariable("PATH"));
     const Ended ended = process.end();
     QVERIFY2(ended.code == code, ended.error.constData());
     QCOMPARE(ended.output.count('\n'), 1);

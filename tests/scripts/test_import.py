@@ -282,5 +282,44 @@ class Packages(Importing):
             self.assertEqual(NOT_UNPACKED, answer)
 
 
+class Plan(Importing):
+    """planImport: what an import would do, without doing it."""
+
+    def plan(self, *number):
+        before = tree(self.folder)
+        answer = pytoolForQt.planImport(self.src, self.dest, *number)
+        self.assert_unchanged(before)
+        return answer
+
+    def test_everyFileIsNamed(self):
+        self.made(SDK % 7, Raw("lib/", ""), Raw("lib/pay.jar", "jar"), Raw(u"имя".encode("utf-8"), "x"), Raw("a\nb", "x"))
+        self.assertEqual(["1", "config.xml", "lib/pay.jar", u"имя".encode("utf-8"), "a\\nb"], self.plan(7))
+
+    def test_answersAreThoseOfTheImport(self):
+        self.made(SDK % 7)
+        self.assertEqual(["100"], self.plan(8))
+        self.made("<sdk/>")
+        self.assertEqual(["103"], self.plan())
+        self.made(SDK % 7, Raw("lib/pay.jar", "jar", crc=1))
+        self.assertEqual(["101"], self.plan())
+        write(self.src, "no archive")
+        self.assertEqual(["101"], self.plan())
+
+    def test_itSeesWhatTheImportCannotReplace(self):
+        rows = [("lib", None), ("lib/pay.jar/inner", None), ("config.xml/inner", None), ("x/y", "absent"),
+                ("x/y", self.folder), ("lib/pay.jar", None), ("lib", "absent"), ("lib", self.folder)]
+        for number, (taken, link) in enumerate(rows):
+            self.made(SDK % 7, Raw("lib/pay.jar", "jar"), Raw("x/y", "x"))
+            self.dest = self.path("out%d" % number)
+            place = os.path.join(self.dest, taken)
+            if link:
+                os.makedirs(os.path.dirname(place))
+                os.symlink(link, place)
+            else:
+                write(place, "mine")
+            planned = self.plan()[0]
+            self.assertEqual((taken, link, str(pytoolForQt.importSDK(self.src, self.dest))), (taken, link, planned))
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -10,6 +10,7 @@ const QHash<QString, ValueKind>& kinds()
     static const QHash<QString, ValueKind> table{
         {QStringLiteral("APK"), {ValueKind::File, {QStringLiteral("apk")}}},
         {QStringLiteral("ARCHIVE"), {ValueKind::File, {QStringLiteral("zip"), QStringLiteral("apk")}}},
+        {QStringLiteral("BASE"), {ValueKind::File, {QStringLiteral("apk"), QStringLiteral("zip")}}},
         {QStringLiteral("DB"), {ValueKind::File}},
         {QStringLiteral("FILE"), {ValueKind::File}},
         {QStringLiteral("PACKAGE"), {ValueKind::File, {QStringLiteral("zip")}}},
@@ -27,6 +28,7 @@ const QHash<QString, ValueKind>& kinds()
         {QStringLiteral("FORM"), {ValueKind::Words, {QStringLiteral("terminal"), QStringLiteral("json")}}},
         {QStringLiteral("GLOB"), {ValueKind::Text}},
         {QStringLiteral("N"), {ValueKind::Text}},
+        {QStringLiteral("NAME"), {ValueKind::Text}},
         {QStringLiteral("NAME,..."), {ValueKind::Text}},
         {QStringLiteral("SECONDS"), {ValueKind::Text}},
         {QStringLiteral("TABLE"), {ValueKind::Text}},

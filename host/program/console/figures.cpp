@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "console/figures.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+
+namespace {
+
+struct Figures {
+    Q_DECLARE_TR_FUNCTIONS(Figures)
+};
+
+} // namespace
+
+QString sizeText(qint64 bytes)
+{
+    constexpr qint64 step = 1000;
+    const QLocale locale;
+    if (bytes < step)
+        return Figures::tr("%1 bytes").arg(locale.toString(bytes));
+    const QStringList units{Figures::tr("kB"), Figures::tr("MB"), Figures::tr("GB"), Figures::tr("TB")};
+    double number = double(bytes) / step;
+    int unit = 0;
+    // What would be rounded to 1000.0 belongs to the next unit.
+    while (number >= step - 0.05 && unit + 1 < units.size()) {
+        number /= step;
+        ++unit;
+    }
+    return QStringLiteral("%1 %2").arg(locale.toString(number, 'f', 1), units.at(unit));
+}
+
+QString durationText(qint64 seconds)
+{
+    constexpr qint64 minute = 60;
+    constexpr qint64 hour = 60 * minute;
+    if (seconds < minute)
+        return Figures::tr("%1 s").arg(seconds);
+    if (seconds < hour)
+        return Figures::tr("%1 min %2 s").arg(seconds / minute).arg(seconds % minute);
+    return Figures::tr("%1 h %2 min").arg(seconds / hour).arg(seconds % hour / minute);
+}

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#ifndef FIGURES_H
+#define FIGURES_H
+
+#include <QString>
+
+/** A number of bytes as people read it everywhere in the program: "999 bytes", "40.5 kB", "1.2 GB". */
+QString sizeText(qint64 bytes);
+
+/** A stretch of time: "5 s", "2 min 5 s", "1 h 10 min". */
+QString durationText(qint64 seconds);
+
+#endif

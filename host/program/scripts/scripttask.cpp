@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#include "scripts/scripttask.h"
+
+#include "console/console.h"
+#include "console/diagnostics.h"
+#include "console/progress.h"
+#include "console/worker.h"
+#include "scripts/workcount.h"
+
+#include <pythonforqt.h>
+#include <quenzobase.h>
+#include <quenzotool.h>
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QThread>
+
+#include <memory>
+
+namespace {
+
+struct ScriptTasks {
+    Q_DECLARE_TR_FUNCTIONS(ScriptTask)
+};
+
+// Runs a worker that calls scripts; false when the interpreter or the thread could not be started.
+bool runCounted(QThread& worker, Console& console, const WorkCount& count, const QString& doing,
+                ScriptOutcome& outcome)
+{
+    if (QuenzoTool::initPythonEnv())
+        outcome.began = runWorker(worker, console, [&count, &doing] { return count.progress(doing); });
+    // A signal of the worker was queued before its end was.
+    outcome.diagnostics = Diagnostics::takeAll();
+    return outcome.began;
+}
+
+} // namespace
+
+ScriptOutcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap& parameters,
+                      const QString& doing)
+{
+    ScriptOutcome outcome;
+    PythonToolThread thread;
+    QObject::connect(&thread, &PythonToolThread::onTaskFinsih, &thread,
+                     [&outcome](int, const QVariantMap* values, bool succeeded) {
+                         outcome.succeeded = succeeded;
+                         if (values != nullptr)
+                             outcome.values = *values;
+                     });
+    thread.StartOperate(operate, parameters);
+    const WorkCount count;
+    runCounted(thread, console, count, doing, outcome);
+    return outcome;
+}
+
+ScriptOutcome runCall(Console& console, const ScriptCall& call, const QString& doing,
+                      const std::function<void(PythonForQt&, ScriptOutcome&)>& read)
+{
+    ScriptOutcome outcome;
+    const std::unique_ptr<QThread> worker(QThread::create([&outcome, &call, &read] {
+        PythonForQt python;
+        python.callScript(QuenzoBase::getRunPath() + QStringLiteral("/../Script/") + call.script,
+                          call.function, call.arguments, true);
+        read(python, outcome);
+    }));
+    const WorkCount count;
+    runCounted(*worker, console, count, doing, outcome);
+    return outcome;
+}
+
+ExitCode failTask(Console& console, const QString& what, const ScriptOutcome& outcome)
+{
+    if (!outcome.began)
+        return ExitFailed;
+    console.error(what, outcome.diagnostics);
+    return ExitFailed;
+}
+
+bool pathExists(Console& console, const QString& path)
+{
+    if (QFileInfo::exists(path))
+        return true;
+    console.error({Failure::NotFound, ScriptTasks::tr("'%1' does not exist").arg(path)});
+    return false;
+}

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#ifndef WORKCOUNT_H
+#define WORKCOUNT_H
+
+#include <QString>
+
+struct Progress;
+
+/**
+ * Where the scripts of this process tell how far they are. To be made before the interpreter starts, which
+ * reads the environment once.
+ */
+class WorkCount {
+public:
+    WorkCount();
+    ~WorkCount();
+    WorkCount(const WorkCount&) = delete;
+    WorkCount& operator=(const WorkCount&) = delete;
+
+    Progress progress(const QString& doing) const;
+
+private:
+    int m_file;
+};
+
+#endif
