@@ -7,6 +7,10 @@
 /**
  * A child process of an external tool. One that prints without end is ended before it takes all memory, and
  * what became of it is told to the log of the devices.
+ *
+ * No child is to be a plain QProcess: where the system refuses another process, Qt's own way of starting one
+ * waits for it in vain, and kill() then hits the process -1, which is every one of the user. A derived class
+ * is forked as the C library does.
  */
 class ToolProcess : public QProcess {
 public:
