@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <langinfo.h>
 #include <memory>
@@ -65,6 +66,7 @@ ExitCode checkedForOutput(ExitCode code)
 int main(int argc, char* argv[])
 {
     StandardStreams::takeOver();
+    std::signal(SIGXFSZ, SIG_IGN); // a limit on the size of files is an error then, which is told
     ensureUtf8Locale();
     Diagnostics::install();
     QStringList words;

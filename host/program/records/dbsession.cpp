@@ -36,10 +36,10 @@ void queueRequest(DBHelper& database, DBRequest& request)
     database.threadToDatabase(DB_SELECT, QStringLiteral("(SELECT 1)"), false, endTag);
 }
 
-QVariantList waitUntilDrained(DBHelper& database, Console& console)
+// Gives what a select has found. False when the system has no thread for the worker: nothing is done then.
+bool waitUntilDrained(DBHelper& database, Console& console, QVariantList& rows)
 {
     constexpr int intervalMs = 20;
-    QVariantList rows;
     bool ended = false;
     const QObject receiver;
     QObject::connect(&database, &DBHelper::onSelectFinish, &receiver,
@@ -58,8 +58,11 @@ QVariantList waitUntilDrained(DBHelper& database, Console& console)
     timer.start(intervalMs);
     const Spinner spinner(console, [] { return Progress{DBSession::tr("waiting for the database")}; });
     database.StartThread();
+    // The class's own isRunning() tells of its commands.
+    if (!database.QThread::isRunning())
+        return false;
     loop.exec();
-    return rows;
+    return true;
 }
 
 bool writeRow(DBHelper& database, const DBRequest& request, QVariantMap row)
@@ -136,15 +139,17 @@ DBOutcome runRequest(DBRequest request, Console& console)
         outcome.error = Diagnostics::take();
         return outcome;
     }
+    bool started = true;
     if (request.direct) {
         runDirectly(database, request, outcome);
     } else {
         queueRequest(database, request);
-        outcome.rows = waitUntilDrained(database, console);
+        started = waitUntilDrained(database, console, outcome.rows);
     }
     // Closed first: until then a commit that failed is tried again.
     database.closeDB();
     DBHelper::removeDatabase();
-    outcome.error = errorOf(request, outcome, Diagnostics::takeAll());
+    outcome.error = started ? errorOf(request, outcome, Diagnostics::takeAll())
+                            : DBSession::tr("no thread could be started for the work; nothing was done");
     return outcome;
 }
