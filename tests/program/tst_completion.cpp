@@ -125,7 +125,8 @@ void tst_Completion::choiceIsShown_data()
     bothShells("commands", "quenzo ",
                "import encrypt decrypt pack unpack run export copy cut output remove db "
                "encode decode icons devices package-name install uninstall help version");
-    bothShells("options", "quenzo install --", "--help --json --device --timeout --yes");
+    bothShells("options", "quenzo install --",
+               "--help --json --progress --quiet --verbose --device --timeout --yes");
     bothShells("archives and folders", "quenzo unpack ", "sdk.zip game.apk build");
     bothShells("corners", "quenzo icons --default-corner ", "left-top left-bottom right-top right-bottom");
     bothShells("serials", "quenzo install --device ", "emulator-5554 192.168.0.7:5555");

@@ -288,7 +288,7 @@ void tst_DeviceCommands::severalDevicesInAPipeAreListed()
         QCOMPARE(run.code, 1);
         QCOMPARE(
             run.error,
-            QByteArray("quenzo: several devices are ready (choose one by --device)\n  1  a\n  2  b c\n"));
+            QByteArray("quenzo: several devices are ready (choose one by -s SERIAL)\n  1  a\n  2  b c\n"));
     }
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("install")), QStringList());
 }
@@ -401,9 +401,10 @@ void tst_DeviceCommands::adbIsGivenTheRemainingTime()
     const QByteArray slow = R"(echo "$QUENZO_ADB_TIMEOUT" >>"$dir/limits"; sleep 1.5; echo; echo Success)";
     ScriptedTools::answer(QStringLiteral("uninstall"), slow);
     ScriptedTools::answer(QStringLiteral("install"), slow);
-    QCOMPARE(confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("500")})
-                 .code,
-             0);
+    QCOMPARE(
+        confirmed({QStringLiteral("install"), m_apk, QStringLiteral("--timeout"), QStringLiteral("8m20s")})
+            .code,
+        0);
     QFile limits(RunRoot::path() + QStringLiteral("/tool/mac/limits"));
     QVERIFY(limits.open(QIODevice::ReadOnly));
     const QByteArrayList lines = limits.readAll().split('\n');
@@ -414,7 +415,7 @@ void tst_DeviceCommands::adbIsGivenTheRemainingTime()
 void tst_DeviceCommands::wrongTimeOutIsAUsageError_data()
 {
     QTest::addColumn<QString>("value");
-    for (const char* value : {"0", "-1", "x", "1.5", "86401", "99999999999"})
+    for (const char* value : {"0", "-1", "x", "1.5", "", "m", "2m1h", "25h", "86401", "99999999999"})
         QTest::newRow(value) << QString::fromLatin1(value);
 }
 

@@ -22,7 +22,9 @@ private Q_SLOTS:
     void yesIsNotAsked();
     void progressIsShownOnATerminal();
     void uninstallIsConfirmedOnATerminal();
+    void progressKeepsToOneLine_data();
     void progressKeepsToOneLine();
+    void stepsAreToldToTheVerbose();
     void dumbTerminalsGetNoControlCharacters();
 };
 
@@ -37,6 +39,8 @@ void tst_DeviceQuestions::deviceIsChosenByNumberOnATerminal()
     terminal.type("3\nx\n2\n");
     const Ended ended = process.end();
     QCOMPARE(ended.code, 0);
+    for (const char* objection : {"'3' is none of the numbers 1 to 2.", "'x' is none of the numbers 1 to 2."})
+        QVERIFY2(terminal.shown().contains(objection), terminal.shown().constData());
     QCOMPARE(ended.output, QByteArray("Uninstall successful!\n"));
     QCOMPARE(ScriptedTools::calls().last(), QStringLiteral("adb <-s><b c><uninstall><org.example.game>"));
 }
@@ -89,7 +93,7 @@ void tst_DeviceQuestions::yesIsNotAsked()
 {
     ScriptedTools::attach({QStringLiteral("a")});
     Terminal terminal;
-    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    QuenzoProcess process(QuenzoProcess::words("install -y") << m_apk);
     start(process, terminal);
     QCOMPARE(process.end().code, 0);
     QVERIFY2(!terminal.shown().contains("[y/N]"), terminal.shown().constData());
@@ -100,7 +104,7 @@ void tst_DeviceQuestions::progressIsShownOnATerminal()
     ScriptedTools::attach({QStringLiteral("a")});
     ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
     Terminal terminal;
-    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    QuenzoProcess process(QuenzoProcess::words("install -y") << m_apk);
     start(process, terminal);
     QTRY_VERIFY_WITH_TIMEOUT(terminal.shown().contains("\\ installing on a"), timeLimitMs);
     ScriptedTools::openGate();
@@ -125,21 +129,44 @@ void tst_DeviceQuestions::uninstallIsConfirmedOnATerminal()
     QCOMPARE(ScriptedTools::calls().filter(QStringLiteral("<uninstall>")).size(), 1);
 }
 
+void tst_DeviceQuestions::progressKeepsToOneLine_data()
+{
+    // Of the columns the last one stays free, and the words before the serial take 16.
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<QByteArray>("shown");
+    const auto letters = [](int count) { return QString(count, QChar(0x624b)).toUtf8(); };
+    QTest::newRow("30") << 30 << letters(6);
+    QTest::newRow("32") << 32 << letters(7);
+    QTest::newRow("80") << 80 << letters(15) + "-phone";
+}
+
 void tst_DeviceQuestions::progressKeepsToOneLine()
 {
+    QFETCH(const int, columns);
+    QFETCH(const QByteArray, shown);
     // Each of these letters takes two columns.
     const QString serial = QString(15, QChar(0x624b)) + QStringLiteral("-phone");
     ScriptedTools::attach({serial});
     ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
     Terminal terminal;
-    terminal.setColumns(30);
-    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    terminal.setColumns(static_cast<unsigned short>(columns));
+    QuenzoProcess process(QuenzoProcess::words("install -y") << m_apk);
     start(process, terminal);
-    // The last column stays free: 16 for the words before leave 13.
-    const QByteArray line = "/ installing on " + QString(6, QChar(0x624b)).toUtf8() + "\r\033[K";
+    const QByteArray line = "/ installing on " + shown + "\r\033[K";
     QTRY_VERIFY2_WITH_TIMEOUT(terminal.shown().contains(line), terminal.shown().constData(), timeLimitMs);
     ScriptedTools::openGate();
     QCOMPARE(process.end().code, 0);
+}
+
+void tst_DeviceQuestions::stepsAreToldToTheVerbose()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    const Ended ended = confirmed(QuenzoProcess::words("install -v -s a") << m_apk);
+    QCOMPARE(QString::fromUtf8(ended.error),
+             QStringLiteral("quenzo: removing the package org.example.game and its data\n"
+                            "quenzo: installing %1\n")
+                 .arg(m_apk));
+    QCOMPARE(ended.code, 0);
 }
 
 void tst_DeviceQuestions::dumbTerminalsGetNoControlCharacters()
@@ -147,7 +174,7 @@ void tst_DeviceQuestions::dumbTerminalsGetNoControlCharacters()
     ScriptedTools::attach({QStringLiteral("a")});
     ScriptedTools::answer(QStringLiteral("install"), "read line <\"$dir/gate\"; echo P; echo Success");
     Terminal terminal;
-    QuenzoProcess process(QuenzoProcess::words("install --yes") << m_apk);
+    QuenzoProcess process(QuenzoProcess::words("install -y") << m_apk);
     process.setVariable("TERM", QStringLiteral("dumb"));
     start(process, terminal);
     ScriptedTools::openGate();

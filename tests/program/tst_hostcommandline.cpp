@@ -25,6 +25,12 @@ private Q_SLOTS:
     void wrongWordsAreNamed_data();
     void wrongWordsAreNamed();
     void wordsBehindDashesAreNoOptions();
+    void quietRunsSayNothing();
+    void resultsAreGivenToTheQuietToo();
+    void verboseRunsTellTheirSteps();
+    void dashStandsForTheInput_data();
+    void dashStandsForTheInput();
+    void inputThatIsNoTextIsRefused();
 };
 
 void tst_HostCommandLine::helpIsGivenInEveryForm_data()
@@ -34,7 +40,8 @@ void tst_HostCommandLine::helpIsGivenInEveryForm_data()
     const QByteArray overview = "Usage: quenzo COMMAND [options] [arguments]\n\nCommands:\n  ";
     for (const char* line : {"help", "--help", "-h", "-- help"})
         QTest::newRow(line) << QString::fromLatin1(line) << overview;
-    for (const char* line : {"help copy", "copy --help", "copy -h", "copy a b --help", "-- copy --help"})
+    for (const char* line :
+         {"help copy", "copy --help", "copy -h", "copy a b --help", "-- copy --help", "help -- copy"})
         QTest::newRow(line) << QString::fromLatin1(line)
                             << QByteArray("Usage: quenzo copy [options] SRC DEST\n");
 }
@@ -107,6 +114,68 @@ void tst_HostCommandLine::wordsBehindDashesAreNoOptions()
     QCOMPARE(ended.code, 0);
     QVERIFY(QDir(folder.filePath(QStringLiteral("-V/inner"))).exists());
     QCOMPARE(quenzo("encode -- --help").output, quenzo("-- encode -- --help").output);
+}
+
+void tst_HostCommandLine::quietRunsSayNothing()
+{
+    QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("source/inner")));
+    const Ended ended = QuenzoProcess(QuenzoProcess::words("copy -q source target"), folder.path()).end();
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.output, QByteArray());
+    QCOMPARE(ended.code, 0);
+    const Ended failed = QuenzoProcess(QuenzoProcess::words("copy -q absent target"), folder.path()).end();
+    QVERIFY2(failed.error.startsWith("quenzo: there is no folder "), failed.error.constData());
+    QCOMPARE(failed.code, 1);
+}
+
+void tst_HostCommandLine::resultsAreGivenToTheQuietToo()
+{
+    const Ended ended = quenzo("encode -q ab");
+    QCOMPARE(ended.error, QByteArray()); // a warning is none
+    QCOMPARE(ended.output, QByteArray("\n"));
+    QCOMPARE(quenzo("encode -q abcd").output, QByteArray("WYJjZA==\n"));
+}
+
+void tst_HostCommandLine::verboseRunsTellTheirSteps()
+{
+    QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("source/inner")));
+    const Ended ended = QuenzoProcess(QuenzoProcess::words("copy -v source target"), folder.path()).end();
+    const QString real = QDir(folder.path()).canonicalPath();
+    QCOMPARE(QString::fromUtf8(ended.error),
+             QStringLiteral("quenzo: from '%1/source' to '%1/target'\n").arg(real));
+    QCOMPARE(ended.code, 0);
+}
+
+void tst_HostCommandLine::dashStandsForTheInput_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<QByteArray>("output");
+    QTest::newRow("encode") << QStringLiteral("encode -") << QByteArray("hello world\n")
+                            << QByteArray("GasVGbg82d9ybGQ=\n");
+    QTest::newRow("decode") << QStringLiteral("decode -") << QByteArray("GasVGbg82d9ybGQ=\n")
+                            << QByteArray("hello world\n");
+    QTest::newRow("one line break is taken off")
+        << QStringLiteral("encode -") << QByteArray("abc\n\n") << QByteArray("WYJjCg==\n");
+}
+
+void tst_HostCommandLine::dashStandsForTheInput()
+{
+    QFETCH(const QString, line);
+    QFETCH(const QByteArray, input);
+    QFETCH(const QByteArray, output);
+    const Ended ended = QuenzoProcess(QuenzoProcess::words(qPrintable(line))).end(input);
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.output, output);
+}
+
+void tst_HostCommandLine::inputThatIsNoTextIsRefused()
+{
+    const Ended ended = QuenzoProcess(QuenzoProcess::words("encode - --json")).end("a\xff");
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.failure().value(QStringLiteral("code")).toString(), QStringLiteral("bad-input"));
 }
 
 QTEST_GUILESS_MAIN(tst_HostCommandLine)

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void negativeSdkNumbersAreRefused();
     void unknownCommandsAreShownEscaped();
     void resultsSteerNoTerminal();
+    void interruptionIsSeenAs130();
     void namesMakeNoLinesOnATerminal();
 
 private:
@@ -159,6 +160,20 @@ void tst_HostStreams::unknownCommandsAreShownEscaped()
     const Ended ended = QuenzoProcess({QStringLiteral("copy\x1b]0;title\x07")}).end();
     QCOMPARE(ended.code, 2);
     QVERIFY2(ended.error.contains(R"('copy\x1b]0;title\x07')"), ended.error.constData());
+}
+
+void tst_HostStreams::interruptionIsSeenAs130()
+{
+    QFile script(m_folder.filePath(QStringLiteral("interrupt.py")));
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.write(
+        "import os, signal, time\ndef f():\n    os.kill(os.getpid(), signal.SIGINT)\n    time.sleep(60)\n");
+    script.close();
+    QuenzoProcess process({QStringLiteral("-c"), QStringLiteral("\"$0\" run interrupt.py f; echo $?"),
+                           QStringLiteral(QUENZO_PROGRAM)},
+                          m_folder.path());
+    process.setProgram(QStringLiteral("/bin/sh"));
+    QCOMPARE(process.end().output, QByteArray("130\n"));
 }
 
 void tst_HostStreams::resultsSteerNoTerminal()

@@ -231,7 +231,7 @@ void tst_HostTrees::plansAreToldAndNotDone()
     QCOMPARE(text.error, QByteArray());
     QCOMPARE(text.code, 0);
 
-    const QJsonObject json = run(qPrintable(call + QStringLiteral(" --dry-run --json"))).result();
+    const QJsonObject json = run(qPrintable(call + QStringLiteral(" -n --json"))).result();
     QCOMPARE(json.value(QStringLiteral("dryRun")), QJsonValue(true));
     QCOMPARE(json.value(QStringLiteral("files")), QJsonValue(1));
     const QJsonObject entry = json.value(QStringLiteral("entries")).toArray().at(0).toObject();

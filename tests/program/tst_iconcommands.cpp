@@ -59,6 +59,7 @@ private Q_SLOTS:
     void dryRunRefusesWhatARunWould();
     void emptyListGivesAnEmptyFolder();
     void sheetShowsEveryIcon();
+    void sheetGoesToTheOutput();
     void countsReadWellForOneChannel();
     void jsonTellsAllOfARun();
     void progressIsShownOnATerminal();
@@ -368,6 +369,16 @@ void tst_IconCommands::emptyListGivesAnEmptyFolder()
     QVERIFY(QDir(out()).exists());
     QVERIFY(QDir(out()).isEmpty());
     QVERIFY(!QImage(path(QStringLiteral("sheet.png"))).isNull());
+}
+
+void tst_IconCommands::sheetGoesToTheOutput()
+{
+    const Ended ended = icons(R"([{"folder": "a"}])", words("--sheet -"));
+    QVERIFY2(ended.error.contains("7 of 7 files"), ended.error.constData());
+    QCOMPARE(ended.code, 0);
+    QVERIFY2(!QImage::fromData(ended.output, "PNG").isNull(), ended.output.left(100).constData());
+    QVERIFY(!QFile::exists(path(QStringLiteral("-"))));
+    QCOMPARE(icons(R"([{"folder": "a"}])", words("--sheet - --json")).code, 2);
 }
 
 void tst_IconCommands::sheetShowsEveryIcon()

@@ -111,6 +111,8 @@ void Console::printText(const QString& text)
     if (m_style.json)
         return;
     clearProgress();
+    if (!m_outputIsFree)
+        return StandardStreams::writeDiagnostic(shown(text) + QLatin1Char('\n'));
     const QString whole = outputIsTerminal() ? withoutControls(text, QStringLiteral("\n\t")) : text;
     StandardStreams::writeResult((whole + QLatin1Char('\n')).toUtf8());
 }

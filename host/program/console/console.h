@@ -61,6 +61,10 @@ public:
     /** The same of a text that may have lines and tabs: a table, or what was asked for itself. */
     void printText(const QString& text);
 
+    /** Hands the standard output to what a command writes there itself: lines for people go to the other
+     * stream from now on. */
+    void leaveOutputFree() { m_outputIsFree = false; }
+
     /** A line that merely tells what was done; nothing for those who want it quiet, too. */
     void say(const QString& line);
 
@@ -106,6 +110,7 @@ private:
     QString m_progressLine;
     QJsonObject m_result;
     QJsonArray m_warnings;
+    bool m_outputIsFree = true; // for lines
     bool m_hasFailed = false;
     Failure m_failure;
 };

@@ -7,6 +7,7 @@
 #include "devices/devicetask.h"
 #include "devices/installerrors.h"
 #include "devices/toolcheck.h"
+#include "duration.h"
 
 #include <installapk.h>
 
@@ -159,17 +160,21 @@ QString chooseDevice(const QString& wanted, Console& console)
 
     if (!Console::isInteractive()) {
         console.error({Failure::NoDevice, DeviceCommands::tr("several devices are ready"),
-                       numberedList(serials), DeviceCommands::tr("choose one by --device")});
+                       numberedList(serials), DeviceCommands::tr("choose one by -s SERIAL")});
         return {};
     }
     console.warn(DeviceCommands::tr("several devices are ready:"), numberedList(serials));
+    QString question = DeviceCommands::tr("Number of the device:");
     while (true) {
-        const QString answer = console.ask(DeviceCommands::tr("Number of the device:"));
+        const QString answer = console.ask(question);
         if (answer.isEmpty())
             break;
         const int number = answer.toInt();
         if (number >= 1 && number <= serials.size())
             return serials.at(number - 1);
+        question = DeviceCommands::tr("'%1' is none of the numbers 1 to %2. Number of the device:")
+                       .arg(answer)
+                       .arg(serials.size());
     }
     console.error({Failure::Declined, DeviceCommands::tr("no device was chosen")});
     return {};
@@ -212,14 +217,13 @@ ExitCode runTask(const QCommandLineParser& parser, Console& console, bool instal
 {
     DeviceTask task;
     task.install = install;
-    bool isNumber = false;
-    task.timeoutSeconds = parser.value(timeoutOption).toInt(&isNumber);
-    if (!isNumber || task.timeoutSeconds < 1 || task.timeoutSeconds > longestTimeout) {
-        console.error(
-            {Failure::Usage,
-             DeviceCommands::tr("--timeout takes a number of seconds, from 1 to %1").arg(longestTimeout)});
+    const qint64 seconds = secondsOf(parser.value(timeoutOption));
+    if (seconds < 1 || seconds > longestTimeout) {
+        console.error({Failure::Usage,
+                       DeviceCommands::tr("--timeout takes a duration such as 90s or 2m, at most 24h")});
         return ExitUsage;
     }
+    task.timeoutSeconds = static_cast<int>(seconds);
     if (!parser.isSet(yesOption) && !Console::isInteractive()) {
         console.error({Failure::Usage,
                        DeviceCommands::tr("this removes a package and its data: --yes is needed where nobody "
@@ -283,14 +287,14 @@ QVector<Command> deviceCommands()
 {
     const Argument apk{QStringLiteral("APK"), DeviceCommands::tr("the APK file")};
     const QCommandLineOption device(
-        deviceOption,
+        {QStringLiteral("s"), deviceOption},
         DeviceCommands::tr("The device, by its serial as \"quenzo devices\" prints it. "
                            "Default: ANDROID_SERIAL, or else the only one."),
         QStringLiteral("SERIAL"));
     const QCommandLineOption timeout(
-        timeoutOption, DeviceCommands::tr("Gives up after this number of seconds. Default: 600."),
-        QStringLiteral("SECONDS"), QStringLiteral("600"));
-    const QCommandLineOption yes(yesOption,
+        timeoutOption, DeviceCommands::tr("Gives up after this time, such as 90s or 2m. Default: 10m."),
+        QStringLiteral("TIME"), QStringLiteral("10m"));
+    const QCommandLineOption yes({QStringLiteral("y"), yesOption},
                                  DeviceCommands::tr("Does not ask before it removes the installed package. "
                                                     "Needed where no terminal is."));
     const auto install = [](const QCommandLineParser& parser, Console& console) {

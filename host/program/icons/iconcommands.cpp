@@ -2,6 +2,7 @@
 #include "command.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
+#include "console/standardstreams.h"
 #include "fileidentity.h"
 #include "icons/channellist.h"
 #include "icons/contactsheet.h"
@@ -11,6 +12,7 @@
 #include "icons/iconproduction.h"
 #include "icons/iconset.h"
 
+#include <QBuffer>
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -35,6 +37,8 @@ bool readPixels(const QCommandLineParser& parser, const QString& option, std::op
     pixels = parser.value(option).toInt(&isNumber);
     return isNumber;
 }
+
+const QLatin1String standardStream("-");
 
 // Qt takes a leading colon for the name of a built-in resource.
 QString asFile(const QString& path)
@@ -106,6 +110,8 @@ QString readOptions(const QCommandLineParser& parser, IconJob& job)
     job.out = parser.value(QStringLiteral("out"));
     job.list = asFile(parser.positionalArguments().at(1));
     job.sheet = asFile(parser.value(QStringLiteral("sheet")));
+    if (job.sheet == standardStream && parser.isSet(QStringLiteral("json")))
+        return IconCommands::tr("the standard output is either for --json or for the sheet");
     job.keep = parser.isSet(QStringLiteral("keep")) || job.layout.arrangement != IconLayout::Plain;
     job.clear = parser.isSet(QStringLiteral("clear"));
     job.ignoreMissing = parser.isSet(QStringLiteral("ignore-missing"));
@@ -221,6 +227,12 @@ bool writeSheet(const IconJob& job, Console& console)
     const QString platform =
         job.layout.platform == IconSet::Android ? QStringLiteral("Android") : QStringLiteral("iOS");
     const QString title = IconCommands::tr("%1, channels: %2").arg(platform).arg(entries.size());
+    if (job.sheet == standardStream) {
+        QBuffer picture;
+        if (picture.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&picture, "PNG"))
+            StandardStreams::writeResult(picture.data());
+        return true;
+    }
     QSaveFile file(job.sheet);
     if (file.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&file, "PNG")
         && file.commit()) {
@@ -299,6 +311,8 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
         return ExitDone;
     }
 
+    if (job.sheet == standardStream)
+        console.leaveOutputFree();
     QElapsedTimer time;
     time.start();
     FileTally tally(job.files());
@@ -351,9 +365,12 @@ QVector<Command> iconCommands()
                            C::tr("Deletes an output folder that no earlier run has made, too.")),
         QCommandLineOption(QStringLiteral("ignore-missing"),
                            C::tr("Leaves icons unmarked whose marks are missing or cannot be read.")),
-        QCommandLineOption(QStringLiteral("dry-run"),
+        QCommandLineOption({QStringLiteral("n"), QStringLiteral("dry-run")},
                            C::tr("Tells file by file what would be written and deleted, and does nothing.")),
-        option("sheet", C::tr("Draws all channels' icons with their names into one picture."), "FILE.png"),
+        option(
+            "sheet",
+            C::tr("Draws all channels' icons with their names into one picture; - is the standard output."),
+            "FILE.png"),
     };
     icons.run = makeIcons;
     icons.details = ChannelList::formatHelp();

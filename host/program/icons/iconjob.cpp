@@ -94,7 +94,7 @@ QString faultOfIcons(const IconJob& job)
 
 QString faultOfSheet(const IconJob& job)
 {
-    if (job.sheet.isEmpty())
+    if (job.sheet.isEmpty() || job.sheet == QLatin1String("-"))
         return {};
     const FileIdentity identity = identityOf(job.sheet);
     const QString place = placeOf(job.sheet);

@@ -30,7 +30,7 @@ const QHash<QString, ValueKind>& kinds()
         {QStringLiteral("N"), {ValueKind::Text}},
         {QStringLiteral("NAME"), {ValueKind::Text}},
         {QStringLiteral("NAME,..."), {ValueKind::Text}},
-        {QStringLiteral("SECONDS"), {ValueKind::Text}},
+        {QStringLiteral("TIME"), {ValueKind::Text}},
         {QStringLiteral("TABLE"), {ValueKind::Text}},
         {QStringLiteral("TEXT"), {ValueKind::Text}},
     };

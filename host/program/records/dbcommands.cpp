@@ -123,9 +123,29 @@ ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
     return ExitDone;
 }
 
+// The text that is meant: the word itself, or the standard input without its last line break.
+bool readText(const QCommandLineParser& parser, Console& console, QString& text)
+{
+    text = parser.positionalArguments().at(1);
+    if (text != QLatin1String("-"))
+        return true;
+    QString error;
+    QByteArray bytes = StandardStreams::readInput(error);
+    if (bytes.endsWith('\n'))
+        bytes.chop(1);
+    text = QString::fromUtf8(bytes);
+    if (error.isEmpty() && text.toUtf8() != bytes)
+        error = DBCommands::tr("the standard input is not UTF-8 text");
+    if (!error.isEmpty())
+        fail(console, error, Failure::BadInput);
+    return error.isEmpty();
+}
+
 ExitCode encodeText(const QCommandLineParser& parser, Console& console)
 {
-    const QString text = parser.positionalArguments().at(1);
+    QString text;
+    if (!readText(parser, console, text))
+        return ExitFailed;
     const QString scrambled = QuenzoTool::ckEncode(text);
     if (scrambled.isEmpty() && !text.isEmpty())
         console.warn(DBCommands::tr("a text of less than four bytes encodes to an empty one"));
@@ -136,7 +156,10 @@ ExitCode encodeText(const QCommandLineParser& parser, Console& console)
 
 ExitCode decodeText(const QCommandLineParser& parser, Console& console)
 {
-    const QString plain = QuenzoTool::ckDecode(parser.positionalArguments().at(1));
+    QString text;
+    if (!readText(parser, console, text))
+        return ExitFailed;
+    const QString plain = QuenzoTool::ckDecode(text);
     console.printText(plain);
     console.set(QStringLiteral("text"), plain);
     return ExitDone;
@@ -160,9 +183,8 @@ Command dbCommand()
                 "select reads the rows that meet every --where")},
          {QStringLiteral("TABLE"), C::tr("the table's name")},
          {pair,
-          C::tr("values to insert or update, as text; without any, each line of the standard input is a row, "
-                "a JSON "
-                "object of names to values"),
+          C::tr("values to insert or update, as text; without any, or with -, each line of the standard "
+                "input is a row, a JSON object of names to values"),
           Argument::AnyNumber}},
         {option("file", C::tr("The database file, which exists."), QStringLiteral("DB")),
          option("where",
@@ -203,7 +225,8 @@ Command dbCommand()
 QVector<Command> dbCommands()
 {
     using C = DBCommands;
-    const Argument text{QStringLiteral("TEXT"), C::tr("the text")};
+    const Argument text{QStringLiteral("TEXT"),
+                        C::tr("the text; - is the standard input, without its last line break")};
     return {
         dbCommand(),
         {QStringLiteral("encode"), C::tr("scrambles a text as db --encode does"), {text}, {}, encodeText},

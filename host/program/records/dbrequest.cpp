@@ -115,7 +115,10 @@ DBRequest DBRequests::fromCommandLine(const QCommandLineParser& parser, QString&
         return request;
     }
     request.conditions = pairs(parser.values(QStringLiteral("where")), error);
-    const QVariantMap row = pairs(words.mid(2), error);
+    const QStringList values = words.mid(2);
+    // "-" says what no values mean.
+    const QVariantMap row =
+        pairs(values == QStringList(QStringLiteral("-")) && request.writes() ? QStringList() : values, error);
     if (!row.isEmpty())
         request.rows.append(row);
 

@@ -143,7 +143,8 @@ ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
 
 QCommandLineOption dryRun()
 {
-    return {dryRunOption, TreeCommands::tr("Tells file by file what would be done, and does nothing.")};
+    return {{QStringLiteral("n"), dryRunOption},
+            TreeCommands::tr("Tells file by file what would be done, and does nothing.")};
 }
 
 Command treeCommand(const QString& name, const QString& summary, THREAD_OPERATE operate)
@@ -183,7 +184,9 @@ QVector<Command> treeCommands()
         {QStringLiteral("remove"),
          TreeCommands::tr("removes a folder with everything in it, read-only files too"),
          {folder},
-         {dryRun(), {yesOption, TreeCommands::tr("Does not ask; needed where there is no terminal.")}},
+         {dryRun(),
+          {{QStringLiteral("y"), yesOption},
+           TreeCommands::tr("Does not ask; needed where there is no terminal.")}},
          removeFolder},
     };
 }
