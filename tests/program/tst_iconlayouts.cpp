@@ -43,6 +43,8 @@ private Q_SLOTS:
     void backgroundCoversItsLayer();
     void aaptPackagesTheFolders_data();
     void aaptPackagesTheFolders();
+    void iconsReplaceThoseOfAPackage();
+    void packagesWithoutPicturesAreRefused();
     void nameIsTheIconsOwn();
     void equalChannelsGetEqualFiles();
     void laterChannelOfAFolderStays();
@@ -290,6 +292,45 @@ void tst_IconLayouts::aaptPackagesTheFolders()
         QVERIFY2(badging.contains("application-icon-" + QByteArray(density) + ":'res/mipmap-"), density);
 }
 
+void tst_IconLayouts::iconsReplaceThoseOfAPackage()
+{
+    const QString sample = QStringLiteral(SAMPLE_APK);
+    const Ended ended = icons(oneChannel,
+                              layout(QStringLiteral("android-res"))
+                                  + QStringList{QStringLiteral("--onto"), sample, QStringLiteral("--sheet"),
+                                                QStringLiteral("sheet.png")});
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(filesBelow(out()),
+             words("a-icon512x512.png a/res/drawable-mdpi-v4/icon.png a/res/drawable-xhdpi-v4/icon.png "
+                   "a/res/drawable-xxxhdpi-v4/icon.png"));
+    QCOMPARE(quenzo({QStringLiteral("unpack"), sample, QStringLiteral("game")}).code, 0);
+    const QImage icon = marked(master(), markPicture(3), 68, -68);
+    for (const char* file : {"res/drawable-mdpi-v4/icon.png", "res/drawable-xhdpi-v4/icon.png",
+                             "res/drawable-xxxhdpi-v4/icon.png"}) {
+        const QImage before(path(QStringLiteral("game/") + QLatin1String(file)));
+        QVERIFY2(!before.isNull(), file);
+        const QImage now(out(QStringLiteral("a/") + QLatin1String(file)));
+        QCOMPARE(now.size(), before.size());
+        QCOMPARE(now, scaled(icon, before.width()));
+    }
+    QVERIFY(!QImage(path(QStringLiteral("sheet.png"))).isNull());
+}
+
+void tst_IconLayouts::packagesWithoutPicturesAreRefused()
+{
+    write(path(QStringLiteral("no.apk")), "no package");
+    for (const char* apk : {"no.apk", "absent.apk", "marks"}) {
+        const Ended ended = icons(oneChannel,
+                                  layout(QStringLiteral("android-res"))
+                                      + QStringList{QStringLiteral("--onto"), QLatin1String(apk)});
+        QCOMPARE(ended.code, 1);
+        QVERIFY2(ended.error.contains("the package '" + QByteArray(apk) + '\''), ended.error.constData());
+        QCOMPARE(ended.error.count('\n'), 1);
+        QVERIFY(!QFileInfo::exists(out()));
+    }
+}
+
 void tst_IconLayouts::nameIsTheIconsOwn()
 {
     QCOMPARE(icons(oneChannel, layout(QStringLiteral("android-adaptive")) + words("--name app_icon")).error,
@@ -427,6 +468,10 @@ void tst_IconLayouts::wrongWordsAreRefused_data()
     row("--layout android-res --platform ios", "--layout android-res is for the platform android");
     row("--layout ios-appiconset --platform android", "--layout ios-appiconset is for the platform ios");
     row("--layout android-res --background back.png", "--background belongs to the layout android-adaptive");
+    row("--layout android-adaptive --background back.png --onto game.apk",
+        "--onto belongs to the layout android-res, and takes the names from the package");
+    row("--layout android-res --name icon --onto game.apk",
+        "--onto belongs to the layout android-res, and takes the names from the package");
     row("--layout android-res --clear", "--clear belongs to the layout plain; the others delete nothing");
     row("--platform android --name icon", "--name belongs to the other layouts than plain");
     row("--layout android-res --name Icon", "no icon of a package can be named 'Icon'");

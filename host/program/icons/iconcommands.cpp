@@ -94,6 +94,10 @@ QString readLayout(const QCommandLineParser& parser, IconJob& job)
     job.background = asFile(parser.value(QStringLiteral("background")));
     if (!job.background.isEmpty() && layout.arrangement != IconLayout::AndroidAdaptive)
         return IconCommands::tr("--background belongs to the layout android-adaptive");
+    job.base = asFile(parser.value(QStringLiteral("onto")));
+    if (!job.base.isEmpty() && (layout.arrangement != IconLayout::AndroidRes || isNamed))
+        return IconCommands::tr(
+            "--onto belongs to the layout android-res, and takes the names from the package");
     if (!isPlain && parser.isSet(QStringLiteral("clear")))
         return IconCommands::tr("--clear belongs to the layout plain; the others delete nothing");
     return {};
@@ -152,6 +156,20 @@ bool resolve(QString& folder)
     return true;
 }
 
+// Learns which icons the package has; the faults of it.
+QStringList readBase(IconJob& job)
+{
+    QString fault;
+    Diagnostics::takeAll();
+    const PackageIcons icons = iconsOfPackage(job.base, fault);
+    const QString cause = Diagnostics::take();
+    if (!fault.isEmpty() && !cause.isEmpty())
+        fault += QStringLiteral(": ") + cause;
+    job.layout.base = icons.pictures;
+    job.keptIcons = icons.others;
+    return fault.isEmpty() ? QStringList() : QStringList(fault);
+}
+
 QStringList faultsOfPictures(const IconJob& job)
 {
     QStringList faults;
@@ -174,6 +192,8 @@ QStringList readInputs(IconJob& job)
         return {IconCommands::tr("'%1' cannot be found: the current folder is gone; give a whole path")
                     .arg(word)};
     QStringList faults = faultsOfPictures(job);
+    if (!job.base.isEmpty())
+        faults += readBase(job);
     job.channels = ChannelList::read(job.list, faults);
     if (!faults.isEmpty())
         return faults;
@@ -354,6 +374,7 @@ QVector<Command> iconCommands()
                    .arg(IconLayout::arrangementNames().join(QStringLiteral(", "))),
                "NAME", "plain"),
         option("name", C::tr("The icon's name in the package (ic_launcher, AppIcon)."), "TEXT"),
+        option("onto", C::tr("The built package whose icons these replace, for android-res."), "APK"),
         option("background", C::tr("The picture behind the icon, for android-adaptive."), "FILE"),
         option("default-corner", C::tr("The corner of channels with the corner \"default\" (right-bottom)."),
                "CORNER", "right-bottom"),

@@ -49,6 +49,8 @@ struct Input {
 QVector<Input> inputsOf(const IconJob& job)
 {
     QVector<Input> inputs{{job.icon, Job::tr("the icon '%1'").arg(job.icon)}};
+    if (!job.base.isEmpty())
+        inputs.append({job.base, Job::tr("the package '%1'").arg(job.base)});
     if (!job.background.isEmpty())
         inputs.append({job.background, Job::tr("the background '%1'").arg(job.background)});
     if (job.list != QLatin1String("-"))
@@ -333,6 +335,8 @@ QStringList IconJob::missingMarks() const
 QStringList IconJob::warnings() const
 {
     QStringList texts = doubtsOfStorePicture(*this);
+    for (const QString& other : keptIcons)
+        texts.append(Job::tr("%1 also shows %2 as its icon, which stays").arg(base, other));
     QSet<QString> folders;
     const QSize iconSize = sizeOf(icon);
     for (const ListedChannel& channel : channels) {

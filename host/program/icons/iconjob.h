@@ -15,6 +15,8 @@
 struct IconJob {
     QString icon;
     QString background; ///< the second picture; empty for layouts without one
+    QStringList keptIcons; ///< what else that package shows as its icon
+    QString base; ///< the package whose icons are to be replaced; empty when there is none
     QString marks;
     QString out; ///< absolute, without links and a separator at the end
     QString list; ///< "-" for the standard input

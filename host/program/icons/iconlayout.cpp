@@ -64,6 +64,22 @@ QString resourceFolder(const QString& folder, const char* density)
     return folder + QLatin1String("/res/mipmap-") + QLatin1String(density) + QLatin1Char('/');
 }
 
+// Beside the folder: what is in it becomes part of the package, and this one is for the store's page.
+LayoutFile storeFile(const QString& folder)
+{
+    return {folder + QLatin1Char('-') + IconSet::wholeFile(), LayoutFile::Icon, 0, {}};
+}
+
+// A built package finds its icons by the paths that it was built with.
+QVector<LayoutFile> replacingFiles(const QString& folder, const QVector<PackageIcon>& base)
+{
+    QVector<LayoutFile> files;
+    for (const PackageIcon& icon : base)
+        files.append({folder + QLatin1Char('/') + icon.path, LayoutFile::Icon, icon.side, {}});
+    files.append(storeFile(folder));
+    return files;
+}
+
 QVector<LayoutFile> resourceFiles(const QString& folder, const QString& name)
 {
     QVector<LayoutFile> files;
@@ -72,8 +88,7 @@ QVector<LayoutFile> resourceFiles(const QString& folder, const QString& name)
                       LayoutFile::Icon,
                       density.side,
                       {}});
-    // Beside the folder: what is in it becomes part of the package, and this one is for the store's page.
-    files.append({folder + QLatin1Char('-') + IconSet::wholeFile(), LayoutFile::Icon, 0, {}});
+    files.append(storeFile(folder));
     return files;
 }
 
@@ -161,7 +176,7 @@ QVector<LayoutFile> IconLayout::filesOf(const QString& folder) const
     case Plain:
         break;
     case AndroidRes:
-        return resourceFiles(folder, name);
+        return base.isEmpty() ? resourceFiles(folder, name) : replacingFiles(folder, base);
     case AndroidAdaptive:
         return adaptiveFiles(folder, name);
     case IosAppIconSet:
@@ -172,10 +187,12 @@ QVector<LayoutFile> IconLayout::filesOf(const QString& folder) const
 
 QString IconLayout::shownFile(const QString& folder) const
 {
-    constexpr int shownSide = 144; // or the next larger one
+    constexpr int shownSide = 144; // or the next larger one, or the largest there is
     const QVector<LayoutFile> files = filesOf(folder);
-    const auto isShown = [](const LayoutFile& file) {
-        return file.content == LayoutFile::Icon && file.side >= shownSide;
-    };
-    return std::find_if(files.cbegin(), files.cend(), isShown)->path;
+    const LayoutFile* shown = &files.first();
+    for (const LayoutFile& file : files) {
+        if (file.content == LayoutFile::Icon && shown->side < shownSide && file.side > shown->side)
+            shown = &file;
+    }
+    return shown->path;
 }

@@ -3,6 +3,7 @@
 #define ICONLAYOUT_H
 
 #include "icons/iconset.h"
+#include "icons/packageicons.h"
 
 #include <QByteArray>
 #include <QString>
@@ -33,6 +34,7 @@ struct IconLayout {
     Arrangement arrangement = Plain;
     int platform = IconSet::Android;
     QString name; ///< of the icon in the package; Plain has none
+    QVector<PackageIcon> base; ///< for AndroidRes: those of the package that these replace, if there is one
 
     /** The words for the arrangements, each at its number. */
     static QStringList arrangementNames();
