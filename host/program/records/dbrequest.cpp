@@ -89,8 +89,12 @@ QString conditionAmongValues(const QString& column)
 
 QString rowError(const QVariantMap& row, const QString& conditionColumn)
 {
+    // More than any table of SQLite's can have; its parser would take minutes to find that out.
+    constexpr int mostColumns = 32767;
     if (row.isEmpty())
         return DBRequestTexts::tr("a row needs a column");
+    if (row.size() > mostColumns)
+        return DBRequestTexts::tr("a row has more columns, %1, than any table").arg(row.size());
     if (row.contains(conditionColumn))
         return conditionAmongValues(conditionColumn);
     for (auto value = row.cbegin(); value != row.cend(); ++value) {

@@ -3,7 +3,10 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+
+#include <climits>
 
 namespace {
 
@@ -14,6 +17,11 @@ struct Paths {
 // The path that a word names, or else what is wrong with the word.
 QString absolute(const QString& word, QString& objection)
 {
+    if (QFile::encodeName(word).size() >= PATH_MAX) {
+        // The way up to a folder that exists would take time without end.
+        objection = Paths::tr("the name of a folder is longer than %1 bytes").arg(PATH_MAX - 1);
+        return {};
+    }
     if (word.startsWith(QLatin1Char('/')))
         return word;
     const QString current = QDir::currentPath();
