@@ -4,6 +4,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonDocument>
+#include <QProcess>
 #include <QtTest>
 
 #include <unistd.h>
@@ -15,6 +17,20 @@ namespace {
 bool linkHard(const QString& from, const QString& to)
 {
     return link(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+// "valid", or what the schema of channel lists forbids in this one, with the place before it.
+QByteArray schemaVerdictOn(const QByteArray& list)
+{
+    QProcess validator;
+    validator.start(QStringLiteral(PYTHON3),
+                    {QStringLiteral(SOURCE_DIR "/tests/program/validate.py"),
+                     QStringLiteral(SOURCE_DIR "/docs/channels.schema.json")});
+    validator.write(QJsonDocument::fromJson(list).toJson(QJsonDocument::Compact) + '\n');
+    validator.closeWriteChannel();
+    if (!validator.waitForFinished() || validator.exitCode() != 0)
+        return "no verdict: " + validator.readAllStandardError();
+    return validator.readAll().split('\n').value(1);
 }
 
 } // namespace
@@ -41,6 +57,10 @@ private Q_SLOTS:
     void pipesAreNotRead();
     void listMistakesAreNamedAndNothingIsTouched_data();
     void listMistakesAreNamedAndNothingIsTouched();
+    void schemaForbidsTheSameMistakes_data() { listMistakesAreNamedAndNothingIsTouched_data(); }
+    void schemaForbidsTheSameMistakes();
+    void schemaAllowsWhatIsTaken_data();
+    void schemaAllowsWhatIsTaken();
     void allMistakesAreNamedAtOnce();
     void missingInputIsNamed_data();
     void missingInputIsNamed();
@@ -326,6 +346,37 @@ void tst_IconRefusals::listMistakesAreNamedAndNothingIsTouched()
     QCOMPARE(ended.error.count("quenzo: "), 1);
     QCOMPARE(ended.output, QByteArray());
     QCOMPARE(filesBelow(out()), words("kept"));
+}
+
+void tst_IconRefusals::schemaForbidsTheSameMistakes()
+{
+    QFETCH(const QByteArray, list);
+    // What no schema can tell: texts that are no JSON, and names that are no Unicode.
+    if (QJsonDocument::fromJson(list).isNull() || list.contains("\\ud"))
+        return;
+    const QByteArray verdict = schemaVerdictOn(list);
+    QVERIFY2(verdict.startsWith('$'), verdict.constData());
+}
+
+void tst_IconRefusals::schemaAllowsWhatIsTaken_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::newRow("empty") << QByteArray("[]");
+    QTest::newRow("sample") << contentOf(QStringLiteral(SOURCE_DIR "/host/sample/icons/channels.json"));
+    QTest::newRow("all keys") << QByteArray(
+        R"([{"folder": "a", "name": "A", "mark": "red", "corner": "right-top", "x": 60, "y": -7}])");
+    QTest::newRow("null") << QByteArray(R"([{"folder": "a", "name": null, "mark": null}])");
+    QTest::newRow("dots in names") << QByteArray(R"([{"folder": "..a", "mark": "None"}, {"folder": "..."}])");
+    for (const char* corner : {"\"default\"", "0", "4", "\"0\"", "\"4\""})
+        QTest::newRow(corner) << QByteArray(R"([{"folder": "a", "corner": )") + corner + "}]";
+}
+
+void tst_IconRefusals::schemaAllowsWhatIsTaken()
+{
+    QFETCH(const QByteArray, list);
+    QCOMPARE(schemaVerdictOn(list), QByteArray("valid"));
+    const Ended ended = icons(list, words("--ignore-missing"));
+    QCOMPARE(ended.code, 0);
 }
 
 void tst_IconRefusals::allMistakesAreNamedAtOnce()

@@ -73,7 +73,7 @@ PackageIcons iconsOfPackage(const QString& apk, QString& fault)
         return {};
     }
     QString path = QFileInfo(apk).absoluteFilePath();
-    path.replace(QLatin1Char('"'), QLatin1String("\"\"\"")); // as a command line spells it
+    path.replace(QLatin1Char('"'), QLatin1String(R"(""")")); // as a command line spells it
     QString badging;
     QString error;
     const bool ended = QuenzoTool::runCmdWaitFinish(
