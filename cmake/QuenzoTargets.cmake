@@ -52,8 +52,11 @@ function(quenzo_library target)
     string(TOLOWER ${target} lower)
     generate_export_header(${target} BASE_NAME ${lower} EXPORT_FILE_NAME include/${lower}_export.h)
     set_target_properties(${target} PROPERTIES
-        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
-        INSTALL_RPATH "$ORIGIN")
+        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    # In the system's own folder they are found without.
+    if(NOT QUENZO_HOST_ROOT)
+        set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
+    endif()
     target_compile_features(${target} PUBLIC cxx_std_17)
     # What the library exports and calls itself may be inlined there.
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
@@ -63,8 +66,9 @@ function(quenzo_library target)
         "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/${target}>")
     add_library(QuenzoTool::${target} ALIAS ${target})
     install(TARGETS ${target} EXPORT QuenzoToolTargets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
     install(DIRECTORY include/ "${CMAKE_CURRENT_BINARY_DIR}/include/"
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${target} FILES_MATCHING PATTERN "*.h")
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${target} COMPONENT development FILES_MATCHING PATTERN "*.h")
     quenzo_strict(${target})
 endfunction()

@@ -5,6 +5,10 @@ if(WIN32)
 else()
     set(tool_dir tool/mac)
 endif()
+set(host_root .)
+if(QUENZO_HOST_ROOT)
+    set(host_root "${QUENZO_HOST_ROOT}")
+endif()
 
 # quenzo_stage(SOURCE DESTINATION [PERMISSIONS...]): keeps a file of the source tree up to date in the build tree's
 # root, installs it, with further permissions.
@@ -19,7 +23,7 @@ function(quenzo_stage source destination)
         COMMAND ${CMAKE_COMMAND} -E make_directory "${PROJECT_BINARY_DIR}/${destination}"
         COMMAND ${CMAKE_COMMAND} -E copy "${CMAKE_CURRENT_SOURCE_DIR}/${source}" "${staged}" VERBATIM)
     set_property(DIRECTORY APPEND PROPERTY staged_files "${staged}")
-    install(PROGRAMS "${source}" DESTINATION "${destination}"
+    install(PROGRAMS "${source}" DESTINATION "${host_root}/${destination}" COMPONENT host
         PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ ${ARGN})
 endfunction()
 
@@ -31,7 +35,7 @@ function(quenzo_link_program name link)
         return()
     endif()
     file(CREATE_LINK "${QUENZO_${name}}" "${PROJECT_BINARY_DIR}/${tool_dir}/${link}" SYMBOLIC)
-    install(FILES "${PROJECT_BINARY_DIR}/${tool_dir}/${link}" DESTINATION "${tool_dir}")
+    install(FILES "${PROJECT_BINARY_DIR}/${tool_dir}/${link}" DESTINATION "${host_root}/${tool_dir}" COMPONENT host)
 endfunction()
 
 file(GLOB scripts CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" Script/*)
@@ -52,9 +56,9 @@ else()
     quenzo_link_program(adb adb-program)
 endif()
 quenzo_link_program(aapt aapt)
-install(DIRECTORY DESTINATION log)
-install(DIRECTORY DESTINATION Script)
-install(DIRECTORY DESTINATION ${tool_dir})
+if(NOT QUENZO_HOST_ROOT)
+    install(DIRECTORY DESTINATION log COMPONENT host)
+endif()
 
 get_property(staged DIRECTORY PROPERTY staged_files)
 add_custom_target(runtime_folders ALL DEPENDS ${staged})

@@ -13,3 +13,13 @@ echo "check: format is clean"
 git ls-files -z -- 'QuenzoBase/*_linux.cpp' 'QuenzoBase/**/quenzo*.cpp' 'QuenzoTool/*.cpp' 'host/*.cpp' |
     grep -zv '_other\.cpp$' | xargs -0 -n1 -P"$(nproc)" clang-tidy --quiet -p build/release
 echo "check: clang-tidy is clean"
+
+# An editor that reads what the README's host was built with sees no error either.
+editor=$(mktemp -d)
+trap 'rm -rf "$editor"' EXIT
+cmake --install build/release --prefix "$editor/prefix" >/dev/null
+tests/consumer/readme-host.sh README.md host/sample/packages/harbourpay.zip "$editor" "$editor/prefix" cmake
+clangd --check="$editor/cmake/main.cpp" --compile-commands-dir="$editor/cmake/build" >"$editor/clangd.log" 2>&1 ||
+    { grep '^E\[' "$editor/clangd.log"; exit 1; }
+! grep -E '^E\[.*(error|unknown)' "$editor/clangd.log" || exit 1
+echo "check: clangd reads the README's host"

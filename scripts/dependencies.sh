@@ -2,13 +2,14 @@
 # SPDX-License-Identifier: MIT
 #
 # Installs what is missing on Debian 12: what builds, runs and tests the project, and with the names of
-# further groups (checks, bench) also what these need. Touches nothing, and needs neither network nor root,
-# when everything is there.
+# further groups (checks, bench, package) also what these need; with the one word "python" the Python 2.7 that the
+# packages need, and nothing else. Touches nothing, and needs neither network nor root, when everything is there.
 set -euo pipefail
 
 build=(g++ make cmake pkg-config qtbase5-dev libqt5sql5-sqlite libsqlite3-dev libdeflate-dev openssl adb aapt
         pngcheck zsh mandoc groff-base python3-jsonschema fonts-dejavu-core fonts-wqy-microhei)
-checks=(clang clang-format clang-tidy python3-minimal)
+checks=(clang clang-format clang-tidy clangd python3-minimal)
+package=(lintian dpkg-dev)
 bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev)
 # Python 2.7 left Debian with release 11. These packages, and nothing else, come from there.
 python=(libpython2.7-dev libpython2.7 libpython2.7-stdlib libpython2.7-minimal python2.7 python2.7-minimal
@@ -25,11 +26,17 @@ missing() {
 }
 
 packages=("${build[@]}")
+if [ "$*" = python ]; then
+    packages=()
+    python=(libpython2.7 libpython2.7-stdlib libpython2.7-minimal libssl1.1 libffi7)
+    shift
+fi
 for group in "$@"; do
     case $group in
         checks) packages+=("${checks[@]}") ;;
         bench) packages+=("${bench[@]}") ;;
-        *) die "unknown group '$group' (known: checks, bench)" ;;
+        package) packages+=("${package[@]}") ;;
+        *) die "unknown group '$group' (known: checks, bench, package; python only by itself)" ;;
     esac
 done
 

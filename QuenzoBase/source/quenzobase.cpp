@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "quenzobase.h"
 
+#include "logfolder.h"
 #include "platform.h"
 
 #include <QDateTime>
@@ -94,7 +95,7 @@ private:
     }
 
     std::mutex m_mutex;
-    QFile m_file{QDir::cleanPath(runPath() + QStringLiteral("/../log/quenzotool.log"))};
+    QFile m_file{logFolder(runPath()) + QStringLiteral("/quenzotool.log")};
     const QByteArray m_path = QFile::encodeName(m_file.fileName());
     FileIdentity m_identity;
     qint64 m_second = -1;

@@ -67,6 +67,9 @@ QVector<Explained> environmentVariables()
                    "--key names none.")},
         {QStringLiteral("XDG_DATA_HOME"),
          Table::tr("The folder that holds the person's own key, instead of ~/.local/share.")},
+        {QStringLiteral("XDG_STATE_HOME"),
+         Table::tr("The folder that holds the log of a program that the system's "
+                   "packages have installed, instead of ~/.local/state.")},
         {QStringLiteral("QUENZO_DEVELOP_INFO"),
          Table::tr("The file of the channels' developer records that export reads.")},
         {QStringLiteral("ANDROID_SERIAL"),
@@ -89,6 +92,8 @@ QVector<Explained> usedFiles()
                    "and export, and the developer records.")},
         {QStringLiteral("ROOT/tool/mac"), Table::tr("adb and aapt, and what the interpreter imports first.")},
         {QStringLiteral("ROOT/log/quenzotool.log"), Table::tr("The log.")},
+        {QStringLiteral("~/.local/state/quenzo/quenzotool.log"),
+         Table::tr("The log of a program that the system's packages have installed.")},
         {QStringLiteral("~/.local/share/quenzo/encrypt.key"),
          Table::tr("The person's own key, made when it is first needed.")},
     };

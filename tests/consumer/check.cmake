@@ -65,6 +65,19 @@ run(ignored ${CMAKE_COMMAND} -S "${SOURCE_DIR}" -B "${WORK_DIR}/package" "-DCMAK
 run(ignored ${CMAKE_COMMAND} --build "${WORK_DIR}/package")
 run_consumer("${WORK_DIR}/package/consumer")
 
+# The build tree is no place to find the package in: only a part of it is there.
+file(WRITE "${WORK_DIR}/tree/CMakeLists.txt" "cmake_minimum_required(VERSION 3.22)
+project(tree LANGUAGES NONE)
+find_package(QuenzoTool CONFIG)
+if(QuenzoTool_FOUND OR QuenzoTool_CONSIDERED_CONFIGS)
+    message(FATAL_ERROR \"found: \${QuenzoTool_CONSIDERED_CONFIGS}\")
+endif()
+")
+run(ignored ${CMAKE_COMMAND} -S "${WORK_DIR}/tree" -B "${WORK_DIR}/tree/build" "-DCMAKE_PREFIX_PATH=${BINARY_DIR}"
+    "-DQuenzoTool_ROOT=${BINARY_DIR}" -Wno-dev)
+file(GLOB half "${BINARY_DIR}/*.pc" "${BINARY_DIR}/QuenzoTool*.cmake")
+expect("${half}" "" "the build tree offers")
+
 find_program(pkg_config NAMES pkg-config pkgconf REQUIRED)
 set(ENV{PKG_CONFIG_PATH} "${prefix}/${LIB_DIR}/pkgconfig")
 run(flags ${pkg_config} --cflags --libs quenzotool)
@@ -78,6 +91,9 @@ run_consumer("${WORK_DIR}/plain/consumer")
 # By pkg-config's words, which the CMake package's equal.
 check_header_examples("${prefix}" "${CXX}" ${cxx_flags} ${flags})
 if(HOST)
-    check_readme_host("${SOURCE_DIR}/../../README.md" "${prefix}"
+    # What pkg-config prints has no quotation marks: the README's prefix is without a blank.
+    set(plain_prefix "${WORK_DIR}/prefix")
+    run(ignored ${CMAKE_COMMAND} --install "${BINARY_DIR}" --prefix "${plain_prefix}")
+    check_readme_host("${SOURCE_DIR}/../../README.md" "${plain_prefix}"
         "${SOURCE_DIR}/../../host/sample/packages/harbourpay.zip")
 endif()
