@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The codec beside the conversions that it is made of, which leave the characters where they are.
-#include "bench_codec.h"
+#include "bench_records.h"
 
 #include <quenzotool.h>
 
