@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 /** The text codec for callers that store bytes. */
 namespace Codec {
@@ -17,6 +18,9 @@ namespace Codec {
  * @return how many bytes the scrambled text has
  */
 std::size_t encode(const QString& text, std::string& bytes);
+
+/** The same for a text in UTF-8. */
+std::size_t encode(std::string_view utf8, std::string& bytes);
 
 } // namespace Codec
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 namespace {
@@ -45,22 +46,28 @@ int scrambledLength(int bytes)
     return (bytes + groupBytes - 1) / groupBytes * groupLetters;
 }
 
-// Both letters of each twelve bits, swapped: the upper half is the first.
-constexpr std::array<quint32, 4096> makePairs()
+template <typename Letter> struct Pair {
+    Letter first;
+    Letter second;
+};
+
+// Both letters of each twelve bits, swapped.
+template <typename Letter> constexpr std::array<Pair<Letter>, 4096> makePairs()
 {
-    std::array<quint32, 4096> pairs{};
-    for (std::size_t i = 0; i < pairs.size(); ++i)
-        pairs[i] = quint32{letterOf(i >> 6)} << 16 | quint32{letterOf(i & 63)};
+    std::array<Pair<Letter>, 4096> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        pairs[i].first = static_cast<Letter>(letterOf(i & 63));
+        pairs[i].second = static_cast<Letter>(letterOf(i >> 6));
+    }
     return pairs;
 }
 
-constexpr std::array<quint32, 4096> pairs = makePairs();
+template <typename Letter> constexpr std::array<Pair<Letter>, 4096> pairs = makePairs<Letter>();
 
+// Both at once.
 template <typename Letter> inline void putPair(unsigned bits, Letter* out)
 {
-    const quint32 pair = pairs[bits];
-    out[0] = static_cast<Letter>(pair);
-    out[1] = static_cast<Letter>(pair >> 16);
+    std::memcpy(out, &pairs<Letter>[bits], sizeof(Pair<Letter>));
 }
 
 template <typename Letter> inline void putPlainPair(unsigned bits, Letter* out)
@@ -227,6 +234,15 @@ QString decodeStepByStep(const QString& text)
     return textOf(QByteArray::fromBase64(bytes));
 }
 
+// How long the scrambled text of so many bytes is, with room made for it.
+std::size_t reserve(std::string& bytes, int size)
+{
+    const auto length = static_cast<std::size_t>(size <= groupBytes ? 0 : scrambledLength(size));
+    if (bytes.size() < length)
+        bytes.resize(length);
+    return length;
+}
+
 constexpr unsigned asciiEnd = 0x80;
 constexpr unsigned bytesEnd = 0x100;
 
@@ -254,21 +270,20 @@ QString QuenzoTool::ckEncode(QString text)
 
 std::size_t Codec::encode(const QString& text, std::string& bytes)
 {
-    const auto reserve = [&bytes](int size) {
-        const auto length = static_cast<std::size_t>(size <= groupBytes ? 0 : scrambledLength(size));
-        if (bytes.size() < length)
-            bytes.resize(length);
-        return length;
-    };
-    const std::size_t length = reserve(text.size());
+    const std::size_t length = reserve(bytes, text.size());
     if (length > 0 && encodeBytes(text.utf16(), text.size(), bytes.data(), asciiEnd) < asciiEnd)
         return length;
     const QByteArray wide = text.toUtf8();
-    const std::size_t wideLength = reserve(wide.size());
-    if (wideLength > 0) {
-        encodeBytes(reinterpret_cast<const uchar*>(wide.constData()), wide.size(), bytes.data(), bytesEnd);
-    }
-    return wideLength;
+    return encode({wide.constData(), static_cast<std::size_t>(wide.size())}, bytes);
+}
+
+std::size_t Codec::encode(std::string_view utf8, std::string& bytes)
+{
+    const int size = static_cast<int>(utf8.size());
+    const std::size_t length = reserve(bytes, size);
+    if (length > 0)
+        encodeBytes(reinterpret_cast<const uchar*>(utf8.data()), size, bytes.data(), bytesEnd);
+    return length;
 }
 
 QString QuenzoTool::ckDecode(QString text)

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Every text that has four bytes and no zero byte comes back, and no input at all upsets the decoder.
+// Every text that has four bytes and no zero byte comes back, no input at all upsets the decoder, and what is
+// stored is what the public function returns.
+#include "codec.h"
+
 #include <quenzotool.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -12,6 +16,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString text = QString::fromUtf8(bytes);
     const bool comesBack = text.toUtf8().size() >= 4 && !text.contains(QChar(QChar::Null));
     if (comesBack && QuenzoTool::ckDecode(QuenzoTool::ckEncode(text)) != text)
+        std::abort();
+    std::string stored;
+    stored.resize(Codec::encode(text, stored));
+    if (stored != QuenzoTool::ckEncode(text).toStdString())
         std::abort();
     if (QuenzoTool::ckDecode(text).isNull() || QuenzoTool::ckDecode(QString::fromLatin1(bytes)).isNull())
         std::abort();
