@@ -294,6 +294,10 @@ private:
     void enqueue(ST_DB_COMMAND&& command);
     std::optional<ST_DB_COMMAND> takeCommand();
     void perform(ST_DB_COMMAND& command);
+    bool insertRows(const QString& tableName, const QList<QVariant>& rows,
+                    const QMap<QString, QVariant>& lastRow, bool bEncode);
+    bool updateRows(const QString& tableName, const QString& whereKey, const QString& whereValue,
+                    const QList<QVariant>& rows, const QMap<QString, QVariant>& lastRow, bool bEncode);
     void commit();
     void closeConnection();
     bool isTransactionOpen() const;

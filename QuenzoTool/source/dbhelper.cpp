@@ -282,10 +282,6 @@ std::optional<ST_DB_COMMAND> DBHelper::takeCommand()
 
 void DBHelper::perform(ST_DB_COMMAND& command)
 {
-    const bool writesRows = command.command == DB_INSERT || command.command == DB_UPDATE;
-    if (writesRows && !command.mapValue.isEmpty())
-        command.lsRecord.append(command.mapValue);
-
     switch (command.command) {
     case DB_SELECT:
         Q_EMIT onSelectFinish(command.tableName,
@@ -293,11 +289,11 @@ void DBHelper::perform(ST_DB_COMMAND& command)
                               command.usrExt);
         break;
     case DB_INSERT:
-        insertToDatabase(command.tableName, command.lsRecord, command.bEncode);
+        insertRows(command.tableName, command.lsRecord, command.mapValue, command.bEncode);
         break;
     case DB_UPDATE:
-        updateToDatabase(command.tableName, command.updateKey, command.updateValue, command.lsRecord,
-                         command.bEncode);
+        updateRows(command.tableName, command.updateKey, command.updateValue, command.lsRecord,
+                   command.mapValue, command.bEncode);
         break;
     case DB_DELETE:
         deleteFromDatabase(command.tableName, command.mapValue, command.bEncode);

@@ -84,18 +84,23 @@ bool DBHelper::insertToDatabase(QString tableName, QMap<QString, QVariant>& mapV
 
 bool DBHelper::insertToDatabase(QString tableName, QList<QVariant>& lsRecord, bool bEncode)
 {
-    if (lsRecord.isEmpty())
+    return insertRows(tableName, lsRecord, Row(), bEncode);
+}
+
+// The rows of a list, and behind them a queued map unless that is empty. A list for one map would cost more
+// than the insertion's own preparations.
+bool DBHelper::insertRows(const QString& tableName, const QList<QVariant>& rows, const Row& lastRow,
+                          bool bEncode)
+{
+    if (rows.isEmpty() && lastRow.isEmpty())
         return true;
     DBStatement statement(m_db, *m_kept, {Shape::Insert, tableName, {}}, encodedIf(bEncode));
-    for (const QVariant& record : qAsConst(lsRecord)) {
-        if (statement.runOrRollBack(record.toMap()))
-            continue;
-        reportFailure(
-            statement, insertion, tableName, m_bTransaction, 337,
-            "bool __cdecl DBHelper::insertToDatabase(class QString,class QList<class QVariant> &,bool)");
-        return false;
-    }
-    return true;
+    if (statement.runOrRollBack(rows, lastRow))
+        return true;
+    reportFailure(
+        statement, insertion, tableName, m_bTransaction, 337,
+        "bool __cdecl DBHelper::insertToDatabase(class QString,class QList<class QVariant> &,bool)");
+    return false;
 }
 
 bool DBHelper::updateToDatabase(QString tableName, QString whereKey, QVariant whereValue,
@@ -114,20 +119,22 @@ bool DBHelper::updateToDatabase(QString tableName, QString whereKey, QVariant wh
 bool DBHelper::updateToDatabase(QString tableName, QString whereKey, QVariant whereValue,
                                 QList<QVariant>& lsRecord, bool bEncode)
 {
-    if (lsRecord.isEmpty())
+    return updateRows(tableName, whereKey, whereValue.toString(), lsRecord, Row(), bEncode);
+}
+
+bool DBHelper::updateRows(const QString& tableName, const QString& whereKey, const QString& whereValue,
+                          const QList<QVariant>& rows, const Row& lastRow, bool bEncode)
+{
+    if (rows.isEmpty() && lastRow.isEmpty())
         return true;
     DBStatement statement(m_db, *m_kept, {Shape::Update, tableName, notNull(whereKey)}, encodedIf(bEncode),
-                          whereValue.toString());
-    for (const QVariant& record : qAsConst(lsRecord)) {
-        if (statement.run(record.toMap()))
-            continue;
-        reportFailure(
-            statement, changing, tableName, m_bTransaction, 437,
-            "bool __cdecl DBHelper::updateToDatabase(class QString,class QString,class QVariant,class "
-            "QList<class QVariant> &,bool)");
-        return false;
-    }
-    return true;
+                          whereValue);
+    if (statement.run(rows, lastRow))
+        return true;
+    reportFailure(statement, changing, tableName, m_bTransaction, 437,
+                  "bool __cdecl DBHelper::updateToDatabase(class QString,class QString,class QVariant,class "
+                  "QList<class QVariant> &,bool)");
+    return false;
 }
 
 bool DBHelper::deleteFromDatabase(QString tableName)

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void failureInALaterRowReadsAsThatOfASingleRow_data();
     void failureInALaterRowReadsAsThatOfASingleRow();
     void nobodySeesAFailedRowBeforeItsRollback();
+    void directCallGetsItsTurnBetweenTwoRows();
     void updatesOfLaterRowsTakeTheirOwnValues();
     void rowsAreTakenAfterALaterRowFailed();
     void textsThatAreTooLongFailInALaterRowToo();
@@ -88,11 +89,33 @@ void tst_DBLists::kindsMayChangeFromRowToRow()
 
 void tst_DBLists::valuesOfLaterRowsAreEncodedToo()
 {
+    QList<QVariant> values{QStringLiteral("hello world"),
+                           1234567,
+                           -1234567,
+                           std::numeric_limits<qlonglong>::min(),
+                           1234567890U,
+                           648.0,
+                           -12.99,
+                           0.1 + 0.2,
+                           1e-7,
+                           1e300,
+                           true,
+                           QVariant(),
+                           QVariant(QVariant::Int),
+                           QString(),
+                           QByteArray("bytes"),
+                           QDate(2026, 2, 28)};
+    for (int length = 0; length < 200; ++length) {
+        values.append(QString(length, QLatin1Char('x')));
+        values.append(QString(values.last().toString() + QStringLiteral("\u4e2d")));
+    }
+    values.append(QString(100000, QLatin1Char('x')));
+    values.append(QStringLiteral("behind a long one"));
     QList<QVariant> rows;
     QVariantList expected;
-    for (const char* name : {"hello world", "other words", "hello again"}) {
-        rows.append(QVariantMap{{QStringLiteral("name"), QLatin1String(name)}});
-        expected.append(QuenzoTool::ckEncode(QLatin1String(name)));
+    for (const QVariant& value : qAsConst(values)) {
+        rows.append(QVariantMap{{QStringLiteral("name"), value}});
+        expected.append(QuenzoTool::ckEncode(value.toString()));
     }
     QVERIFY(m_database->insertToDatabase(table, rows, true));
     QCOMPARE(m_database->outside(QStringLiteral("SELECT name FROM channel ORDER BY rowid")), expected);
@@ -175,6 +198,30 @@ void tst_DBLists::nobodySeesAFailedRowBeforeItsRollback()
     QCOMPARE(seen.load(), 0);
     QCOMPARE(m_log->takeDebugTexts().size(), 3 * rounds);
     QCOMPARE(m_database->outside(QStringLiteral("SELECT id FROM strict")), QVariantList());
+}
+
+void tst_DBLists::directCallGetsItsTurnBetweenTwoRows()
+{
+    constexpr int count = 500;
+    m_database->outside(QStringLiteral(
+        "CREATE TRIGGER slow AFTER INSERT ON channel WHEN new.name = 'slow' BEGIN SELECT count(*) FROM (WITH "
+        "RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) SELECT i FROM n); END"));
+    QList<QVariant> rows;
+    for (int i = 0; i < count; ++i)
+        rows.append(row(i, QStringLiteral("slow")));
+    bool done = false;
+    std::thread list([&] { done = m_database->insertToDatabase(table, rows, false); });
+    int before = 0;
+    while (before == 0)
+        before = m_database->selectFromDatabase(table, false).size();
+    const bool direct =
+        m_database->insertToDatabase(table, QStringLiteral("id"), QStringLiteral("direct"), false);
+    list.join();
+    QVERIFY(done && direct);
+    const QVariantList places =
+        m_database->outside(QStringLiteral("SELECT rowid FROM channel WHERE id = 'direct'"));
+    QCOMPARE(places.size(), 1);
+    QVERIFY2(places.first().toInt() <= count, "the whole list came before");
 }
 
 void tst_DBLists::updatesOfLaterRowsTakeTheirOwnValues()

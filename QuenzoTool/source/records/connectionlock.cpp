@@ -21,13 +21,8 @@ Mutexes& mutexes()
 
 thread_local int ownLocks = 0;
 
-} // namespace
-
-ConnectionLock::ConnectionLock()
+void lockInTurn(Mutexes& shared)
 {
-    if (ownLocks++ > 0)
-        return;
-    Mutexes& shared = mutexes();
     if (shared.waiting.load(std::memory_order_relaxed) == 0 && shared.connection.try_lock())
         return;
     shared.waiting.fetch_add(1, std::memory_order_relaxed);
@@ -36,8 +31,27 @@ ConnectionLock::ConnectionLock()
     shared.waiting.fetch_sub(1, std::memory_order_relaxed);
 }
 
+} // namespace
+
+ConnectionLock::ConnectionLock()
+{
+    if (ownLocks++ == 0)
+        lockInTurn(mutexes());
+}
+
 ConnectionLock::~ConnectionLock()
 {
     if (--ownLocks == 0)
         mutexes().connection.unlock();
+}
+
+bool ConnectionLock::isAwaited() const
+{
+    return ownLocks == 1 && mutexes().waiting.load(std::memory_order_relaxed) > 0;
+}
+
+void ConnectionLock::giveWay()
+{
+    mutexes().connection.unlock();
+    lockInTurn(mutexes());
 }

@@ -46,13 +46,24 @@ DBStatement::~DBStatement()
 bool DBStatement::run(const QMap<QString, QVariant>& row)
 {
     const ConnectionLock lock;
-    return execute(row);
+    const bool done = execute(row);
+    rest();
+    return done;
 }
 
-bool DBStatement::runOrRollBack(const QMap<QString, QVariant>& row)
+bool DBStatement::run(const QList<QVariant>& rows, const QMap<QString, QVariant>& lastRow)
 {
-    const ConnectionLock lock;
-    const bool done = execute(row);
+    ConnectionLock lock;
+    const bool done = runEach(rows, lastRow, lock);
+    rest();
+    return done;
+}
+
+bool DBStatement::runOrRollBack(const QList<QVariant>& rows, const QMap<QString, QVariant>& lastRow)
+{
+    ConnectionLock lock;
+    const bool done = runEach(rows, lastRow, lock);
+    rest();
     if (!done)
         m_database.rollback();
     return done;
@@ -63,7 +74,7 @@ bool DBStatement::select(const QMap<QString, QVariant>& conditions, QList<QVaria
     const ConnectionLock lock;
     if (!execute(conditions))
         return false;
-    m_error = QSqlError();
+    m_error.reset();
     fetch(rows);
     m_query.reset();
     return true;
@@ -81,41 +92,87 @@ bool DBStatement::isOpen() const
     return m_database.isOpen();
 }
 
-bool DBStatement::execute(const QMap<QString, QVariant>& row)
+bool DBStatement::runEach(const QList<QVariant>& rows, const QMap<QString, QVariant>& lastRow,
+                          ConnectionLock& lock)
 {
-    if (!isOpen()) {
-        takeText(row);
-        m_error = m_database.isOpenError() ? m_database.lastError()
-                                           : QSqlError(QStringLiteral("Database not open"));
-        return false;
+    for (const QVariant& row : rows) {
+        giveWay(lock);
+        // A copy of a map writes into the map's memory, which costs more than reading that.
+        const bool done = row.userType() == QMetaType::QVariantMap
+            ? execute(*static_cast<const QMap<QString, QVariant>*>(row.constData()))
+            : execute(row.toMap());
+        if (!done)
+            return false;
     }
-    bool done = false;
-    return runReady(row, done) ? done : prepareAndRun(row);
+    if (lastRow.isEmpty())
+        return true;
+    giveWay(lock);
+    return execute(lastRow);
 }
 
-// False when no statement is ready for such a row.
-bool DBStatement::runReady(const QMap<QString, QVariant>& row, bool& done)
+void DBStatement::giveWay(ConnectionLock& lock)
 {
-    const bool own = m_own && m_own->serves(m_shape, row);
-    RowStatement* const ready = own ? m_own.get() : m_kept.find(m_shape, row);
-    if (ready == nullptr)
-        return false;
-    const SqliteDirect::Outcome outcome =
-        ready->run({row, m_conversion, m_shape.key.isNull() ? nullptr : &m_key}, m_error);
-    done = outcome == SqliteDirect::Outcome::Done;
-    // What was compiled anew may by now mean another table.
-    const bool lasts = done && (own || !SqliteDirect::wasCompiledAnew(ready->query()));
-    if (!lasts && !own)
-        m_kept.dropFound();
-    if (outcome == SqliteDirect::Outcome::NotTried) {
-        m_own.reset();
-        return false;
+    if (!lock.isAwaited())
+        return;
+    rest();
+    lock.giveWay();
+}
+
+bool DBStatement::execute(const QMap<QString, QVariant>& row)
+{
+    if (isReadyFor(row)) {
+        const SqliteDirect::Outcome outcome = runReady(row);
+        if (outcome != SqliteDirect::Outcome::NotTried)
+            return outcome == SqliteDirect::Outcome::Done;
     }
-    if (!done) {
+    if (isOpen())
+        return prepareAndRun(row);
+    takeText(row);
+    m_error =
+        m_database.isOpenError() ? m_database.lastError() : QSqlError(QStringLiteral("Database not open"));
+    return false;
+}
+
+bool DBStatement::isReadyFor(const QMap<QString, QVariant>& row)
+{
+    if (m_ready != nullptr && m_ready->fits(row))
+        return true;
+    rest();
+    m_ready = m_own && m_own->fits(row) ? m_own.get() : m_kept.find(m_shape, row);
+    if (m_ready != nullptr && !m_ready->wake())
+        dropReady();
+    return m_ready != nullptr;
+}
+
+SqliteDirect::Outcome DBStatement::runReady(const QMap<QString, QVariant>& row)
+{
+    using SqliteDirect::Outcome;
+    const Outcome outcome =
+        m_ready->run({row, m_conversion, m_shape.key.isNull() ? nullptr : &m_key}, m_error);
+    // What was compiled anew may by now mean another table.
+    if (outcome != Outcome::Done || (m_ready != m_own.get() && m_ready->wasCompiledAnew()))
+        dropReady();
+    if (outcome == Outcome::Failed) {
         takeText(row);
         learnOfFailedPreparation();
     }
-    return true;
+    return outcome;
+}
+
+void DBStatement::dropReady()
+{
+    if (m_ready == m_own.get())
+        m_own.reset();
+    else
+        m_kept.dropFound();
+    m_ready = nullptr;
+}
+
+void DBStatement::rest()
+{
+    if (m_ready != nullptr)
+        m_ready->rest();
+    m_ready = nullptr;
 }
 
 bool DBStatement::prepareAndRun(const QMap<QString, QVariant>& row)
@@ -136,11 +193,11 @@ bool DBStatement::prepareAndRun(const QMap<QString, QVariant>& row)
     if (!done)
         m_error = m_query->lastError();
     else if (m_shape.kind != StatementText::Shape::Select)
-        makeReady(row.keys());
+        keep(row.keys());
     return done;
 }
 
-void DBStatement::makeReady(const QStringList& columns)
+void DBStatement::keep(const QStringList& columns)
 {
     if (!RowStatement::bindsInOrder(*m_query, m_shape, columns))
         return;
@@ -175,7 +232,7 @@ void DBStatement::fetch(QList<QVariant>& rows)
 // preparing it once more, not by running it.
 void DBStatement::learnOfFailedPreparation()
 {
-    if (m_error.nativeErrorCode() != genericError)
+    if (m_error->nativeErrorCode() != genericError)
         return;
     QSqlQuery query(m_database);
     if (!query.prepare(m_text))

@@ -3,6 +3,7 @@
 #define DBSTATEMENT_H
 
 #include "records/rowvalues.h"
+#include "records/sqlitedirect.h"
 #include "records/statementtext.h"
 
 #include <QList>
@@ -13,6 +14,7 @@
 #include <memory>
 #include <optional>
 
+class ConnectionLock;
 class KeptStatements;
 class RowStatement;
 
@@ -39,9 +41,16 @@ public:
 
     bool run(const QMap<QString, QVariant>& row);
 
+    /**
+     * Runs once for each row, up to one that fails. Another thread's statements may come between them.
+     *
+     * @param lastRow comes behind the list, unless it is empty
+     */
+    bool run(const QList<QVariant>& rows, const QMap<QString, QVariant>& lastRow);
+
     /** A failure also rolls back the transaction that the connection is in, before another thread's
      * statement. */
-    bool runOrRollBack(const QMap<QString, QVariant>& row);
+    bool runOrRollBack(const QList<QVariant>& rows, const QMap<QString, QVariant>& lastRow);
 
     /**
      * Runs a select and appends its rows.
@@ -54,16 +63,21 @@ public:
     QString text() const { return m_text; }
 
     /** Why the last run failed, in the database's words. */
-    QSqlError error() const { return m_error; }
+    QSqlError error() const { return m_error.value_or(QSqlError()); }
 
     /** Whether the connection is in a transaction; nothing when that cannot be told. */
     std::optional<bool> isInTransaction() const;
 
 private:
+    bool runEach(const QList<QVariant>& rows, const QMap<QString, QVariant>& lastRow, ConnectionLock& lock);
+    void giveWay(ConnectionLock& lock);
     bool execute(const QMap<QString, QVariant>& row);
-    bool runReady(const QMap<QString, QVariant>& row, bool& done);
+    bool isReadyFor(const QMap<QString, QVariant>& row);
+    SqliteDirect::Outcome runReady(const QMap<QString, QVariant>& row);
     bool prepareAndRun(const QMap<QString, QVariant>& row);
-    void makeReady(const QStringList& columns);
+    void keep(const QStringList& columns);
+    void dropReady();
+    void rest();
     void fetch(QList<QVariant>& rows);
     bool isOpen() const;
     void learnOfFailedPreparation();
@@ -76,8 +90,9 @@ private:
     const QString m_key;
     std::unique_ptr<QSqlQuery> m_query; // prepared for one row alone
     std::unique_ptr<RowStatement> m_own; // for rows of this call only
+    RowStatement* m_ready = nullptr; // took the last row, and takes the next one of its columns
     QString m_text;
-    QSqlError m_error;
+    std::optional<QSqlError> m_error; // unset costs nothing
 };
 
 #endif

@@ -27,6 +27,13 @@ bool isPlainName(const QString& column)
     });
 }
 
+// Whether a statement is behind the driver's handle.
+bool isAlive(const QVariant& handle)
+{
+    return qstrcmp(handle.typeName(), "sqlite3_stmt*") == 0
+        && *static_cast<void* const*>(handle.constData()) != nullptr;
+}
+
 // Rows are often made of the same literals.
 bool isSame(const QString& one, const QString& other)
 {
@@ -42,7 +49,9 @@ RowStatement::RowStatement(StatementText::Shape shape, QStringList columns, std:
     , m_query(std::move(query))
     , m_direct(direct)
 {
-    forgetValues();
+    forgetBoundValues();
+    if (m_direct)
+        SqliteDirect::forgetValues(SqliteDirect::statementOf(*m_query), m_buffers);
 }
 
 bool RowStatement::bindsInOrder(const QSqlQuery& query, const StatementText::Shape& shape,
@@ -56,35 +65,47 @@ bool RowStatement::bindsInOrder(const QSqlQuery& query, const StatementText::Sha
 
 bool RowStatement::serves(const StatementText::Shape& shape, const QMap<QString, QVariant>& row) const
 {
-    return shape.kind == m_shape.kind && row.size() == m_columns.size() && isSame(shape.table, m_shape.table)
-        && isSame(shape.key, m_shape.key)
+    return shape.kind == m_shape.kind && isSame(shape.table, m_shape.table) && isSame(shape.key, m_shape.key)
+        && fits(row);
+}
+
+bool RowStatement::fits(const QMap<QString, QVariant>& row) const
+{
+    return row.size() == m_columns.size()
         && std::equal(m_columns.cbegin(), m_columns.cend(), row.keyBegin(), isSame);
 }
 
-SqliteDirect::Outcome RowStatement::run(const RowValues& values, QSqlError& error)
-{
-    using SqliteDirect::Outcome;
-    if (!isAlive())
-        return Outcome::NotTried;
-    const Outcome outcome =
-        m_direct ? SqliteDirect::run(*m_query, values, m_buffers, error) : Outcome::NotTried;
-    if (outcome != Outcome::NotTried)
-        return outcome;
-    const bool done = runByQt(values);
-    if (!done)
-        error = m_query->lastError();
-    forgetValues();
-    return done ? Outcome::Done : Outcome::Failed;
-}
-
-bool RowStatement::isAlive() const
+bool RowStatement::wake()
 {
     const QSqlDriver* const driver = m_query->driver();
     if (driver == nullptr || !driver->isOpen())
         return false;
-    const QVariant handle = m_query->result()->handle();
-    return qstrcmp(handle.typeName(), "sqlite3_stmt*") == 0
-        && *static_cast<void* const*>(handle.constData()) != nullptr;
+    if (!m_direct)
+        return isAlive(m_query->result()->handle());
+    m_statement = SqliteDirect::statementOf(*m_query);
+    return m_statement != nullptr;
+}
+
+SqliteDirect::Outcome RowStatement::run(const RowValues& values, std::optional<QSqlError>& error)
+{
+    using SqliteDirect::Outcome;
+    if (m_statement != nullptr) {
+        const Outcome outcome = SqliteDirect::run(m_statement, values, m_buffers, error);
+        if (outcome != Outcome::NotTried)
+            return outcome;
+    }
+    const bool done = runByQt(values);
+    if (!done)
+        error = m_query->lastError();
+    forgetBoundValues();
+    return done ? Outcome::Done : Outcome::Failed;
+}
+
+void RowStatement::rest()
+{
+    if (m_statement != nullptr)
+        SqliteDirect::forgetValues(m_statement, m_buffers);
+    m_statement = nullptr;
 }
 
 bool RowStatement::runByQt(const RowValues& values)
@@ -98,9 +119,7 @@ bool RowStatement::runByQt(const RowValues& values)
     return m_query->exec();
 }
 
-void RowStatement::forgetValues()
+void RowStatement::forgetBoundValues()
 {
     BoundValues::of(*m_query).fill(QVariant());
-    if (m_direct)
-        SqliteDirect::forgetValues(*m_query);
 }

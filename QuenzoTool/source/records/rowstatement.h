@@ -6,10 +6,12 @@
 #include "records/sqlitedirect.h"
 #include "records/statementtext.h"
 
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 /**
  * A statement that Qt has prepared and run once, and that takes further rows of the same columns. The
@@ -27,20 +29,33 @@ public:
 
     bool serves(const StatementText::Shape& shape, const QMap<QString, QVariant>& row) const;
 
-    /** Not tried when the connection has been closed since, which ends its statements. */
-    SqliteDirect::Outcome run(const RowValues& values, QSqlError& error);
+    /** Whether it has the columns of a row. */
+    bool fits(const QMap<QString, QVariant>& row) const;
 
-    const QSqlQuery& query() const { return *m_query; }
+    /**
+     * Makes it ready for runs, up to rest() or to the end of the lock.
+     *
+     * @return false when the connection has been closed since, which ends its statements
+     */
+    bool wake();
+
+    SqliteDirect::Outcome run(const RowValues& values, std::optional<QSqlError>& error);
+
+    /** Lets go of the values of the last run. */
+    void rest();
+
+    /** Whether a change of the schema had it compiled anew since its preparation. */
+    bool wasCompiledAnew() const { return SqliteDirect::wasCompiledAnew(m_statement); }
 
 private:
-    bool isAlive() const;
     bool runByQt(const RowValues& values);
-    void forgetValues();
+    void forgetBoundValues();
 
     StatementText::Shape m_shape;
     QStringList m_columns;
     std::unique_ptr<QSqlQuery> m_query;
     bool m_direct;
+    sqlite3_stmt* m_statement = nullptr; // while it is ready, if the driver shares SQLite
     SqliteDirect::TextBuffers m_buffers;
 };
 

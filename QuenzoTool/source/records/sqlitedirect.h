@@ -18,6 +18,7 @@ QT_BEGIN_NAMESPACE
 class QSqlDriver;
 class QSqlQuery;
 QT_END_NAMESPACE
+struct sqlite3_stmt;
 
 /**
  * The way straight to SQLite, past the bookkeeping of Qt's driver, which takes longer than SQLite's own work.
@@ -44,17 +45,21 @@ enum class Outcome {
 /** Texts on their way into the database, in the memory of the texts before. */
 using TextBuffers = std::vector<std::string>;
 
+/** The statement of a query of a shared driver, until the connection is closed; null for none. */
+sqlite3_stmt* statementOf(const QSqlQuery& query);
+
 /**
  * Runs a prepared statement that yields no rows once more. Not tried for values whose stored form is the
  * driver's matter, dates for one.
  *
- * @param query of a shared driver
+ * @param buffers as long as the statement refers to the values, up to forgetValues()
  * @param error set when the run failed, to what Qt would say
  */
-Outcome run(const QSqlQuery& query, const RowValues& values, TextBuffers& buffers, QSqlError& error);
+Outcome run(sqlite3_stmt* statement, const RowValues& values, TextBuffers& buffers,
+            std::optional<QSqlError>& error);
 
-/** Takes the values off a statement that has run, which the driver would keep until the next ones. */
-void forgetValues(const QSqlQuery& query);
+/** Takes the values off a statement that has run, and gives back what long texts have needed. */
+void forgetValues(sqlite3_stmt* statement, TextBuffers& buffers);
 
 /**
  * Whether a statement on this table means the same whenever it is run again: whatever changes its meaning
@@ -63,7 +68,7 @@ void forgetValues(const QSqlQuery& query);
 bool isLasting(const QSqlQuery& query, const QString& table);
 
 /** Whether a change of the schema had the statement compiled anew since its preparation. */
-bool wasCompiledAnew(const QSqlQuery& query);
+bool wasCompiledAnew(sqlite3_stmt* statement);
 
 /**
  * Appends the rows of a select that Qt has just run, and ends it.
@@ -71,7 +76,8 @@ bool wasCompiledAnew(const QSqlQuery& query);
  * @param names the fields as Qt names them; of fields with the same name the last one counts
  * @param error set when the reading failed on the way; the rows before are appended
  */
-Outcome read(const QSqlQuery& query, const QStringList& names, QList<QVariant>& rows, QSqlError& error);
+Outcome read(const QSqlQuery& query, const QStringList& names, QList<QVariant>& rows,
+             std::optional<QSqlError>& error);
 
 /** Whether the connection is in a transaction; nothing when that cannot be told. */
 std::optional<bool> isInTransaction(const QSqlDriver& driver);

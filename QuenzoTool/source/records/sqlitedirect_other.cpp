@@ -2,26 +2,31 @@
 // For builds without the interface of the SQLite that Qt uses.
 #include "records/sqlitedirect.h"
 
-SqliteDirect::Outcome SqliteDirect::run(const QSqlQuery& /*query*/, const RowValues& /*values*/,
-                                        TextBuffers& /*buffers*/, QSqlError& /*error*/)
+sqlite3_stmt* SqliteDirect::statementOf(const QSqlQuery& /*query*/)
+{
+    return nullptr;
+}
+
+SqliteDirect::Outcome SqliteDirect::run(sqlite3_stmt* /*statement*/, const RowValues& /*values*/,
+                                        TextBuffers& /*buffers*/, std::optional<QSqlError>& /*error*/)
 {
     return Outcome::NotTried;
 }
 
-void SqliteDirect::forgetValues(const QSqlQuery& /*query*/) { }
+void SqliteDirect::forgetValues(sqlite3_stmt* /*statement*/, TextBuffers& /*buffers*/) { }
 
 bool SqliteDirect::isLasting(const QSqlQuery& /*query*/, const QString& /*table*/)
 {
     return false;
 }
 
-bool SqliteDirect::wasCompiledAnew(const QSqlQuery& /*query*/)
+bool SqliteDirect::wasCompiledAnew(sqlite3_stmt* /*statement*/)
 {
     return false;
 }
 
 SqliteDirect::Outcome SqliteDirect::read(const QSqlQuery& /*query*/, const QStringList& /*names*/,
-                                         QList<QVariant>& /*rows*/, QSqlError& /*error*/)
+                                         QList<QVariant>& /*rows*/, std::optional<QSqlError>& /*error*/)
 {
     return Outcome::NotTried;
 }

@@ -2,6 +2,7 @@
 #include "records/sqlitedirect.h"
 
 #include "codec.h"
+#include "records/numbertext.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -11,6 +12,7 @@
 #include <QSqlResult>
 
 #include <sqlite3.h>
+#include <string_view>
 
 // Under these names the driver hands out what is SQLite's.
 Q_DECLARE_OPAQUE_POINTER(sqlite3*)
@@ -22,12 +24,6 @@ namespace {
 
 // Longer texts are converted by SQLite itself: the memory for it would be kept.
 constexpr int longestKeptText = 4096;
-
-// Asked for each time: a connection that is closed takes its statements with it.
-sqlite3_stmt* statementOf(const QSqlQuery& query)
-{
-    return query.result()->handle().value<sqlite3_stmt*>();
-}
 
 // As the driver names it.
 QSqlError errorOf(sqlite3_stmt* statement)
@@ -89,9 +85,18 @@ int bind(sqlite3_stmt* statement, int place, const QVariant& value, std::string&
     }
 }
 
+std::size_t encode(const QVariant& value, std::string& buffer)
+{
+    if (value.userType() == QMetaType::QString)
+        return Codec::encode(*static_cast<const QString*>(value.constData()), buffer);
+    NumberText::Digits place;
+    const std::string_view digits = NumberText::of(value, place);
+    return digits.empty() ? Codec::encode(value.toString(), buffer) : Codec::encode(digits, buffer);
+}
+
 int bindEncoded(sqlite3_stmt* statement, int place, const QVariant& value, std::string& buffer)
 {
-    const std::size_t size = Codec::encode(value.toString(), buffer);
+    const std::size_t size = encode(value, buffer);
     return sqlite3_bind_text64(statement, place, buffer.data(), size, SQLITE_STATIC, SQLITE_UTF8);
 }
 
@@ -127,9 +132,10 @@ void giveBackLongTexts(SqliteDirect::TextBuffers& buffers)
 QString textOf(sqlite3_stmt* statement, int column)
 {
 #if SQLITE_VERSION_NUMBER >= 3040000
-    if (sqlite3_value_encoding(sqlite3_column_value(statement, column)) == SQLITE_UTF8) {
-        const unsigned char* const bytes = sqlite3_column_text(statement, column);
-        const int size = sqlite3_column_bytes(statement, column);
+    sqlite3_value* const value = sqlite3_column_value(statement, column);
+    if (sqlite3_value_encoding(value) == SQLITE_UTF8) {
+        const unsigned char* const bytes = sqlite3_value_text(value);
+        const int size = sqlite3_value_bytes(value);
         QString text(size, Qt::Uninitialized);
         auto* const to = reinterpret_cast<ushort*>(text.data());
         unsigned char seen = 0;
@@ -183,30 +189,32 @@ bool readsRealsAsTheyAre(const QSqlDriver& driver)
 
 } // namespace
 
-SqliteDirect::Outcome SqliteDirect::run(const QSqlQuery& query, const RowValues& values, TextBuffers& buffers,
-                                        QSqlError& error)
+// Asked for each time: a connection that is closed takes its statements with it.
+sqlite3_stmt* SqliteDirect::statementOf(const QSqlQuery& query)
 {
-    sqlite3_stmt* const statement = statementOf(query);
-    if (statement == nullptr || sqlite3_bind_parameter_count(statement) != values.count())
+    return query.result()->handle().value<sqlite3_stmt*>();
+}
+
+SqliteDirect::Outcome SqliteDirect::run(sqlite3_stmt* statement, const RowValues& values,
+                                        TextBuffers& buffers, std::optional<QSqlError>& error)
+{
+    const auto count = static_cast<std::size_t>(values.count());
+    if (buffers.size() != count)
+        buffers.resize(count);
+    if (sqlite3_bind_parameter_count(statement) != values.count() || !bindAll(statement, values, buffers))
         return Outcome::NotTried;
-    buffers.resize(static_cast<std::size_t>(values.count()));
-    const bool bound = bindAll(statement, values, buffers);
-    const int result = bound ? sqlite3_step(statement) : SQLITE_MISUSE;
+    const int result = sqlite3_step(statement);
     const bool done = result == SQLITE_DONE || result == SQLITE_ROW;
-    if (bound && !done)
+    if (!done)
         error = errorOf(statement);
     sqlite3_reset(statement);
-    sqlite3_clear_bindings(statement);
-    giveBackLongTexts(buffers);
-    if (!bound)
-        return Outcome::NotTried;
     return done ? Outcome::Done : Outcome::Failed;
 }
 
-void SqliteDirect::forgetValues(const QSqlQuery& query)
+void SqliteDirect::forgetValues(sqlite3_stmt* statement, TextBuffers& buffers)
 {
-    if (sqlite3_stmt* const statement = statementOf(query))
-        sqlite3_clear_bindings(statement);
+    sqlite3_clear_bindings(statement);
+    giveBackLongTexts(buffers);
 }
 
 bool SqliteDirect::isLasting(const QSqlQuery& query, const QString& table)
@@ -218,14 +226,13 @@ bool SqliteDirect::isLasting(const QSqlQuery& query, const QString& table)
         == SQLITE_OK;
 }
 
-bool SqliteDirect::wasCompiledAnew(const QSqlQuery& query)
+bool SqliteDirect::wasCompiledAnew(sqlite3_stmt* statement)
 {
-    sqlite3_stmt* const statement = statementOf(query);
     return statement != nullptr && sqlite3_stmt_status(statement, SQLITE_STMTSTATUS_REPREPARE, 0) != 0;
 }
 
 SqliteDirect::Outcome SqliteDirect::read(const QSqlQuery& query, const QStringList& names,
-                                         QList<QVariant>& rows, QSqlError& error)
+                                         QList<QVariant>& rows, std::optional<QSqlError>& error)
 {
     sqlite3_stmt* const statement = statementOf(query);
     if (statement == nullptr || sqlite3_column_count(statement) != names.size()
