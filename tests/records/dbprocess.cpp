@@ -115,19 +115,20 @@ int endWithTransactionLeftOpen(const QString& file, const QByteArray& scripts)
 // The worker goes on while one application object follows the other.
 int changeApplications(int argc, char* argv[], const QString& file)
 {
-    for (int round = 0; round < 3; ++round) {
+    static std::atomic<int> answered{0};
+    for (int round = 1; round <= 3; ++round) {
         const QCoreApplication application(argc, argv);
-        if (round == 0)
+        if (round == 1) {
+            QObject::connect(DBHelper::getInstance(), &DBHelper::onSelectFinish,
+                             [](const QString& /*tableName*/, const QVariantList& /*rows*/,
+                                const QString& tag) { answered = tag.toInt(); });
             startWorker(file, 1);
-        std::atomic<bool> selected{false};
-        const auto connection = QObject::connect(DBHelper::getInstance(), &DBHelper::onSelectFinish,
-                                                 [&selected] { selected = true; });
-        if (!DBHelper::getInstance()->threadToDatabase(DB_SELECT, table, false, QString()))
+        }
+        if (!DBHelper::getInstance()->threadToDatabase(DB_SELECT, table, false, QString::number(round)))
             return EXIT_FAILURE;
-        for (int i = 0; i < 3000 && !selected; ++i)
+        for (int i = 0; i < 3000 && answered != round; ++i)
             QThread::msleep(10);
-        QObject::disconnect(connection);
-        if (!selected)
+        if (answered != round)
             return EXIT_FAILURE;
     }
     return EXIT_SUCCESS;
