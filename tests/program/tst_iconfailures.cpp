@@ -135,18 +135,24 @@ void tst_IconFailures::markThatIsCutOffIsWarnedOf()
 
 void tst_IconFailures::refusedThreadsEndTheRun_data()
 {
+    QTest::addColumn<QStringList>("options");
     QTest::addColumn<int>("limit");
-    for (int limit = 1; limit <= 6; ++limit)
-        QTest::addRow("limit of %d", limit) << limit;
+    for (const char* layout : {"plain", "android-res", "ios-appiconset"}) {
+        const QStringList options{QStringLiteral("--layout"), QLatin1String(layout)};
+        const QStringList platform = words(qstrcmp(layout, "plain") == 0 ? "--platform android" : "");
+        for (int limit = 1; limit <= 6; ++limit)
+            QTest::addRow("%s, limit of %d", layout, limit) << platform + options << limit;
+    }
 }
 
 void tst_IconFailures::refusedThreadsEndTheRun()
 {
+    QFETCH(const QStringList, options);
     QFETCH(const int, limit);
     QVERIFY(QFile::setPermissions(root(), QFile::Permissions(0x7777)));
     QVERIFY(photograph(800, 800).save(path(QStringLiteral("game.png")), nullptr, 100));
     write(path(QStringLiteral("channels.json")), R"([{"folder": "a"}])");
-    QuenzoProcess process(arguments(), root());
+    QuenzoProcess process(arguments(options), root());
     process.before = [limit] {
         // A user that nobody else is: the limit counts all of a user's processes.
         constexpr uid_t alone = 54321;
@@ -158,7 +164,7 @@ void tst_IconFailures::refusedThreadsEndTheRun()
     };
     const Ended ended = process.end();
     if (ended.code == 0) {
-        QCOMPARE(filesBelow(out()).size(), 7);
+        QCOMPARE(filesBelow(out()).size(), options.contains(QStringLiteral("ios-appiconset")) ? 14 : 7);
         return;
     }
     QCOMPARE(ended.code, 1);

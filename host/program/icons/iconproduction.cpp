@@ -11,10 +11,13 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QThreadPool>
 
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -49,8 +52,31 @@ bool producePlain(const IconJob& job, FileTally& tally, Console& console)
     return runLibrary(job, icons, job.out, !job.keep, tally, console);
 }
 
+// Pools of Qt wait for ever for threads that the system does not give.
+bool systemGivesThreads(int count)
+{
+    QSemaphore gate;
+    std::vector<std::unique_ptr<QThread>> threads;
+    bool given = true;
+    while (given && static_cast<int>(threads.size()) < count) {
+        threads.emplace_back(QThread::create([&gate] { gate.acquire(); }));
+        threads.back()->start();
+        given = threads.back()->isRunning();
+    }
+    gate.release(count);
+    for (const std::unique_ptr<QThread>& thread : threads)
+        thread->wait();
+    return given;
+}
+
 bool produceLayout(const IconJob& job, FileTally& tally, QStringList& causes, Console& console)
 {
+    // The worker, its pool, and the one in which Qt scales.
+    if (!systemGivesThreads(1 + QThread::idealThreadCount()
+                            + QThreadPool::globalInstance()->maxThreadCount())) {
+        console.error(IconProduction::tr("no icon is made: the system gives no threads for it"));
+        return false;
+    }
     QTemporaryDir staged;
     if (!staged.isValid()) {
         console.error(
