@@ -78,7 +78,9 @@ QVector<Explained> environmentVariables()
          Table::tr("How many seconds one command of adb may take: 600.")},
         {QStringLiteral("QUENZO_ADB_WAIT"),
          Table::tr("How many seconds of these it may wait for a device that is away: 20.")},
-        {QStringLiteral("TERM"), Table::tr("A terminal that is \"dumb\" gets no state of work at hand.")},
+        {QStringLiteral("TERM"),
+         Table::tr("A terminal that is \"dumb\" gets no state of work at hand, and no colour.")},
+        {QStringLiteral("NO_COLOR"), Table::tr("Any value switches colour off.")},
     };
 }
 

@@ -51,7 +51,7 @@ void tst_HostTrees::copyReportsFilesAndBytes()
     const Ended text = run("copy source a/b/target");
     QCOMPARE(text.error, QByteArray());
     QCOMPARE(text.code, 0);
-    QVERIFY2(text.output.endsWith(": files: 2, bytes: 8\n"), text.output.constData());
+    QVERIFY2(text.output.endsWith(": files: 2, size: 8 bytes\n"), text.output.constData());
     QCOMPARE(TreeFiles::content(m_root + "/a/b/target"), TreeFiles::content(m_root + "/source"));
 
     const Ended json = run("copy --json source second");
@@ -203,7 +203,7 @@ void tst_HostTrees::countsAreRightForOneFile()
     write(m_root + "/source/file", "12345678901234567890");
     const Ended outcome = run("copy source target");
     QCOMPARE(QString::fromUtf8(outcome.output),
-             QStringLiteral("Copied to %1/target: files: 1, bytes: 20\n").arg(folder()));
+             QStringLiteral("Copied to %1/target: files: 1, size: 20 bytes\n").arg(folder()));
 }
 
 void tst_HostTrees::plansAreToldAndNotDone_data()
@@ -227,7 +227,7 @@ void tst_HostTrees::plansAreToldAndNotDone()
                                    : QStringLiteral("%1/source/folder/file\\n -> %1/target/folder/file\\n, "
                                                     "which is replaced\n");
     QCOMPARE(QString::fromUtf8(text.output),
-             plan.arg(folder()) + QStringLiteral("Nothing was touched: files: 1, bytes: 5\n"));
+             plan.arg(folder()) + QStringLiteral("Nothing was touched: files: 1, size: 5 bytes\n"));
     QCOMPARE(text.error, QByteArray());
     QCOMPARE(text.code, 0);
 
@@ -247,10 +247,10 @@ void tst_HostTrees::plansLeaveOutWhatStays()
     write(m_root + "/source/moved");
     write(m_root + "/source/out/old");
     const Ended outcome = run("output source source/out --leave Log --dry-run");
-    QCOMPARE(
-        QString::fromUtf8(outcome.output),
-        QStringLiteral("%1/source/moved -> %1/source/out/moved\nNothing was touched: files: 1, bytes: 7\n")
-            .arg(folder()));
+    QCOMPARE(QString::fromUtf8(outcome.output),
+             QStringLiteral(
+                 "%1/source/moved -> %1/source/out/moved\nNothing was touched: files: 1, size: 7 bytes\n")
+                 .arg(folder()));
 }
 
 void tst_HostTrees::progressIsShownOnATerminal_data()

@@ -63,6 +63,12 @@ int terminalWidth()
     return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
 }
 
+// NO_COLOR is how a person switches colours off for all programs.
+bool takesColour()
+{
+    return isatty(STDERR_FILENO) != 0 && qgetenv("TERM") != "dumb" && qEnvironmentVariableIsEmpty("NO_COLOR");
+}
+
 // As much of a text as a line holds; one that is wrapped could not be taken back.
 QString inOneLine(const QString& text, int columns)
 {
@@ -135,7 +141,7 @@ void Console::error(const Failure& failure)
     else
         m_failure = failure;
     m_hasFailed = true;
-    writeDiagnostic(failure.lines());
+    writeDiagnostic(failure.lines(), Red);
 }
 
 void Console::error(const QString& text, const QStringList& causes)
@@ -147,7 +153,7 @@ void Console::warn(const QString& text, const QStringList& lines)
 {
     m_warnings.append((QStringList(text) + lines).join(QLatin1Char('\n')));
     if (!m_style.quiet)
-        writeDiagnostic(QStringList(text) + lines);
+        writeDiagnostic(QStringList(text) + lines, Yellow);
 }
 
 void Console::step(const QString& text)
@@ -156,10 +162,12 @@ void Console::step(const QString& text)
         writeDiagnostic({text});
 }
 
-void Console::writeDiagnostic(const QStringList& lines)
+void Console::writeDiagnostic(const QStringList& lines, Colour colour)
 {
     clearProgress();
     QString whole = QStringLiteral("quenzo: ");
+    if (colour != Plain && takesColour())
+        whole = QStringLiteral("\033[1;%1mquenzo:\033[0m ").arg(int(colour));
     for (const QString& line : lines)
         whole += shown(line) + QLatin1Char('\n');
     StandardStreams::writeDiagnostic(whole);
@@ -194,9 +202,14 @@ void Console::showProgress(const Progress& progress)
         m_progressLine = line;
         return;
     }
+    if (!m_progressClock.isValid() || m_doing != progress.doing)
+        m_progressClock.start();
+    m_doing = progress.doing;
     const QString signs = QStringLiteral("|/-\\");
-    const QString text = signs.at(m_turn++ % signs.size()) + QLatin1Char(' ') + shown(progress.text());
-    StandardStreams::writeDiagnostic(QStringLiteral("\r\033[K") + inOneLine(text, terminalWidth() - 1));
+    const int columns = terminalWidth() - 1; // the last one stays free: some terminals wrap behind it
+    const QString text = signs.at(m_turn++ % signs.size()) + QLatin1Char(' ')
+        + shown(progress.line(m_progressClock.elapsed(), columns - 2));
+    StandardStreams::writeDiagnostic(QStringLiteral("\r\033[K") + inOneLine(text, columns));
     m_progressShown = true;
 }
 

@@ -4,6 +4,7 @@
 
 #include "console/failure.h"
 
+#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
@@ -102,11 +103,17 @@ public:
     static QString jsonLine(const QJsonObject& values);
 
 private:
-    void writeDiagnostic(const QStringList& lines);
+    /** As terminals number them. */
+    enum Colour { Plain = 0, Red = 31, Yellow = 33 };
+
+    /** Writes lines behind the program's name, which has the colour where a terminal takes it. */
+    void writeDiagnostic(const QStringList& lines, Colour colour = Plain);
 
     const ConsoleStyle m_style;
     bool m_progressShown = false;
     int m_turn = 0;
+    QString m_doing;
+    QElapsedTimer m_progressClock; ///< since that is being done
     QString m_progressLine;
     QJsonObject m_result;
     QJsonArray m_warnings;

@@ -3,6 +3,10 @@
 
 #include <QCoreApplication>
 #include <QLocale>
+#include <QVector>
+
+#include <algorithm>
+#include <cwchar>
 
 namespace {
 
@@ -38,4 +42,12 @@ QString durationText(qint64 seconds)
     if (seconds < hour)
         return Figures::tr("%1 min %2 s").arg(seconds / minute).arg(seconds % minute);
     return Figures::tr("%1 h %2 min").arg(seconds / hour).arg(seconds % hour / minute);
+}
+
+int columnsOf(const QString& text)
+{
+    int columns = 0;
+    for (const uint letter : text.toUcs4())
+        columns += std::max(0, wcwidth(static_cast<wchar_t>(letter)));
+    return columns;
 }

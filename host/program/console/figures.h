@@ -10,4 +10,7 @@ QString sizeText(qint64 bytes);
 /** A stretch of time: "5 s", "2 min 5 s", "1 h 10 min". */
 QString durationText(qint64 seconds);
 
+/** How many columns of a terminal a text takes; some letters take two, and some none. */
+int columnsOf(const QString& text);
+
 #endif

@@ -15,8 +15,14 @@ struct Progress {
     qint64 total = -1; ///< -1 when it is not known
     QString more = {}; ///< further figures, worded
 
-    /** What a person reads, in one line. */
-    QString text() const;
+    /**
+     * What a person reads: percent, a bar, figures, rate and time left, as far as they are known and the line
+     * holds them.
+     *
+     * @param elapsedMs since this work began
+     * @param columns of the line; the first words alone may need more
+     */
+    QString line(qint64 elapsedMs, int columns) const;
 
     /** What a machine reads: "doing", "unit", "done" and "total", each null when it is not known. */
     QJsonObject json() const;

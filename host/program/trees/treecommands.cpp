@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "command.h"
 #include "console/console.h"
+#include "console/figures.h"
 #include "console/progress.h"
 #include "console/worker.h"
 #include "trees/treecount.h"
@@ -29,8 +30,8 @@ const QString yesOption = QStringLiteral("yes");
 
 QString summaryOf(const TreeCount& count)
 {
-    return TreeCommands::tr("files: %1, bytes: %2")
-        .arg(QLocale().toString(count.files), QLocale().toString(count.bytes));
+    return TreeCommands::tr("files: %1, size: %2")
+        .arg(QLocale().toString(count.files), sizeText(count.bytes));
 }
 
 void setCount(Console& console, const TreeCount& count)
