@@ -10,7 +10,8 @@ build=(g++ make cmake pkg-config qtbase5-dev libqt5sql5-sqlite libsqlite3-dev li
         pngcheck zsh mandoc groff-base python3-jsonschema fonts-dejavu-core fonts-wqy-microhei)
 checks=(clang clang-format clang-tidy clangd python3-minimal)
 package=(lintian dpkg-dev)
-bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev)
+bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev zip unzip p7zip-full)
+android=(apksigner zipalign default-jre-headless)
 # Python 2.7 left Debian with release 11. These packages, and nothing else, come from there.
 python=(libpython2.7-dev libpython2.7 libpython2.7-stdlib libpython2.7-minimal python2.7 python2.7-minimal
         libssl1.1 libffi7)
@@ -35,8 +36,9 @@ for group in "$@"; do
     case $group in
         checks) packages+=("${checks[@]}") ;;
         bench) packages+=("${bench[@]}") ;;
+        android) packages+=("${android[@]}") ;;
         package) packages+=("${package[@]}") ;;
-        *) die "unknown group '$group' (known: checks, bench, package; python only by itself)" ;;
+        *) die "unknown group '$group' (known: checks, bench, package, android; python only by itself)" ;;
     esac
 done
 
