@@ -4,10 +4,11 @@
 # Installs what is missing on Debian 12: what builds, runs and tests the project, and with the names of
 # further groups (checks, bench, package) also what these need; with the one word "python" the Python 2.7 that the
 # packages need, and nothing else. Touches nothing, and needs neither network nor root, when everything is there.
+#   scripts/dependencies.sh [--show] [GROUP...]     --show tells what would be installed and how much, and installs nothing
 set -euo pipefail
 
 build=(g++ make cmake pkg-config qtbase5-dev libqt5sql5-sqlite libsqlite3-dev libdeflate-dev openssl adb aapt
-        pngcheck zsh mandoc groff-base python3-jsonschema fonts-dejavu-core fonts-wqy-microhei)
+        pngcheck zsh mandoc groff-base qt5-qmake meson python3-jsonschema fonts-dejavu-core fonts-wqy-microhei)
 checks=(clang clang-format clang-tidy clangd python3-minimal)
 package=(lintian dpkg-dev)
 bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev zip unzip p7zip-full)
@@ -26,6 +27,11 @@ missing() {
     done
 }
 
+show=
+if [ "${1-}" = --show ]; then
+    show=1
+    shift
+fi
 packages=("${build[@]}")
 if [ "$*" = python ]; then
     packages=()
@@ -56,7 +62,8 @@ if [ "$(id -u)" -ne 0 ]; then
     command -v sudo >/dev/null || die "installing ${wanted[*]} ${wanted_python[*]} needs root or sudo"
     as_root=(sudo env)
 fi
-printf 'dependencies: installing from the configured Debian mirror: %s\n' "${wanted[*]} ${wanted_python[*]}"
+verb=${show:+would be installed}
+printf 'dependencies: %s from the configured Debian mirror: %s\n' "${verb:-installing}" "${wanted[*]} ${wanted_python[*]}"
 [ "${as_root[0]}" = env ] || sudo -v || die "sudo was refused"
 
 apt_options=(-q -y -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3 -o Dpkg::Use-Pty=0)
@@ -70,7 +77,12 @@ if [ ${#wanted[@]} -gt 0 ]; then
         [[ $policy == *Candidate:* && $policy != *"Candidate: (none)"* ]] ||
             die "no mirror offers '$name': is the network reachable, and is Debian 12 main among the apt sources?"
     done
-    apt install --no-install-recommends "${wanted[@]}" || die "apt-get could not install ${wanted[*]}"
+    if [ -n "$show" ]; then
+        # It is asked and answers no itself; only its figures are wanted.
+        apt install --no-install-recommends -o APT::Get::Assume-Yes=false --assume-no "${wanted[@]}" | grep -E '^(Need to get|After this)' || true
+    else
+        apt install --no-install-recommends "${wanted[@]}" || die "apt-get could not install ${wanted[*]}"
+    fi
 fi
 [ ${#wanted_python[@]} -gt 0 ] || exit 0
 
@@ -99,6 +111,12 @@ private_options=("${apt_options[@]}" -o Dir::Etc::SourceList="$private/sources.l
     -o Dir::State::Lists="$private/lists" -o Dir::Cache="$private/cache" -o APT::Sandbox::User="$(id -un)")
 LC_ALL=C.UTF-8 apt-get "${private_options[@]}" -o APT::Update::Error-Mode=any update ||
     die "the mirror's lists of the previous Debian release could not be fetched"
+if [ -n "$show" ]; then
+    printf 'and of the previous release, %s:\n' "${wanted_python[*]}"
+    apt-get "${private_options[@]}" --print-uris download "${wanted_python[@]}" |
+        awk '$3 ~ /^[0-9]+$/ { sum += $3 } END { printf "Need to get %.1f MB of archives.\n", sum / 1e6 }'
+    exit 0
+fi
 (cd "$private/packages" && LC_ALL=C.UTF-8 apt-get "${private_options[@]}" download "${wanted_python[@]}") ||
     die "the mirror does not offer Python 2.7 of the previous Debian release"
 apt install --no-install-recommends "$private"/packages/*.deb || die "apt-get could not install Python 2.7"
