@@ -15,6 +15,10 @@ private Q_SLOTS:
     void workingFolderBringsNoCode_data();
     void workingFolderBringsNoCode();
     void folderAsInputIsAFailure();
+    void anyAnswerIsPrinted_data();
+    void anyAnswerIsPrinted();
+    void anyAnswerThatThereIsNotIsAFailure_data();
+    void anyAnswerThatThereIsNotIsAFailure();
     void assetsComeBackWithTheirKeyOnly();
     void emptyNameOfAKeyIsRefused_data();
     void emptyNameOfAKeyIsRefused();
@@ -130,6 +134,71 @@ void tst_ScriptCommands::workingFolderBringsNoCode()
     QCOMPARE(ended.error, QByteArray());
     QCOMPARE(ended.output, QByteArray("good succeeded\n"));
     QCOMPARE(ended.code, 0);
+}
+
+void tst_ScriptCommands::anyAnswerIsPrinted_data()
+{
+    QTest::addColumn<QByteArray>("returned");
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<QJsonValue>("value");
+    const auto row = [](const char* returned, const char* output, const QJsonValue& value) {
+        QTest::newRow(returned) << QByteArray(returned) << QByteArray(output) + '\n' << value;
+    };
+    row("'text'", "text", QStringLiteral("text"));
+    row("u'\\xe9'", "\xc3\xa9", QString(QChar(0xe9)));
+    row("7", "7", 7);
+    row("2 ** 40", "1099511627776", QJsonValue(qint64(1) << 40));
+    row("[2 ** 62]", "[4611686018427387904]", QJsonArray{QStringLiteral("4611686018427387904")});
+    row("1.5", "1.5", 1.5);
+    row("None", "null", QJsonValue());
+    row("True", "true", true);
+    row("[1, 'a', (2,)]", R"([1, "a", [2]])", QJsonArray{1, QStringLiteral("a"), QJsonArray{2}});
+    row("{'b': 1, 'a': []}", R"({"a": [], "b": 1})",
+        QJsonObject{{QStringLiteral("a"), QJsonArray()}, {QStringLiteral("b"), 1}});
+}
+
+void tst_ScriptCommands::anyAnswerIsPrinted()
+{
+    QFETCH(const QByteArray, returned);
+    QFETCH(const QByteArray, output);
+    QFETCH(const QJsonValue, value);
+    QFile::remove(path("answer.pyc")); // of the same second, and thus taken for this one's
+    write("answer.py", "def f():\n    return " + returned + "\n");
+    const Ended ended = run("run --any answer.py f");
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.output, output);
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(run("run --any answer.py f --json").result().value(QStringLiteral("value")), value);
+}
+
+void tst_ScriptCommands::anyAnswerThatThereIsNotIsAFailure_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("cause");
+    QTest::newRow("raises") << QByteArray("raise ValueError('why')")
+                            << QStringLiteral("ValueError: why (%1/answer.py:2)");
+    QTest::newRow("object") << QByteArray("return object()")
+                            << QStringLiteral("what f returned is no text, number, list or map: ");
+    QTest::newRow("no number") << QByteArray("return float('nan')")
+                               << QStringLiteral("what f returned is no text, number, list or map: ");
+    QTest::newRow("no UTF-8") << QByteArray("return '\\xff'")
+                              << QStringLiteral("what f returned is no text, number, list or map: ");
+    QTest::newRow("ends the interpreter")
+        << QByteArray("raise SystemExit(3)") << QStringLiteral("SystemExit");
+}
+
+void tst_ScriptCommands::anyAnswerThatThereIsNotIsAFailure()
+{
+    QFETCH(const QByteArray, body);
+    QFETCH(const QString, cause);
+    QFile::remove(path("answer.pyc")); // of the same second, and thus taken for this one's
+    write("answer.py", "def f():\n    " + body + "\n");
+    const Ended ended = run("run --any answer.py f --json");
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.failure().value(QStringLiteral("message")).toString(), QStringLiteral("f gave no answer"));
+    const QString told = ended.failure().value(QStringLiteral("cause")).toString();
+    const QString expected = cause.contains(QLatin1Char('%')) ? cause.arg(m_folder.path()) : cause;
+    QVERIFY2(told.contains(expected), qPrintable(told));
 }
 
 void tst_ScriptCommands::folderAsInputIsAFailure()

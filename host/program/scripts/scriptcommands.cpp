@@ -4,8 +4,12 @@
 #include "console/console.h"
 #include "scripts/scripttask.h"
 
+#include <pythonforqt.h>
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 
 namespace {
@@ -23,6 +27,28 @@ QVariant scriptArgument(const QString& word, bool asText)
     return fits && !asText && wholeNumber.match(word).hasMatch() ? QVariant(number) : QVariant(word);
 }
 
+// For its answer, whatever that is.
+ExitCode runForAnswer(Console& console, const QString& function, const QVariantList& arguments)
+{
+    QJsonObject answer;
+    const ScriptOutcome outcome =
+        runCall(console, {QStringLiteral("quenzo_call.py"), QStringLiteral("answer"), arguments},
+                ScriptCommands::tr("running"), [&answer](PythonForQt& python, ScriptOutcome&) {
+                    answer = QJsonDocument::fromJson(python.getResultAsString().toUtf8()).object();
+                });
+    if (!outcome.began)
+        return failTask(console, {}, outcome);
+    if (!answer.contains(QLatin1String("value"))) {
+        const QString error = answer.value(QLatin1String("error")).toString();
+        console.error(ScriptCommands::tr("%1 gave no answer").arg(function),
+                      error.isEmpty() ? outcome.diagnostics : QStringList(error));
+        return ExitFailed;
+    }
+    console.printText(answer.value(QLatin1String("shown")).toString());
+    console.set(QStringLiteral("value"), answer.value(QLatin1String("value")));
+    return ExitDone;
+}
+
 ExitCode runScript(const QCommandLineParser& parser, Console& console)
 {
     const QStringList words = parser.positionalArguments();
@@ -32,6 +58,8 @@ ExitCode runScript(const QCommandLineParser& parser, Console& console)
     QVariantList arguments;
     for (const QString& word : words.mid(3))
         arguments.append(scriptArgument(word, asText));
+    if (parser.isSet(QStringLiteral("any")))
+        return runForAnswer(console, words.at(2), QVariantList{words.at(1), words.at(2)} + arguments);
     const QVariantMap parameters{{QStringLiteral("toolPath"), words.at(1)},
                                  {QStringLiteral("main"), words.at(2)},
                                  {QStringLiteral("list"), arguments}};
@@ -77,7 +105,9 @@ QVector<Command> scriptCommands()
           {QStringLiteral("FUNCTION"), C::tr("the function's name")},
           {QStringLiteral("ARG"), C::tr("its arguments; whole numbers go as int; negative ones behind a --"),
            Argument::AnyNumber}},
-         {{QStringLiteral("text"), C::tr("Passes whole numbers as text, too.")}},
+         {{QStringLiteral("text"), C::tr("Passes whole numbers as text, too.")},
+          {QStringLiteral("any"),
+           C::tr("Prints what the function returns, a text as it is and numbers, lists and maps as JSON.")}},
          runScript},
         {QStringLiteral("export"),
          C::tr("exports a channel's developer information"),
