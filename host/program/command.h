@@ -39,6 +39,8 @@ struct Command {
     QString details = {};
     /** The words that an option or an argument, by its name, takes, where there are no others. */
     QHash<QString, QStringList> words = {};
+    /** Rewrites what the parser could not take as people write it; none for most. */
+    std::function<QStringList(const QStringList& words)> prepare = {};
 };
 
 QVector<Command> archiveCommands();

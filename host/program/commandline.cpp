@@ -132,6 +132,8 @@ ExitCode runCommand(const Command& command, QStringList words)
         parser.addPositionalArgument(argument.name, argument.description, syntaxOf(argument));
 
     Console early({asksForJson(words)});
+    if (command.prepare)
+        words = command.prepare(words);
     words.prepend(QStringLiteral("quenzo"));
     if (!parser.parse(words))
         return objectTo(early, objectionToOptions(command, parser), command.name);

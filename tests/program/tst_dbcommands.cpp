@@ -32,6 +32,14 @@ private Q_SLOTS:
     void selectPrintsCsv();
     void selectPrintsOneJsonObject();
     void encodedRecordsAreReadWithDecode();
+    void namedColumnsAreEncodedAlone_data();
+    void namedColumnsAreEncodedAlone();
+    void conditionsOnEncodedColumnsAreComparedScrambled();
+    void whatWouldNotComeBackIsRefused_data();
+    void whatWouldNotComeBackIsRefused();
+    void tablesAreToldAndMade();
+    void tablesThatCannotBeAreRefused_data();
+    void tablesThatCannotBeAreRefused();
     void unknownColumnToDecodeIsWarnedOf();
     void terminalShowsATable();
     void directCallsDoTheSame();
@@ -259,6 +267,123 @@ void tst_DBCommands::encodedRecordsAreReadWithDecode()
                  .code,
              0);
     QCOMPARE(ask(QStringLiteral("SELECT name FROM channel")), QStringList());
+}
+
+void tst_DBCommands::namedColumnsAreEncodedAlone_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("row");
+    const QString one = QStringLiteral("7 WYJjZA== some state");
+    for (const char* line : {"insert channel --encode name @", "insert channel @ --encode name",
+                             "--encode=name insert channel @", "insert channel --encode NAME @ --direct"})
+        QTest::newRow(line) << QString::fromLatin1(line) << one;
+    QTest::newRow("two") << QStringLiteral("insert channel --encode name --encode state @")
+                         << QStringLiteral("7 WYJjZA== 2ct9SZzBGdF0ZQ==");
+}
+
+void tst_DBCommands::namedColumnsAreEncodedAlone()
+{
+    QFETCH(const QString, line);
+    QStringList arguments = line.split(QLatin1Char(' '));
+    const int at = arguments.indexOf(QStringLiteral("@"));
+    arguments.removeAt(at);
+    for (const char* pair : {"state=some state", "name=abcd", "id=7"})
+        arguments.insert(at, QLatin1String(pair));
+    const Ended ended = db(arguments);
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QTEST(ask(QStringLiteral("SELECT id || ' ' || name || ' ' || state FROM channel")).value(0), "row");
+}
+
+void tst_DBCommands::conditionsOnEncodedColumnsAreComparedScrambled()
+{
+    ask(QStringLiteral("INSERT INTO channel VALUES(1, 'WYJjZA==', 'old'), (2, 'abcd', 'old')"));
+    QCOMPARE(db(words("update channel state=new --encode name --where name=abcd")).code, 0);
+    QCOMPARE(ask(QStringLiteral("SELECT state FROM channel ORDER BY id")), words("new old"));
+    QCOMPARE(db(words("select channel --encode name --where name=abcd")).output.count("\"id\":1"), 1);
+    QCOMPARE(db(words("delete channel --encode name --where name=abcd")).code, 0);
+    QCOMPARE(ask(QStringLiteral("SELECT id FROM channel")), words("2"));
+}
+
+void tst_DBCommands::whatWouldNotComeBackIsRefused_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<QByteArray>("told");
+    const auto row = [](const char* name, const char* line, const QByteArray& input, const char* told) {
+        QTest::newRow(name) << QString::fromLatin1(line) << input << QByteArray(told);
+    };
+    const QByteArray good = "{\"id\": 1234, \"name\": \"abcd\"}\n";
+    row("short", "insert channel --encode", good + "{\"name\": \"abc\"}", "row 2, column 'name': 'abc'");
+    row("number", "insert channel --encode", good + "{\"id\": 7}", "row 2, column 'id': '7'");
+    row("null", "insert channel --encode", good + "{\"id\": null}", "row 2, column 'id': ''");
+    row("zero", "insert channel --encode name", good + "{\"name\": \"ab\\u0000cd\"}",
+        "row 2, column 'name': 'ab\\x00cd'");
+    row("update", "update channel --encode name --where id=1 name=ab", {}, "row 1, column 'name': 'ab'");
+    row("condition", "delete channel --encode --where name=ab", {}, "the condition, column 'name': 'ab'");
+}
+
+void tst_DBCommands::whatWouldNotComeBackIsRefused()
+{
+    QFETCH(const QString, line);
+    QFETCH(const QByteArray, input);
+    QFETCH(const QByteArray, told);
+    ask(QStringLiteral("INSERT INTO channel VALUES(1, '', 'x')"));
+    const Ended ended = db(line.split(QLatin1Char(' ')), input);
+    QVERIFY2(ended.error.startsWith("quenzo: " + told + " could not be brought back"),
+             ended.error.constData());
+    QCOMPARE(ended.code, 1);
+    const QString all = QStringLiteral("SELECT name || state FROM channel");
+    QCOMPARE(ask(all), words("x"));
+    const Ended lossy = db(line.split(QLatin1Char(' ')) + words("--lossy"), input);
+    QVERIFY2(lossy.code == 0, lossy.error.constData());
+}
+
+void tst_DBCommands::tablesAreToldAndMade()
+{
+    QCOMPARE(db(words("tables")).output, QByteArray("channel\n"));
+    const Ended made = db(words("create game id:integer name:TEXT icon:blob"));
+    QVERIFY2(made.code == 0, made.error.constData());
+    QCOMPARE(made.output, QByteArray("made the table game\n"));
+    QCOMPARE(db(words("tables")).output, QByteArray("channel\ngame\n"));
+    QCOMPARE(db(words("schema game")).output,
+             QByteArray("CREATE TABLE \"game\" (\"id\" INTEGER, \"name\" TEXT, \"icon\" BLOB);\n"));
+    QCOMPARE(db(words("schema")).output.count('\n'), 2);
+    QCOMPARE(db(words("insert game id=7 name=one")).code, 0);
+    QCOMPARE(ask(QStringLiteral("SELECT typeof(id) FROM game")), words("integer"));
+
+    const QString fresh = m_folder->filePath(QStringLiteral("fresh.db"));
+    const QStringList create = words("create game name:text --file") + QStringList(fresh);
+    const Ended refused = QuenzoProcess(QStringList(QStringLiteral("db")) + create).end();
+    QCOMPARE(refused.code, 1);
+    QVERIFY2(refused.error.contains("create --init makes one"), refused.error.constData());
+    QVERIFY(!QFile::exists(fresh));
+    QCOMPARE(QuenzoProcess(QStringList(QStringLiteral("db")) + create + words("--init")).end().code, 0);
+    QVERIFY(QFile::exists(fresh));
+}
+
+void tst_DBCommands::tablesThatCannotBeAreRefused_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("code");
+    QTest::newRow("there is one") << QStringLiteral("create channel name:text") << 1;
+    QTest::newRow("no columns") << QStringLiteral("create game") << 2;
+    QTest::newRow("no type") << QStringLiteral("create game name") << 2;
+    QTest::newRow("unknown type") << QStringLiteral("create game name:word") << 2;
+    QTest::newRow("no name") << QStringLiteral("create game \"x\":text") << 2;
+    QTest::newRow("no table's name") << QStringLiteral("create a-b name:text") << 2;
+    QTest::newRow("no such table") << QStringLiteral("schema absent") << 1;
+    QTest::newRow("too many words") << QStringLiteral("tables channel") << 2;
+    QTest::newRow("init of a row") << QStringLiteral("insert channel id=1 --init") << 2;
+    QTest::newRow("no table") << QStringLiteral("select") << 2;
+}
+
+void tst_DBCommands::tablesThatCannotBeAreRefused()
+{
+    QFETCH(const QString, line);
+    const Ended ended = db(line.split(QLatin1Char(' ')));
+    QTEST(ended.code, "code");
+    QVERIFY(ended.error.startsWith("quenzo: "));
+    QCOMPARE(db(words("tables")).output, QByteArray("channel\n"));
 }
 
 void tst_DBCommands::unknownColumnToDecodeIsWarnedOf()

@@ -155,6 +155,8 @@ void tst_HostJson::outcomesAreOfTheSchema_data()
     row("unpack script.py unpacked2", 1);
     row("run script.py say");
     row("run script.py fail", 1);
+    row("run --any script.py say");
+    row("run --any script.py fail", 1);
     row("export 101 exported");
     row("export 999999 exported", 1);
     row("copy source target --dry-run");
@@ -169,6 +171,11 @@ void tst_HostJson::outcomesAreOfTheSchema_data()
     row("remove removed --yes");
     row("remove absent --yes", 1);
     row("remove source", 2);
+    row("db --file new.db create game name:text", 1);
+    row("db --file new.db create game name:text --init");
+    row("db --file new.db tables");
+    row("db --file new.db schema");
+    row("db --file new.db insert game --encode name name=ab", 1);
     row("db --file records.db insert channel id=1 name=one");
     row("db --file records.db update channel name=two --where id=1");
     row("db --file records.db select channel");

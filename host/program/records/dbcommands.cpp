@@ -5,7 +5,9 @@
 #include "console/standardstreams.h"
 #include "records/dbrequest.h"
 #include "records/dbsession.h"
+#include "records/dbstructure.h"
 #include "records/rowformat.h"
+#include "records/scrambling.h"
 
 #include <quenzotool.h>
 
@@ -26,6 +28,11 @@ ExitCode fail(Console& console, const QString& text, Failure::Code code = Failur
 {
     console.error({code, text});
     return code == Failure::Usage ? ExitUsage : ExitFailed;
+}
+
+QString noFile(const QString& file)
+{
+    return DBCommands::tr("there is no database file '%1'; create --init makes one").arg(file);
 }
 
 void decodeColumns(QVariantList& rows, const QStringList& columns)
@@ -90,7 +97,50 @@ void reportWritten(Console& console, const DBRequest& request)
     }
 }
 
-ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
+ExitCode createTable(const QCommandLineParser& parser, Console& console)
+{
+    const QStringList words = parser.positionalArguments().mid(1);
+    const QString file = parser.value(QStringLiteral("file"));
+    const QString table = words.value(1);
+    QString error;
+    const QString columns = DBStructure::columnsOf(words.mid(2), error);
+    if (!DBRequests::isName(table))
+        error = DBRequests::badName(table);
+    if (!error.isEmpty())
+        return fail(console, error, Failure::Usage);
+    if (!QFileInfo(file).isFile() && !parser.isSet(QStringLiteral("init")))
+        return fail(console, noFile(file), Failure::NotFound);
+    error = DBStructure::create(file, table, columns);
+    if (!error.isEmpty())
+        return fail(console, DBCommands::tr("the table %1 cannot be made: %2").arg(table, error));
+    console.say(DBCommands::tr("made the table %1").arg(table));
+    console.set(QStringLiteral("created"), table);
+    return ExitDone;
+}
+
+ExitCode tellStructure(const QCommandLineParser& parser, Console& console)
+{
+    const QStringList words = parser.positionalArguments().mid(1);
+    const QString& operation = words.first();
+    const QString file = parser.value(QStringLiteral("file"));
+    const int most = operation == QLatin1String("tables") ? 1 : 2;
+    if (words.size() > most)
+        return fail(console, DBCommands::tr("db: '%1' is one word too many").arg(words.at(most)),
+                    Failure::Usage);
+    if (!QFileInfo(file).isFile())
+        return fail(console, noFile(file), Failure::NotFound);
+    QString error;
+    const QStringList found =
+        most == 1 ? DBStructure::tables(file, error) : DBStructure::schema(file, words.value(1), error);
+    if (!error.isEmpty())
+        return fail(console, DBCommands::tr("'%1' cannot be read: %2").arg(file, error), Failure::BadInput);
+    console.set(operation, QJsonArray::fromStringList(found));
+    for (const QString& line : found)
+        console.printText(most == 1 ? line : line + QLatin1Char(';'));
+    return ExitDone;
+}
+
+ExitCode runRows(const QCommandLineParser& parser, Console& console)
 {
     QString error;
     DBRequest request = DBRequests::fromCommandLine(parser, error);
@@ -98,8 +148,7 @@ ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
         return fail(console, error, Failure::Usage);
     // The library would make the file, and with it a database without tables.
     if (!QFileInfo(request.file).isFile())
-        return fail(console, DBCommands::tr("there is no database file '%1'").arg(request.file),
-                    Failure::NotFound);
+        return fail(console, noFile(request.file), Failure::NotFound);
     if (request.writes() && request.rows.isEmpty()) {
         QByteArray lines = StandardStreams::readInput(error);
         QBuffer input(&lines);
@@ -108,6 +157,12 @@ ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
         if (!error.isEmpty())
             return fail(console, error, Failure::BadInput);
     }
+
+    if (!parser.isSet(QStringLiteral("lossy")))
+        error = Scrambling::loss(request);
+    if (!error.isEmpty())
+        return fail(console, error, Failure::Refused);
+    Scrambling::apply(request);
 
     DBOutcome outcome = runRequest(request, console);
     if (!outcome.error.isEmpty())
@@ -121,6 +176,20 @@ ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
     decodeColumns(outcome.rows, scrambled);
     reportRows(console, outcome.rows, parser.isSet(QStringLiteral("csv")));
     return ExitDone;
+}
+
+ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
+{
+    const QString operation = parser.positionalArguments().at(1);
+    const bool creates = operation == QLatin1String("create");
+    const bool tells = operation == QLatin1String("tables") || operation == QLatin1String("schema");
+    if (parser.isSet(QStringLiteral("init")) && !creates)
+        return fail(console, DBCommands::tr("--init is for create"), Failure::Usage);
+    if ((creates || tells) && parser.value(QStringLiteral("file")).isEmpty())
+        return fail(console, DBCommands::tr("--file names the database"), Failure::Usage);
+    if (creates)
+        return createTable(parser, console);
+    return tells ? tellStructure(parser, console) : runRows(parser, console);
 }
 
 // The text that is meant: the word itself, or the standard input without its last line break.
@@ -180,11 +249,16 @@ Command dbCommand()
         {{QStringLiteral("OPERATION"),
           C::tr("insert writes rows; update writes new values into the rows that meet --where; delete "
                 "removes and "
-                "select reads the rows that meet every --where")},
-         {QStringLiteral("TABLE"), C::tr("the table's name")},
+                "select reads the rows that meet every --where; tables and schema tell what there is; create "
+                "makes a "
+                "table")},
+         {QStringLiteral("TABLE"), C::tr("the table's name, but for tables, and if one is meant for schema"),
+          Argument::Optional},
          {pair,
           C::tr("values to insert or update, as text; without any, or with -, each line of the standard "
-                "input is a row, a JSON object of names to values"),
+                "input is a row, a JSON object of names to values; for create COLUMN:TYPE, with the types "
+                "text, "
+                "integer, real, numeric and blob"),
           Argument::AnyNumber}},
         {option("file", C::tr("The database file, which exists."), QStringLiteral("DB")),
          option("where",
@@ -193,10 +267,19 @@ Command dbCommand()
                       "update."),
                 pair),
          option("all", C::tr("Empties the table: for delete without a condition.")),
-         option("encode",
-                C::tr("Writes values scrambled. delete compares with scrambled values; update leaves its "
-                      "condition "
-                      "plain; select unscrambles its conditions.")),
+         option(
+             "encode",
+             C::tr("Writes values scrambled, of this column, or of all if none is named; may be repeated. "
+                   "Give it "
+                   "behind the table, or as --encode=COLUMN. With columns, conditions on them are compared "
+                   "scrambled. Without, delete compares with scrambled values; update leaves its "
+                   "condition "
+                   "plain; select unscrambles its conditions."),
+             QStringLiteral("COLUMN")),
+         option(
+             "lossy",
+             C::tr("Writes scrambled what cannot be brought back: null, less than four bytes, a zero byte.")),
+         option("init", C::tr("Makes the file with its first table: for create.")),
          option("decode", C::tr("Unscrambles this column of what select has read; may be repeated."),
                 QStringLiteral("COLUMN")),
          option("direct",
@@ -217,7 +300,9 @@ Command dbCommand()
               "numeric type, and text in others."),
         {{QStringLiteral("OPERATION"),
           {QStringLiteral("insert"), QStringLiteral("update"), QStringLiteral("delete"),
-           QStringLiteral("select")}}}};
+           QStringLiteral("select"), QStringLiteral("tables"), QStringLiteral("schema"),
+           QStringLiteral("create")}}},
+        DBRequests::withEncodeValues};
 }
 
 } // namespace

@@ -16,17 +16,6 @@ struct DBRequestTexts {
     Q_DECLARE_TR_FUNCTIONS(DBRequestTexts)
 };
 
-bool isName(const QString& text)
-{
-    static const QRegularExpression name(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
-    return name.match(text).hasMatch();
-}
-
-QString badName(const QString& name)
-{
-    return DBRequestTexts::tr("'%1' is no name: letters, digits and underscores of ASCII make one").arg(name);
-}
-
 // SQLite knows columns by their names in whatever capitals.
 bool containsColumn(const QVariantMap& values, const QString& name)
 {
@@ -43,8 +32,8 @@ QVariantMap pairs(const QStringList& words, QString& error)
         const QString name = word.left(equals);
         if (equals < 0)
             error = DBRequestTexts::tr("'%1' is not of the form COLUMN=VALUE").arg(word);
-        else if (!isName(name))
-            error = badName(name);
+        else if (!DBRequests::isName(name))
+            error = DBRequests::badName(name);
         else if (containsColumn(values, name))
             error = DBRequestTexts::tr("the column '%1' is given twice").arg(name);
         values.insert(name, word.mid(equals + 1));
@@ -98,24 +87,63 @@ QString rowError(const QVariantMap& row, const QString& conditionColumn)
     if (row.contains(conditionColumn))
         return conditionAmongValues(conditionColumn);
     for (auto value = row.cbegin(); value != row.cend(); ++value) {
-        if (!isName(value.key()))
-            return badName(value.key());
+        if (!DBRequests::isName(value.key()))
+            return DBRequests::badName(value.key());
     }
     return {};
 }
 
 } // namespace
 
+bool DBRequests::isName(const QString& text)
+{
+    static const QRegularExpression name(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
+    return name.match(text).hasMatch();
+}
+
+QString DBRequests::badName(const QString& name)
+{
+    return DBRequestTexts::tr("'%1' is no name: letters, digits and underscores of ASCII make one").arg(name);
+}
+
+QStringList DBRequests::withEncodeValues(const QStringList& words)
+{
+    const QStringList withValue{QStringLiteral("--file"), QStringLiteral("--where"),
+                                QStringLiteral("--decode"), QStringLiteral("--progress")};
+    constexpr int needed = 3; // the command, the operation and the table
+    QStringList result;
+    int bare = 0;
+    for (int i = 0; i < words.size() && words.at(i) != QLatin1String("--"); ++i) {
+        const QString& word = words.at(i);
+        result.append(word);
+        const QString next = words.value(i + 1);
+        if (withValue.contains(word) && i + 1 < words.size())
+            result.append(words.at(++i));
+        else if (word == QLatin1String("--encode") && bare >= needed && isName(next))
+            result.last() += QLatin1Char('=') + words.at(++i);
+        else if (word == QLatin1String("--encode"))
+            result.last() += QLatin1Char('=');
+        else if (!word.startsWith(QLatin1Char('-')))
+            ++bare;
+    }
+    return result
+        + (words.contains(QStringLiteral("--")) ? words.mid(words.indexOf(QStringLiteral("--")))
+                                                : QStringList());
+}
+
 DBRequest DBRequests::fromCommandLine(const QCommandLineParser& parser, QString& error)
 {
     const QStringList words = parser.positionalArguments().mid(1);
     DBRequest request;
     request.file = parser.value(QStringLiteral("file"));
-    request.table = words.at(1);
-    request.encode = parser.isSet(QStringLiteral("encode"));
+    request.table = words.value(1);
+    request.encodedColumns = parser.values(QStringLiteral("encode"));
+    request.encode = request.encodedColumns.removeAll({}) > 0;
     request.direct = parser.isSet(QStringLiteral("direct"));
     if (!readCommand(words.at(0), request.command)) {
-        error = DBRequestTexts::tr("'%1' is none of insert, update, delete and select").arg(words.at(0));
+        error =
+            DBRequestTexts::tr("'%1' is none of insert, update, delete, select, tables, schema and create")
+                .arg(words.at(0));
         return request;
     }
     request.conditions = pairs(parser.values(QStringLiteral("where")), error);
@@ -130,12 +158,16 @@ DBRequest DBRequests::fromCommandLine(const QCommandLineParser& parser, QString&
         return request;
     if (request.file.isEmpty())
         error = DBRequestTexts::tr("--file names the database");
-    else if (!isName(request.table))
-        error = badName(request.table);
+    else if (words.size() < 2)
+        error = DBRequestTexts::tr("db: missing: TABLE");
+    else if (!DBRequests::isName(request.table))
+        error = DBRequests::badName(request.table);
     else if (!request.writes() && !row.isEmpty())
         error = DBRequestTexts::tr("conditions are given as --where COLUMN=VALUE");
     else
         error = conditionsError(request, parser.isSet(QStringLiteral("all")));
+    if (error.isEmpty() && request.encode && !request.encodedColumns.isEmpty())
+        error = DBRequestTexts::tr("--encode is for all columns or for those that are named, not for both");
     if (error.isEmpty() && !row.isEmpty())
         error = rowError(row, request.conditionColumn());
     return request;

@@ -4,7 +4,7 @@
 
 #include <dbhelper.h>
 
-#include <QString>
+#include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
 
@@ -21,7 +21,8 @@ struct DBRequest {
     QString table;
     QVariantMap conditions; ///< of an update exactly one
     QVariantList rows; ///< to write
-    bool encode = false;
+    bool encode = false; ///< all values; scrambled by the library
+    QStringList encodedColumns; ///< scrambled before the library gets them
     bool direct = false;
 
     bool writes() const { return command == DB_INSERT || command == DB_UPDATE; }
@@ -38,6 +39,16 @@ namespace DBRequests {
  * @param[out] error why it makes no sense; left empty when it does
  */
 DBRequest fromCommandLine(const QCommandLineParser& parser, QString& error);
+
+/** Whether a word can be the name of a table or a column. */
+bool isName(const QString& text);
+QString badName(const QString& name);
+
+/**
+ * Gives the option for scrambling a value of its own, as the parser wants it: none stands for all columns.
+ * A word behind it is its column only when operation and table are given before.
+ */
+QStringList withEncodeValues(const QStringList& words);
 
 /**
  * Reads one row from each line, a JSON object of names to texts, numbers, true, false and null.
