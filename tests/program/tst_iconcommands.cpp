@@ -342,7 +342,7 @@ void tst_IconCommands::dryRunTellsAllAndTouchesNothing()
 void tst_IconCommands::dryRunOfAnAdditionDeletesNothing()
 {
     write(out(QStringLiteral("a/mine")), "mine");
-    for (const char* options : {"--keep", "--layout android-res"}) {
+    for (const char* options : {"--keep", "--keep --sheet -", "--layout android-res"}) {
         const Ended told = icons(R"([{"folder": "a"}])", words(options) + words("--dry-run"));
         QCOMPARE(told.code, 0);
         QVERIFY2(told.output.endsWith("files to write: 7, to delete: 0\n"), told.output.constData());

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void aaptPackagesTheFolders_data();
     void aaptPackagesTheFolders();
     void iconsReplaceThoseOfAPackage();
+    void channelIsPackedOverItsBase();
     void packagesWithoutPicturesAreRefused();
     void nameIsTheIconsOwn();
     void equalChannelsGetEqualFiles();
@@ -315,6 +316,28 @@ void tst_IconLayouts::iconsReplaceThoseOfAPackage()
         QCOMPARE(now, scaled(icon, before.width()));
     }
     QVERIFY(!QImage(path(QStringLiteral("sheet.png"))).isNull());
+}
+
+void tst_IconLayouts::channelIsPackedOverItsBase()
+{
+    const QString base = QStringLiteral(SAMPLE_APK);
+    write(out(QStringLiteral("a/assets/channel.json")), "team's");
+    QCOMPARE(icons(oneChannel, words("--layout android-res --onto") + QStringList{base}).error, QByteArray());
+    const Ended packed = quenzo(words("pack --onto") + QStringList{base} + words("out/a a.apk"));
+    QCOMPARE(packed.error, QByteArray());
+    QCOMPARE(packed.code, 0);
+    QCOMPARE(quenzo(words("package-name a.apk")).output,
+             quenzo({QStringLiteral("package-name"), base}).output);
+
+    QCOMPARE(quenzo({QStringLiteral("unpack"), base, QStringLiteral("before")}).code, 0);
+    QCOMPARE(quenzo(words("unpack a.apk after")).code, 0);
+    QStringList files = filesBelow(path(QStringLiteral("before"))) + words("assets/channel.json");
+    files.sort();
+    QCOMPARE(filesBelow(path(QStringLiteral("after"))), files);
+    const QString icon = QStringLiteral("res/drawable-xhdpi-v4/icon.png");
+    QCOMPARE(contentOf(path(QStringLiteral("after/") + icon)), contentOf(out(QStringLiteral("a/") + icon)));
+    QVERIFY(contentOf(path(QStringLiteral("after/") + icon))
+            != contentOf(path(QStringLiteral("before/") + icon)));
 }
 
 void tst_IconLayouts::packagesWithoutPicturesAreRefused()

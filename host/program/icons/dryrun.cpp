@@ -49,7 +49,7 @@ void reportDryRun(const IconJob& job, Console& console)
 {
     QStringList written = job.files();
     const QStringList deleted = deletedBy(job, written);
-    if (!job.sheet.isEmpty())
+    if (!job.sheet.isEmpty() && job.sheet != QLatin1String("-"))
         written.append(job.sheet);
     for (const QString& path : deleted)
         console.print(DryRun::tr("delete %1").arg(path));
