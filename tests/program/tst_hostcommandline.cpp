@@ -31,6 +31,7 @@ private Q_SLOTS:
     void dashStandsForTheInput_data();
     void dashStandsForTheInput();
     void inputThatIsNoTextIsRefused();
+    void conventionsNameTestsThatExist();
 };
 
 void tst_HostCommandLine::helpIsGivenInEveryForm_data()
@@ -176,6 +177,27 @@ void tst_HostCommandLine::inputThatIsNoTextIsRefused()
     const Ended ended = QuenzoProcess(QuenzoProcess::words("encode - --json")).end("a\xff");
     QCOMPARE(ended.code, 1);
     QCOMPARE(ended.failure().value(QStringLiteral("code")).toString(), QStringLiteral("bad-input"));
+}
+
+void tst_HostCommandLine::conventionsNameTestsThatExist()
+{
+    QFile page(QStringLiteral(SOURCE_DIR "/docs/conventions.md"));
+    QVERIFY(page.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = page.readAll().split('\n');
+    const QRegularExpression form(QStringLiteral("\\| `(\\w+)\\.(\\w+)` \\|$"));
+    int rows = 0;
+    for (const QByteArray& line : lines) {
+        if (!line.startsWith('|') || line.startsWith("| what") || line.startsWith("| ---"))
+            continue;
+        const QRegularExpressionMatch test = form.match(QString::fromUtf8(line));
+        QVERIFY2(test.hasMatch(), line.constData());
+        QFile source(QStringLiteral(SOURCE_DIR "/tests/program/tst_%1.cpp").arg(test.captured(1)));
+        QVERIFY2(source.open(QIODevice::ReadOnly), line.constData());
+        const QString definition = QStringLiteral("::%1()\n").arg(test.captured(2));
+        QVERIFY2(QString::fromUtf8(source.readAll()).contains(definition), line.constData());
+        ++rows;
+    }
+    QVERIFY(rows > 20);
 }
 
 QTEST_GUILESS_MAIN(tst_HostCommandLine)
