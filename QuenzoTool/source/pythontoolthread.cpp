@@ -53,6 +53,10 @@ PythonToolThread::PythonToolThread(QObject* parent)
     : QThread(parent)
     , m_operate(static_cast<PYTHON_TOOL_OPERATE>(-1)) // a thread started without a task does nothing
 {
+    // The interpreter counts its levels, not their bytes, and overruns the stack of a process with a low
+    // limit.
+    constexpr uint bytesOfAThousandLevels = 8 << 20;
+    setStackSize(bytesOfAThousandLevels);
 }
 
 PythonToolThread::~PythonToolThread() = default;

@@ -27,6 +27,17 @@ def closed(*numbers):
     return lambda: [os.close(number) for number in numbers]
 
 
+def make_levels(folder, count):
+    """Folders d in each other, further down than paths reach, with a file at the bottom."""
+    here = os.getcwd()
+    os.chdir(folder)
+    for unused in range(count):
+        os.mkdir("d")
+        os.chdir("d")
+    open("file", "w").close()
+    os.chdir(here)
+
+
 def in_a_deleted_folder():
     os.mkdir("gone")
     os.chdir("gone")
@@ -102,6 +113,21 @@ class Worlds(Attack):
 
     def test_limitOfTheStack(self):
         self.under("STACK 256 KiB", limited(resource.RLIMIT_STACK, 256 << 10))
+
+    def test_treesOfManyLevelsOnASmallStack(self):
+        for command in ("copy", "cut", "output", "pack", "remove"):
+            def run(unused):
+                os.makedirs(self.path("target"))
+                os.mkdir(self.path("source"))
+                make_levels(self.path("source"), 2000)
+                words = [command, "source"] + {"pack": ["out.zip"], "remove": of_command("remove", "--yes")}.get(
+                    command, ["target"])
+                ended = self.quenzo(*words, before=limited(resource.RLIMIT_STACK, 256 << 10))
+                stays = os.path.exists(self.path("source", "d"))
+                is_sound = ended.refused or (ended.code == 0 and stays == (command in ("copy", "pack")))
+                return None if is_sound and (stays or command in ("remove", "cut", "output")) else ended
+
+            self.rounds("%s, 2,000 levels" % command, run, count=1)
 
     def test_closedStreams(self):
         for numbers in ((0,), (1,), (2,), (0, 1, 2)):

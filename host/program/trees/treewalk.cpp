@@ -9,6 +9,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -29,21 +30,37 @@ public:
     {
     }
 
-    bool enter(const QByteArray& relative, const FileIdentity& id)
+    // With levels of its own: trees can be deeper than what the thread's stack holds.
+    bool run(const FileIdentity& top)
     {
-        m_within.append(id);
-        const bool isTop = m_within.size() == 1;
-        QVector<WalkedEntry> entries = list(relative);
-        for (WalkedEntry& entry : entries) {
-            const bool isLeft = isTop && isAmong(m_scope.left, entry.name);
+        enter({}, top);
+        while (!m_levels.empty()) {
+            Level& level = m_levels.back();
+            if (level.next == level.entries.size()) {
+                m_levels.pop_back();
+                m_within.removeLast();
+                continue;
+            }
+            WalkedEntry& entry = level.entries[level.next++];
+            const bool isLeft = m_levels.size() == 1 && isAmong(m_scope.left, entry.name);
             if (!isLeft && !meet(entry))
                 return false;
         }
-        m_within.removeLast();
         return true;
     }
 
 private:
+    struct Level {
+        QVector<WalkedEntry> entries;
+        int next = 0;
+    };
+
+    void enter(const QByteArray& relative, const FileIdentity& id)
+    {
+        m_within.append(id);
+        m_levels.push_back({list(relative), 0});
+    }
+
     bool meet(WalkedEntry& entry)
     {
         const FileIdentity id(entry.status);
@@ -56,7 +73,8 @@ private:
             return true;
         if (m_scope.emptied)
             m_entered.insert(id);
-        return enter(entry.path + '/', id);
+        enter(entry.path + '/', id); // the entry may have moved afterwards
+        return true;
     }
 
     // At once, and no folder stays open: trees can be deeper than a process may have files open.
@@ -92,6 +110,7 @@ private:
 
     const TreeScope& m_scope;
     const Visit& m_visit;
+    std::vector<Level> m_levels;
     QVector<FileIdentity> m_within;
     QSet<FileIdentity> m_entered;
 };
@@ -101,5 +120,5 @@ private:
 bool TreeScope::walk(const std::function<Step(const WalkedEntry&)>& visit) const
 {
     struct stat status { };
-    return stat(top.constData(), &status) != 0 || Walk(*this, visit).enter({}, FileIdentity(status));
+    return stat(top.constData(), &status) != 0 || Walk(*this, visit).run(FileIdentity(status));
 }
