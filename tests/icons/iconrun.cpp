@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QMap>
 
+#include <atomic>
 #include <sys/stat.h>
 
 using namespace IconPictures;
@@ -132,8 +133,15 @@ void Job::run(const QList<ST_CHANNEL_ICON>& channels, int platform)
     thread.setGameInfo(icon, defaultCorner, defaultX, defaultY, platform);
     thread.setInfo(path(QStringLiteral("marks")), channels);
     thread.setOutputDir(outputDir);
+    // The thread sanitizer sees no order in Qt's waiting, but in this.
+    std::atomic<bool> ended{false};
+    const auto telling = QObject::connect(
+        &thread, &QThread::finished, &thread, [&ended] { ended.store(true); }, Qt::DirectConnection);
     thread.start();
     thread.wait();
+    QObject::disconnect(telling);
+    if (!ended.load())
+        qFatal("the thread did not say that it finished");
 }
 
 QStringList Job::filesIn(const QString& folder) const
