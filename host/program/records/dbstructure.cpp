@@ -57,8 +57,7 @@ QStringList DBStructure::schema(const QString& file, const QString& table, QStri
                                        "'sqlite~_%' ESCAPE '~' %1ORDER BY name");
     if (table.isEmpty())
         return ask(file, all.arg(QString()), {}, error);
-    const QStringList found =
-        ask(file, all.arg(QStringLiteral("AND name = ? COLLATE NOCASE ")), {table}, error);
+    QStringList found = ask(file, all.arg(QStringLiteral("AND name = ? COLLATE NOCASE ")), {table}, error);
     if (found.isEmpty() && error.isEmpty())
         error = StructureTexts::tr("no such table: %1").arg(table);
     return found;
