@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "devicefixture.h"
+#include "jsonschema.h"
 #include "runroot.h"
 
 #include <QtTest>
@@ -43,6 +44,13 @@ private Q_SLOTS:
     void questionEndsWithTheProgram();
     void interruptionTellsWhatWasBegun_data();
     void interruptionTellsWhatWasBegun();
+    void outcomesAreOfTheSchema_data();
+    void outcomesAreOfTheSchema();
+    void interruptionIsOfTheSchema_data();
+    void interruptionIsOfTheSchema();
+
+private:
+    JsonSchema m_schema{QStringLiteral("output.schema.json")};
 };
 
 void tst_DeviceCommands::devicesArePrinted()
@@ -489,6 +497,73 @@ void tst_DeviceCommands::interruptionTellsWhatWasBegun()
     QCOMPARE(ended.code, -SIGINT);
     QCOMPARE(QString::fromUtf8(ended.error), told.contains(QLatin1Char('%')) ? told.arg(m_apk) : told);
     // adb was not meant, and is still at work.
+    ScriptedTools::openGate();
+}
+
+void tst_DeviceCommands::outcomesAreOfTheSchema_data()
+{
+    QTest::addColumn<QStringList>("serials");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("code");
+    const QStringList one{QStringLiteral("a")};
+    const QStringList two{QStringLiteral("a"), QStringLiteral("b")};
+    QTest::newRow("no device") << QStringList() << QStringLiteral("devices") << 0;
+    QTest::newRow("devices") << two << QStringLiteral("devices") << 0;
+    QTest::newRow("install") << one << QStringLiteral("install @ --yes") << 0;
+    QTest::newRow("install, chosen") << two << QStringLiteral("install @ --yes -s b") << 0;
+    QTest::newRow("install, no choice") << two << QStringLiteral("install @ --yes") << 1;
+    QTest::newRow("uninstall") << one << QStringLiteral("uninstall @ --yes") << 0;
+    QTest::newRow("uninstall, no device") << QStringList() << QStringLiteral("uninstall @ --yes") << 1;
+    QTest::newRow("package name") << QStringList() << QStringLiteral("package-name @") << 0;
+}
+
+void tst_DeviceCommands::outcomesAreOfTheSchema()
+{
+    QFETCH(const QStringList, serials);
+    QFETCH(const QString, line);
+    QFETCH(const int, code);
+    ScriptedTools::attach(serials);
+    QStringList words = QuenzoProcess::words(line.toUtf8().constData()) << QStringLiteral("--json");
+    words.replaceInStrings(QStringLiteral("@"), m_apk);
+    const Ended run = quenzo(words);
+    QVERIFY2(run.code == code, run.error.constData());
+    QCOMPARE(run.output.count('\n'), 1);
+    QCOMPARE(m_schema.verdictOn(run.output), QByteArray("valid"));
+    QCOMPARE(run.json().value(QStringLiteral("command")).toString(), words.first());
+    QCOMPARE(run.json().value(QStringLiteral("ok")).toBool(), code == 0);
+}
+
+void tst_DeviceCommands::interruptionIsOfTheSchema_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("lastStep");
+    QTest::newRow("install") << QStringLiteral("install") << QStringLiteral("installing %1");
+    QTest::newRow("uninstall") << QStringLiteral("uninstall")
+                               << QStringLiteral("removing the package org.example.game and its data");
+}
+
+void tst_DeviceCommands::interruptionIsOfTheSchema()
+{
+    QFETCH(const QString, command);
+    QFETCH(const QString, lastStep);
+    ScriptedTools::attach({QStringLiteral("a")});
+    ScriptedTools::answer(command, "read line <\"$dir/gate\"");
+    QuenzoProcess process({command, m_apk, QStringLiteral("--yes"), QStringLiteral("--json")});
+    prepare(process);
+    process.start();
+    const QString call = QStringLiteral("<%1>").arg(command);
+    QTRY_VERIFY_WITH_TIMEOUT(!ScriptedTools::calls().filter(call).isEmpty(), timeLimitMs);
+    ::kill(pid_t(process.processId()), SIGINT);
+    const Ended ended = process.end();
+    QCOMPARE(ended.code, -SIGINT);
+    QCOMPARE(ended.output.count('\n'), 1);
+    QCOMPARE(m_schema.verdictOn(ended.output), QByteArray("valid"));
+    QCOMPARE(ended.json().value(QStringLiteral("command")).toString(), command);
+    const QJsonObject failure = ended.failure();
+    QCOMPARE(failure.value(QStringLiteral("code")).toString(), QStringLiteral("interrupted"));
+    const QString told = lastStep.contains(QLatin1Char('%')) ? lastStep.arg(m_apk) : lastStep;
+    QCOMPARE(failure.value(QStringLiteral("cause")).toString().section(QLatin1Char('\n'), -1), told);
+    QCOMPARE(ended.result().value(QStringLiteral("device")).toString(), QStringLiteral("a"));
     ScriptedTools::openGate();
 }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "iconpictures.h"
 #include "iconscene.h"
+#include "jsonschema.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
-#include <QProcess>
 #include <QUuid>
 #include <QtTest>
 
@@ -18,20 +18,6 @@ namespace {
 bool linkHard(const QString& from, const QString& to)
 {
     return link(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
-}
-
-// "valid", or what the schema of channel lists forbids in this one, with the place before it.
-QByteArray schemaVerdictOn(const QByteArray& list)
-{
-    QProcess validator;
-    validator.start(QStringLiteral(PYTHON3),
-                    {QStringLiteral(SOURCE_DIR "/tests/program/validate.py"),
-                     QStringLiteral(SOURCE_DIR "/docs/channels.schema.json")});
-    validator.write(QJsonDocument::fromJson(list).toJson(QJsonDocument::Compact) + '\n');
-    validator.closeWriteChannel();
-    if (!validator.waitForFinished() || validator.exitCode() != 0)
-        return "no verdict: " + validator.readAllStandardError();
-    return validator.readAll().split('\n').value(1);
 }
 
 } // namespace
@@ -69,6 +55,14 @@ private Q_SLOTS:
     void badUsageExitsWithTwo();
     void missingOptionsAreNamedTogether_data();
     void missingOptionsAreNamedTogether();
+
+private:
+    QByteArray verdictOn(const QByteArray& list)
+    {
+        return m_schema.verdictOn(QJsonDocument::fromJson(list).toJson(QJsonDocument::Compact));
+    }
+
+    JsonSchema m_schema{QStringLiteral("channels.schema.json")};
 };
 
 void tst_IconRefusals::whatItReadsIsNeverCleared_data()
@@ -357,7 +351,7 @@ void tst_IconRefusals::schemaForbidsTheSameMistakes()
     // What no schema can tell: texts that are no JSON, and names that are no Unicode.
     if (QJsonDocument::fromJson(list).isNull() || list.contains("\\ud"))
         return;
-    const QByteArray verdict = schemaVerdictOn(list);
+    const QByteArray verdict = verdictOn(list);
     QVERIFY2(verdict.startsWith('$'), verdict.constData());
 }
 
@@ -377,7 +371,7 @@ void tst_IconRefusals::schemaAllowsWhatIsTaken_data()
 void tst_IconRefusals::schemaAllowsWhatIsTaken()
 {
     QFETCH(const QByteArray, list);
-    QCOMPARE(schemaVerdictOn(list), QByteArray("valid"));
+    QCOMPARE(verdictOn(list), QByteArray("valid"));
     const Ended ended = icons(list, words("--ignore-missing"));
     QCOMPARE(ended.code, 0);
 }
