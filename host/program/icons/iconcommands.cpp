@@ -349,7 +349,6 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
 
 QVector<Command> iconCommands()
 {
-    using C = IconCommands;
     const auto option = [](const char* name, const QString& description, const char* value,
                            const char* otherwise = "") {
         return QCommandLineOption(QLatin1String(name), description, QLatin1String(value),
@@ -357,41 +356,50 @@ QVector<Command> iconCommands()
     };
     Command icons;
     icons.name = QStringLiteral("icons");
-    icons.summary = C::tr("makes every channel's launcher icons");
-    icons.arguments = {{QStringLiteral("CHANNELS.json"),
-                        C::tr("the list of channels, see below; - reads it from the standard input")}};
+    icons.summary = IconCommands::tr("makes every channel's launcher icons");
+    icons.arguments = {
+        {QStringLiteral("CHANNELS.json"),
+         IconCommands::tr("the list of channels, see below; - reads it from the standard input")}};
     icons.options = {
-        option("icon", C::tr("The game's icon, in any usual format."), "FILE"),
-        option("marks", C::tr("The folder that holds a folder a mark."), "DIR"),
+        option("icon", IconCommands::tr("The game's icon, in any usual format."), "FILE"),
+        option("marks", IconCommands::tr("The folder that holds a folder a mark."), "DIR"),
         option("out",
-               C::tr("The output folder. With the layout plain it is deleted first, and must be empty or of "
-                     "an earlier run; the others only add to it."),
+               IconCommands::tr(
+                   "The output folder. With the layout plain it is deleted first, and must be empty or of "
+                   "an earlier run; the others only add to it."),
                "DIR"),
-        option("platform", C::tr("The set of sizes: android or ios. Other layouts than plain name it."),
+        option("platform",
+               IconCommands::tr("The set of sizes: android or ios. Other layouts than plain name it."),
                "NAME"),
         option("layout",
-               C::tr("How they are arranged: %1 (plain).")
+               IconCommands::tr("How they are arranged: %1 (plain).")
                    .arg(IconLayout::arrangementNames().join(QStringLiteral(", "))),
                "NAME", "plain"),
-        option("name", C::tr("The icon's name in the package (ic_launcher, AppIcon)."), "TEXT"),
-        option("onto", C::tr("The built package whose icons these replace, for android-res."), "APK"),
-        option("background", C::tr("The picture behind the icon, for android-adaptive."), "FILE"),
-        option("default-corner", C::tr("The corner of channels with the corner \"default\" (right-bottom)."),
+        option("name", IconCommands::tr("The icon's name in the package (ic_launcher, AppIcon)."), "TEXT"),
+        option("onto", IconCommands::tr("The built package whose icons these replace, for android-res."),
+               "APK"),
+        option("background", IconCommands::tr("The picture behind the icon, for android-adaptive."), "FILE"),
+        option("default-corner",
+               IconCommands::tr("The corner of channels with the corner \"default\" (right-bottom)."),
                "CORNER", "right-bottom"),
-        option("default-x", C::tr("Where these channels' marks go, as \"x\" (flush in the corner)."), "N"),
-        option("default-y", C::tr("Where these channels' marks go, as \"y\" (flush in the corner)."), "N"),
+        option("default-x",
+               IconCommands::tr("Where these channels' marks go, as \"x\" (flush in the corner)."), "N"),
+        option("default-y",
+               IconCommands::tr("Where these channels' marks go, as \"y\" (flush in the corner)."), "N"),
         QCommandLineOption(QStringLiteral("keep"),
-                           C::tr("Deletes nothing: files of the same names are overwritten.")),
+                           IconCommands::tr("Deletes nothing: files of the same names are overwritten.")),
         QCommandLineOption(QStringLiteral("clear"),
-                           C::tr("Deletes an output folder that no earlier run has made, too.")),
-        QCommandLineOption(QStringLiteral("ignore-missing"),
-                           C::tr("Leaves icons unmarked whose marks are missing or cannot be read.")),
-        QCommandLineOption({QStringLiteral("n"), QStringLiteral("dry-run")},
-                           C::tr("Tells file by file what would be written and deleted, and does nothing.")),
-        option(
-            "sheet",
-            C::tr("Draws all channels' icons with their names into one picture; - is the standard output."),
-            "FILE.png"),
+                           IconCommands::tr("Deletes an output folder that no earlier run has made, too.")),
+        QCommandLineOption(
+            QStringLiteral("ignore-missing"),
+            IconCommands::tr("Leaves icons unmarked whose marks are missing or cannot be read.")),
+        QCommandLineOption(
+            {QStringLiteral("n"), QStringLiteral("dry-run")},
+            IconCommands::tr("Tells file by file what would be written and deleted, and does nothing.")),
+        option("sheet",
+               IconCommands::tr(
+                   "Draws all channels' icons with their names into one picture; - is the standard output."),
+               "FILE.png"),
     };
     icons.run = makeIcons;
     icons.details = ChannelList::formatHelp();

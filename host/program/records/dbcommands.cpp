@@ -241,63 +241,70 @@ QCommandLineOption option(const char* name, const QString& description, const QS
 
 Command dbCommand()
 {
-    using C = DBCommands;
     const QString pair = QStringLiteral("COLUMN=VALUE");
     return {
         QStringLiteral("db"),
-        C::tr("writes, changes, removes and reads records of a database file"),
+        DBCommands::tr("writes, changes, removes and reads records of a database file"),
         {{QStringLiteral("OPERATION"),
-          C::tr("insert writes rows; update writes new values into the rows that meet --where; delete "
-                "removes and "
-                "select reads the rows that meet every --where; tables and schema tell what there is; create "
-                "makes a "
-                "table")},
-         {QStringLiteral("TABLE"), C::tr("the table's name, but for tables, and if one is meant for schema"),
+          DBCommands::tr(
+              "insert writes rows; update writes new values into the rows that meet --where; delete "
+              "removes and "
+              "select reads the rows that meet every --where; tables and schema tell what there is; create "
+              "makes a "
+              "table")},
+         {QStringLiteral("TABLE"),
+          DBCommands::tr("the table's name, but for tables, and if one is meant for schema"),
           Argument::Optional},
          {pair,
-          C::tr("values to insert or update, as text; without any, or with -, each line of the standard "
-                "input is a row, a JSON object of names to values; for create COLUMN:TYPE, with the types "
-                "text, "
-                "integer, real, numeric and blob"),
+          DBCommands::tr(
+              "values to insert or update, as text; without any, or with -, each line of the standard "
+              "input is a row, a JSON object of names to values; for create COLUMN:TYPE, with the types "
+              "text, "
+              "integer, real, numeric and blob"),
           Argument::AnyNumber}},
-        {option("file", C::tr("The database file, which exists."), QStringLiteral("DB")),
+        {option("file", DBCommands::tr("The database file, which exists."), QStringLiteral("DB")),
          option("where",
-                C::tr("A condition, compared as text; may be repeated for select and delete, and is given "
-                      "once for "
-                      "update."),
+                DBCommands::tr(
+                    "A condition, compared as text; may be repeated for select and delete, and is given "
+                    "once for "
+                    "update."),
                 pair),
-         option("all", C::tr("Empties the table: for delete without a condition.")),
-         option(
-             "encode",
-             C::tr("Writes values scrambled, of this column, or of all if none is named; may be repeated. "
-                   "Give it "
-                   "behind the table, or as --encode=COLUMN. With columns, conditions on them are compared "
-                   "scrambled. Without, delete compares with scrambled values; update leaves its "
-                   "condition "
-                   "plain; select unscrambles its conditions."),
-             QStringLiteral("COLUMN")),
+         option("all", DBCommands::tr("Empties the table: for delete without a condition.")),
+         option("encode",
+                DBCommands::tr(
+                    "Writes values scrambled, of this column, or of all if none is named; may be repeated. "
+                    "Give it "
+                    "behind the table, or as --encode=COLUMN. With columns, conditions on them are compared "
+                    "scrambled. Without, delete compares with scrambled values; update leaves its "
+                    "condition "
+                    "plain; select unscrambles its conditions."),
+                QStringLiteral("COLUMN")),
          option(
              "lossy",
-             C::tr("Writes scrambled what cannot be brought back: null, less than four bytes, a zero byte.")),
-         option("init", C::tr("Makes the file with its first table: for create.")),
-         option("decode", C::tr("Unscrambles this column of what select has read; may be repeated."),
+             DBCommands::tr(
+                 "Writes scrambled what cannot be brought back: null, less than four bytes, a zero byte.")),
+         option("init", DBCommands::tr("Makes the file with its first table: for create.")),
+         option("decode", DBCommands::tr("Unscrambles this column of what select has read; may be repeated."),
                 QStringLiteral("COLUMN")),
          option("direct",
-                C::tr("Goes without the queue: each row is committed by itself, and those before a failed "
-                      "one stay. "
-                      "The queue writes all rows of an insert or none; of an update, what the rows before a "
-                      "failed one changed stays, too, unless the table says ON CONFLICT ROLLBACK or the disk "
-                      "is full.")),
+                DBCommands::tr(
+                    "Goes without the queue: each row is committed by itself, and those before a failed "
+                    "one stay. "
+                    "The queue writes all rows of an insert or none; of an update, what the rows before a "
+                    "failed one changed stays, too, unless the table says ON CONFLICT ROLLBACK or the disk "
+                    "is full.")),
          option("csv",
-                C::tr("Prints rows as CSV; otherwise as a table on a terminal, elsewhere as JSON lines."))},
+                DBCommands::tr(
+                    "Prints rows as CSV; otherwise as a table on a terminal, elsewhere as JSON lines."))},
         runDatabase,
-        C::tr("A row of the input whose values would not be kept as they are is refused, and nothing is "
-              "written:\n"
-              "one with a column given twice, an integer beyond 64 bits, or half a surrogate pair.\n"
-              "JSON shows reals without a fraction as whole numbers, bytes as Base64, and integers beyond "
-              "2^53\n"
-              "and infinite numbers (9e999) as text. Inserted again, the latter are numbers in columns of a\n"
-              "numeric type, and text in others."),
+        DBCommands::tr(
+            "A row of the input whose values would not be kept as they are is refused, and nothing is "
+            "written:\n"
+            "one with a column given twice, an integer beyond 64 bits, or half a surrogate pair.\n"
+            "JSON shows reals without a fraction as whole numbers, bytes as Base64, and integers beyond "
+            "2^53\n"
+            "and infinite numbers (9e999) as text. Inserted again, the latter are numbers in columns of a\n"
+            "numeric type, and text in others."),
         {{QStringLiteral("OPERATION"),
           {QStringLiteral("insert"), QStringLiteral("update"), QStringLiteral("delete"),
            QStringLiteral("select"), QStringLiteral("tables"), QStringLiteral("schema"),
@@ -309,12 +316,15 @@ Command dbCommand()
 
 QVector<Command> dbCommands()
 {
-    using C = DBCommands;
     const Argument text{QStringLiteral("TEXT"),
-                        C::tr("the text; - is the standard input, without its last line break")};
+                        DBCommands::tr("the text; - is the standard input, without its last line break")};
     return {
         dbCommand(),
-        {QStringLiteral("encode"), C::tr("scrambles a text as db --encode does"), {text}, {}, encodeText},
-        {QStringLiteral("decode"), C::tr("unscrambles such a text"), {text}, {}, decodeText},
+        {QStringLiteral("encode"),
+         DBCommands::tr("scrambles a text as db --encode does"),
+         {text},
+         {},
+         encodeText},
+        {QStringLiteral("decode"), DBCommands::tr("unscrambles such a text"), {text}, {}, decodeText},
     };
 }

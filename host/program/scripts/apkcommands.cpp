@@ -188,26 +188,27 @@ ExitCode signApk(const QCommandLineParser& parser, Console& console)
 
 QVector<Command> apkCommands()
 {
-    using C = ApkCommands;
     const QString file = QStringLiteral("FILE");
-    const Argument apk{QStringLiteral("APK"), C::tr("the APK file")};
+    const Argument apk{QStringLiteral("APK"), ApkCommands::tr("the APK file")};
     return {
         {QStringLiteral("sign"),
-         C::tr("signs an APK in place through apksigner, and verifies it"),
+         ApkCommands::tr("signs an APK in place through apksigner, and verifies it"),
          {apk},
-         {{keystoreOption, C::tr("The keystore with the key to sign with."), file},
-          {passFileOption, C::tr("The keystore's password is the first line of this file."), file},
-          {passEnvOption, C::tr("The keystore's password is in this environment variable."),
+         {{keystoreOption, ApkCommands::tr("The keystore with the key to sign with."), file},
+          {passFileOption, ApkCommands::tr("The keystore's password is the first line of this file."), file},
+          {passEnvOption, ApkCommands::tr("The keystore's password is in this environment variable."),
            QStringLiteral("NAME")},
-          {aliasOption, C::tr("The key's name, where the keystore holds several."), QStringLiteral("NAME")}},
+          {aliasOption, ApkCommands::tr("The key's name, where the keystore holds several."),
+           QStringLiteral("NAME")}},
          signApk,
-         C::tr("A password never stands on a command line. An APK that is not aligned is refused.")},
+         ApkCommands::tr(
+             "A password never stands on a command line. An APK that is not aligned is refused.")},
         {QStringLiteral("check"),
-         C::tr("checks an APK: archive, alignment, signature, package name"),
+         ApkCommands::tr("checks an APK: archive, alignment, signature, package name"),
          {apk},
          {},
          checkApk,
-         C::tr(
+         ApkCommands::tr(
              "Ends with 1 when the archive is damaged, an entry is not aligned, a signature does not hold or "
              "there is no package name. An unsigned APK is no failure.")},
     };

@@ -193,33 +193,34 @@ ExitCode unpackArchive(const QCommandLineParser& parser, Console& console)
 
 QVector<Command> archiveCommands()
 {
-    using C = ArchiveCommands;
     const QString base = QStringLiteral("BASE");
-    const Argument folder{QStringLiteral("FOLDER"), C::tr("the folder")};
-    const Argument archive{QStringLiteral("ARCHIVE"), C::tr("the archive file")};
+    const Argument folder{QStringLiteral("FOLDER"), ArchiveCommands::tr("the folder")};
+    const Argument archive{QStringLiteral("ARCHIVE"), ArchiveCommands::tr("the archive file")};
     return {
         {QStringLiteral("import"),
-         C::tr("imports a channel SDK package"),
-         {{QStringLiteral("PACKAGE"), C::tr("the package file")},
-          {QStringLiteral("DEST"), C::tr("the folder to fill")}},
-         {{sdkOption, C::tr("Refuses a package of another SDK number."), QStringLiteral("N")},
+         ArchiveCommands::tr("imports a channel SDK package"),
+         {{QStringLiteral("PACKAGE"), ArchiveCommands::tr("the package file")},
+          {QStringLiteral("DEST"), ArchiveCommands::tr("the folder to fill")}},
+         {{sdkOption, ArchiveCommands::tr("Refuses a package of another SDK number."), QStringLiteral("N")},
           {{QStringLiteral("n"), dryRunOption},
-           C::tr("Tells file by file what would be done, and does nothing.")}},
+           ArchiveCommands::tr("Tells file by file what would be done, and does nothing.")}},
          importPackage},
         {QStringLiteral("pack"),
-         C::tr("packs a folder into an archive"),
+         ArchiveCommands::tr("packs a folder into an archive"),
          {folder, archive},
-         {{apkOption, C::tr("Adds this file beside the folder's contents."), QStringLiteral("APK")},
+         {{apkOption, ArchiveCommands::tr("Adds this file beside the folder's contents."),
+           QStringLiteral("APK")},
           {likeOption,
-           C::tr("Keeps the order of this archive, and takes over as it was packed what is equal there."),
+           ArchiveCommands::tr(
+               "Keeps the order of this archive, and takes over as it was packed what is equal there."),
            base},
-          {ontoOption, C::tr("Packs the folder over the entries of this archive."), base}},
+          {ontoOption, ArchiveCommands::tr("Packs the folder over the entries of this archive."), base}},
          packFolder,
-         C::tr(
+         ArchiveCommands::tr(
              "With --like or --onto what was stored in the base stays stored, and its signature is left out: "
              "sign the result.")},
         {QStringLiteral("unpack"),
-         C::tr("unpacks an archive into a folder"),
+         ArchiveCommands::tr("unpacks an archive into a folder"),
          {archive, folder},
          {},
          unpackArchive},

@@ -201,35 +201,37 @@ ExitCode workOnKey(const QCommandLineParser& parser, Console& console)
 
 QVector<Command> assetCommands()
 {
-    using C = AssetCommands;
-    const QCommandLineOption key(keyOption, C::tr("The key's file, instead of QUENZO_KEY or your own."),
+    const QCommandLineOption key(keyOption,
+                                 AssetCommands::tr("The key's file, instead of QUENZO_KEY or your own."),
                                  QStringLiteral("FILE"));
-    const Argument apk{QStringLiteral("APK"), C::tr("the APK file")};
+    const Argument apk{QStringLiteral("APK"), AssetCommands::tr("the APK file")};
     return {
         {QStringLiteral("encrypt"),
-         C::tr("encrypts the assets of an APK in place"),
+         AssetCommands::tr("encrypts the assets of an APK in place"),
          {apk},
          {key,
           {excludeOption,
-           C::tr("Leaves assets of such names as they are, like *.json or assets/web/*; may be repeated."),
+           AssetCommands::tr(
+               "Leaves assets of such names as they are, like *.json or assets/web/*; may be repeated."),
            QStringLiteral("GLOB")}},
          encryptApk},
         {QStringLiteral("decrypt"),
-         C::tr("gives the assets of an encrypted APK their bytes back"),
+         AssetCommands::tr("gives the assets of an encrypted APK their bytes back"),
          {apk},
          {key},
          decryptApk},
         {QStringLiteral("key"),
-         C::tr("shows or makes the key of encryption, or checks which one an APK needs"),
-         {{QStringLiteral("WHAT"), C::tr("show, new or check")},
-          {QStringLiteral("APK"), C::tr("the APK to check"), Argument::Optional}},
-         {key, {secretOption, C::tr("Shows the key itself, too; whoever sees it can decrypt.")}},
+         AssetCommands::tr("shows or makes the key of encryption, or checks which one an APK needs"),
+         {{QStringLiteral("WHAT"), AssetCommands::tr("show, new or check")},
+          {QStringLiteral("APK"), AssetCommands::tr("the APK to check"), Argument::Optional}},
+         {key, {secretOption, AssetCommands::tr("Shows the key itself, too; whoever sees it can decrypt.")}},
          workOnKey,
-         C::tr("\"show\" names the file and the fingerprint of the key in force, \"new\" makes one where "
-               "there is "
-               "none, \"check\" tells which key an APK was encrypted with, and ends with 1 when the present "
-               "one "
-               "is another."),
+         AssetCommands::tr(
+             "\"show\" names the file and the fingerprint of the key in force, \"new\" makes one where "
+             "there is "
+             "none, \"check\" tells which key an APK was encrypted with, and ends with 1 when the present "
+             "one "
+             "is another."),
          {{QStringLiteral("WHAT"),
            {QStringLiteral("show"), QStringLiteral("new"), QStringLiteral("check")}}}},
     };

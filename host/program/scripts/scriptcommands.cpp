@@ -97,22 +97,23 @@ ExitCode exportChannel(const QCommandLineParser& parser, Console& console)
 
 QVector<Command> scriptCommands()
 {
-    using C = ScriptCommands;
     return {
         {QStringLiteral("run"),
-         C::tr("calls a function of a script, which answers \"param\" when all went well"),
-         {{QStringLiteral("SCRIPT"), C::tr("the script file")},
-          {QStringLiteral("FUNCTION"), C::tr("the function's name")},
-          {QStringLiteral("ARG"), C::tr("its arguments; whole numbers go as int; negative ones behind a --"),
+         ScriptCommands::tr("calls a function of a script, which answers \"param\" when all went well"),
+         {{QStringLiteral("SCRIPT"), ScriptCommands::tr("the script file")},
+          {QStringLiteral("FUNCTION"), ScriptCommands::tr("the function's name")},
+          {QStringLiteral("ARG"),
+           ScriptCommands::tr("its arguments; whole numbers go as int; negative ones behind a --"),
            Argument::AnyNumber}},
-         {{QStringLiteral("text"), C::tr("Passes whole numbers as text, too.")},
+         {{QStringLiteral("text"), ScriptCommands::tr("Passes whole numbers as text, too.")},
           {QStringLiteral("any"),
-           C::tr("Prints what the function returns, a text as it is and numbers, lists and maps as JSON.")}},
+           ScriptCommands::tr(
+               "Prints what the function returns, a text as it is and numbers, lists and maps as JSON.")}},
          runScript},
         {QStringLiteral("export"),
-         C::tr("exports a channel's developer information"),
-         {{QStringLiteral("CHANNEL-ID"), C::tr("the channel's number")},
-          {QStringLiteral("DEST"), C::tr("the folder to fill")}},
+         ScriptCommands::tr("exports a channel's developer information"),
+         {{QStringLiteral("CHANNEL-ID"), ScriptCommands::tr("the channel's number")},
+          {QStringLiteral("DEST"), ScriptCommands::tr("the folder to fill")}},
          {},
          exportChannel},
     };
