@@ -7,7 +7,7 @@
 #   scripts/dependencies.sh [--show] [GROUP...]     --show tells what would be installed and how much, and installs nothing
 set -euo pipefail
 
-build=(g++ make cmake pkg-config qtbase5-dev libqt5sql5-sqlite libsqlite3-dev libdeflate-dev openssl adb aapt
+build=(g++ make cmake pkg-config qtbase5-dev qttools5-dev-tools libqt5sql5-sqlite libsqlite3-dev libdeflate-dev openssl adb aapt
         pngcheck zsh mandoc groff-base qt5-qmake meson python3-jsonschema fonts-dejavu-core fonts-wqy-microhei)
 checks=(clang clang-format clang-tidy clangd python3-minimal)
 package=(lintian dpkg-dev)

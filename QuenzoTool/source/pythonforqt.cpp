@@ -89,11 +89,19 @@ QString quoted(QString folder)
         .replace(QLatin1Char('\''), QLatin1Char('\n'));
 }
 
-// A statement of the start-up with its place filled in; the texts are in the translation context as they
-// were.
-std::string statement(const QString& source, const QString& place)
+// Statements of the start-up go through the translation context, but they are code for the interpreter and no
+// texts for translators: Qt's tools do not see them here, and what a translation says of one is not run.
+QString startStatement(const char* code)
 {
-    return source.arg(quoted(place), 0, QLatin1Char(' ')).toStdString();
+    const QString own = QString::fromUtf8(code);
+    if (PythonForQt::tr(code) != own)
+        qCWarning(scriptsLog, "a translation of the start-up statement \"%s\" is not used: it is code", code);
+    return own;
+}
+
+std::string startStatement(const char* code, const QString& place)
+{
+    return startStatement(code).arg(quoted(place), 0, QLatin1Char(' ')).toStdString();
 }
 
 bool holdsInterpreterLock()
@@ -161,9 +169,9 @@ void unloadModule(const std::string& name, PyObject* module)
 // The statements of the start-up, made before its turn with the interpreter.
 struct StartStatements {
     QString folder = QuenzoTool::getToolPath() + QStringLiteral("/Python");
-    std::string variable = statement(PythonForQt::tr("os.environ['PYTHON_QUENZO_ENV'] = '%1'"), folder);
-    std::string path = statement(PythonForQt::tr("sys.path.append(str('%1').decode('utf8'))"), folder);
-    std::string module = PythonForQt::tr("import init_python_env").toStdString();
+    std::string variable = startStatement("os.environ['PYTHON_QUENZO_ENV'] = '%1'", folder);
+    std::string path = startStatement("sys.path.append(str('%1').decode('utf8'))", folder);
+    std::string module = startStatement("import init_python_env").toStdString();
 };
 
 // Begins with the interpreter lock held, and ends without.

@@ -5,6 +5,8 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QLocale>
+#include <QTranslator>
 
 #include <clocale>
 #include <csignal>
@@ -17,6 +19,37 @@ namespace {
 struct Program {
     Q_DECLARE_TR_FUNCTIONS(Program)
 };
+
+// The languages that the person asks for, the best first; none for the one of the sources. As elsewhere
+// LANGUAGE counts where a locale is chosen at all, and the locale need not be installed.
+QStringList wantedLanguages()
+{
+    QString locale;
+    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        locale = qEnvironmentVariable(name);
+        if (!locale.isEmpty())
+            break;
+    }
+    if (QLocale(locale).language() == QLocale::C)
+        return {};
+    const QString list = qEnvironmentVariable("LANGUAGE");
+    return (list.isEmpty() ? locale : list).split(QLatin1Char(':'), Qt::SkipEmptyParts);
+}
+
+// The texts of the library or of the program, which are part of it.
+void loadTexts(QTranslator& translator, const QString& name, const QStringList& languages)
+{
+    for (const QString& language : languages) {
+        const QLocale locale(language);
+        if (locale.language() == QLocale::English)
+            return;
+        if (translator.load(locale, name, QStringLiteral("_"),
+                            QStringLiteral(":/%1/translations").arg(name))) {
+            QCoreApplication::installTranslator(&translator);
+            return;
+        }
+    }
+}
 
 // Under another encoding the interpreter cannot import from folders with names beyond ASCII, nor can Qt open
 // them.
@@ -67,18 +100,23 @@ int main(int argc, char* argv[])
 {
     StandardStreams::takeOver();
     std::signal(SIGXFSZ, SIG_IGN); // a limit on the size of files is an error then, which is told
+    const QStringList languages = wantedLanguages();
     ensureUtf8Locale();
     Diagnostics::install();
     QStringList words;
     for (int i = 1; i < argc; ++i)
         words.append(QString::fromLocal8Bit(argv[i]));
     const int noText = firstNoText(argc, argv);
-    if (noText > 0)
-        return CommandLine::refuse(
-            words, Program::tr("word %1, '%2', is not UTF-8 text").arg(noText).arg(words.at(noText - 1)));
-    if (words.value(0) == QLatin1String("--"))
+    if (noText == 0 && words.value(0) == QLatin1String("--"))
         words.removeFirst();
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, words);
     QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
+    QTranslator libraryTexts;
+    loadTexts(libraryTexts, QStringLiteral("quenzotool"), languages);
+    QTranslator programTexts;
+    loadTexts(programTexts, QStringLiteral("quenzo"), languages);
+    if (noText > 0)
+        return CommandLine::refuse(
+            words, Program::tr("word %1, '%2', is not UTF-8 text").arg(noText).arg(words.at(noText - 1)));
     return checkedForOutput(CommandLine::run(words));
 }

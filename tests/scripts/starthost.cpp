@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QMap>
+#include <QTranslator>
 
 #include <atomic>
 #include <chrono>
@@ -65,6 +66,15 @@ void startTwice()
     printValue("__import__('__builtin__').__dict__.get('starts', 0)");
     print(QString::fromUtf8(qgetenv("PYTHON_QUENZO_ENV")).remove(QuenzoBase::getRunPath()));
     print(QString::number(callAnswer("five")));
+}
+
+void startTranslated()
+{
+    static QTranslator texts;
+    printAnswer(texts.load(QuenzoBase::getRunPath() + QStringLiteral("/../texts.qm"))
+                && QCoreApplication::installTranslator(&texts));
+    print(PythonForQt::tr("import init_python_env"));
+    startTwice();
 }
 
 void startOnTwoThreads()
@@ -286,6 +296,7 @@ const QMap<QString, void (*)()>& ways()
     static const QMap<QString, void (*)()> all{
         {QStringLiteral("call"), startAndCall},
         {QStringLiteral("twice"), startTwice},
+        {QStringLiteral("translated"), startTranslated},
         {QStringLiteral("threads"), startOnTwoThreads},
         {QStringLiteral("lock"), startAndLeaveTheLock},
         {QStringLiteral("before"), startBeforeTheLibrary},

@@ -16,6 +16,7 @@ class tst_PythonStart : public QObject {
 
 private Q_SLOTS:
     void secondStartDoesNothing();
+    void translationDoesNotChangeTheStart();
     void startWithoutItsModuleIsTrue_data();
     void startWithoutItsModuleIsTrue();
     void folderWithAQuotationMarkIsTrue_data();
@@ -42,6 +43,29 @@ void tst_PythonStart::secondStartDoesNothing()
     root.writeStartModule(countStarts);
     QCOMPARE(root.run(QStringLiteral("twice")), QByteArray("true\ntrue\n1\n1\n/../tool/mac/Python\n5\n"));
     QCOMPARE(root.error(), QByteArray());
+}
+
+void tst_PythonStart::translationDoesNotChangeTheStart()
+{
+    StartRoot root;
+    root.writeStartModule(countStarts);
+    QByteArray sheet = "<TS version='2.1' language='zh_CN'><context><name>PythonForQt</name>";
+    for (const QByteArray statement :
+         {"os.environ['PYTHON_QUENZO_ENV'] = '%1'", "sys.path.append(str('%1').decode('utf8'))",
+          "import init_python_env"}) {
+        sheet +=
+            "<message><source>" + statement + "</source><translation>print 'HOSTILE'</translation></message>";
+    }
+    root.write(QStringLiteral("texts.ts"), sheet + "</context></TS>");
+    const QString texts = root.path() + QStringLiteral("/texts");
+    QCOMPARE(QProcess::execute(QStringLiteral(LRELEASE),
+                               {QStringLiteral("-silent"), texts + QStringLiteral(".ts"),
+                                QStringLiteral("-qm"), texts + QStringLiteral(".qm")}),
+             0);
+    // The translation is in force, as its second line shows, yet what is run is what stands in the source.
+    QCOMPARE(root.run(QStringLiteral("translated")),
+             QByteArray("true\nprint 'HOSTILE'\ntrue\ntrue\n1\n1\n/../tool/mac/Python\n5\n"));
+    QCOMPARE(root.error().count("is not used: it is code"), 3);
 }
 
 void tst_PythonStart::startWithoutItsModuleIsTrue_data()

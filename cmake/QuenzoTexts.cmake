@@ -1,0 +1,26 @@
+# SPDX-License-Identifier: MIT
+# quenzo_texts(TARGET NAME): the sheets translations/NAME_LANGUAGE.ts, compiled, as :/NAME/translations/NAME_LANGUAGE.qm
+# in the target. Without Qt's tool for it all texts stay English.
+get_target_property(quenzo_qmake Qt5::qmake IMPORTED_LOCATION)
+get_filename_component(quenzo_qt_tools "${quenzo_qmake}" DIRECTORY)
+find_program(QUENZO_LRELEASE NAMES lrelease HINTS "${quenzo_qt_tools}" NO_DEFAULT_PATH)
+if(NOT QUENZO_LRELEASE)
+    message(STATUS "lrelease of Qt 5 is missing: there will be no translations")
+endif()
+function(quenzo_texts target name)
+    if(NOT QUENZO_LRELEASE)
+        return()
+    endif()
+    set(files "")
+    foreach(language IN ITEMS zh_CN)
+        set(sheet "${PROJECT_SOURCE_DIR}/translations/${name}_${language}.ts")
+        set(compiled "${PROJECT_BINARY_DIR}/translations/${name}_${language}.qm")
+        add_custom_command(OUTPUT "${compiled}" DEPENDS "${sheet}"
+            COMMAND "${QUENZO_LRELEASE}" -silent "${sheet}" -qm "${compiled}" VERBATIM)
+        string(APPEND files "<file>${name}_${language}.qm</file>")
+    endforeach()
+    set(list "${PROJECT_BINARY_DIR}/translations/${name}.qrc")
+    file(CONFIGURE OUTPUT "${list}" CONTENT "<RCC><qresource prefix='/${name}/translations'>${files}</qresource></RCC>\n")
+    qt5_add_resources(source "${list}")
+    target_sources(${target} PRIVATE ${source})
+endfunction()
