@@ -89,20 +89,22 @@ bool asksForJson(const QStringList& words)
     return words.mid(0, end).contains(QStringLiteral("--json"));
 }
 
-ExitCode objectTo(Console& console, const QString& text, const QString& command = {})
+ExitCode objectTo(const QStringList& words, const QString& text, const QString& command = {})
 {
+    Console console({asksForJson(words)}, command);
     const QString help = command.isEmpty() ? QStringLiteral("--help") : command + QStringLiteral(" --help");
     console.error(Failure{Failure::Usage, text, {}, Line::tr("see quenzo %1").arg(help)});
-    console.finish(command, false);
+    console.finish(false);
     return ExitUsage;
 }
 
-ExitCode showText(Console& console, const QString& command, const QString& key, const QString& text,
+ExitCode showText(const QStringList& words, const QString& command, const QString& key, const QString& text,
                   const QString& value)
 {
+    Console console({asksForJson(words)}, command);
     console.printText(text);
     console.set(key, value);
-    console.finish(command, true);
+    console.finish(true);
     return ExitDone;
 }
 
@@ -131,27 +133,26 @@ ExitCode runCommand(const Command& command, QStringList words)
     for (const Argument& argument : command.arguments)
         parser.addPositionalArgument(argument.name, argument.description, syntaxOf(argument));
 
-    Console early({asksForJson(words)});
     if (command.prepare)
         words = command.prepare(words);
     words.prepend(QStringLiteral("quenzo"));
     if (!parser.parse(words))
-        return objectTo(early, objectionToOptions(command, parser), command.name);
+        return objectTo(words, objectionToOptions(command, parser), command.name);
     if (parser.isSet(QStringLiteral("help"))) {
         const QString text = helpText(command, parser);
-        return showText(early, helpCommand, QStringLiteral("text"), text, text);
+        return showText(words, helpCommand, QStringLiteral("text"), text, text);
     }
     // The command's own name is the first positional argument.
     QString objection = objectionToNumber(command, parser.positionalArguments().mid(1));
     const ConsoleStyle style = styleOf(parser, objection);
     if (!objection.isEmpty())
-        return objectTo(early, objection, command.name);
+        return objectTo(words, objection, command.name);
 
-    Console console(style);
+    Console console(style, command.name);
     Diagnostics::followSteps([&console](const QString& step) { console.step(step); });
     const ExitCode code = command.run(parser, console);
     Diagnostics::followSteps({});
-    console.finish(command.name, code == ExitDone);
+    console.finish(code == ExitDone);
     return code;
 }
 
@@ -165,42 +166,41 @@ QStringList namesOf(const QVector<Command>& commands)
 
 } // namespace
 
-ExitCode CommandLine::run(QStringList words)
+ExitCode CommandLine::run(const QStringList& given)
 {
     const QVector<Command> commands = allCommands();
-    Console console({asksForJson(words)});
+    QStringList words = given;
     if (words.value(0) == helpCommand) {
         words.removeAll(QStringLiteral("--json"));
         words.removeAll(QStringLiteral("--"));
     }
     if (words.isEmpty())
-        return objectTo(console, Line::tr("no command given"));
+        return objectTo(given, Line::tr("no command given"));
     // "help copy" and "copy --help" are the same.
     if (words.size() > 1 && words.first() == helpCommand) {
         words = QStringList{words.at(1), QStringLiteral("--help")};
-        if (console.json())
+        if (asksForJson(given))
             words.append(QStringLiteral("--json"));
     }
 
     const QString name = words.first();
     if (name == helpCommand || name == QLatin1String("--help") || name == QLatin1String("-h")) {
         const QString text = overview(commands);
-        return showText(console, helpCommand, QStringLiteral("text"), text, text);
+        return showText(given, helpCommand, QStringLiteral("text"), text, text);
     }
     if (name == versionCommand || name == QLatin1String("--version") || name == QLatin1String("-V")) {
-        return showText(console, versionCommand, QStringLiteral("version"),
+        return showText(given, versionCommand, QStringLiteral("version"),
                         QStringLiteral("quenzo " QUENZO_VERSION), QStringLiteral(QUENZO_VERSION));
     }
     const auto command = std::find_if(commands.cbegin(), commands.cend(),
                                       [&name](const Command& candidate) { return candidate.name == name; });
     if (command != commands.cend())
         return runCommand(*command, words);
-    return objectTo(console,
+    return objectTo(given,
                     withSuggestion(Line::tr("unknown command '%1'").arg(name), name, namesOf(commands)));
 }
 
 ExitCode CommandLine::refuse(const QStringList& words, const QString& objection)
 {
-    Console console({asksForJson(words)});
-    return objectTo(console, objection);
+    return objectTo(words, objection);
 }

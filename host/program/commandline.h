@@ -9,8 +9,8 @@
 /** Makes of the program's words a command, or an objection, and sees it to its end. */
 namespace CommandLine {
 
-/** @param words without the program's name, under a running application */
-ExitCode run(QStringList words);
+/** @param given the words without the program's name, under a running application */
+ExitCode run(const QStringList& given);
 
 /** Objects to words that make no sense, as far as they are known. */
 ExitCode refuse(const QStringList& words, const QString& objection);

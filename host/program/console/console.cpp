@@ -221,15 +221,16 @@ void Console::clearProgress()
     m_progressShown = false;
 }
 
-void Console::finish(const QString& command, bool ok)
+void Console::finish(bool ok)
 {
     clearProgress();
     if (!m_style.json)
         return;
     constexpr int version = 1; // of the object's shape
-    QJsonObject outcome{{QStringLiteral("quenzo"), version},
-                        {QStringLiteral("command"), command.isEmpty() ? QJsonValue() : QJsonValue(command)},
-                        {QStringLiteral("ok"), ok}};
+    QJsonObject outcome{
+        {QStringLiteral("quenzo"), version},
+        {QStringLiteral("command"), m_command.isEmpty() ? QJsonValue() : QJsonValue(m_command)},
+        {QStringLiteral("ok"), ok}};
     if (!ok)
         outcome.insert(QStringLiteral("error"), m_failure.json());
     if (ok || !m_result.isEmpty())

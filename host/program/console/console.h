@@ -26,8 +26,10 @@ struct ConsoleStyle {
  */
 class Console {
 public:
-    explicit Console(const ConsoleStyle& style)
+    /** @param command what reports; empty where the words name none */
+    explicit Console(const ConsoleStyle& style, const QString& command = {})
         : m_style(style)
+        , m_command(command)
     {
     }
 
@@ -96,8 +98,8 @@ public:
     void showProgress(const Progress& progress);
     void clearProgress();
 
-    /** Ends the report: prints the JSON object, if wanted. The command is empty when the words name none. */
-    void finish(const QString& command, bool ok);
+    /** Ends the report: prints the JSON object, if wanted. */
+    void finish(bool ok);
 
     /** An object in one line, in which nothing steers a terminal. */
     static QString jsonLine(const QJsonObject& values);
@@ -110,6 +112,7 @@ private:
     void writeDiagnostic(const QStringList& lines, Colour colour = Plain);
 
     const ConsoleStyle m_style;
+    const QString m_command;
     bool m_progressShown = false;
     int m_turn = 0;
     QString m_doing;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "console/interruptguard.h"
 
+#include <atomic>
 #include <pthread.h>
 #include <utility>
 
@@ -13,7 +14,34 @@ bool isIgnored(int signal)
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-QVector<int> endings()
+// Those alive, the oldest first.
+QVector<InterruptGuard*>& guards()
+{
+    static QVector<InterruptGuard*> all;
+    return all;
+}
+
+sigset_t outside; // what was blocked before the oldest
+std::atomic<bool> guarded{false}; // whether there is any
+
+void setMaskFromOutside()
+{
+    pthread_sigmask(SIG_SETMASK, &outside, nullptr);
+}
+
+// What a worker starts would inherit what is held back, and be deaf to it for ever.
+void freeChildren()
+{
+    static const int registered = pthread_atfork(nullptr, nullptr, [] {
+        if (guarded)
+            setMaskFromOutside();
+    });
+    Q_UNUSED(registered)
+}
+
+} // namespace
+
+QVector<int> InterruptGuard::endings()
 {
     QVector<int> all{SIGINT,  SIGTERM, SIGHUP,  SIGQUIT,   SIGALRM, SIGUSR1,
                      SIGUSR2, SIGPIPE, SIGPROF, SIGVTALRM, SIGXCPU, SIGXFSZ};
@@ -25,18 +53,21 @@ QVector<int> endings()
     return all;
 }
 
-} // namespace
-
-InterruptGuard::InterruptGuard(std::function<void()> putInOrder)
+InterruptGuard::InterruptGuard(std::function<void()> putInOrder, const QVector<int>& numbers)
     : m_putInOrder(std::move(putInOrder))
-    , m_numbers(endings())
+    , m_numbers(numbers)
 {
+    freeChildren();
     sigemptyset(&m_signals);
     for (const int signal : m_numbers) {
         if (!isIgnored(signal))
             sigaddset(&m_signals, signal);
     }
     pthread_sigmask(SIG_BLOCK, &m_signals, &m_before);
+    if (guards().isEmpty())
+        outside = m_before;
+    guards().append(this);
+    guarded = true;
     constexpr int intervalMs = 50;
     QObject::connect(&m_timer, &QTimer::timeout, [this] { look(); });
     m_timer.start(intervalMs);
@@ -45,6 +76,8 @@ InterruptGuard::InterruptGuard(std::function<void()> putInOrder)
 InterruptGuard::~InterruptGuard()
 {
     look();
+    guards().removeLast();
+    guarded = !guards().isEmpty();
     pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
 }
 
@@ -55,8 +88,9 @@ void InterruptGuard::look()
     for (const int signal : m_numbers) {
         if (sigismember(&m_signals, signal) != 1 || sigismember(&pending, signal) != 1)
             continue;
-        m_putInOrder();
+        for (auto guard = guards().crbegin(); guard != guards().crend(); ++guard)
+            (*guard)->m_putInOrder();
         // The signal waits, and takes its course.
-        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+        setMaskFromOutside();
     }
 }

@@ -12,14 +12,18 @@
  * While it lives, a signal that would end the program is held back until something has been put in order;
  * then the program ends by it. Held back is every signal that can wait: no fault of the program's own, and
  * none that merely stops it. To be made before the threads that shall not receive the signal, and with a
- * running event loop. The tools that the library starts meanwhile get every signal.
+ * running event loop. Of several the youngest puts in order first. The programs that are started meanwhile
+ * get every signal.
  */
 class InterruptGuard {
 public:
-    explicit InterruptGuard(std::function<void()> putInOrder);
+    explicit InterruptGuard(std::function<void()> putInOrder, const QVector<int>& numbers = endings());
     ~InterruptGuard();
     InterruptGuard(const InterruptGuard&) = delete;
     InterruptGuard& operator=(const InterruptGuard&) = delete;
+
+    /** Every signal that ends a program and can wait. */
+    static QVector<int> endings();
 
 private:
     void look();

@@ -2,6 +2,7 @@
 #include "console/worker.h"
 
 #include "console/console.h"
+#include "console/interruptreport.h"
 #include "console/progress.h"
 #include "console/spinner.h"
 
@@ -19,6 +20,7 @@ struct Worker {
 
 bool runWorker(QThread& worker, Console& console, const std::function<Progress()>& progress)
 {
+    const InterruptReport report(console);
     const Spinner spinner(console, progress);
     QEventLoop loop;
     QObject::connect(&worker, &QThread::finished, &loop, &QEventLoop::quit);

@@ -39,7 +39,7 @@ void tellInterruption(const DeviceTask& task, Console& console)
              DeviceTaskText::tr("interrupted on %1. The last of these may be done or not:").arg(task.serial),
              steps});
     // The end comes by the signal, without a way back.
-    console.finish(task.install ? QStringLiteral("install") : QStringLiteral("uninstall"), false);
+    console.finish(false);
 }
 
 // The launcher gives its report before we stop listening, in the second step of an install as well.

@@ -3,6 +3,7 @@
 
 #include "console/console.h"
 #include "console/diagnostics.h"
+#include "console/interruptreport.h"
 #include "console/progress.h"
 #include "console/spinner.h"
 #include "records/dbrequest.h"
@@ -56,6 +57,7 @@ bool waitUntilDrained(DBHelper& database, Console& console, QVariantList& rows)
             loop.quit();
     });
     timer.start(intervalMs);
+    const InterruptReport report(console);
     const Spinner spinner(console, [] { return Progress{DBSession::tr("waiting for the database")}; });
     database.StartThread();
     // The class's own isRunning() tells of its commands.

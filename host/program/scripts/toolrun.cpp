@@ -2,6 +2,7 @@
 #include "scripts/toolrun.h"
 
 #include "console/interruptguard.h"
+#include "console/interruptreport.h"
 #include "console/progress.h"
 #include "console/spinner.h"
 
@@ -19,7 +20,7 @@ ToolRun runTool(Console& console, const QString& program, const QStringList& wor
     process.start(program, words);
     if (!process.waitForStarted(-1))
         return {false, {}, process.errorString()};
-    // Not before: the program would inherit the signals that are held back.
+    const InterruptReport report(console);
     const InterruptGuard guard([&process, &tidy] {
         process.kill();
         process.waitForFinished();
