@@ -89,6 +89,26 @@ bool asksForJson(const QStringList& words)
     return words.mid(0, end).contains(QStringLiteral("--json"));
 }
 
+// How many words an option takes that may stand before the command; 0 when it is none. Behind no command,
+// help is what the program's own is asked for by.
+int commonWords(const QString& word)
+{
+    const QString name =
+        word.mid(word.startsWith(QLatin1String("--")) ? 2 : 1).section(QLatin1Char('='), 0, 0);
+    if (!word.startsWith(QLatin1Char('-')) || name.isEmpty() || name == QLatin1String("help"))
+        return 0;
+    const bool isLong = word.startsWith(QLatin1String("--"));
+    QString letters;
+    for (const QCommandLineOption& option : commonOptions()) {
+        if (isLong && option.names().contains(name) && name.size() > 1)
+            return option.valueName().isEmpty() || word.contains(QLatin1Char('=')) ? 1 : 2;
+        letters += option.names().first().size() == 1 ? option.names().first() : QString();
+    }
+    letters.remove(QLatin1Char('h'));
+    const auto isKnown = [&letters](QChar letter) { return letters.contains(letter); };
+    return !isLong && std::all_of(name.cbegin(), name.cend(), isKnown) ? 1 : 0;
+}
+
 ExitCode objectTo(const QStringList& words, const QString& text, const QString& command = {})
 {
     Console console({asksForJson(words)}, command);
@@ -166,6 +186,23 @@ QStringList namesOf(const QVector<Command>& commands)
 
 } // namespace
 
+QStringList CommandLine::withCommandFirst(const QStringList& words)
+{
+    int count = 0;
+    while (count < words.size() && commonWords(words.at(count)) > 0)
+        count += commonWords(words.at(count));
+    QStringList rest = words.mid(count);
+    if (rest.value(0) == QLatin1String("--"))
+        rest.removeFirst();
+    const QStringList options = words.mid(0, count);
+    if (rest.isEmpty())
+        return options;
+    // The command whose help is wanted comes right behind it.
+    if (rest.first() == helpCommand)
+        return asksForJson(options) ? rest + QStringList(QStringLiteral("--json")) : rest;
+    return rest.mid(0, 1) + options + rest.mid(1);
+}
+
 ExitCode CommandLine::run(const QStringList& given)
 {
     const QVector<Command> commands = allCommands();
@@ -174,7 +211,7 @@ ExitCode CommandLine::run(const QStringList& given)
         words.removeAll(QStringLiteral("--json"));
         words.removeAll(QStringLiteral("--"));
     }
-    if (words.isEmpty())
+    if (words.isEmpty() || commonWords(words.first()) > 0)
         return objectTo(given, Line::tr("no command given"));
     // "help copy" and "copy --help" are the same.
     if (words.size() > 1 && words.first() == helpCommand) {

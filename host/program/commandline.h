@@ -9,7 +9,10 @@
 /** Makes of the program's words a command, or an objection, and sees it to its end. */
 namespace CommandLine {
 
-/** @param given the words without the program's name, under a running application */
+/** Moves common options that stand before the command behind it, and leaves out a first "--". */
+QStringList withCommandFirst(const QStringList& words);
+
+/** @param given the words without the program's name, under a running application, the command first */
 ExitCode run(const QStringList& given);
 
 /** Objects to words that make no sense, as far as they are known. */

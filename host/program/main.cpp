@@ -107,8 +107,8 @@ int main(int argc, char* argv[])
     for (int i = 1; i < argc; ++i)
         words.append(QString::fromLocal8Bit(argv[i]));
     const int noText = firstNoText(argc, argv);
-    if (noText == 0 && words.value(0) == QLatin1String("--"))
-        words.removeFirst();
+    if (noText == 0)
+        words = CommandLine::withCommandFirst(words);
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, words);
     QCoreApplication::setApplicationName(QStringLiteral("quenzo"));
     QTranslator libraryTexts;

@@ -90,6 +90,11 @@ void tst_Completion::wordIsCompleted_data()
     bothShells("any file", "quenzo encrypt --key no", "<encrypt><--key><notes.txt>");
     bothShells("a value of a list", "quenzo icons --platform an", "<icons><--platform><android>");
     bothShells("a value in one word", "quenzo icons --platform=i", "<icons><--platform=ios>");
+    bothShells("a form of progress", "quenzo copy --progress=j", "<copy><--progress=json>");
+    bothShells("a form of progress in two words", "quenzo copy --progress j", "<copy><--progress><json>");
+    bothShells("a command behind an option", "quenzo -q unin", "<-q><uninstall>");
+    bothShells("an argument of a command behind an option", "quenzo --json encrypt g",
+               "<--json><encrypt><game.apk>");
     bothShells("a serial", "quenzo install --device e", "<install><--device><emulator-5554>");
     bothShells("a serial with a colon",
                "quenzo install --device 192.168.0.7:", "<install><--device><192.168.0.7:5555>");

@@ -25,6 +25,8 @@ private Q_SLOTS:
     void wrongWordsAreNamed_data();
     void wrongWordsAreNamed();
     void wordsBehindDashesAreNoOptions();
+    void commonOptionsMayStandFirst_data();
+    void commonOptionsMayStandFirst();
     void quietRunsSayNothing();
     void resultsAreGivenToTheQuietToo();
     void verboseRunsTellTheirSteps();
@@ -115,6 +117,41 @@ void tst_HostCommandLine::wordsBehindDashesAreNoOptions()
     QCOMPARE(ended.code, 0);
     QVERIFY(QDir(folder.filePath(QStringLiteral("-V/inner"))).exists());
     QCOMPARE(quenzo("encode -- --help").output, quenzo("-- encode -- --help").output);
+}
+
+void tst_HostCommandLine::commonOptionsMayStandFirst_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("behind");
+    const auto row = [](const char* first, const char* behind) {
+        QTest::newRow(first) << QString::fromLatin1(first) << QString::fromLatin1(behind);
+    };
+    row("--json encode abcdef", "encode --json abcdef");
+    row("-v --json encode abcdef", "encode -v --json abcdef");
+    row("-q encode abcdef", "encode -q abcdef");
+    row("--progress=json -q -- encode abcdef", "encode --progress=json -q abcdef");
+    row("--progress json --json encode abcdef", "encode --progress json --json abcdef");
+    row("--progress x encode abcdef", "encode --progress x abcdef");
+    row("-qv copy a b", "copy -qv a b");
+    row("--json help copy", "help copy --json");
+    row("-q help copy", "help copy");
+    row("--json --help", "--help --json");
+    row("--json -V", "-V --json");
+    row("-q", "");
+    row("-v icons --platform ios", "icons -v --platform ios");
+    row("-f encode abcdef", "-f");
+    row("--jso encode abcdef", "--jso");
+}
+
+void tst_HostCommandLine::commonOptionsMayStandFirst()
+{
+    QFETCH(const QString, first);
+    QFETCH(const QString, behind);
+    const Ended ended = quenzo(qPrintable(first));
+    const Ended wanted = quenzo(qPrintable(behind));
+    QCOMPARE(ended.error, wanted.error);
+    QCOMPARE(ended.output, wanted.output);
+    QCOMPARE(ended.code, wanted.code);
 }
 
 void tst_HostCommandLine::quietRunsSayNothing()

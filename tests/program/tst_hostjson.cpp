@@ -256,7 +256,9 @@ void tst_HostJson::wrongWordsAreAnObject_data()
         QTest::newRow(line) << QString::fromLatin1(line) << QString::fromLatin1(command)
                             << QString::fromLatin1(message) << QString::fromLatin1(hint);
     };
-    row("--json", "", "unknown command '--json'", "see quenzo --help");
+    row("--json", "", "no command given", "see quenzo --help");
+    row("--json cpoy", "", "unknown command 'cpoy'; did you mean 'copy'?", "see quenzo --help");
+    row("--json --frob copy", "", "unknown command '--frob'", "see quenzo --help");
     row("cpoy --json", "", "unknown command 'cpoy'; did you mean 'copy'?", "see quenzo --help");
     row("copy --json", "copy", "copy: missing: SRC DEST", "see quenzo copy --help");
     row("copy a b --json --frob", "copy", "copy: unknown option 'frob'", "see quenzo copy --help");

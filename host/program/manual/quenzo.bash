@@ -58,6 +58,10 @@ _quenzo() {
     local -A valued=()
     COMPREPLY=()
     _quenzo_words
+    # What every command has may stand before it.
+    while ((${#words[@]} > 2)) && [[ ${words[1]} == -?* ]]; do
+        words=("${words[0]}" "${words[@]:2}")
+    done
     local last=$((${#words[@]} - 1)) word=${words[-1]} i value=none count=0 plain=
     if ((last == 1)); then
         mapfile -t COMPREPLY < <(compgen -W '@NAMES@ help version --help --version' -- "$word")

@@ -22,6 +22,11 @@ _quenzo_channels() {
 
 _quenzo() {
     local _quenzo_program=$words[1]
+    # What every command has may stand before it.
+    while (( CURRENT > 2 )) && [[ $words[2] == -?* ]]; do
+        words[2]=()
+        (( CURRENT-- ))
+    done
     if (( CURRENT == 2 )); then
         local -a more=('help:tells of a command' 'version:prints the version')
         _quenzo_names
