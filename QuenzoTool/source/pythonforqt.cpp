@@ -93,7 +93,7 @@ QString quoted(QString folder)
 // texts for translators: Qt's tools do not see them here, and what a translation says of one is not run.
 QString startStatement(const char* code)
 {
-    const QString own = QString::fromUtf8(code);
+    QString own = QString::fromUtf8(code);
     if (PythonForQt::tr(code) != own)
         qCWarning(scriptsLog, "a translation of the start-up statement \"%s\" is not used: it is code", code);
     return own;

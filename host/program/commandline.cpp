@@ -4,6 +4,7 @@
 #include "commandtable.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
+#include "console/figures.h"
 #include "suggestion.h"
 
 #include <QCommandLineParser>
@@ -19,6 +20,14 @@ struct Line {
 
 const QLatin1String helpCommand("help");
 const QLatin1String versionCommand("version");
+
+// What Qt's parser says itself: Qt's own translation is a package that need not be there.
+const std::initializer_list<const char*> parserTexts{
+    QT_TRANSLATE_NOOP("QCommandLineParser", "Options:"),
+    QT_TRANSLATE_NOOP("QCommandLineParser", "Arguments:"),
+    QT_TRANSLATE_NOOP("QCommandLineParser", "Missing value after '%1'."),
+    QT_TRANSLATE_NOOP("QCommandLineParser", "Unexpected value after '%1'."),
+};
 
 QString overview(const QVector<Command>& commands)
 {
@@ -69,6 +78,39 @@ QString objectionToOptions(const Command& command, const QCommandLineParser& par
     if (unknown.isEmpty())
         return QStringLiteral("%1: %2").arg(command.name, parser.errorText());
     return withSuggestion(Line::tr("%1: unknown option '%2'").arg(command.name, unknown), unknown, names);
+}
+
+// Whether a line may end between these letters: at a blank, and at wide letters but where punctuation holds
+// them together.
+bool mayBreakBetween(QChar before, QChar after)
+{
+    if (before.isSpace())
+        return true;
+    const bool wide = columnsOf(QString(before)) > 1 || columnsOf(QString(after)) > 1;
+    return wide && before != QChar(u'（') && !QStringLiteral("，。；：！？、）").contains(after);
+}
+
+// The parser counts letters and ends lines at blanks only: a text of wide letters is broken here, for the
+// room that the longest names leave.
+QString brokenIfWide(const QString& text)
+{
+    constexpr int room = 48;
+    if (columnsOf(text) == text.size())
+        return text;
+    QString broken;
+    int lineStart = 0;
+    int lastBreak = 0;
+    for (const QChar letter : text) {
+        if (!broken.isEmpty() && mayBreakBetween(broken.back(), letter))
+            lastBreak = broken.size();
+        if (lastBreak > lineStart && columnsOf(broken.mid(lineStart) + letter) > room) {
+            const int blanks = broken.at(lastBreak - 1).isSpace() ? 1 : 0;
+            broken.replace(lastBreak - blanks, blanks, QLatin1String("\n"));
+            lineStart = lastBreak += 1 - blanks;
+        }
+        broken += letter;
+    }
+    return broken;
 }
 
 // The parser knows of no commands: its usage line is replaced.
@@ -148,10 +190,12 @@ ExitCode runCommand(const Command& command, QStringList words)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(command.summary);
-    parser.addOptions(commonOptions());
-    parser.addOptions(command.options);
+    for (QCommandLineOption option : commonOptions() + command.options) {
+        option.setDescription(brokenIfWide(option.description()));
+        parser.addOption(option);
+    }
     for (const Argument& argument : command.arguments)
-        parser.addPositionalArgument(argument.name, argument.description, syntaxOf(argument));
+        parser.addPositionalArgument(argument.name, brokenIfWide(argument.description), syntaxOf(argument));
 
     if (command.prepare)
         words = command.prepare(words);

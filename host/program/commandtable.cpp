@@ -78,6 +78,12 @@ QVector<Explained> environmentVariables()
          Table::tr("How many seconds one command of adb may take: 600.")},
         {QStringLiteral("QUENZO_ADB_WAIT"),
          Table::tr("How many seconds of these it may wait for a device that is away: 20.")},
+        {QStringLiteral("LC_ALL"),
+         Table::tr(
+             "The locale, as LC_MESSAGES and LANG name it, too: zh_CN.UTF-8 brings the texts in Simplified "
+             "Chinese.")},
+        {QStringLiteral("LANGUAGE"),
+         Table::tr("The languages of texts, parted by colons, instead of the locale's.")},
         {QStringLiteral("TERM"),
          Table::tr("A terminal that is \"dumb\" gets no state of work at hand, and no colour.")},
         {QStringLiteral("NO_COLOR"), Table::tr("Any value switches colour off.")},

@@ -52,7 +52,7 @@ QStringList kept(const QString& text)
 {
     static const QRegularExpression pattern(QStringLiteral(
         "%\\d|%n|(?<![\\w-])--?[a-z][a-z-]*|\\b[A-Z][A-Z0-9_]*_[A-Z0-9_]+\\b|\\b[A-Z]{5,}\\b"
-        "|\\b[\\w-]+\\.(?:json|png|xml|log|key|apk)\\b|\"[a-z-]+\"|\\[y/N\\]|~/[\\w./]+|\\d+|\n"));
+        "|\\b[\\w-]+\\.(?:json|png|xml|log|key|apk)\\b|\"[a-z-]+\"|\\[y/N\\]|~/[\\w./]*\\w|\\d+|\n"));
     QStringList found;
     for (auto match = pattern.globalMatch(text); match.hasNext();)
         found.append(match.next().captured());
@@ -95,6 +95,7 @@ void tst_Translations::sheets()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("library") << QStringLiteral("quenzotool");
+    QTest::newRow("program") << QStringLiteral("quenzo");
 }
 
 void tst_Translations::sheetsHaveTheTextsOfTheSources()
