@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "quenzoprocess.h"
+#include "terminal.h"
 
 #include <QJsonArray>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <csignal>
 
 // Packing after the model of an archive, planned imports, and the commands about keys.
 class tst_ArchiveCommands : public QObject {
@@ -15,6 +18,13 @@ private Q_SLOTS:
     void ontoPutsTheFolderOverTheBase();
     void packingRefusals_data();
     void packingRefusals();
+    void archivesGoThroughPipes_data();
+    void archivesGoThroughPipes();
+    void failuresGiveNoArchive_data();
+    void failuresGiveNoArchive();
+    void terminalsGetAndGiveNoArchive_data();
+    void terminalsGetAndGiveNoArchive();
+    void interruptedPipeLeavesNothingBehind();
     void dryRunOfAnImportNamesEveryFile();
     void dryRunFailsLikeTheImport_data();
     void dryRunFailsLikeTheImport();
@@ -29,7 +39,8 @@ private:
     QString path(const char* name) const { return m_folder->filePath(QLatin1String(name)); }
     void write(const char* name, const QByteArray& content) const;
     QByteArray read(const QByteArray& name) const;
-    Ended run(const QByteArray& line) const;
+    Ended run(const QByteArray& line, const QByteArray& input = {}) const;
+    QStringList filesOnTheWay() const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
 };
@@ -38,6 +49,7 @@ void tst_ArchiveCommands::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(QFile::copy(QStringLiteral(SAMPLE "/skyharbour.apk"), path("base.apk")));
+    QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("tmp")));
     for (const char* name : {"harbourpay.zip", "another-sdk.zip", "damaged.zip"})
         QVERIFY(QFile::copy(QStringLiteral(SAMPLE "/packages/") + QLatin1String(name), path(name)));
 }
@@ -57,12 +69,18 @@ QByteArray tst_ArchiveCommands::read(const QByteArray& name) const
 }
 
 // Under a person who has no key yet.
-Ended tst_ArchiveCommands::run(const QByteArray& line) const
+Ended tst_ArchiveCommands::run(const QByteArray& line, const QByteArray& input) const
 {
     QuenzoProcess process(QuenzoProcess::words(line.constData()), m_folder->path());
     process.setVariable("XDG_DATA_HOME", path("data"));
     process.setVariable("QUENZO_KEY", QString());
-    return process.end();
+    process.setVariable("TMPDIR", path("tmp"));
+    return process.end(input);
+}
+
+QStringList tst_ArchiveCommands::filesOnTheWay() const
+{
+    return QDir(path("tmp")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
 }
 
 void tst_ArchiveCommands::likeGivesTheSampleBackByteByByte()
@@ -111,6 +129,99 @@ void tst_ArchiveCommands::packingRefusals()
     QCOMPARE(ended.code, code);
     QVERIFY2(ended.error.contains(text), ended.error.constData());
     QVERIFY(!QFileInfo::exists(path("out.apk")));
+}
+
+void tst_ArchiveCommands::archivesGoThroughPipes_data()
+{
+    QTest::addColumn<QByteArray>("options");
+    for (const char* options : {"", " --like base.apk", " --onto base.apk", " -q"})
+        QTest::newRow(options) << QByteArray(options);
+}
+
+void tst_ArchiveCommands::archivesGoThroughPipes()
+{
+    QFETCH(const QByteArray, options);
+    const Ended unpacked = run("unpack - game", read("base.apk"));
+    QCOMPARE(unpacked.error, QByteArray());
+    QCOMPARE(unpacked.output, QByteArray("unpacked the standard input into game\n"));
+    QCOMPARE(run("unpack base.apk again").code, 0);
+
+    const Ended piped = run("pack game -" + options);
+    QCOMPARE(piped.code, 0);
+    const bool quiet = options.endsWith("-q");
+    QVERIFY2(quiet ? piped.error.isEmpty() : piped.error.startsWith("packed game into the standard output, "),
+             piped.error.constData());
+    QCOMPARE(run("pack again out.apk" + options).code, 0);
+    QVERIFY(piped.output == read("out.apk"));
+    QCOMPARE(filesOnTheWay(), QStringList());
+
+    const QJsonObject result = run("unpack - third --json", piped.output).result();
+    QCOMPARE(result.value(QStringLiteral("folder")).toString(), QStringLiteral("third"));
+}
+
+void tst_ArchiveCommands::failuresGiveNoArchive_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QByteArray>("text");
+    const auto row = [](const char* line, int code, const char* text) {
+        QTest::newRow(line) << QByteArray(line) << code << QByteArray(text);
+    };
+    row("pack over - --json", 2, "the standard output is either for --json or for the archive");
+    row("pack absent -", 1, "'absent' does not exist");
+    row("pack over - --like over/text", 1, "this is not a zip archive");
+    row("unpack - target", 1, "unpacking failed");
+}
+
+void tst_ArchiveCommands::failuresGiveNoArchive()
+{
+    QFETCH(const QByteArray, line);
+    QFETCH(const int, code);
+    QFETCH(const QByteArray, text);
+    write("over/text", "no archive");
+    const Ended ended = run(line, "no archive");
+    QCOMPARE(ended.code, code);
+    QVERIFY2(ended.error.contains(text) || ended.json().contains(QStringLiteral("error")),
+             ended.error.constData());
+    QVERIFY(code == 2 || ended.output.isEmpty());
+    QVERIFY(!QFileInfo::exists(path("target")));
+    QCOMPARE(filesOnTheWay(), QStringList());
+}
+
+void tst_ArchiveCommands::terminalsGetAndGiveNoArchive_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("pack") << QByteArray("pack game -") << QByteArray("an archive is nothing for a terminal");
+    QTest::newRow("unpack") << QByteArray("unpack - game") << QByteArray("no archive can be typed");
+}
+
+void tst_ArchiveCommands::terminalsGetAndGiveNoArchive()
+{
+    QFETCH(const QByteArray, line);
+    QFETCH(const QByteArray, text);
+    Terminal terminal;
+    QuenzoProcess process(QuenzoProcess::words(line.constData()), m_folder->path());
+    process.setStandardInputFile(terminal.path());
+    process.setStandardOutputFile(terminal.path());
+    const Ended ended = process.end();
+    QCOMPARE(ended.code, 2);
+    QVERIFY2(ended.error.contains(text), ended.error.constData());
+    QCOMPARE(terminal.shown(), QByteArray());
+}
+
+void tst_ArchiveCommands::interruptedPipeLeavesNothingBehind()
+{
+    QuenzoProcess process(QuenzoProcess::words("unpack - game"), m_folder->path());
+    process.setVariable("TMPDIR", path("tmp"));
+    process.start();
+    process.write("PK");
+    QTRY_VERIFY_WITH_TIMEOUT(!filesOnTheWay().isEmpty(), 30000);
+    kill(static_cast<pid_t>(process.processId()), SIGINT);
+    // The other side's end is still open: only the signal can have ended it.
+    QVERIFY(process.waitForFinished(30000));
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(filesOnTheWay(), QStringList());
 }
 
 void tst_ArchiveCommands::dryRunOfAnImportNamesEveryFile()

@@ -63,6 +63,11 @@ bool StandardStreams::outputIsTerminal()
     return isatty(output) != 0;
 }
 
+bool StandardStreams::inputIsTerminal()
+{
+    return isatty(STDIN_FILENO) != 0;
+}
+
 void StandardStreams::writeResult(const QByteArray& bytes)
 {
     const int error = writeAll(output, bytes);
@@ -88,5 +93,18 @@ QByteArray StandardStreams::readInput(QString& error)
         bytes = input.readAll();
     if (!input.isOpen() || std::ferror(stdin) != 0)
         error = StreamText::tr("the standard input cannot be read");
+    return bytes;
+}
+
+QByteArray StandardStreams::readPiece(qint64 size, QString& error)
+{
+    QByteArray bytes(static_cast<int>(size), Qt::Uninitialized);
+    ssize_t count = 0;
+    do
+        count = ::read(STDIN_FILENO, bytes.data(), static_cast<std::size_t>(bytes.size()));
+    while (count < 0 && errno == EINTR);
+    if (count < 0)
+        error = QString::fromLocal8Bit(std::strerror(errno));
+    bytes.truncate(static_cast<int>(qMax<ssize_t>(0, count)));
     return bytes;
 }

@@ -18,6 +18,9 @@ void takeOver();
 /** Whether a person reads the results. */
 bool outputIsTerminal();
 
+/** Whether a person types the input. */
+bool inputIsTerminal();
+
 /** Writes at once; what fails is kept for outputError(). */
 void writeResult(const QByteArray& bytes);
 void writeDiagnostic(const QString& text);
@@ -27,6 +30,11 @@ QString outputError();
 
 /** All of the standard input. @param[out] error why it could not be read; left alone otherwise */
 QByteArray readInput(QString& error);
+
+/** A part of it, up to a size; empty at its end, or when it could not be read. Not to be mixed with the
+ * above.
+ */
+QByteArray readPiece(qint64 size, QString& error);
 
 } // namespace StandardStreams
 

@@ -3,6 +3,8 @@
 
 #include "console/console.h"
 #include "console/figures.h"
+#include "console/standardstreams.h"
+#include "scripts/archivestream.h"
 #include "scripts/scripttask.h"
 
 #include <pythonforqt.h>
@@ -12,6 +14,8 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
+
+#include <optional>
 
 namespace {
 
@@ -25,7 +29,14 @@ const QString apkOption = QStringLiteral("apk");
 const QString likeOption = QStringLiteral("like");
 const QString ontoOption = QStringLiteral("onto");
 const QString archiveScript = QStringLiteral("pytoolForQt.py");
+const QLatin1String standardStream("-");
 constexpr int imported = 1;
+
+ExitCode failWords(Console& console, const QString& text)
+{
+    console.error({Failure::Usage, text});
+    return ExitUsage;
+}
 
 // What the library's task would report of the answer.
 QString importText(int answer)
@@ -99,9 +110,8 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
         const int id = parser.value(sdkOption).toInt(&isNumber);
         // One below 0 would switch the check off.
         if (!isNumber || id < 0) {
-            console.error(
-                {Failure::Usage, ArchiveCommands::tr("--sdk-id takes a whole number that is not negative")});
-            return ExitUsage;
+            return failWords(console,
+                             ArchiveCommands::tr("--sdk-id takes a whole number that is not negative"));
         }
         parameters.insert(QStringLiteral("idSDK"), id);
     }
@@ -120,12 +130,13 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
 }
 
 /** Packs after the model of a base, for which the library has no task. */
-ScriptOutcome packWithBase(const QCommandLineParser& parser, Console& console, const QString& option)
+ScriptOutcome packWithBase(const QCommandLineParser& parser, const QString& archive, Console& console)
 {
-    const QStringList words = parser.positionalArguments();
-    const ScriptCall call{archiveScript,
-                          option == likeOption ? QStringLiteral("zipLike") : QStringLiteral("zipOnto"),
-                          {words.at(1), words.at(2), parser.value(apkOption), parser.value(option)}};
+    const QString option = parser.isSet(likeOption) ? likeOption : ontoOption;
+    const ScriptCall call{
+        archiveScript,
+        option == likeOption ? QStringLiteral("zipLike") : QStringLiteral("zipOnto"),
+        {parser.positionalArguments().at(1), archive, parser.value(apkOption), parser.value(option)}};
     return runCall(console, call, ArchiveCommands::tr("packing"),
                    [](PythonForQt& python, ScriptOutcome& outcome) {
                        outcome.succeeded = python.getResultAsInt() == 0;
@@ -133,24 +144,54 @@ ScriptOutcome packWithBase(const QCommandLineParser& parser, Console& console, c
 }
 
 /** Packs a folder; the library's task reports nothing, but a script that failed has left a message. */
-ScriptOutcome packAlone(const QCommandLineParser& parser, Console& console)
+ScriptOutcome packAlone(const QCommandLineParser& parser, const QString& archive, Console& console)
 {
-    const QStringList words = parser.positionalArguments();
     ScriptOutcome outcome = runTask(console, PYTHON_TOOL_ZIP,
-                                    {{QStringLiteral("src"), words.at(1)},
-                                     {QStringLiteral("dest"), words.at(2)},
+                                    {{QStringLiteral("src"), parser.positionalArguments().at(1)},
+                                     {QStringLiteral("dest"), archive},
                                      {QStringLiteral("apkfile"), parser.value(apkOption)}},
                                     ArchiveCommands::tr("packing"));
     outcome.succeeded = outcome.diagnostics.isEmpty();
     return outcome;
 }
 
+// What is wrong with the words, if anything.
+QString objectionToPack(const QCommandLineParser& parser)
+{
+    if (parser.isSet(likeOption) && parser.isSet(ontoOption))
+        return ArchiveCommands::tr("--like and --onto exclude each other");
+    if (parser.positionalArguments().at(2) != standardStream)
+        return {};
+    if (parser.isSet(QStringLiteral("json")))
+        return ArchiveCommands::tr("the standard output is either for --json or for the archive");
+    if (Console::outputIsTerminal())
+        return ArchiveCommands::tr(
+            "an archive is nothing for a terminal: lead the standard output elsewhere");
+    return {};
+}
+
+ExitCode packInto(const QCommandLineParser& parser, const QString& archive, Console& console)
+{
+    const bool hasBase = parser.isSet(likeOption) || parser.isSet(ontoOption);
+    const ScriptOutcome outcome =
+        hasBase ? packWithBase(parser, archive, console) : packAlone(parser, archive, console);
+    if (!outcome.succeeded || !QFileInfo(archive).isFile())
+        return failTask(console, ArchiveCommands::tr("packing failed"), outcome);
+    return ExitDone;
+}
+
+void tellPacked(const QString& folder, const QString& archive, qint64 bytes, Console& console)
+{
+    console.say(ArchiveCommands::tr("packed %1 into %2, %3").arg(folder, archive, sizeText(bytes)));
+    console.set(QStringLiteral("archive"), archive);
+    console.set(QStringLiteral("bytes"), bytes);
+}
+
 ExitCode packFolder(const QCommandLineParser& parser, Console& console)
 {
-    if (parser.isSet(likeOption) && parser.isSet(ontoOption)) {
-        console.error({Failure::Usage, ArchiveCommands::tr("--like and --onto exclude each other")});
-        return ExitUsage;
-    }
+    const QString objection = objectionToPack(parser);
+    if (!objection.isEmpty())
+        return failWords(console, objection);
     const QString folder = parser.positionalArguments().at(1);
     const QString archive = parser.positionalArguments().at(2);
     if (!pathExists(console, folder))
@@ -159,32 +200,46 @@ ExitCode packFolder(const QCommandLineParser& parser, Console& console)
         if (!parser.value(option).isEmpty() && !pathExists(console, parser.value(option)))
             return ExitFailed;
     }
-    ScriptOutcome outcome;
-    if (parser.isSet(likeOption) || parser.isSet(ontoOption))
-        outcome = packWithBase(parser, console, parser.isSet(likeOption) ? likeOption : ontoOption);
-    else
-        outcome = packAlone(parser, console);
-    const QFileInfo result(archive);
-    if (!outcome.succeeded || !result.isFile())
-        return failTask(console, ArchiveCommands::tr("packing failed"), outcome);
-    console.say(ArchiveCommands::tr("packed %1 into %2, %3").arg(folder, archive, sizeText(result.size())));
-    console.set(QStringLiteral("archive"), archive);
-    console.set(QStringLiteral("bytes"), result.size());
+    if (archive != standardStream) {
+        const ExitCode code = packInto(parser, archive, console);
+        if (code == ExitDone)
+            tellPacked(folder, archive, QFileInfo(archive).size(), console);
+        return code;
+    }
+    console.leaveOutputFree();
+    ArchiveStream stream(console);
+    if (!stream.isReady() || packInto(parser, stream.path(), console) != ExitDone || !stream.giveOutput())
+        return ExitFailed;
+    if (StandardStreams::outputError().isEmpty())
+        tellPacked(folder, ArchiveCommands::tr("the standard output"), QFileInfo(stream.path()).size(),
+                   console);
     return ExitDone;
 }
 
 ExitCode unpackArchive(const QCommandLineParser& parser, Console& console)
 {
-    const QString archive = parser.positionalArguments().at(1);
+    QString archive = parser.positionalArguments().at(1);
     const QString folder = parser.positionalArguments().at(2);
-    if (!pathExists(console, archive))
+    QString name = archive;
+    std::optional<ArchiveStream> stream;
+    if (archive == standardStream) {
+        if (StandardStreams::inputIsTerminal())
+            return failWords(console,
+                             ArchiveCommands::tr("no archive can be typed: lead one to the standard input"));
+        name = ArchiveCommands::tr("the standard input");
+        stream.emplace(console);
+        if (!stream->isReady() || !stream->takeInput())
+            return ExitFailed;
+        archive = stream->path();
+    } else if (!pathExists(console, archive)) {
         return ExitFailed;
+    }
     const QVariantMap parameters{{QStringLiteral("src"), archive}, {QStringLiteral("dest"), folder}};
     const ScriptOutcome outcome =
         runTask(console, PYTHON_TOOL_UNZIP, parameters, ArchiveCommands::tr("unpacking"));
     if (!outcome.diagnostics.isEmpty() || !QFileInfo(folder).isDir())
         return failTask(console, ArchiveCommands::tr("unpacking failed"), outcome);
-    console.say(ArchiveCommands::tr("unpacked %1 into %2").arg(archive, folder));
+    console.say(ArchiveCommands::tr("unpacked %1 into %2").arg(name, folder));
     console.set(QStringLiteral("folder"), folder);
     return ExitDone;
 }
@@ -218,11 +273,12 @@ QVector<Command> archiveCommands()
          packFolder,
          ArchiveCommands::tr(
              "With --like or --onto what was stored in the base stays stored, and its signature is left out: "
-             "sign the result.")},
+             "sign the result. As ARCHIVE - is the standard output; a file of this name is ./-.")},
         {QStringLiteral("unpack"),
          ArchiveCommands::tr("unpacks an archive into a folder"),
          {archive, folder},
          {},
-         unpackArchive},
+         unpackArchive,
+         ArchiveCommands::tr("As ARCHIVE - is the standard input; a file of this name is ./-.")},
     };
 }
