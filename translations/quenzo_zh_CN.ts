@@ -274,12 +274,63 @@
         <translation>把文件夹打包覆盖到此压缩包的条目之上。</translation>
     </message>
     <message>
-        <source>With --like or --onto what was stored in the base stays stored, and its signature is left out: sign the result.</source>
-        <translation>使用 --like 或 --onto 时，基准包中未压缩存储的条目保持不压缩，其签名不带入：请为结果重新签名。</translation>
-    </message>
-    <message>
         <source>unpacks an archive into a folder</source>
         <translation>把压缩包解压到文件夹</translation>
+    </message>
+    <message>
+        <source>the standard output is either for --json or for the archive</source>
+        <translation>标准输出只能用于 --json 或压缩包之一</translation>
+    </message>
+    <message>
+        <source>an archive is nothing for a terminal: lead the standard output elsewhere</source>
+        <translation>压缩包不能输出到终端：请把标准输出重定向到别处</translation>
+    </message>
+    <message>
+        <source>the standard output</source>
+        <translation>标准输出</translation>
+    </message>
+    <message>
+        <source>no archive can be typed: lead one to the standard input</source>
+        <translation>压缩包无法手工输入：请把压缩包重定向到标准输入</translation>
+    </message>
+    <message>
+        <source>the standard input</source>
+        <translation>标准输入</translation>
+    </message>
+    <message>
+        <source>With --like or --onto what was stored in the base stays stored, and its signature is left out: sign the result. As ARCHIVE - is the standard output; a file of this name is ./-.</source>
+        <translation>使用 --like 或 --onto 时，基准包中未压缩存储的条目保持不压缩，其签名不带入：请为结果重新签名。ARCHIVE 为 - 时表示标准输出；名为 - 的文件请写成 ./-。</translation>
+    </message>
+    <message>
+        <source>As ARCHIVE - is the standard input; a file of this name is ./-.</source>
+        <translation>ARCHIVE 为 - 时表示标准输入；名为 - 的文件请写成 ./-。</translation>
+    </message>
+</context>
+<context>
+    <name>ArchiveStream</name>
+    <message>
+        <source>no folder for a file on the way can be made</source>
+        <translation>无法为中间文件创建文件夹</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be written</source>
+        <translation>无法写入 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>reading</source>
+        <translation>正在读取</translation>
+    </message>
+    <message>
+        <source>the archive cannot be read</source>
+        <translation>无法读取压缩包</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be read</source>
+        <translation>无法读取 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>writing</source>
+        <translation>正在写入</translation>
     </message>
 </context>
 <context>

@@ -238,7 +238,7 @@ QStringList CommandLine::withCommandFirst(const QStringList& words)
     QStringList rest = words.mid(count);
     if (rest.value(0) == QLatin1String("--"))
         rest.removeFirst();
-    const QStringList options = words.mid(0, count);
+    QStringList options = words.mid(0, count);
     if (rest.isEmpty())
         return options;
     // The command whose help is wanted comes right behind it.

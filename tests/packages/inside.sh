@@ -46,6 +46,7 @@ quenzo export 101 develop
 quenzo icons --icon sample/icons/icon.png --marks sample/icons/marks --out icons --platform android \
     sample/icons/channels.json
 [ "$(quenzo package-name packed.apk)" = com.quenzo.skyharbour ]
+[[ $(LC_ALL=zh_CN.UTF-8 quenzo help) == 用法* ]]
 mkdir -p full/a source
 touch source/a
 ! quenzo output source full # a folder is where the file should go, which is logged
