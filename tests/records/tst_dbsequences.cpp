@@ -23,6 +23,18 @@ class Stepped : public DBHelper {
 public:
     Stepped() = default;
     ~Stepped() override { closeDB(); }
+
+    using DBHelper::commandExec;
+};
+
+// One piece of work, done by a direct call or through the queue.
+struct Work {
+    DB_COMMAND command = DB_SELECT;
+    QString table;
+    Row values;
+    QList<QVariant> rows; // an insert's or update's; in the place of the values unless it is empty
+    QString key; // an update's
+    bool encode = false;
 };
 
 // What a call reports: its result, its rows, and the cause of its failure.
@@ -102,6 +114,50 @@ QString change(const QString& table, const Row& row, const QString& key)
     return QStringLiteral("UPDATE %1 SET %2 WHERE %3 = :%3;").arg(table, values, key);
 }
 
+// A value and what it is: == would take 5 for '5', and NULL for an empty text.
+QString described(const QVariant& value)
+{
+    const QString text = value.userType() == QMetaType::QByteArray
+        ? QString::fromLatin1(value.toByteArray().toHex())
+        : value.toString();
+    return QLatin1String(value.typeName()) + (value.isNull() ? QStringLiteral(" null") : QString())
+        + QStringLiteral(" '") + text + QLatin1Char('\'');
+}
+
+QStringList described(const QVariantList& rows)
+{
+    QStringList lines;
+    for (const QVariant& one : rows) {
+        const Row row = one.toMap();
+        QStringList fields;
+        for (auto value = row.cbegin(); value != row.cend(); ++value)
+            fields.append(value.key() + QLatin1Char('=') + described(*value));
+        lines.append(fields.join(QStringLiteral(", ")));
+    }
+    return lines;
+}
+
+// A table's rows as the literals that SQLite would write for them, which tell their types; or why there are
+// none.
+QStringList dump(const QSqlDatabase& database, const QString& table)
+{
+    QSqlQuery query(database);
+    if (!query.exec(QStringLiteral("SELECT * FROM %1 LIMIT 0").arg(table)))
+        return {query.lastError().text()};
+    const QSqlRecord record = query.record();
+    QStringList literals{QStringLiteral("rowid")};
+    for (int i = 0; i < record.count(); ++i)
+        literals.append(
+            QStringLiteral("'%1 ' || typeof(\"%1\") || ' ' || quote(\"%1\")").arg(record.fieldName(i)));
+    const QString line = literals.join(QStringLiteral(" || ', ' || "));
+    if (!query.exec(QStringLiteral("SELECT %1 FROM %2 ORDER BY rowid").arg(line, table)))
+        return {query.lastError().text()};
+    QStringList lines;
+    while (query.next())
+        lines.append(query.value(0).toString());
+    return lines;
+}
+
 } // namespace
 
 // Random work through the library and through Qt's driver alone, side by side: equal reports, equal
@@ -112,7 +168,9 @@ class tst_DBSequences : public QObject {
 private Q_SLOTS:
     void init();
     void cleanup();
+    void equalWorkLeavesEqualDatabases_data();
     void equalWorkLeavesEqualDatabases();
+    void equalWorkOfTheWorkerLeavesEqualDatabases();
     void everyKindOfValueIsReadAsTheDriverReadsIt();
     void fieldsAreNamedAsTheDriverNamesThem();
 
@@ -120,11 +178,16 @@ private:
     QVariant value();
     QString table();
     Row row();
+    Work work();
+    void openBoth(DBHelper& library);
     void step();
     void executeOnBoth(const QString& sql);
     void compare(const Report& report, const Report& expected, const QString& what);
-    Report insertMap(const QString& name, Row values, bool encode);
-    Report insertList(const QString& name, QList<QVariant> rows, bool encode);
+    Report call(Work work);
+    Report sendThroughTheQueue(const Work& work);
+    Report expected(const Work& work);
+    Report expectedInABurst(const Work& work);
+    void queue(DBHelper& helper, Work work);
     void compareDumps(quint32 seed);
 
     QRandomGenerator m_random;
@@ -132,6 +195,9 @@ private:
     std::unique_ptr<Stepped> m_library;
     QSqlDatabase m_peer;
     QString m_history;
+    bool m_queued = false; // whether the work goes through the queue
+    bool m_inBurst = false; // a command that is ignored waits in the queue, so that nothing is committed yet
+    bool m_staysInBurst = false;
 };
 
 void tst_DBSequences::init()
@@ -182,6 +248,14 @@ const QStringList hostsWork{
     QStringLiteral("ALTER TABLE c RENAME COLUMN other TO name"),
     QStringLiteral("ANALYZE"),
 };
+
+quint32 seedOfThisRun()
+{
+    const quint32 seed =
+        qEnvironmentVariableIsSet("SEED") ? qgetenv("SEED").toUInt() : QRandomGenerator::global()->generate();
+    qInfo("seed: %u (SEED chooses it)", seed);
+    return seed;
+}
 
 } // namespace
 
@@ -247,112 +321,185 @@ void tst_DBSequences::compare(const Report& report, const Report& expected, cons
         + QStringLiteral("\ntheirs: ") + expected.error;
     QVERIFY2(report.done == expected.done, qUtf8Printable(texts));
     QVERIFY2(report.error == expected.error, qUtf8Printable(texts));
-    QVERIFY2(report.rows == expected.rows, qUtf8Printable(texts));
+    QCOMPARE(described(report.rows), described(expected.rows));
 }
 
-Report tst_DBSequences::insertMap(const QString& name, Row values, bool encode)
+Report tst_DBSequences::call(Work work)
 {
-    return {m_library->insertToDatabase(name, values, encode), {}, m_log->takeDebugTexts().value(2)};
+    const QString id = QStringLiteral("id");
+    Report report;
+    switch (work.command) {
+    case DB_SELECT:
+        report.rows = m_library->selectFromDatabase(work.table, work.values, false);
+        break;
+    case DB_INSERT:
+        report.done = work.rows.isEmpty() ? m_library->insertToDatabase(work.table, work.values, work.encode)
+                                          : m_library->insertToDatabase(work.table, work.rows, work.encode);
+        break;
+    case DB_UPDATE:
+        report.done = work.rows.isEmpty()
+            ? m_library->updateToDatabase(work.table, id, work.key, work.values, work.encode)
+            : m_library->updateToDatabase(work.table, id, work.key, work.rows, work.encode);
+        break;
+    case DB_DELETE:
+        report.done = m_library->deleteFromDatabase(work.table, work.values, work.encode);
+        break;
+    }
+    report.error = m_log->takeDebugTexts().value(2);
+    report.done = work.command == DB_SELECT ? report.error.isEmpty() : report.done;
+    return report;
 }
 
-Report tst_DBSequences::insertList(const QString& name, QList<QVariant> rows, bool encode)
+void tst_DBSequences::queue(DBHelper& helper, Work work)
 {
-    return {m_library->insertToDatabase(name, rows, encode), {}, m_log->takeDebugTexts().value(2)};
+    const QString id = QStringLiteral("id");
+    QVERIFY(work.rows.isEmpty() ? helper.threadToDatabase(work.command, work.table, work.values, id, work.key,
+                                                          work.encode, QString())
+                                : helper.threadToDatabase(work.command, work.table, work.rows, id, work.key,
+                                                          work.encode, QString()));
+}
+
+Report tst_DBSequences::sendThroughTheQueue(const Work& work)
+{
+    constexpr auto nothing = static_cast<DB_COMMAND>(99); // is ignored
+    Report report;
+    const auto receiver =
+        connect(m_library.get(), &DBHelper::onSelectFinish,
+                [&report](const QString&, const QVariantList& rows) { report.rows = rows; });
+    queue(*m_library, work);
+    if (m_staysInBurst)
+        queue(*m_library, {nothing, {}, {}, {}, {}, false});
+    if (m_inBurst)
+        m_library->commandExec();
+    m_library->commandExec();
+    disconnect(receiver);
+    report.error = m_log->takeDebugTexts().value(2);
+    report.done = report.error.isEmpty();
+    return report;
+}
+
+Report tst_DBSequences::expected(const Work& work)
+{
+    ByQt peer(m_peer);
+    const QString id = QStringLiteral("id");
+    const Row conditions = encoded(work.values, work.encode);
+    if (work.command == DB_SELECT)
+        return peer.run(QStringLiteral("SELECT * FROM %1%2;").arg(work.table, ::conditions(conditions)),
+                        conditions);
+    if (work.command == DB_DELETE)
+        return peer.run(QStringLiteral("DELETE FROM %1%2;").arg(work.table, ::conditions(conditions)),
+                        conditions);
+    Report report{true, {}, {}};
+    const QList<QVariant> rows = work.rows.isEmpty() ? QList<QVariant>{work.values} : work.rows;
+    for (auto row = rows.cbegin(); report.done && row != rows.cend(); ++row) {
+        const Row bound = encoded(row->toMap(), work.encode);
+        report = work.command == DB_INSERT ? peer.run(insertion(work.table, bound), bound)
+                                           : peer.run(change(work.table, bound, id), bound, id, work.key);
+    }
+    const bool rollsBack = work.command == DB_INSERT && (m_queued || !work.rows.isEmpty());
+    if (!report.done && rollsBack)
+        m_peer.rollback();
+    return report;
+}
+
+Report tst_DBSequences::expectedInABurst(const Work& work)
+{
+    if (!m_inBurst)
+        m_peer.transaction();
+    const Report report = expected(work);
+    if (!m_staysInBurst)
+        m_peer.commit();
+    return report;
+}
+
+Work tst_DBSequences::work()
+{
+    static constexpr DB_COMMAND commands[] = {DB_SELECT, DB_INSERT, DB_INSERT,
+                                              DB_INSERT, DB_UPDATE, DB_DELETE};
+    const QString id = QStringLiteral("id");
+    Work work;
+    work.command = commands[m_random.bounded(6)];
+    work.table = table();
+    work.encode = work.command != DB_SELECT && m_random.bounded(6) == 0;
+    if (work.command != DB_SELECT || m_random.bounded(2) == 0)
+        work.values = row();
+    if ((work.command == DB_INSERT || work.command == DB_UPDATE) && m_random.bounded(3) == 0)
+        work.rows = QList<QVariant>{row(), row(), row()};
+    if (work.command != DB_UPDATE)
+        return work;
+    // A condition without text, and a row without columns, mean something else in the queue.
+    work.key = value().toString();
+    if (work.key.isEmpty())
+        work.key = QStringLiteral("5");
+    work.values.remove(id);
+    work.values.insert(QStringLiteral("name"), value());
+    for (QVariant& one : work.rows) {
+        Row changed = one.toMap();
+        changed.remove(id);
+        changed.insert(QStringLiteral("name"), value());
+        one = changed;
+    }
+    return work;
 }
 
 void tst_DBSequences::step()
 {
-    ByQt peer(m_peer);
-    const QString name = table();
-    const QString id = QStringLiteral("id");
-    const bool encode = m_random.bounded(6) == 0;
-    Row values = row();
-    switch (m_random.bounded(8)) {
-    case 0:
+    if (m_random.bounded(8) == 0) {
         executeOnBoth(hostsWork.at(m_random.bounded(hostsWork.size())));
-        break;
-    case 1: {
-        QList<QVariant> rows{values, row(), row()};
-        Report expected{true, {}, {}};
-        for (const QVariant& one : qAsConst(rows)) {
-            if (!expected.done)
-                break;
-            const Row bound = encoded(one.toMap(), encode);
-            expected = peer.run(insertion(name, bound), bound);
-        }
-        if (!expected.done)
-            m_peer.rollback();
-        compare(insertList(name, rows, encode), expected, QStringLiteral("list insert ") + name);
-        break;
+        return;
     }
-    case 2: {
-        const QVariant key = value();
-        values.remove(id);
-        const Row bound = encoded(values, encode);
-        const Report expected = peer.run(change(name, bound, id), bound, id, key);
-        const bool done = m_library->updateToDatabase(name, id, key, values, encode);
-        compare({done, {}, m_log->takeDebugTexts().value(2)}, expected, QStringLiteral("update ") + name);
-        break;
-    }
-    case 3: {
-        const Row bound = encoded(values, encode);
-        const Report expected =
-            peer.run(QStringLiteral("DELETE FROM ") + name + conditions(bound) + QLatin1Char(';'), bound);
-        const bool done = m_library->deleteFromDatabase(name, values, encode);
-        compare({done, {}, m_log->takeDebugTexts().value(2)}, expected, QStringLiteral("delete ") + name);
-        break;
-    }
-    case 4: {
-        const Row bound = m_random.bounded(2) == 0 ? Row() : values;
-        Row asked = bound;
-        const Report expected =
-            peer.run(QStringLiteral("SELECT * FROM ") + name + conditions(bound) + QLatin1Char(';'), bound);
-        const QVariantList rows = m_library->selectFromDatabase(name, asked, false);
-        const QString error = m_log->takeDebugTexts().value(2);
-        compare({error.isEmpty(), rows, error}, expected, QStringLiteral("select ") + name);
-        break;
-    }
-    default: {
-        const Row bound = encoded(values, encode);
-        compare(insertMap(name, values, encode), peer.run(insertion(name, bound), bound),
-                QStringLiteral("insert ") + name);
-        break;
-    }
-    }
+    const Work todo = work();
+    m_staysInBurst = m_queued && m_random.bounded(3) > 0;
+    const Report theirs = m_queued ? expectedInABurst(todo) : expected(todo);
+    const Report ours = m_queued ? sendThroughTheQueue(todo) : call(todo);
+    m_inBurst = m_staysInBurst;
+    compare(ours, theirs, QStringLiteral("command %1 on %2").arg(todo.command).arg(todo.table));
 }
 
 void tst_DBSequences::compareDumps(quint32 seed)
 {
     for (const char* name : {"main.a", "temp.a", "b", "c", "d", "sqlite_master"}) {
-        const QString text = QStringLiteral("SELECT * FROM %1 ORDER BY rowid").arg(QLatin1String(name));
-        const Report ours = ByQt(QSqlDatabase::database(QStringLiteral("Quenzo"))).run(text, {});
-        const Report theirs = ByQt(m_peer).run(text, {});
-        QVERIFY2(ours.rows == theirs.rows && ours.error == theirs.error,
-                 qUtf8Printable(QStringLiteral("seed %1, table %2:\n").arg(seed).arg(QLatin1String(name))
-                                + m_history.right(3000)));
+        const QStringList ours = dump(QSqlDatabase::database(QStringLiteral("Quenzo")), QLatin1String(name));
+        const QStringList theirs = dump(m_peer, QLatin1String(name));
+        if (ours != theirs)
+            qInfo("seed %u, table %s:\n%s", seed, name, qUtf8Printable(m_history.right(3000)));
+        QCOMPARE(ours, theirs);
     }
+}
+
+void tst_DBSequences::openBoth(DBHelper& library)
+{
+    m_history.clear();
+    QVERIFY(library.initDatabase(QStringLiteral(":memory:")));
+    m_peer = QSqlDatabase();
+    QSqlDatabase::removeDatabase(QStringLiteral("peer"));
+    m_peer = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("peer"));
+    m_peer.setDatabaseName(QStringLiteral(":memory:"));
+    QVERIFY(m_peer.open());
+    for (const QString& sql : schema)
+        executeOnBoth(sql);
+}
+
+void tst_DBSequences::equalWorkLeavesEqualDatabases_data()
+{
+    QTest::addColumn<bool>("queued");
+    QTest::newRow("direct calls") << false;
+    QTest::newRow("through the queue") << true;
 }
 
 void tst_DBSequences::equalWorkLeavesEqualDatabases()
 {
-    constexpr int sequences = 500;
+    constexpr int sequences = 250;
     constexpr int steps = 60;
-    const quint32 firstSeed =
-        qEnvironmentVariableIsSet("SEED") ? qgetenv("SEED").toUInt() : QRandomGenerator::global()->generate();
-    qInfo("first seed: %u (SEED chooses it)", firstSeed);
+    QFETCH(const bool, queued);
+    m_queued = queued;
+    const quint32 firstSeed = seedOfThisRun();
     for (int sequence = 0; sequence < sequences; ++sequence) {
         const quint32 seed = firstSeed + static_cast<quint32>(sequence);
         m_random.seed(seed);
-        m_history.clear();
+        m_inBurst = false;
         m_library = std::make_unique<Stepped>();
-        QVERIFY(m_library->initDatabase(QStringLiteral(":memory:")));
-        m_peer = QSqlDatabase();
-        QSqlDatabase::removeDatabase(QStringLiteral("peer"));
-        m_peer = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("peer"));
-        m_peer.setDatabaseName(QStringLiteral(":memory:"));
-        QVERIFY(m_peer.open());
-        for (const QString& sql : schema)
-            executeOnBoth(sql);
+        openBoth(*m_library);
         for (int i = 0; i < steps && !QTest::currentTestFailed(); ++i)
             step();
         compareDumps(seed);
@@ -360,6 +507,47 @@ void tst_DBSequences::equalWorkLeavesEqualDatabases()
             QFAIL(qPrintable(QStringLiteral("with SEED=%1").arg(seed)));
     }
     QCOMPARE(m_log->takeWarnings(), QStringList());
+}
+
+// Queued before the worker starts, all is one burst.
+void tst_DBSequences::equalWorkOfTheWorkerLeavesEqualDatabases()
+{
+    const quint32 seed = seedOfThisRun();
+    m_random.seed(seed);
+    m_queued = true;
+    DBHelper& worker = *DBHelper::getInstance();
+    openBoth(worker);
+    QStringList rows;
+    const auto receiver = connect(
+        &worker, &DBHelper::onSelectFinish, &worker,
+        [&rows](const QString&, const QVariantList& found) { rows += described(found); },
+        Qt::DirectConnection);
+    QStringList expectedRows;
+    QStringList expectedErrors;
+    m_peer.transaction();
+    for (int i = 0; i < 1000; ++i) {
+        const Work todo = work();
+        queue(worker, todo);
+        const Report report = expected(todo);
+        expectedRows += described(report.rows);
+        if (!report.done)
+            expectedErrors.append(report.error);
+    }
+    m_peer.commit();
+    queue(worker, Work()); // its failure is the last one
+    expectedErrors.append(expected(Work()).error);
+    worker.StartThread();
+    QTRY_VERIFY_WITH_TIMEOUT(!worker.isRunning(), 30000);
+    disconnect(receiver);
+    QStringList errors;
+    const QStringList texts = m_log->takeDebugTexts();
+    for (int i = 2; i < texts.size(); i += 3)
+        errors.append(texts.at(i));
+    QCOMPARE(errors, expectedErrors);
+    QCOMPARE(rows, expectedRows);
+    compareDumps(seed);
+    worker.closeDB();
+    DBHelper::removeDatabase();
 }
 
 void tst_DBSequences::everyKindOfValueIsReadAsTheDriverReadsIt()
