@@ -164,7 +164,7 @@ void DBStatement::dropReady()
     if (m_ready == m_own.get())
         m_own.reset();
     else
-        m_kept.dropFound();
+        m_kept.drop(m_ready);
     m_ready = nullptr;
 }
 

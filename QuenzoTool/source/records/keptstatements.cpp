@@ -2,6 +2,7 @@
 #include "records/keptstatements.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -12,8 +13,9 @@ constexpr std::size_t mostKept = 32;
 
 RowStatement* KeptStatements::find(const StatementText::Shape& shape, const QMap<QString, QVariant>& row)
 {
-    const auto found = std::find_if(m_statements.begin(), m_statements.end(),
-                                    [&](const RowStatement& kept) { return kept.serves(shape, row); });
+    const auto found = std::find_if(m_statements.begin(), m_statements.end(), [&](const RowStatement& kept) {
+        return !kept.isAwake() && kept.serves(shape, row);
+    });
     if (found == m_statements.end())
         return nullptr;
     m_statements.splice(m_statements.begin(), m_statements, found);
@@ -22,15 +24,23 @@ RowStatement* KeptStatements::find(const StatementText::Shape& shape, const QMap
 
 RowStatement* KeptStatements::add(RowStatement&& statement)
 {
-    if (m_statements.size() == mostKept)
-        m_statements.pop_back();
+    if (m_statements.size() >= mostKept)
+        dropOldest();
     m_statements.push_front(std::move(statement));
     return &m_statements.front();
 }
 
-void KeptStatements::dropFound()
+void KeptStatements::dropOldest()
 {
-    m_statements.pop_front();
+    const auto oldest = std::find_if(m_statements.crbegin(), m_statements.crend(),
+                                     [](const RowStatement& kept) { return !kept.isAwake(); });
+    if (oldest != m_statements.crend())
+        m_statements.erase(std::prev(oldest.base()));
+}
+
+void KeptStatements::drop(const RowStatement* statement)
+{
+    m_statements.remove_if([statement](const RowStatement& kept) { return &kept == statement; });
 }
 
 void KeptStatements::clear()

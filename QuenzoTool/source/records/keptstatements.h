@@ -18,13 +18,15 @@
  */
 class KeptStatements {
 public:
-    /** Null when none serves; latest first, so that the next row finds it at once. */
+    /**
+     * Null when none serves; latest first, so that the next row finds it at once. Never one that is awake: a
+     * host's SQL function may write a row while a row is being written.
+     */
     RowStatement* find(const StatementText::Shape& shape, const QMap<QString, QVariant>& row);
 
     RowStatement* add(RowStatement&& statement);
 
-    /** Forgets the one that was found last. */
-    void dropFound();
+    void drop(const RowStatement* statement);
 
     void clear();
 
@@ -32,6 +34,8 @@ public:
     bool isDirect(const QSqlDriver& driver);
 
 private:
+    void dropOldest();
+
     std::list<RowStatement> m_statements;
     QPointer<const QSqlDriver> m_driver;
     bool m_direct = false;

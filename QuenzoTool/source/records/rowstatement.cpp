@@ -80,10 +80,10 @@ bool RowStatement::wake()
     const QSqlDriver* const driver = m_query->driver();
     if (driver == nullptr || !driver->isOpen())
         return false;
-    if (!m_direct)
-        return isAlive(m_query->result()->handle());
-    m_statement = SqliteDirect::statementOf(*m_query);
-    return m_statement != nullptr;
+    if (m_direct)
+        m_statement = SqliteDirect::statementOf(*m_query);
+    m_awake = m_direct ? m_statement != nullptr : isAlive(m_query->result()->handle());
+    return m_awake;
 }
 
 SqliteDirect::Outcome RowStatement::run(const RowValues& values, std::optional<QSqlError>& error)
@@ -106,6 +106,7 @@ void RowStatement::rest()
     if (m_statement != nullptr)
         SqliteDirect::forgetValues(m_statement, m_buffers);
     m_statement = nullptr;
+    m_awake = false;
 }
 
 bool RowStatement::runByQt(const RowValues& values)

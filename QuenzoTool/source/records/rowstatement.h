@@ -39,6 +39,9 @@ public:
      */
     bool wake();
 
+    /** Whether it is ready, and with that in use. */
+    bool isAwake() const { return m_awake; }
+
     SqliteDirect::Outcome run(const RowValues& values, std::optional<QSqlError>& error);
 
     /** Lets go of the values of the last run. */
@@ -55,6 +58,7 @@ private:
     QStringList m_columns;
     std::unique_ptr<QSqlQuery> m_query;
     bool m_direct;
+    bool m_awake = false;
     sqlite3_stmt* m_statement = nullptr; // while it is ready, if the driver shares SQLite
     SqliteDirect::TextBuffers m_buffers;
 };
