@@ -30,6 +30,7 @@ private Q_SLOTS:
     void quietRunsSayNothing();
     void resultsAreGivenToTheQuietToo();
     void verboseRunsTellTheirSteps();
+    void verboseRunsTellFoldersAndScripts();
     void dashStandsForTheInput_data();
     void dashStandsForTheInput();
     void inputThatIsNoTextIsRefused();
@@ -184,6 +185,25 @@ void tst_HostCommandLine::verboseRunsTellTheirSteps()
     QCOMPARE(QString::fromUtf8(ended.error),
              QStringLiteral("quenzo: from '%1/source' to '%1/target'\n").arg(real));
     QCOMPARE(ended.code, 0);
+}
+
+void tst_HostCommandLine::verboseRunsTellFoldersAndScripts()
+{
+    QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("tree/one/two")));
+    const auto run = [&folder](const char* line) {
+        return QuenzoProcess(QuenzoProcess::words(line), folder.path()).end();
+    };
+    QCOMPARE(run("pack -v tree a.zip").error,
+             QByteArray("quenzo: packing: calling the script with dest 'a.zip', src 'tree'\n"));
+    QCOMPARE(run("pack -v tree b.zip --like a.zip").error,
+             QByteArray("quenzo: packing: calling zipLike of pytoolForQt.py\n"));
+    const QString real = QDir(folder.path()).canonicalPath();
+    QCOMPARE(QString::fromUtf8(run("remove -v tree --yes").error),
+             QStringLiteral("quenzo: removed the folder '%1/tree/one/two'\n"
+                            "quenzo: removed the folder '%1/tree/one'\n"
+                            "quenzo: removed the folder '%1/tree'\n")
+                 .arg(real));
 }
 
 void tst_HostCommandLine::dashStandsForTheInput_data()

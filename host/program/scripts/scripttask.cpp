@@ -34,12 +34,24 @@ bool runCounted(QThread& worker, Console& console, const WorkCount& count, const
     return outcome.began;
 }
 
+// What a task is about, in the order of the names.
+QString stepText(const QString& doing, const QVariantMap& parameters)
+{
+    QStringList words;
+    for (auto parameter = parameters.cbegin(); parameter != parameters.cend(); ++parameter) {
+        if (!parameter->toString().isEmpty())
+            words.append(QStringLiteral("%1 '%2'").arg(parameter.key(), parameter->toString()));
+    }
+    return ScriptTasks::tr("%1: calling the script with %2").arg(doing, words.join(QStringLiteral(", ")));
+}
+
 } // namespace
 
 ScriptOutcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVariantMap& parameters,
                       const QString& doing)
 {
     ScriptOutcome outcome;
+    console.step(stepText(doing, parameters));
     PythonToolThread thread;
     QObject::connect(&thread, &PythonToolThread::onTaskFinsih, &thread,
                      [&outcome](int, const QVariantMap* values, bool succeeded) {
@@ -57,6 +69,7 @@ ScriptOutcome runCall(Console& console, const ScriptCall& call, const QString& d
                       const std::function<void(PythonForQt&, ScriptOutcome&)>& read)
 {
     ScriptOutcome outcome;
+    console.step(ScriptTasks::tr("%1: calling %2 of %3").arg(doing, call.function, call.script));
     const std::unique_ptr<QThread> worker(QThread::create([&outcome, &call, &read] {
         PythonForQt python;
         python.callScript(QuenzoBase::getRunPath() + QStringLiteral("/../Script/") + call.script,

@@ -100,6 +100,10 @@ ExitCode perform(THREAD_OPERATE operate, const QCommandLineParser& parser, Conso
 ExitCode removeTree(const RemovalPath& path, const TreeCount& all, Console& console)
 {
     TreeRemoval removal(QFile::encodeName(path.realFolder));
+    if (console.verbose())
+        removal.onFolderGone = [&console](const QString& folder) {
+            console.step(TreeCommands::tr("removed the folder '%1'").arg(folder));
+        };
     const std::unique_ptr<QThread> worker(QThread::create([&removal] { removal.run(); }));
     const bool began = runWorker(*worker, console, [&] {
         return Progress{TreeCommands::tr("removing"), Progress::Files, removal.filesGone(), all.files};

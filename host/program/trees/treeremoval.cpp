@@ -152,8 +152,12 @@ void TreeRemoval::leave()
     close(level.handle);
     if (!goesOn)
         return closeAll();
-    if (unlinkat(m_levels.last().handle, level.name.constData(), AT_REMOVEDIR) != 0 && errno != ENOENT)
+    if (unlinkat(m_levels.last().handle, level.name.constData(), AT_REMOVEDIR) == 0) {
+        if (onFolderGone)
+            onFolderGone(pathOf(level.name));
+    } else if (errno != ENOENT) {
         fail(level.name, errno);
+    }
 }
 
 // By the way up from a folder in it, which must lead to the same folder as before.
@@ -170,13 +174,17 @@ bool TreeRemoval::reopen(Level& level, int below)
 
 void TreeRemoval::fail(const QByteArray& name, int error)
 {
-    if (!m_error.isEmpty())
-        return;
+    if (m_error.isEmpty())
+        m_error = Removal::tr("'%1' could not be removed: %2").arg(pathOf(name), qt_error_string(error));
+}
+
+// Of a name in the level at work, or of that level itself.
+QString TreeRemoval::pathOf(const QByteArray& name) const
+{
     QByteArray path = m_folder.left(m_folder.lastIndexOf('/'));
     for (int i = 1; i < m_levels.size(); ++i)
         path += '/' + m_levels.at(i).name;
     if (!name.isEmpty())
         path += '/' + name;
-    m_error =
-        Removal::tr("'%1' could not be removed: %2").arg(QFile::decodeName(path), qt_error_string(error));
+    return QFile::decodeName(path);
 }

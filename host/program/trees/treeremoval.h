@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include <atomic>
+#include <functional>
 
 /**
  * Removes a folder with everything in it, and nothing else: every step is relative to the handle of a folder
@@ -21,6 +22,9 @@ public:
     ~TreeRemoval();
     TreeRemoval(const TreeRemoval&) = delete;
     TreeRemoval& operator=(const TreeRemoval&) = delete;
+
+    /** Who is told of every folder that is gone, on the thread of the run; to be set before it. */
+    std::function<void(const QString& folder)> onFolderGone;
 
     /** Goes on behind what cannot be removed; false when there is any. Blocks; for one run. */
     bool run();
@@ -47,6 +51,7 @@ private:
     bool reopen(Level& level, int below);
     void closeAll();
     void fail(const QByteArray& name, int error);
+    QString pathOf(const QByteArray& name) const;
 
     const QByteArray m_folder;
     QVector<Level> m_levels; // from the one above the folder to the one at work
