@@ -1740,6 +1740,14 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>&apos;%1&apos; does not exist</source>
         <translation>&apos;%1&apos; 不存在</translation>
     </message>
+    <message>
+        <source>%1: calling the script with %2</source>
+        <translation>%1: 正在以 %2 调用脚本</translation>
+    </message>
+    <message>
+        <source>%1: calling %2 of %3</source>
+        <translation>%1: 正在调用 %3 的 %2</translation>
+    </message>
 </context>
 <context>
     <name>StandardStreams</name>
@@ -1947,6 +1955,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>Does not ask; needed where there is no terminal.</source>
         <translation>不询问；没有终端时必须给出。</translation>
+    </message>
+    <message>
+        <source>removed the folder &apos;%1&apos;</source>
+        <translation>已删除文件夹 &apos;%1&apos;</translation>
     </message>
 </context>
 <context>
