@@ -27,7 +27,8 @@ struct ScriptTasks {
 bool runCounted(QThread& worker, Console& console, const WorkCount& count, const QString& doing,
                 ScriptOutcome& outcome)
 {
-    if (QuenzoTool::initPythonEnv())
+    outcome.hasInterpreter = QuenzoTool::initPythonEnv();
+    if (outcome.hasInterpreter)
         outcome.began = runWorker(worker, console, [&count, &doing] { return count.progress(doing); });
     // A signal of the worker was queued before its end was.
     outcome.diagnostics = Diagnostics::takeAll();
@@ -85,7 +86,10 @@ ExitCode failTask(Console& console, const QString& what, const ScriptOutcome& ou
 {
     if (!outcome.began)
         return ExitFailed;
-    console.error(what, outcome.diagnostics);
+    const QString hint = outcome.hasInterpreter
+        ? QString()
+        : ScriptTasks::tr("where Python 2.7 is missing, scripts/dependencies.sh python installs it");
+    console.error({Failure::Failed, what, outcome.diagnostics, hint});
     return ExitFailed;
 }
 

@@ -15,6 +15,7 @@ class PythonForQt;
 
 /** What became of a script's work. */
 struct ScriptOutcome {
+    bool hasInterpreter = false;
     bool began = true; // what kept it from beginning has been reported
     bool succeeded = false;
     QVariantMap values;
