@@ -3,7 +3,6 @@
 #
 # A newcomer's first job, on the sample: three channels of a foreign APK, each with its icons, SDK and channel file in a
 # signed and checked package in build/first-hour. Needs the release build, which scripts/quickstart.sh makes.
-# Icons stand in the packages as res/mipmap-*; what a foreign manifest names as its icon stays as it is.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 export LC_ALL=C.UTF-8
@@ -24,7 +23,8 @@ keytool -genkeypair -keystore keys -alias game -keyalg RSA -keysize 2048 -validi
 printf '[{"folder":"harbor","mark":"harbor"},{"folder":"meadow","mark":"meadow"},{"folder":"nimbus","mark":"nimbus"}]\n' \
     >channels.json
 
-quenzo icons --layout android-res --icon "$sample/icons/icon.png" --marks "$sample/icons/marks" --out . channels.json
+quenzo icons --layout android-res --onto "$sample/skyharbour.apk" --icon "$sample/icons/icon.png" \
+    --marks "$sample/icons/marks" --out . channels.json
 for channel in harbor meadow nimbus; do
     quenzo import "$sample/packages/harbourpay.zip" "$channel" --sdk-id 7
     quenzo pack "$channel" "$channel.apk" --onto "$sample/skyharbour.apk"
