@@ -21,8 +21,8 @@ variant() {
     cmake --build "$build" -j"$(nproc)" --target $targets >/dev/null
 }
 
-variant bare g++ "QuenzoTool tst_pngencoder tst_dblists" \
+variant bare g++ "QuenzoTool tst_pngencoder tst_dblists tst_dbfailures tst_dbkept" \
     -DCMAKE_DISABLE_FIND_PACKAGE_Deflate=ON -DCMAKE_DISABLE_FIND_PACKAGE_SQLite3=ON
-ctest --test-dir build/variants/bare-g++ --output-on-failure --no-tests=error -R '^(pngencoder|dblists)$'
+ctest --test-dir build/variants/bare-g++ --output-on-failure --no-tests=error -R '^(pngencoder|dblists|dbfailures|dbkept)$'
 variant portable clang++ QuenzoTool -DBUILD_TESTING=OFF -DQUENZO_PORTABLE=ON
 variant usual clang++ QuenzoTool -DBUILD_TESTING=OFF

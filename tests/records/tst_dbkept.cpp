@@ -119,6 +119,8 @@ void tst_DBKept::failureAfterASchemaChangeReadsAsThatOfANewStatement_data()
 
 void tst_DBKept::failureAfterASchemaChangeReadsAsThatOfANewStatement()
 {
+    if (!SQLITE_IS_ASKED)
+        QSKIP("a new statement of Qt's driver reads otherwise where it is the first to meet the change");
     QFETCH(const QString, change);
     QVERIFY(write(1));
     QVERIFY(write(2));
