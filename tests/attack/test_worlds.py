@@ -6,7 +6,7 @@ import signal
 import subprocess
 import unittest
 
-from attack import Attack, IS_ROOT, limited, mounted, of_command, prepared
+from attack import Attack, IS_ROOT, limited, mounted, of_command, prepared, write
 import jobs
 
 # A user whom nobody else is, since the limit of threads counts all of a user's.
@@ -138,16 +138,18 @@ class Worlds(Attack):
 
     def test_variables(self):
         self.under("no HOME", HOME=None)
-        self.under("HOME absent", HOME="/nonexistent", XDG_CONFIG_HOME="/nonexistent", XDG_DATA_HOME="/nonexistent",
-                   XDG_RUNTIME_DIR="/nonexistent")
-        self.under("TMPDIR absent", TMPDIR="/nonexistent", TMP="/nonexistent", TEMP="/nonexistent")
+        # As root a folder that is merely absent would be made.
+        none = self.path("a file", "none")
+        write(self.path("a file"), "")
+        self.under("HOME absent", HOME=none, XDG_CONFIG_HOME=none, XDG_DATA_HOME=none, XDG_RUNTIME_DIR=none)
+        self.under("TMPDIR absent", TMPDIR=none, TMP=none, TEMP=none)
         for locale in ("POSIX", "nonsense", "tr_TR.UTF-8", "C.ISO-8859-9", ""):
             self.under("locale %s" % locale, LC_ALL=locale, LANG=locale)
         self.under("no PATH", PATH=None)
-        self.under("Qt's variables", QT_PLUGIN_PATH="/nonexistent", QT_QPA_PLATFORM="nonsense", QT_HASH_SEED="x",
-                   QT_QPA_PLATFORM_PLUGIN_PATH="/nonexistent", QT_MESSAGE_PATTERN="%{if-debug}", QT_SCALE_FACTOR="-1",
+        self.under("Qt's variables", QT_PLUGIN_PATH=none, QT_QPA_PLATFORM="nonsense", QT_HASH_SEED="x",
+                   QT_QPA_PLATFORM_PLUGIN_PATH=none, QT_MESSAGE_PATTERN="%{if-debug}", QT_SCALE_FACTOR="-1",
                    QT_LOGGING_TO_CONSOLE="0", QT_FONT_DPI="0", QT_STYLE_OVERRIDE="x", QT_NO_GLIB="1")
-        self.under("TZ and the like", TZ="nonsense", COLUMNS="-1", TERM="", LANGUAGE="../..", SQLITE_TMPDIR="/nonexistent")
+        self.under("TZ and the like", TZ="nonsense", COLUMNS="-1", TERM="", LANGUAGE="../..", SQLITE_TMPDIR=none)
 
     def test_masks(self):
         self.under("umask 0777", lambda: os.umask(0o777))

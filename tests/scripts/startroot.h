@@ -17,10 +17,10 @@ public:
     void write(const QString& relativePath, const QByteArray& content);
     void writeStartModule(const QByteArray& content);
 
-    /** Adds to the environment of the process. */
     /** Lets the host load a library before every other. */
     void preload(const QString& library);
 
+    /** Adds to the environment of the process. */
     void setVariable(const QString& name, const QString& value);
 
     void start(const QString& host, const QStringList& arguments);
