@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "deviceemulator.h"
 
+#include "childsignal.h"
+
 #include <QCryptographicHash>
 #include <QtEndian>
 
@@ -305,7 +307,10 @@ DeviceEmulator::DeviceEmulator(Kind kind)
         || getsockname(m_listener, plain, &length) != 0 || pipe2(m_wakeUp.data(), O_CLOEXEC) != 0)
         qFatal("the device emulator finds no port");
     m_port = ntohs(address.sin_port);
+
+    maskChildSignal(SIG_BLOCK);
     m_thread = std::thread([this] { serve(); });
+    maskChildSignal(SIG_UNBLOCK);
 }
 
 DeviceEmulator::~DeviceEmulator()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "childsignal.h"
 #include "deviceemulator.h"
 #include "messagelog.h"
 #include "privateadb.h"
@@ -60,12 +61,11 @@ bool hasChild()
 }
 
 // Whether the library has a child. Qt takes one that has ended away at once, and tells of it in the event
-// loop, where the next one may be begun.
+// loop, where the next one may be begun: only a few turns without any tell that there is none.
 bool childAtWork()
 {
-    if (hasChild())
-        return true;
-    QCoreApplication::processEvents();
+    for (int turn = 0; turn < 20 && !hasChild(); ++turn)
+        QTest::qWait(1);
     return hasChild();
 }
 
@@ -90,6 +90,10 @@ Q_DECLARE_METATYPE(DeviceEmulator::Answers)
 // our launcher in the tool folder.
 class tst_Adb : public QObject {
     Q_OBJECT
+
+public:
+    // Before Qt Test begins threads of its own.
+    tst_Adb() { maskChildSignal(SIG_BLOCK); }
 
 private Q_SLOTS:
     void initTestCase();
@@ -130,6 +134,7 @@ private:
 
 void tst_Adb::initTestCase()
 {
+    maskChildSignal(SIG_UNBLOCK);
     QVERIFY2(!systemProgram("adb").isEmpty() && !systemProgram("aapt").isEmpty(),
              "adb and aapt are needed: scripts/dependencies.sh installs them");
     m_adb = std::make_unique<PrivateAdb>();

@@ -106,7 +106,7 @@ class ShippedScripts(unittest.TestCase):
         names = [name[:-3] for name in os.listdir(SCRIPTS) if name.endswith(".py")]
         wanted = set(names) | set((
             "Queue binascii collections contextlib errno fcntl fnmatch hashlib hmac itertools json os re shutil stat struct subprocess "
-            "sys tempfile thread threading unicodedata xml zipfile zlib").split())
+            "sys tempfile thread threading traceback unicodedata xml zipfile zlib").split())
         for folder in (SCRIPTS, TOOL_PYTHON):
             for name in os.listdir(folder):
                 if not name.endswith(".py"):
