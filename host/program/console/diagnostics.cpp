@@ -40,10 +40,15 @@ void keep(QtMsgType type, const QMessageLogContext& context, const QString& text
         return;
     const bool isDescribed = type == QtDebugMsg && qstrncmp(context.file, "QuenzoTool/source/", 18) == 0;
     if (isOfTheLibrary(context.category)) {
-        const QMutexLocker locker(&mutex);
-        (type == QtInfoMsg ? stepTexts : texts).append(text);
-        if (type == QtInfoMsg && stepFollower)
-            stepFollower(text);
+        std::function<void(const QString&)> follower;
+        {
+            const QMutexLocker locker(&mutex);
+            (type == QtInfoMsg ? stepTexts : texts).append(text);
+            if (type == QtInfoMsg)
+                follower = stepFollower;
+        }
+        if (follower)
+            follower(text);
     } else if (!isDescribed) {
         handlerBefore(type, context, Console::shown(text));
     }
