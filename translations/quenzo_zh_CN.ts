@@ -1748,6 +1748,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>%1: calling %2 of %3</source>
         <translation>%1: 正在调用 %3 的 %2</translation>
     </message>
+    <message>
+        <source>where Python 2.7 is missing, scripts/dependencies.sh python installs it</source>
+        <translation>如果缺少 Python 2.7，可用 scripts/dependencies.sh python 安装</translation>
+    </message>
 </context>
 <context>
     <name>StandardStreams</name>
