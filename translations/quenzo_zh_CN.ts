@@ -1756,8 +1756,8 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
 <context>
     <name>StandardStreams</name>
     <message>
-        <source>the standard input cannot be read</source>
-        <translation>无法读取标准输入</translation>
+        <source>the standard input cannot be read: %1</source>
+        <translation>无法读取标准输入：%1</translation>
     </message>
 </context>
 <context>

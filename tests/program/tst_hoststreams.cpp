@@ -9,6 +9,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 
 const auto& words = QuenzoProcess::words;
@@ -28,6 +31,7 @@ private Q_SLOTS:
     void closedInputIsAtItsEnd();
     void closedStreamsHarmNothing();
     void inputThatCannotBeReadIsAFailure();
+    void inputThatDoesNotWaitIsWaitedFor();
     void wordsThatAreNoTextAreRefused_data();
     void wordsThatAreNoTextAreRefused();
     void negativeSdkNumbersAreRefused();
@@ -124,7 +128,21 @@ void tst_HostStreams::inputThatCannotBeReadIsAFailure()
 {
     const Ended ended = quenzo(words("db --file records.db insert channel"), QStringLiteral("< ."));
     QCOMPARE(ended.code, 1);
-    QVERIFY2(ended.error.contains("the standard input cannot be read"), ended.error.constData());
+    QCOMPARE(ended.error, QByteArray("quenzo: the standard input cannot be read: Is a directory\n"));
+}
+
+// Who shares the pipe may have made it so, a remote shell for one.
+void tst_HostStreams::inputThatDoesNotWaitIsWaitedFor()
+{
+    QuenzoProcess process(words("encode -"));
+    process.before = [] { fcntl(STDIN_FILENO, F_SETFL, fcntl(STDIN_FILENO, F_GETFL) | O_NONBLOCK); };
+    process.start();
+    QVERIFY(process.waitForStarted());
+    // It is to meet a pipe that is empty: a wrong one ends here.
+    QVERIFY2(!process.waitForFinished(1000), process.readAllStandardError().constData());
+    const Ended ended = process.end("hello world\n");
+    QCOMPARE(ended.error, QByteArray());
+    QCOMPARE(ended.output, QByteArray("GasVGbg82d9ybGQ=\n"));
 }
 
 void tst_HostStreams::wordsThatAreNoTextAreRefused_data()

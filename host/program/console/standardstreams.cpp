@@ -2,12 +2,12 @@
 #include "console/standardstreams.h"
 
 #include <QCoreApplication>
-#include <QFile>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -49,6 +49,17 @@ int writeAll(int descriptor, const QByteArray& bytes)
     return 0;
 }
 
+// After a failed read. Who shares the input may have made it one that does not wait.
+bool canTryAgain()
+{
+    if (errno == EINTR)
+        return true;
+    if (errno != EAGAIN)
+        return false;
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    return poll(&input, 1, -1) == 1 || errno == EINTR;
+}
+
 } // namespace
 
 void StandardStreams::takeOver()
@@ -87,13 +98,18 @@ QString StandardStreams::outputError()
 
 QByteArray StandardStreams::readInput(QString& error)
 {
-    QFile input;
     QByteArray bytes;
-    if (input.open(stdin, QIODevice::ReadOnly))
-        bytes = input.readAll();
-    if (!input.isOpen() || std::ferror(stdin) != 0)
-        error = StreamText::tr("the standard input cannot be read");
-    return bytes;
+    for (;;) {
+        constexpr qint64 pieceSize = 65536;
+        const QByteArray piece = readPiece(pieceSize, error);
+        if (!error.isEmpty()) {
+            error = StreamText::tr("the standard input cannot be read: %1").arg(error);
+            return {};
+        }
+        if (piece.isEmpty())
+            return bytes;
+        bytes.append(piece);
+    }
 }
 
 QByteArray StandardStreams::readPiece(qint64 size, QString& error)
@@ -102,7 +118,7 @@ QByteArray StandardStreams::readPiece(qint64 size, QString& error)
     ssize_t count = 0;
     do
         count = ::read(STDIN_FILENO, bytes.data(), static_cast<std::size_t>(bytes.size()));
-    while (count < 0 && errno == EINTR);
+    while (count < 0 && canTryAgain());
     if (count < 0)
         error = QString::fromLocal8Bit(std::strerror(errno));
     bytes.truncate(static_cast<int>(qMax<ssize_t>(0, count)));
