@@ -201,9 +201,9 @@ void DBStatement::keep(const QStringList& columns)
 {
     if (!RowStatement::bindsInOrder(*m_query, m_shape, columns))
         return;
-    const bool direct = m_kept.isDirect(*m_query->driver());
-    const bool lasting = direct && SqliteDirect::isLasting(*m_query, m_shape.table);
-    RowStatement statement(m_shape, columns, std::move(m_query), direct);
+    const bool shared = m_kept.sharesSqlite(*m_query->driver());
+    const bool lasting = shared && SqliteDirect::isLasting(*m_query, m_shape.table);
+    RowStatement statement(m_shape, columns, std::move(m_query), shared);
     if (lasting)
         m_kept.add(std::move(statement));
     else
@@ -213,7 +213,7 @@ void DBStatement::keep(const QStringList& columns)
 void DBStatement::fetch(QList<QVariant>& rows)
 {
     const QStringList names = namesOf(m_query->record());
-    if (m_kept.isDirect(*m_query->driver())
+    if (m_kept.sharesSqlite(*m_query->driver())
         && SqliteDirect::read(*m_query, names, rows, m_error) != SqliteDirect::Outcome::NotTried)
         return;
     const RowPattern pattern(names);

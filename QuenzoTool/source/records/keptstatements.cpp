@@ -48,12 +48,12 @@ void KeptStatements::clear()
     m_statements.clear();
 }
 
-bool KeptStatements::isDirect(const QSqlDriver& driver)
+bool KeptStatements::sharesSqlite(const QSqlDriver& driver)
 {
     // A new driver may stand where a deleted one stood.
     if (m_driver != &driver) {
-        m_direct = SqliteDirect::isSharedWith(driver);
+        m_sharesSqlite = SqliteDirect::isSharedWith(driver);
         m_driver = &driver;
     }
-    return m_direct;
+    return m_sharesSqlite;
 }

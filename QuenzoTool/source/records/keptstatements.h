@@ -31,14 +31,14 @@ public:
     void clear();
 
     /** Whether the driver shares SQLite with this library. */
-    bool isDirect(const QSqlDriver& driver);
+    bool sharesSqlite(const QSqlDriver& driver);
 
 private:
     void dropOldest();
 
     std::list<RowStatement> m_statements;
     QPointer<const QSqlDriver> m_driver;
-    bool m_direct = false;
+    bool m_sharesSqlite = false;
 };
 
 #endif

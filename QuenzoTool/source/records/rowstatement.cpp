@@ -43,14 +43,14 @@ bool isSame(const QString& one, const QString& other)
 } // namespace
 
 RowStatement::RowStatement(StatementText::Shape shape, QStringList columns, std::unique_ptr<QSqlQuery> query,
-                           bool direct)
+                           bool sharesSqlite)
     : m_shape(std::move(shape))
     , m_columns(std::move(columns))
     , m_query(std::move(query))
-    , m_direct(direct)
+    , m_sharesSqlite(sharesSqlite)
 {
     forgetBoundValues();
-    if (m_direct)
+    if (m_sharesSqlite)
         SqliteDirect::forgetValues(SqliteDirect::statementOf(*m_query), m_buffers);
 }
 
@@ -80,9 +80,9 @@ bool RowStatement::wake()
     const QSqlDriver* const driver = m_query->driver();
     if (driver == nullptr || !driver->isOpen())
         return false;
-    if (m_direct)
+    if (m_sharesSqlite)
         m_statement = SqliteDirect::statementOf(*m_query);
-    m_awake = m_direct ? m_statement != nullptr : isAlive(m_query->result()->handle());
+    m_awake = m_sharesSqlite ? m_statement != nullptr : isAlive(m_query->result()->handle());
     return m_awake;
 }
 

@@ -19,9 +19,9 @@
  */
 class RowStatement {
 public:
-    /** @param direct whether the query's driver shares SQLite with this library */
+    /** @param sharesSqlite whether the query's driver shares SQLite with this library */
     RowStatement(StatementText::Shape shape, QStringList columns, std::unique_ptr<QSqlQuery> query,
-                 bool direct);
+                 bool sharesSqlite);
 
     /** Whether Qt has numbered the placeholders of a query as the values come: some names it cuts short. */
     static bool bindsInOrder(const QSqlQuery& query, const StatementText::Shape& shape,
@@ -57,7 +57,7 @@ private:
     StatementText::Shape m_shape;
     QStringList m_columns;
     std::unique_ptr<QSqlQuery> m_query;
-    bool m_direct;
+    bool m_sharesSqlite;
     bool m_awake = false;
     sqlite3_stmt* m_statement = nullptr; // while it is ready, if the driver shares SQLite
     SqliteDirect::TextBuffers m_buffers;
