@@ -13,7 +13,7 @@
 
 namespace {
 
-int linkInPlace(int file, const FileName& becomes)
+int nameAs(int file, const FileName& becomes)
 {
     if (linkat(file, "", becomes.folder, becomes.name, AT_EMPTY_PATH) == 0)
         return 0;
@@ -31,7 +31,7 @@ int linkInPlace(int file, const FileName& becomes)
 int giveName(int file, const FileName& becomes)
 {
     fchmod(file, becomes.mode);
-    return linkInPlace(file, becomes);
+    return nameAs(file, becomes);
 }
 
 FileNamer::FileNamer()
