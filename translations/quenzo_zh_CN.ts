@@ -115,6 +115,10 @@
         <source>Ends with 1 when the archive is damaged, an entry is not aligned, a signature does not hold or there is no package name. An unsigned APK is no failure.</source>
         <translation>压缩包损坏、有条目未对齐、签名无效或没有包名时，以 1 退出。未签名的 APK 不算失败。</translation>
     </message>
+    <message>
+        <source>%1: aapt cannot read it</source>
+        <translation>%1：aapt 无法读取它</translation>
+    </message>
 </context>
 <context>
     <name>ApkSigner</name>
@@ -1876,6 +1880,17 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>the program %1 does not work: %2</source>
         <translation>程序 %1 无法工作：%2</translation>
+    </message>
+</context>
+<context>
+    <name>ToolRun</name>
+    <message>
+        <source>it printed more than %1 bytes</source>
+        <translation>它输出的内容超过 %1 字节</translation>
+    </message>
+    <message>
+        <source>it crashed</source>
+        <translation>它崩溃了</translation>
     </message>
 </context>
 <context>

@@ -5,6 +5,11 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+
 namespace {
 
 // An archive with one stored entry, "a", whose content begins at 31.
@@ -33,6 +38,7 @@ private Q_SLOTS:
     void passwordIsNotOnTheCommandLine();
     void failedSigningLeavesTheApk_data();
     void failedSigningLeavesTheApk();
+    void interruptionEndsTheSignersChildren();
     void unalignedApkIsNotSigned();
     void signedApkIsVerified();
 
@@ -185,6 +191,10 @@ void tst_ApkCommands::failedSigningLeavesTheApk_data()
     QTest::newRow("verifying fails") << QByteArray("[ $1 = sign ] && { echo x >$9; exit 0; }\n"
                                                    "echo 'DOES NOT VERIFY' >&2; exit 1")
                                      << QByteArray("DOES NOT VERIFY");
+    QTest::newRow("nothing is written") << QByteArray("exit 0") << QByteArray("No such file or directory");
+    QTest::newRow("endless output") << QByteArray("cat /dev/zero & wait")
+                                    << QByteArray("it printed more than 67108864 bytes");
+    QTest::newRow("crash") << QByteArray("kill -9 $$") << QByteArray("it crashed");
 }
 
 void tst_ApkCommands::failedSigningLeavesTheApk()
@@ -199,6 +209,22 @@ void tst_ApkCommands::failedSigningLeavesTheApk()
     QCOMPARE(ended.code, 1);
     QCOMPARE(read("game.apk"), before);
     QCOMPARE(leftovers(), QStringList());
+}
+
+// What the program has started holds the fifo open until it ends.
+void tst_ApkCommands::interruptionEndsTheSignersChildren()
+{
+    const QByteArray name = QFile::encodeName(path("fifo"));
+    QCOMPARE(mkfifo(name.constData(), 0600), 0);
+    QFile fifo;
+    QVERIFY(fifo.open(open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC), QIODevice::ReadOnly,
+                      QFileDevice::AutoCloseHandle));
+    write("bin/apksigner", "#!/bin/sh\nexec 3>fifo\nsleep 600 &\nkill -INT $PPID\nwait\n", true);
+    const Ended interrupted = run("sign game.apk --keystore store --pass-file pass",
+                                  path("bin") + QStringLiteral(":/usr/bin:/bin"));
+    QCOMPARE(interrupted.code, -SIGINT);
+    pollfd ended{fifo.handle(), POLLIN, 0};
+    QVERIFY2(poll(&ended, 1, 10000) == 1 && (ended.revents & POLLHUP) != 0, "a child lives on");
 }
 
 void tst_ApkCommands::unalignedApkIsNotSigned()

@@ -98,6 +98,10 @@ bool tellPackage(const QString& apk, Console& console)
                                 ApkCommands::tr("reading the manifest"));
     static const QRegularExpression form(
         QStringLiteral("^package: name='([^']+)' versionCode='([^']*)' versionName='([^']*)'"));
+    if (!run.ended) {
+        console.error({Failure::NoTool, ApkCommands::tr("%1: aapt cannot read it").arg(apk), {run.error}});
+        return false;
+    }
     const QRegularExpressionMatch match = form.match(run.output);
     if (!match.hasMatch()) {
         console.error(ApkCommands::tr("%1: aapt finds no package name; is it an APK?").arg(apk),

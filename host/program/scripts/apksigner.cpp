@@ -46,7 +46,7 @@ QString systemError()
 QString moved(const QString& scratch, const QString& path)
 {
     QFile file(scratch);
-    if (!file.open(QIODevice::ReadWrite) || fsync(file.handle()) != 0)
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) || fsync(file.handle()) != 0)
         return file.isOpen() ? systemError() : file.errorString();
     file.setPermissions(QFile::permissions(path));
     file.close();

@@ -5,31 +5,42 @@
 #include "console/interruptreport.h"
 #include "console/progress.h"
 #include "console/spinner.h"
+#include "scripts/toolchild.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
-#include <QProcess>
+
+namespace {
+
+struct ToolRunText {
+    Q_DECLARE_TR_FUNCTIONS(ToolRun)
+};
+
+} // namespace
 
 ToolRun runTool(Console& console, const QString& program, const QStringList& words, const QString& doing,
                 const std::function<void()>& tidy)
 {
-    QProcess process;
-    process.setStandardInputFile(QProcess::nullDevice());
+    ToolChild process;
     QEventLoop loop;
     QObject::connect(&process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), &loop,
                      &QEventLoop::quit);
-    process.start(program, words);
-    if (!process.waitForStarted(-1))
-        return {false, {}, process.errorString()};
     const InterruptReport report(console);
     const InterruptGuard guard([&process, &tidy] {
-        process.kill();
-        process.waitForFinished();
+        process.end();
         tidy();
     });
+    process.start(program, words);
+    if (!process.waitForStarted(-1))
+        return {false, false, {}, process.errorString()};
     const Spinner spinner(console, [&doing] { return Progress{doing}; });
     if (process.state() != QProcess::NotRunning)
         loop.exec();
-    return {process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
-            QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError()).trimmed()};
+    if (process.isOverLimit())
+        return {
+            false, false, {}, ToolRunText::tr("it printed more than %1 bytes").arg(ToolChild::outputLimit)};
+    if (process.exitStatus() != QProcess::NormalExit)
+        return {false, false, {}, ToolRunText::tr("it crashed")};
+    return {true, process.exitCode() == 0, QString::fromUtf8(process.output()),
+            QString::fromUtf8(process.error()).trimmed()};
 }

@@ -11,9 +11,10 @@ class Console;
 
 /** How a program that was run beside the event loop ended. */
 struct ToolRun {
-    bool succeeded = false; ///< it ended by itself, with 0
+    bool ended = false; ///< it was run, and ended by itself
+    bool succeeded = false; ///< with 0
     QString output;
-    QString error; ///< what it wrote to its error stream, or why it could not be run
+    QString error; ///< what it wrote to its error stream, or why it could not be run or was ended
 };
 
 /**
