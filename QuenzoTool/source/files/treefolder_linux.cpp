@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "files/treefolder_linux.h"
 
+#include "files/filehandle_linux.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -41,6 +43,21 @@ TreeEntry::Kind kindFrom(mode_t mode)
     if (S_ISDIR(mode))
         return TreeEntry::Folder;
     return S_ISREG(mode) || S_ISLNK(mode) ? TreeEntry::File : TreeEntry::Special;
+}
+
+// Changes the mode of the very file that was looked at, and not of what a link in its place leads to.
+bool changeMode(int folder, const QByteArray& name, const struct stat& wanted, mode_t mode)
+{
+    const FileHandle file(openat(folder, name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    struct stat found { };
+    if (!file.isOpen() || fstat(file.number(), &found) != 0)
+        return false;
+    if (!S_ISREG(found.st_mode) || idFrom(found) != idFrom(wanted)) {
+        errno = ESTALE;
+        return false;
+    }
+    const QByteArray path = "/proc/self/fd/" + QByteArray::number(file.number());
+    return chmod(path.constData(), mode) == 0;
 }
 
 } // namespace
@@ -201,12 +218,11 @@ bool TreeFolder::removeExisting(const QByteArray& name) const
         return true;
     if (!S_ISREG(status.st_mode)) // the rights of folders, and of what links lead to, are not ours to change
         return false;
-    if (forceWriteOther(name) && removeFile(name))
+    if (changeMode(m_handle, name, status, S_IWOTH) && removeFile(name))
         return true;
     const int error = errno;
     // Nothing more can be done for one that keeps them.
-    [[maybe_unused]] const int givenBack =
-        fchmodat(m_handle, name.constData(), status.st_mode & ~static_cast<mode_t>(S_IFMT), 0);
+    changeMode(m_handle, name, status, status.st_mode & ~static_cast<mode_t>(S_IFMT));
     errno = error;
     return false;
 }
