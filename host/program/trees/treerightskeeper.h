@@ -21,6 +21,7 @@ public:
 private:
     struct Folder {
         QByteArray path;
+        FileIdentity id;
         mode_t mode;
     };
     QVector<Folder> m_folders; // each before those in it, which cannot be reached without it
