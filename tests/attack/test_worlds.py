@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Every command in odd environments and at limits: it is done, or says why not, and never half of it in silence."""
+"""The commands of jobs.py in odd environments and at limits: done, or said why not, and never half of it in silence."""
 import os
 import resource
 import signal
