@@ -56,6 +56,7 @@ def pack_planned(src, dest, apkfile, plan, base=None):
             add_extra(found, extra, target)
         items = plan(root, found)
         _check(items)
+        begin_progress(sum(item.record.size for item in items))
         with replaced(folder, file_name) as (out, _):
             _write(out, items, base)
 
@@ -84,7 +85,6 @@ def _check(items):
 
 def _write(out, items, base):
     writer = ZipWriter(out)
-    begin_progress(sum(item.record.size for item in items))
     with contextlib.closing(in_order(lambda batch: _packed(batch, base), _batches(items, base))) as done:
         for batch, packed in done:
             for job, content in itertools.izip(batch, packed):

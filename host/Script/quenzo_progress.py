@@ -3,12 +3,16 @@
 
 Such a host names an open file by its descriptor in QUENZO_PROGRESS, and reads two numbers at its beginning: the units
 done and those there are, in the machine's byte order. It has one task at work at a time. Nobody else sees anything.
+A third number behind them, once it is not 0, asks the work to end: it fails then, and leaves what was there before.
 """
 import os
 import struct
 
+from quenzo_report import ToolError
+
 VARIABLE = "QUENZO_PROGRESS"
 _NUMBERS = struct.Struct("=QQ")
+_STOP_BYTES = 8
 _STEP = 1 << 18         # units between two messages
 
 _state = {"descriptor": None, "done": 0, "total": 0, "told": 0}
@@ -29,11 +33,13 @@ def add_progress(units):
     news = _state["done"] - _state["told"]
     if news >= _STEP or news and _state["done"] == _state["total"]:
         _tell()
+        _check_stop()
 
 
 def end_progress():
     """All is done, where the total was reckoned roughly."""
-    add_progress(_state["total"])
+    _state["done"] = _state["total"]
+    _tell()
 
 
 def _tell():
@@ -45,3 +51,12 @@ def _tell():
         os.write(_state["descriptor"], _NUMBERS.pack(_state["done"], _state["total"]))
     except OSError:
         _state["descriptor"] = None  # Whoever asked is gone; the work goes on.
+
+
+def _check_stop():
+    try:
+        stop = os.read(_state["descriptor"], _STOP_BYTES)  # From where the numbers end.
+    except (OSError, TypeError):
+        return
+    if stop.strip("\0"):
+        raise ToolError("the work was stopped")

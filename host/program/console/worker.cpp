@@ -2,6 +2,7 @@
 #include "console/worker.h"
 
 #include "console/console.h"
+#include "console/interruptguard.h"
 #include "console/interruptreport.h"
 #include "console/progress.h"
 #include "console/spinner.h"
@@ -9,6 +10,8 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QThread>
+
+#include <optional>
 
 namespace {
 
@@ -18,9 +21,13 @@ struct Worker {
 
 } // namespace
 
-bool runWorker(QThread& worker, Console& console, const std::function<Progress()>& progress)
+bool runWorker(QThread& worker, Console& console, const std::function<Progress()>& progress,
+               const std::function<void()>& interrupted)
 {
     const InterruptReport report(console);
+    std::optional<InterruptGuard> guard;
+    if (interrupted)
+        guard.emplace(interrupted, QVector<int>{SIGINT, SIGTERM, SIGHUP});
     const Spinner spinner(console, progress);
     QEventLoop loop;
     QObject::connect(&worker, &QThread::finished, &loop, &QEventLoop::quit);

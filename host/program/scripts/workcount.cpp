@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 
+#include <cstddef>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -16,7 +17,14 @@ constexpr const char* variable = "QUENZO_PROGRESS";
 struct Numbers {
     quint64 done;
     quint64 total;
+    quint64 stop;
 };
+constexpr size_t counted = offsetof(Numbers, stop);
+
+bool read(int file, Numbers& numbers)
+{
+    return file >= 0 && pread(file, &numbers, counted, 0) == ssize_t(counted) && numbers.total > 0;
+}
 
 } // namespace
 
@@ -40,9 +48,15 @@ WorkCount::~WorkCount()
 Progress WorkCount::progress(const QString& doing) const
 {
     Numbers numbers{};
-    const bool counted = m_file >= 0 && pread(m_file, &numbers, sizeof numbers, 0) == ssize_t(sizeof numbers)
-        && numbers.total > 0;
-    if (!counted)
+    if (!read(m_file, numbers))
         return {doing};
     return {doing, Progress::Bytes, qint64(numbers.done), qint64(numbers.total)};
+}
+
+bool WorkCount::stop()
+{
+    Numbers numbers{};
+    numbers.stop = 1;
+    return read(m_file, numbers)
+        && pwrite(m_file, &numbers.stop, sizeof numbers.stop, off_t(counted)) == ssize_t(sizeof numbers.stop);
 }

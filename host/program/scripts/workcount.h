@@ -19,6 +19,10 @@ public:
 
     Progress progress(const QString& doing) const;
 
+    /** Asks the work to end and to leave what was there before; false when nobody counts, and would hear it.
+     */
+    bool stop();
+
 private:
     int m_file;
 };
