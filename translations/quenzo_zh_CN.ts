@@ -1737,6 +1737,17 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>the folder to fill</source>
         <translation>要写入的文件夹</translation>
     </message>
+    <message>
+        <source>--any takes whatever a function answers</source>
+        <translation>--any 接受函数返回的任何结果</translation>
+    </message>
+</context>
+<context>
+    <name>ScriptMessages</name>
+    <message>
+        <source>&quot;quenzo key new&quot; makes one</source>
+        <translation>用 &quot;quenzo key new&quot; 可生成密钥</translation>
+    </message>
 </context>
 <context>
     <name>ScriptTask</name>

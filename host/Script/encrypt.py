@@ -35,7 +35,7 @@ def encryptApk(runPath, apkFile, keyFile=None, *excluded):
     """
     def work(path, archive):
         if has_encrypted(archive):
-            raise Answer(WRONG_FORM, "the assets are encrypted already")
+            raise Answer(WRONG_FORM, "the assets are encrypted already", "refused")
         left = _left_out(archive, excluded)
         encrypt_file(path, archive, secret(keyFile, True, lambda text: tell("encryptApk", text)), left)
 

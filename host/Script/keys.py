@@ -9,7 +9,7 @@ from quenzo_assets import fingerprints
 from quenzo_cipher import NO_FINGERPRINT, fingerprint_of
 from quenzo_files import argument_path
 from quenzo_key import key_file, make_key, secret
-from quenzo_report import sentence, tell
+from quenzo_report import hand_over, sentence, tell
 from quenzo_zipread import Archive
 
 
@@ -58,6 +58,7 @@ def _answered(function, work):
     try:
         return work(lambda text: tell(function, text))
     except Exception as error:  # The host reads a map, whatever happened.
+        hand_over(error)
         return {"error": sentence(error)}
 
 

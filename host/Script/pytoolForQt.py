@@ -6,7 +6,7 @@ docs/scripts.md says what each takes and answers.
 from quenzo_files import argument_path, argument_text
 from quenzo_pack import pack
 from quenzo_repack import pack_like, pack_onto
-from quenzo_report import Answer, DamagedArchive, printable, report
+from quenzo_report import Answer, DamagedArchive, handing_over, printable, report
 from quenzo_sdk import CONFIG_NAME, MAX_CONFIG_BYTES, ConfigError, SdkConfig
 from quenzo_unpack import check_unpacking, unpack
 from quenzo_zipread import Archive
@@ -16,25 +16,28 @@ IMPORTED, WRONG_SDK, DAMAGED, NO_CONFIG, BAD_CONFIG, NOT_UNPACKED = 1, 100, 101,
 
 def zip(src, dest, apkfile):
     """Packs folder src into archive dest, with file apkfile beside its content unless that is empty."""
-    pack(src, dest, apkfile)
+    with handing_over():
+        pack(src, dest, apkfile)
     return 0
 
 
 def zipLike(src, dest, apkfile, base):
     """The same in the order of archive base, whose entries are taken over as they are where the content is equal."""
-    pack_like(src, dest, apkfile, base)
+    with handing_over():
+        pack_like(src, dest, apkfile, base)
     return 0
 
 
 def zipOnto(src, dest, apkfile, base):
     """Packs what folder src holds over the entries of archive base."""
-    pack_onto(src, dest, apkfile, base)
+    with handing_over():
+        pack_onto(src, dest, apkfile, base)
     return 0
 
 
 def unZip(src, dest, unused="NULL"):
     """Unpacks archive src into folder dest."""
-    with Archive(argument_path(src, "the archive")) as archive:
+    with handing_over(), Archive(argument_path(src, "the archive")) as archive:
         unpack(archive, argument_text(dest, "the folder to unpack into"))
     return 0
 

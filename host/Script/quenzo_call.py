@@ -5,14 +5,16 @@ import os
 import sys
 import traceback
 
-from quenzo_report import sentence
+from quenzo_report import ToolError, sentence
 
 
 def answer(script, function, *arguments):
     """JSON: what the function returned as "value" and, for people, as "shown"; or why there is none, as "error"."""
     try:
         value = _call(script, function, arguments)
-    except Exception as error:  # The host reads a text, whatever happened.
+    except _NoFunction as error:
+        return json.dumps({"error": sentence(error)})
+    except (Exception, SystemExit) as error:  # The host reads a text, whatever happened.
         return json.dumps({"error": "%s: %s (%s)" % (type(error).__name__, sentence(error), _place())})
     try:
         text = isinstance(value, basestring)
@@ -22,14 +24,21 @@ def answer(script, function, *arguments):
         return json.dumps({"error": "what %s returned is no text, number, list or map: %s" % (function, sentence(error))})
 
 
+class _NoFunction(ToolError):
+    """The script was imported, and lacks what is to be called."""
+
+
 def _call(script, function, arguments):
     folder = os.path.dirname(os.path.abspath(script))
     sys.path.append(folder)
     try:
         module = __import__(os.path.splitext(os.path.basename(script))[0])
+        if not hasattr(module, function):
+            raise _NoFunction("%s has no function %s" % (os.path.basename(script), function))
         return getattr(module, function)(*arguments)
     finally:
-        sys.path.remove(folder)
+        if folder in sys.path:
+            sys.path.remove(folder)
 
 
 def _portable(value):

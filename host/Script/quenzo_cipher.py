@@ -31,9 +31,13 @@ _MAX_FILES_TO_CLOSE = 1 << 20
 class CipherFailure(ToolError):
     """openssl is missing, or did not do its work."""
 
+    kind = "no-tool"
+
 
 class NotAuthentic(ToolError):
     """The encrypted form was altered, moved, or made with another key."""
+
+    kind = "bad-input"
 
 
 class Header(object):

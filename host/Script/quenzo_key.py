@@ -23,6 +23,8 @@ _TEXT = re.compile(r"^[0-9a-f]{%d}\n?\Z" % (2 * SECRET_BYTES))
 class KeyFailure(ToolError):
     """The key file cannot be made, read or trusted."""
 
+    kind = "bad-input"
+
 
 def secret(named, make, tell):
     """The secret's bytes; make says whether a missing key of the person's own is made, tell(text) is told of it."""
@@ -31,7 +33,7 @@ def secret(named, make, tell):
         own = not named and not os.environ.get(VARIABLE)
         if own and not os.path.lexists(path):
             if not make:
-                raise KeyFailure("there is no key: %s" % path)
+                raise KeyFailure("there is no key: %s" % path, "no-key")
             if _make(path):
                 tell("made the key %s; keep a copy, without it nothing can be decrypted" % path)
         return _read(path)
@@ -54,7 +56,7 @@ def make_key(named, tell):
     with _failures():
         path = key_file(named, tell)
         if os.path.lexists(path) or not _make(path):
-            raise KeyFailure("there is a key already, which packages may need: %s" % path)
+            raise KeyFailure("there is a key already, which packages may need: %s" % path, "refused")
         return path
 
 
@@ -63,7 +65,8 @@ def _failures():
     try:
         yield
     except EnvironmentError as error:
-        raise KeyFailure("the key file: %s: %s" % (error.strerror, error.filename))
+        kind = "not-found" if error.errno == errno.ENOENT else "failed"
+        raise KeyFailure("the key file: %s: %s" % (error.strerror, error.filename), kind)
 
 
 def _named_file(value):

@@ -3,7 +3,7 @@
 import re
 
 from quenzo_limits import MAX_DEPTH
-from quenzo_report import ToolError
+from quenzo_report import RefusedArchive
 
 _DRIVE = re.compile(r"^[A-Za-z]:")
 
@@ -12,13 +12,13 @@ def check_name(name):
     """Refuses a name (bytes, "/" at the end for a folder) that is not plainly below the top."""
     parts = (name[:-1] if name.endswith("/") else name).split("/")
     if name.startswith("/") or _DRIVE.match(name):
-        raise ToolError("entry name is absolute: '%s'" % name)
+        raise RefusedArchive("entry name is absolute: '%s'" % name)
     if ".." in parts:
-        raise ToolError("entry name leads out of the folder: '%s'" % name)
+        raise RefusedArchive("entry name leads out of the folder: '%s'" % name)
     if "\\" in name or "\0" in name or "" in parts or "." in parts:
-        raise ToolError("entry name is not a plain path: '%s'" % name)
+        raise RefusedArchive("entry name is not a plain path: '%s'" % name)
     if len(parts) > MAX_DEPTH:
-        raise ToolError("entry name is more than %d folders deep: '%s'" % (MAX_DEPTH, name[:80]))
+        raise RefusedArchive("entry name is more than %d folders deep: '%s'" % (MAX_DEPTH, name[:80]))
 
 
 def is_utf8(name):
@@ -36,7 +36,7 @@ def check_names(names):
         check_name(name)
         path = name.rstrip("/")
         if path in taken:
-            raise ToolError("entry name is there twice: '%s'" % name)
+            raise RefusedArchive("entry name is there twice: '%s'" % name)
         taken.add(path)
         if not name.endswith("/"):
             files.add(path)
@@ -50,4 +50,4 @@ def _check_parents(path, files):
         if not path:
             return
         if path in files:
-            raise ToolError("an entry is a file and a folder at once: '%s'" % path)
+            raise RefusedArchive("an entry is a file and a folder at once: '%s'" % path)

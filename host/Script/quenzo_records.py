@@ -16,6 +16,8 @@ _WANTED_TEXTS = (u"name", u"developer", u"package")
 class RecordError(ToolError):
     """The record file is damaged, or the record that was asked for."""
 
+    kind = "bad-input"
+
 
 class Fraction(unicode):
     """A number with a point or an exponent, as it was written: no digit is lost on the way."""

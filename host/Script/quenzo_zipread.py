@@ -15,7 +15,7 @@ from quenzo_files import BLOCK, open_regular
 from quenzo_limits import check_content, check_directory, check_entries, check_ratio
 from quenzo_names import check_names, is_utf8
 from quenzo_progress import add_progress
-from quenzo_report import DamagedArchive, ToolError
+from quenzo_report import DamagedArchive, RefusedArchive
 
 STORED, DEFLATED = zipfile.ZIP_STORED, zipfile.ZIP_DEFLATED
 FLAG_ENCRYPTED = 0x1 | 0x40 | 0x2000
@@ -163,7 +163,7 @@ class Archive(object):
         reached = 0
         for entry in sorted(self.entries, key=lambda one: one.header):
             if entry.header < reached:
-                raise ToolError("'%s' shares bytes with another entry" % entry.name)
+                raise RefusedArchive("'%s' shares bytes with another entry" % entry.name)
             reached = entry.data + entry.packed
         if reached > end:
             raise DamagedArchive("the archive is cut off")
@@ -175,7 +175,7 @@ def checked(entry, packed):
     for block in _inflated(packed, entry.name) if entry.method == DEFLATED else packed:
         size += len(block)
         if size > entry.size:
-            raise ToolError("'%s' unpacks to more than it declares" % entry.name)
+            raise RefusedArchive("'%s' unpacks to more than it declares" % entry.name)
         crc = zlib.crc32(block, crc)
         yield block
     if size != entry.size or crc & 0xffffffff != entry.crc:
@@ -185,15 +185,15 @@ def checked(entry, packed):
 def _check_kind(entry):
     kind = stat.S_IFMT(entry.attributes >> 16)
     if entry.flags & FLAG_ENCRYPTED:
-        raise ToolError("'%s' is encrypted" % entry.name)
+        raise RefusedArchive("'%s' is encrypted" % entry.name)
     if entry.method not in (STORED, DEFLATED):
-        raise ToolError("'%s' is packed with the unknown method %d" % (entry.name, entry.method))
+        raise RefusedArchive("'%s' is packed with the unknown method %d" % (entry.name, entry.method))
     if kind not in (0, stat.S_IFREG, stat.S_IFDIR):
-        raise ToolError("'%s' is a link or a device" % entry.name)
+        raise RefusedArchive("'%s' is a link or a device" % entry.name)
     if entry.method == STORED and entry.packed != entry.size:
         raise DamagedArchive("'%s' is stored in another size than its own" % entry.name)
     if entry.is_folder and entry.size:
-        raise ToolError("the folder '%s' has content" % entry.name)
+        raise RefusedArchive("the folder '%s' has content" % entry.name)
 
 
 def _path_name(info):
@@ -202,7 +202,7 @@ def _path_name(info):
     if is_utf8(name):
         return name
     if info.flag_bits & FLAG_UTF8:
-        raise ToolError("entry name is marked as UTF-8 and is not: '%s'" % name)
+        raise RefusedArchive("entry name is marked as UTF-8 and is not: '%s'" % name)
     return name.decode("cp437").encode("utf-8") if info.create_system == DOS else name
 
 

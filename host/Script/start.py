@@ -37,7 +37,7 @@ def export_develop_info(idChannel, dest):
     except (EnvironmentError, ToolError) as error:
         return _failed(NO_RECORDS, error)
     if record is None:
-        return _failed(NO_CHANNEL, ToolError("no record for channel %d in %s" % (channel, source)))
+        return _failed(NO_CHANNEL, ToolError("no record for channel %d in %s" % (channel, source), "not-found"))
     try:
         _write(record, channel, folder)
     except Exception as error:  # The host reads a number, whatever happened.

@@ -77,7 +77,8 @@ void tst_ScriptCommands::failuresAreToldUnderEveryRule_data()
     row("raises", "run script.py bad",
         "bad did not answer \"param\"\nbad of the script 'script.py' failed: ValueError: why "
         "(@/script.py:3)");
-    row("other answer", "run script.py other", "other did not answer \"param\"");
+    row("other answer", "run script.py other",
+        "other did not answer \"param\" (--any takes whatever a function answers)");
     row("no function", "run script.py absent",
         "absent did not answer \"param\"\nthe script 'script.py' has no absent: AttributeError: 'module' "
         "object has "
@@ -85,10 +86,8 @@ void tst_ScriptCommands::failuresAreToldUnderEveryRule_data()
     row("no module", "run broken.py f",
         "f did not answer \"param\"\nthe script 'broken.py' could not be imported: KeyError: 'in the body' "
         "(@/broken.py:1)");
-    row("pack", "pack folder script.py/archive.zip",
-        "packing failed\nzip of the script '*/Script/pytoolForQt.py' failed: *: * (*.py:*)");
-    row("unpack", "unpack no-archive.zip unpacked",
-        "unpacking failed\nunZip of the script '*/Script/pytoolForQt.py' failed: *");
+    row("pack", "pack folder script.py/archive.zip", "packing failed\na file is in the way: @/script.py");
+    row("unpack", "unpack no-archive.zip unpacked", "unpacking failed\nthis is not a zip archive");
 }
 
 void tst_ScriptCommands::failuresAreToldUnderEveryRule()
@@ -184,7 +183,7 @@ void tst_ScriptCommands::anyAnswerThatThereIsNotIsAFailure_data()
     QTest::newRow("no UTF-8") << QByteArray("return '\\xff'")
                               << QStringLiteral("what f returned is no text, number, list or map: ");
     QTest::newRow("ends the interpreter")
-        << QByteArray("raise SystemExit(3)") << QStringLiteral("SystemExit");
+        << QByteArray("raise SystemExit(3)") << QStringLiteral("SystemExit: 3 (%1/answer.py:2)");
 }
 
 void tst_ScriptCommands::anyAnswerThatThereIsNotIsAFailure()
@@ -247,8 +246,8 @@ void tst_ScriptCommands::assetsComeBackWithTheirKeyOnly()
 
     const Ended wrong = run("decrypt game.apk --key two.key");
     QCOMPARE(wrong.code, 1);
+    QVERIFY2(wrong.error.startsWith("quenzo: decryption failed with answer 7\n"), wrong.error.constData());
     QVERIFY2(wrong.error.contains("was encrypted with the key"), wrong.error.constData());
-    QVERIFY2(wrong.error.endsWith("quenzo: decryption failed with answer 7\n"), wrong.error.constData());
     const Ended without = run("decrypt game.apk --json");
     QCOMPARE(without.code, 1);
     QCOMPARE(without.result().value(QStringLiteral("answer")), QJsonValue(5));

@@ -111,8 +111,10 @@ bool askKeys(Console& console, const QString& function, const QList<QVariant>& a
             console.set(text.key(), text.value());
         return true;
     }
-    failTask(console, error.isEmpty() ? AssetCommands::tr("the keys' script gave no answer") : error,
-             outcome);
+    if (outcome.failure.message.isEmpty())
+        failTask(console, AssetCommands::tr("the keys' script gave no answer"), outcome);
+    else
+        console.error(outcome.failure);
     return false;
 }
 

@@ -65,8 +65,12 @@ ExitCode runScript(const QCommandLineParser& parser, Console& console)
                                  {QStringLiteral("list"), arguments}};
     const ScriptOutcome outcome =
         runTask(console, PYTHON_TOOL_RUN_SCRIPT, parameters, ScriptCommands::tr("running"));
-    if (!outcome.succeeded)
-        return failTask(console, ScriptCommands::tr("%1 did not answer \"param\"").arg(words.at(2)), outcome);
+    if (!outcome.succeeded) {
+        ScriptOutcome told = outcome;
+        if (told.diagnostics.isEmpty())
+            told.failure.hint = ScriptCommands::tr("--any takes whatever a function answers");
+        return failTask(console, ScriptCommands::tr("%1 did not answer \"param\"").arg(words.at(2)), told);
+    }
     console.say(ScriptCommands::tr("%1 succeeded").arg(words.at(2)));
     return ExitDone;
 }

@@ -5,6 +5,7 @@
 #include "console/diagnostics.h"
 #include "console/progress.h"
 #include "console/worker.h"
+#include "scripts/scriptmessages.h"
 #include "scripts/workcount.h"
 
 #include <pythonforqt.h>
@@ -23,16 +24,38 @@ struct ScriptTasks {
     Q_DECLARE_TR_FUNCTIONS(ScriptTask)
 };
 
-// Runs a worker that calls scripts; false when the interpreter or the thread could not be started.
-bool runCounted(QThread& worker, Console& console, const WorkCount& count, const QString& doing,
-                ScriptOutcome& outcome)
+/** How the scripts of one call are heard and spoken to. */
+struct Channels {
+    WorkCount count;
+    ScriptMessages messages;
+};
+
+Failure tellWarnings(ScriptMessages& messages, Console& console)
 {
+    const ScriptMessages::Told told = messages.take();
+    for (const QString& warning : told.warnings)
+        console.warn(warning);
+    return told.failure;
+}
+
+// Runs a worker that calls scripts; what kept it from beginning has been reported.
+void runHeard(QThread& worker, Console& console, Channels& channels, const QString& doing,
+              ScriptOutcome& outcome)
+{
+    // Taking away what a script has half done is its own business: of a merge it holds what was there before.
+    const auto stop = [&worker, &console, &channels] {
+        constexpr unsigned long patienceMs = 10000;
+        if (channels.count.stop())
+            worker.wait(patienceMs);
+        tellWarnings(channels.messages, console);
+    };
     outcome.hasInterpreter = QuenzoTool::initPythonEnv();
     if (outcome.hasInterpreter)
-        outcome.began = runWorker(worker, console, [&count, &doing] { return count.progress(doing); });
+        outcome.began = runWorker(
+            worker, console, [&channels, &doing] { return channels.count.progress(doing); }, stop);
     // A signal of the worker was queued before its end was.
     outcome.diagnostics = Diagnostics::takeAll();
-    return outcome.began;
+    outcome.failure = tellWarnings(channels.messages, console);
 }
 
 // What a task is about, in the order of the names.
@@ -61,8 +84,8 @@ ScriptOutcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVari
                              outcome.values = *values;
                      });
     thread.StartOperate(operate, parameters);
-    const WorkCount count;
-    runCounted(thread, console, count, doing, outcome);
+    Channels channels;
+    runHeard(thread, console, channels, doing, outcome);
     return outcome;
 }
 
@@ -77,8 +100,8 @@ ScriptOutcome runCall(Console& console, const ScriptCall& call, const QString& d
                           call.function, call.arguments, true);
         read(python, outcome);
     }));
-    const WorkCount count;
-    runCounted(*worker, console, count, doing, outcome);
+    Channels channels;
+    runHeard(*worker, console, channels, doing, outcome);
     return outcome;
 }
 
@@ -86,10 +109,13 @@ ExitCode failTask(Console& console, const QString& what, const ScriptOutcome& ou
 {
     if (!outcome.began)
         return ExitFailed;
+    const Failure& told = outcome.failure;
+    // The library's lines name files and lines of the scripts, which tell nothing to who uses them.
+    const QStringList causes = told.message.isEmpty() ? outcome.diagnostics : QStringList(told.message);
     const QString hint = outcome.hasInterpreter
-        ? QString()
+        ? told.hint
         : ScriptTasks::tr("where Python 2.7 is missing, scripts/dependencies.sh python installs it");
-    console.error({Failure::Failed, what, outcome.diagnostics, hint});
+    console.error({told.code, what, causes, hint});
     return ExitFailed;
 }
 

@@ -3,6 +3,7 @@
 #define SCRIPTTASK_H
 
 #include "command.h"
+#include "console/failure.h"
 
 #include <pythontoolthread.h>
 
@@ -19,7 +20,8 @@ struct ScriptOutcome {
     bool began = true; // what kept it from beginning has been reported
     bool succeeded = false;
     QVariantMap values;
-    QStringList diagnostics;
+    QStringList diagnostics; ///< the library's
+    Failure failure; ///< what the shipped scripts said of it; without a message when they said nothing
 };
 
 /**

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#ifndef SCRIPTMESSAGES_H
+#define SCRIPTMESSAGES_H
+
+#include "console/failure.h"
+
+#include <QStringList>
+
+/**
+ * Where the scripts of this process tell what a person should know. To be made before the interpreter starts,
+ * which reads the environment once.
+ */
+class ScriptMessages {
+public:
+    ScriptMessages();
+    ~ScriptMessages();
+    ScriptMessages(const ScriptMessages&) = delete;
+    ScriptMessages& operator=(const ScriptMessages&) = delete;
+
+    struct Told {
+        QStringList warnings;
+        Failure failure; ///< the first; without a message when there is none
+    };
+
+    /** What was told since the last call. */
+    Told take();
+
+private:
+    const int m_file;
+    qint64 m_taken = 0;
+};
+
+#endif
