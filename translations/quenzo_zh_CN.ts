@@ -1767,6 +1767,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>where Python 2.7 is missing, scripts/dependencies.sh python installs it</source>
         <translation>如果缺少 Python 2.7，可用 scripts/dependencies.sh python 安装</translation>
     </message>
+    <message>
+        <source>- stands for no file here; one of this name is ./-</source>
+        <translation>此处 - 不代表任何文件；这个名称的文件写作 ./-</translation>
+    </message>
 </context>
 <context>
     <name>StandardStreams</name>

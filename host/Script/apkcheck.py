@@ -1,15 +1,14 @@
 # SPDX-License-Identifier: MIT
 """Whether a package is whole, aligned and signed, as far as its bytes tell; docs/scripts.md has the answers."""
-from quenzo_files import argument_path, open_regular
+from quenzo_files import argument_path
 from quenzo_progress import begin_progress
 from quenzo_report import printable, sentence
 from quenzo_zipread import STORED, Archive
-from quenzo_zipwrite import is_signature
+from quenzo_zipwrite import is_signed
 
 ALIGNMENT = 4
 PAGE = 4096             # what libraries that are mapped from the package need at least
 _MOST_NAMES = 20
-_SIGNING_BLOCK = "APK Sig Block 42"
 
 
 def checkApk(apkFile):
@@ -24,19 +23,10 @@ def checkApk(apkFile):
             return {"entries": str(len(archive.entries)),
                     "misaligned": str(len(misaligned)),
                     "names": ", ".join(printable(name) for name in misaligned[:_MOST_NAMES]),
-                    "signature": "yes" if _has_signature(archive, path) else "no"}
+                    "signature": "yes" if is_signed(archive) else "no"}
     except Exception as error:  # The host reads a map, whatever happened.
         return {"error": sentence(error)}
 
 
 def _is_misaligned(entry):
     return entry.method == STORED and entry.data % (PAGE if entry.name.endswith(".so") else ALIGNMENT) != 0
-
-
-def _has_signature(archive, path):
-    """Whether there is anything to verify: the files of the old form, or the block of the newer ones."""
-    if any(is_signature(entry.name) and not entry.name.endswith("/MANIFEST.MF") for entry in archive.entries):
-        return True
-    with open_regular(path) as source:
-        source.seek(max(0, archive.directory - len(_SIGNING_BLOCK)))
-        return source.read(len(_SIGNING_BLOCK)) == _SIGNING_BLOCK

@@ -14,6 +14,7 @@ from quenzo_key import KeyFailure, secret
 from quenzo_progress import begin_progress, end_progress
 from quenzo_report import Answer, DamagedArchive, NoFile, report, tell
 from quenzo_zipread import Archive
+from quenzo_zipwrite import SIGNATURE_GONE, is_signed
 
 DONE = 0
 NO_APK = 1              # the path is empty or leads to no file, or to one that cannot be read or written
@@ -38,6 +39,7 @@ def encryptApk(runPath, apkFile, keyFile=None, *excluded):
             raise Answer(WRONG_FORM, "the assets are encrypted already", "refused")
         left = _left_out(archive, excluded)
         encrypt_file(path, archive, secret(keyFile, True, lambda text: tell("encryptApk", text)), left)
+        _tell_of_signature("encryptApk", archive)
 
     return _answered("encryptApk", work, apkFile, _ENCRYPTION_PASSES)
 
@@ -48,8 +50,14 @@ def decryptApk(runPath, apkFile, keyFile=None):
         if not has_encrypted(archive):
             raise Answer(WRONG_FORM, "the assets are not encrypted")
         decrypt_file(path, archive, secret(keyFile, False, lambda text: tell("decryptApk", text)))
+        _tell_of_signature("decryptApk", archive)
 
     return _answered("decryptApk", work, apkFile, _DECRYPTION_PASSES)
+
+
+def _tell_of_signature(function, archive):
+    if is_signed(archive):
+        tell(function, SIGNATURE_GONE)
 
 
 def _left_out(archive, patterns):

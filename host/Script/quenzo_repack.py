@@ -8,9 +8,9 @@ import os
 
 from quenzo_files import argument_path
 from quenzo_pack import Item, new_item, pack_planned
-from quenzo_report import ToolError, printable
+from quenzo_report import ToolError, printable, tell
 from quenzo_zipread import STORED, Archive, checked
-from quenzo_zipwrite import is_signature, record_like
+from quenzo_zipwrite import SIGNATURE_GONE, is_signature, is_signed, record_like
 
 
 def pack_like(src, dest, apkfile, base):
@@ -26,6 +26,8 @@ def pack_onto(src, dest, apkfile, base):
 def _pack(src, dest, apkfile, base, stays):
     with _Base(argument_path(base, "the base")) as opened:
         pack_planned(src, dest, apkfile, lambda root, found: _plan(opened.entries, root, found, stays), opened)
+        if opened.is_signed:
+            tell("zip", SIGNATURE_GONE)
 
 
 def _plan(entries, root, found, stays):
@@ -51,6 +53,7 @@ class _Base(object):
         self._path = path
         with self._named():
             self._archive = Archive(path)
+            self.is_signed = is_signed(self._archive)
         self.entries = self._archive.entries
 
     def __enter__(self):

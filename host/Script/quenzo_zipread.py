@@ -99,6 +99,11 @@ class Archive(object):
         for unused in self.blocks(entry):
             pass
 
+    def before_directory(self, count):
+        """The last bytes before the directory."""
+        self._file.seek(max(0, self.directory - count))
+        return self._file.read(count)
+
     def _directory(self):
         """The directory's entries and the place where it begins."""
         try:

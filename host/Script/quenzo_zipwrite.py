@@ -22,6 +22,8 @@ LIMIT_16 = 0xffff
 ZIP64_SIZE = 0xf0000000         # sizes from here on are written in the long form; deflating may add a little
 _PADDING_ID = 0xd935            # the extra field that Android's own tools align with
 _SIGNATURE = re.compile(r"^META-INF/(MANIFEST\.MF|[^/]+\.(SF|RSA|DSA|EC))\Z", re.IGNORECASE)
+_SIGNING_BLOCK = "APK Sig Block 42"
+SIGNATURE_GONE = "the signature is gone: sign it again"
 _LOCAL = struct.Struct("<4s5HLLL2H")
 _CENTRAL = struct.Struct("<4s6HLLL5HLL")
 
@@ -67,6 +69,13 @@ def record_like(entry, method, size):
 def is_signature(name):
     """Whether an entry is part of a signature, which holds no longer once anything else has changed."""
     return _SIGNATURE.match(name) is not None
+
+
+def is_signed(archive):
+    """Whether there is anything to verify: the files of the old form, or the block of the newer ones."""
+    if any(is_signature(entry.name) and not entry.name.endswith("/MANIFEST.MF") for entry in archive.entries):
+        return True
+    return archive.before_directory(len(_SIGNING_BLOCK)) == _SIGNING_BLOCK
 
 
 class ZipWriter(object):

@@ -30,6 +30,10 @@ private Q_SLOTS:
     void wordsOfScriptsAreWarnings();
     void otherAnswersHintAtAny();
     void missingFunctionIsNamed();
+    void lostSignatureIsAWarning_data();
+    void lostSignatureIsAWarning();
+    void standardStreamIsNoFile_data();
+    void standardStreamIsNoFile();
     void interruptedWorkLeavesNothing_data();
     void interruptedWorkLeavesNothing();
 
@@ -196,6 +200,52 @@ void tst_ScriptFailures::missingFunctionIsNamed()
 {
     QCOMPARE(run("run --any script.py absent").error,
              QByteArray("quenzo: absent gave no answer\nscript.py has no function absent\n"));
+}
+
+void tst_ScriptFailures::lostSignatureIsAWarning_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    for (const char* line : {"encrypt signed.apk --key team.key", "pack folder out.apk --like signed.apk",
+                             "pack folder out.apk --onto signed.apk"})
+        QTest::newRow(line) << QByteArray(line);
+}
+
+void tst_ScriptFailures::lostSignatureIsAWarning()
+{
+    QFETCH(const QByteArray, line);
+    write("folder/assets/file", "content");
+    write("folder/META-INF/CERT.SF", "signature");
+    QCOMPARE(run("pack folder signed.apk").code, 0);
+    QCOMPARE(run("key new --key team.key").code, 0);
+    const Ended ended = run(line + " --json");
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(ended.json().value(QStringLiteral("warnings")).toArray(),
+             QJsonArray{QStringLiteral("the signature is gone: sign it again")});
+    QVERIFY(!run("pack folder out.apk --like game.apk --json").json().contains(QStringLiteral("warnings")));
+}
+
+void tst_ScriptFailures::standardStreamIsNoFile_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QByteArray>("subject");
+    const auto row = [](const char* line, const char* subject) {
+        QTest::newRow(line) << QByteArray(line) << QByteArray(subject);
+    };
+    row("decrypt game.apk --key -", "--key");
+    row("key show --key -", "--key");
+    row("sign game.apk --keystore text --pass-file -", "--pass-file");
+    row("run - f", "run");
+}
+
+void tst_ScriptFailures::standardStreamIsNoFile()
+{
+    QFETCH(const QByteArray, line);
+    QFETCH(const QByteArray, subject);
+    const Ended ended = run(line);
+    QCOMPARE(ended.code, 2);
+    const QByteArray expected =
+        "quenzo: " + subject + ": - stands for no file here; one of this name is ./-\n";
+    QVERIFY2(ended.error.startsWith(expected), ended.error.constData());
 }
 
 void tst_ScriptFailures::interruptedWorkLeavesNothing_data()

@@ -145,6 +145,9 @@ QString objectionToOptions(const QCommandLineParser& parser)
         return ApkCommands::tr("sign: missing: %1").arg(missing.join(QStringLiteral(", ")));
     if (hasFile && hasVariable)
         return ApkCommands::tr("--pass-file and --pass-env exclude each other");
+    const QString stream = objectionToStream(parser.value(passFileOption));
+    if (!stream.isEmpty())
+        return QStringLiteral("--pass-file: ") + stream;
     const QString variable = parser.value(passEnvOption);
     if (hasVariable && (variable.isEmpty() || !qEnvironmentVariableIsSet(variable.toUtf8().constData())))
         return ApkCommands::tr("--pass-env: there is no environment variable '%1'").arg(variable);

@@ -33,6 +33,11 @@ bool takeKey(const QCommandLineParser& parser, Console& console)
         console.error({Failure::Usage, AssetCommands::tr("--key takes the name of a file")});
         return false;
     }
+    const QString objection = objectionToStream(key);
+    if (!objection.isEmpty()) {
+        console.error({Failure::Usage, QStringLiteral("--key: ") + objection});
+        return false;
+    }
     qputenv("QUENZO_KEY", QFile::encodeName(key)); // the interpreter reads it when it starts
     return true;
 }

@@ -53,6 +53,11 @@ ExitCode runScript(const QCommandLineParser& parser, Console& console)
 {
     const QStringList words = parser.positionalArguments();
     const bool asText = parser.isSet(QStringLiteral("text"));
+    const QString objection = objectionToStream(words.at(1));
+    if (!objection.isEmpty()) {
+        console.error({Failure::Usage, QStringLiteral("run: ") + objection});
+        return ExitUsage;
+    }
     if (!pathExists(console, words.at(1)))
         return ExitFailed;
     QVariantList arguments;

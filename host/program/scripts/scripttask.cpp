@@ -119,6 +119,13 @@ ExitCode failTask(Console& console, const QString& what, const ScriptOutcome& ou
     return ExitFailed;
 }
 
+QString objectionToStream(const QString& path)
+{
+    if (path != QLatin1String("-"))
+        return {};
+    return ScriptTasks::tr("- stands for no file here; one of this name is ./-");
+}
+
 bool pathExists(Console& console, const QString& path)
 {
     if (QFileInfo::exists(path))

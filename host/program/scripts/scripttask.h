@@ -50,6 +50,9 @@ ScriptOutcome runCall(Console& console, const ScriptCall& call, const QString& d
 /** Reports a failure with what the scripts said of it. */
 ExitCode failTask(Console& console, const QString& what, const ScriptOutcome& outcome);
 
+/** What is wrong with the name of a file that cannot be a standard stream; empty if nothing is. */
+QString objectionToStream(const QString& path);
+
 /** Whether a path exists; reports it when it does not. */
 bool pathExists(Console& console, const QString& path);
 
