@@ -777,6 +777,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>unscrambles such a text</source>
         <translation>还原这样加扰过的文本</translation>
     </message>
+    <message>
+        <source>the text is not what encode makes of this result</source>
+        <translation>该文本不是由 encode 对此结果生成的</translation>
+    </message>
 </context>
 <context>
     <name>DBRequestTexts</name>
@@ -843,6 +847,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>line %1 of the input: %2</source>
         <translation>输入的第 %1 行：%2</translation>
+    </message>
+    <message>
+        <source>the column &apos;%1&apos; of --encode is not among those to be written</source>
+        <translation>--encode 的列 &apos;%1&apos; 不在要写入的列之中</translation>
     </message>
 </context>
 <context>
@@ -1536,6 +1544,14 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>the folder &apos;%1&apos; is given twice; the later channel&apos;s icons stay</source>
         <translation>文件夹 &apos;%1&apos; 给出了两次；保留后一个渠道的图标</translation>
+    </message>
+    <message>
+        <source>the sheet &apos;%1&apos; cannot be written: there is no folder &apos;%2&apos;</source>
+        <translation>无法写入总览图 &apos;%1&apos;：文件夹 &apos;%2&apos; 不存在</translation>
+    </message>
+    <message>
+        <source>channel &apos;%1&apos;: &quot;x&quot; and &quot;y&quot; do not count without a &quot;corner&quot;; the options of the default one place the mark</source>
+        <translation>渠道 &apos;%1&apos;：没有 &quot;corner&quot; 时，&quot;x&quot; 和 &quot;y&quot; 不起作用；角标的位置由默认角的选项决定</translation>
     </message>
 </context>
 <context>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dbscene.h"
 
+#include <QJsonArray>
 #include <QtTest>
 
 // Scrambled records through the command db, and the commands encode and decode.
@@ -11,11 +12,14 @@ private Q_SLOTS:
     void encodedRecordsAreReadWithDecode();
     void namedColumnsAreEncodedAlone_data();
     void namedColumnsAreEncodedAlone();
+    void encodedColumnThatIsNotWrittenIsRefused_data();
+    void encodedColumnThatIsNotWrittenIsRefused();
     void conditionsOnEncodedColumnsAreComparedScrambled();
     void whatWouldNotComeBackIsRefused_data();
     void whatWouldNotComeBackIsRefused();
     void unknownColumnToDecodeIsWarnedOf();
     void textsAreEncodedAndDecoded();
+    void textThatEncodeDoesNotMakeIsWarnedOf();
 };
 
 void tst_DBEncoding::encodedRecordsAreReadWithDecode()
@@ -58,6 +62,34 @@ void tst_DBEncoding::namedColumnsAreEncodedAlone()
     const Ended ended = db(arguments);
     QVERIFY2(ended.code == 0, ended.error.constData());
     QTEST(ask(QStringLiteral("SELECT id || ' ' || name || ' ' || state FROM channel")).value(0), "row");
+}
+
+void tst_DBEncoding::encodedColumnThatIsNotWrittenIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<QByteArray>("place");
+    QTest::addColumn<int>("code");
+    QTest::newRow("insert") << QByteArray("insert channel --encode=nmae name=TopSecret") << QByteArray()
+                            << QByteArray("quenzo: the column") << 2;
+    QTest::newRow("update") << QByteArray("update channel --encode=nmae name=TopSecret --where id=1")
+                            << QByteArray() << QByteArray("quenzo: the column") << 2;
+    QTest::newRow("rows") << QByteArray("insert channel --encode=nmae")
+                          << QByteArray("{\"nmae\": \"long enough\"}\n{\"name\": \"TopSecret\"}\n")
+                          << QByteArray("line 2 of the input: the column") << 1;
+}
+
+void tst_DBEncoding::encodedColumnThatIsNotWrittenIsRefused()
+{
+    QFETCH(const QByteArray, line);
+    QFETCH(const QByteArray, input);
+    QFETCH(const QByteArray, place);
+    ask(QStringLiteral("INSERT INTO channel VALUES(1, 'before', 'x')"));
+    const Ended ended = db(words(line), input);
+    QVERIFY2(ended.error.contains(place + " 'nmae' of --encode is not among those to be written"),
+             ended.error.constData());
+    QTEST(ended.code, "code");
+    QCOMPARE(ask(QStringLiteral("SELECT name FROM channel")), QStringList{QStringLiteral("before")});
 }
 
 void tst_DBEncoding::conditionsOnEncodedColumnsAreComparedScrambled()
@@ -124,6 +156,17 @@ void tst_DBEncoding::textsAreEncodedAndDecoded()
     QCOMPARE(tooShort.code, 0);
     QCOMPARE(tooShort.output, QByteArray("\n"));
     QVERIFY(tooShort.error.contains("less than four bytes"));
+}
+
+void tst_DBEncoding::textThatEncodeDoesNotMakeIsWarnedOf()
+{
+    const QStringList command{QStringLiteral("decode"), QStringLiteral("--json")};
+    const Ended foreign = QuenzoProcess(command + QStringList(QStringLiteral("not base64 at all"))).end();
+    QCOMPARE(foreign.code, 0);
+    const QJsonArray warnings = foreign.json().value(QStringLiteral("warnings")).toArray();
+    QCOMPARE(warnings, QJsonArray{QStringLiteral("the text is not what encode makes of this result")});
+    const Ended own = QuenzoProcess(command + QStringList(QStringLiteral("GasVGbg82d9ybGQ="))).end();
+    QCOMPARE(own.error, QByteArray());
 }
 
 QTEST_GUILESS_MAIN(tst_DBEncoding)

@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
@@ -30,6 +31,8 @@ private Q_SLOTS:
     void closedOutputIsAFailure();
     void closedInputIsAtItsEnd();
     void closedStreamsHarmNothing();
+    void slowInputIsWaitedFor_data();
+    void slowInputIsWaitedFor();
     void inputThatCannotBeReadIsAFailure();
     void inputThatDoesNotWaitIsWaitedFor();
     void wordsThatAreNoTextAreRefused_data();
@@ -122,6 +125,52 @@ void tst_HostStreams::closedStreamsHarmNothing()
         quenzo(words("db --file records.db select channel --where name=closed"), QStringLiteral("2>&- <&-"));
     QCOMPARE(selected.output, QByteArray("{\"id\":null,\"name\":\"closed\"}\n"));
     QCOMPARE(selected.code, 0);
+}
+
+void tst_HostStreams::slowInputIsWaitedFor_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<bool>("nonBlocking");
+    QTest::newRow("text") << words("encode -") << false;
+    QTest::newRow("text, told not to wait") << words("encode -") << true;
+    QTest::newRow("rows") << words("db --file records.db insert channel") << false;
+    QTest::newRow("channels") << words("icons --icon no --marks no --out out --platform ios -") << false;
+}
+
+// Blanks, so that what is read makes no difference; each is written when the one before has been read.
+void tst_HostStreams::slowInputIsWaitedFor()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const bool, nonBlocking);
+    int ends[2];
+    QCOMPARE(pipe2(ends, O_CLOEXEC), 0);
+    if (nonBlocking)
+        QCOMPARE(fcntl(ends[0], F_SETFL, O_NONBLOCK), 0);
+    QuenzoProcess process(arguments, m_folder.path());
+    process.before = [&ends] { dup2(ends[0], STDIN_FILENO); };
+    process.start();
+    QVERIFY(process.waitForStarted());
+    const auto unread = [&ends] {
+        int count = -1;
+        return ioctl(ends[0], FIONREAD, &count) == 0 ? count : -1;
+    };
+    for (int i = 0; i < 20; ++i) {
+        QCOMPARE(write(ends[1], "\n", 1), ssize_t(1));
+        QTRY_VERIFY_WITH_TIMEOUT(unread() == 0 || process.state() == QProcess::NotRunning, 30000);
+    }
+    close(ends[1]);
+    const Ended ended = process.end();
+    close(ends[0]);
+    QVERIFY2(!ended.error.contains("the standard input cannot be read"), ended.error.constData());
+    if (arguments.first() == QLatin1String("icons")) {
+        QVERIFY2(ended.error.contains("is not JSON"), ended.error.constData());
+    } else if (arguments.first() == QLatin1String("encode")) {
+        const QByteArray scrambled = ended.output.trimmed();
+        QCOMPARE(QuenzoProcess({QStringLiteral("decode"), QString::fromLatin1(scrambled)}).end().output,
+                 QByteArray(20, '\n'));
+    } else {
+        QCOMPARE(ended.output, QByteArray("inserted into channel, rows: 0\n"));
+    }
 }
 
 void tst_HostStreams::inputThatCannotBeReadIsAFailure()

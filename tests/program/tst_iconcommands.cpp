@@ -204,7 +204,9 @@ void tst_IconCommands::markWithoutAPlaceLiesFlushInItsCorner()
     QFETCH(const int, corner);
     QFETCH(const QPoint, position);
     const Ended ended = icons(R"([{"folder": "a", "mark": "red")" + place + "}]", options);
-    QCOMPARE(ended.error, QByteArray());
+    const QByteArray lost = "quenzo: channel 'a': \"x\" and \"y\" do not count without a \"corner\"; "
+                            "the options of the default one place the mark\n";
+    QCOMPARE(ended.error, place.startsWith(R"(, "x")") ? lost : QByteArray());
     QCOMPARE(produced(QStringLiteral("a")),
              marked(master(), markPicture(corner), position.x(), position.y()));
 }

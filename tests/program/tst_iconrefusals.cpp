@@ -9,6 +9,8 @@
 #include <QUuid>
 #include <QtTest>
 
+#include <csignal>
+
 #include <unistd.h>
 
 using namespace IconPictures;
@@ -33,6 +35,10 @@ private Q_SLOTS:
     void whatItReadsIsNeverCleared();
     void foreignFolderIsNotCleared_data();
     void foreignFolderIsNotCleared();
+    void foreignFolderIsRefusedByCode();
+    void interruptedRunCanBeRepeated();
+    void sheetWithoutAFolderIsNamedFirst();
+    void placeWithoutACornerIsWarnedOf();
     void goneCurrentFolderIsNamed();
     void whatItReadsIsNeverOverwritten_data();
     void whatItReadsIsNeverOverwritten();
@@ -135,6 +141,51 @@ void tst_IconRefusals::foreignFolderIsNotCleared()
 
     QCOMPARE(icons(list, words("--clear")).error, QByteArray());
     QVERIFY(!QFileInfo::exists(out(entry)));
+}
+
+void tst_IconRefusals::foreignFolderIsRefusedByCode()
+{
+    write(out(QStringLiteral("file")), "precious");
+    const Ended refused = icons(R"([{"folder": "a"}])", words("--json"));
+    QCOMPARE(refused.failure().value(QStringLiteral("code")).toString(), QStringLiteral("refused"));
+}
+
+void tst_IconRefusals::interruptedRunCanBeRepeated()
+{
+    QByteArray list = "[";
+    for (int i = 0; i < 3000; ++i)
+        list += R"({"folder": "c)" + QByteArray::number(i) + R"("},)";
+    list.chop(1);
+    write(path(QStringLiteral("channels.json")), list + "]");
+    QuenzoProcess process(arguments(), root());
+    process.start();
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(out(QStringLiteral("c0/icon512x512.png"))), 60000);
+    QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QCOMPARE(process.end().code, -SIGINT);
+    QVERIFY(!QFileInfo::exists(out(QStringLiteral("c2999/icon512x512.png"))));
+    const Ended again = icons(R"([{"folder": "a"}])");
+    QCOMPARE(again.error, QByteArray());
+    QCOMPARE(again.code, 0);
+}
+
+void tst_IconRefusals::sheetWithoutAFolderIsNamedFirst()
+{
+    const Ended ended = icons(R"([{"folder": "a"}])", words("--sheet nodir/s.png"));
+    QCOMPARE(ended.error,
+             QByteArray("quenzo: the sheet 'nodir/s.png' cannot be written: there is no folder 'nodir'\n"));
+    QCOMPARE(ended.code, 1);
+    QVERIFY(!QFileInfo::exists(out()));
+    QCOMPARE(icons(R"([{"folder": "a"}])", words("--sheet out/s.png")).code, 0);
+}
+
+void tst_IconRefusals::placeWithoutACornerIsWarnedOf()
+{
+    const Ended ended = icons(R"([{"folder": "b", "mark": "red", "x": 5, "y": -3},
+                                  {"folder": "c", "mark": "red", "corner": "default", "x": 5}])");
+    QCOMPARE(ended.code, 0);
+    QCOMPARE(ended.error,
+             QByteArray("quenzo: channel 'b': \"x\" and \"y\" do not count without a \"corner\"; "
+                        "the options of the default one place the mark\n"));
 }
 
 void tst_IconRefusals::goneCurrentFolderIsNamed()

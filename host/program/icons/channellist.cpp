@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "icons/channellist.h"
 
+#include "console/standardstreams.h"
 #include "icons/iconset.h"
 
 #include <QCoreApplication>
@@ -126,10 +127,20 @@ ListedChannel channelOf(const Entry& entry)
     channel.icon.nCorner = entry.corner(QStringLiteral("corner"));
     channel.givesX = entry.gives(QStringLiteral("x"));
     channel.givesY = entry.gives(QStringLiteral("y"));
+    channel.losesPlace = !entry.gives(QStringLiteral("corner")) && (channel.givesX || channel.givesY);
     channel.icon.nOffsetX = entry.number(QStringLiteral("x"));
     channel.icon.nOffsetY = entry.number(QStringLiteral("y"));
     channel.name = entry.text(QStringLiteral("name"), channel.icon.strChannelDir);
     return channel;
+}
+
+QByteArray contentOf(const QString& path, QString& error)
+{
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly))
+        return file.readAll();
+    error = Channels::tr("%1 cannot be read: %2").arg(path, file.errorString());
+    return {};
 }
 
 // Where in a text an error is, as people count.
@@ -167,12 +178,12 @@ QVector<ListedChannel> ChannelList::read(const QString& path, QStringList& error
         errors.append(Channels::tr("%1 is not a regular file").arg(title));
         return {};
     }
-    QFile file(path);
-    if (!(isStandardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly))) {
-        errors.append(Channels::tr("%1 cannot be read: %2").arg(title, file.errorString()));
+    QString error;
+    const QByteArray content = isStandardInput ? StandardStreams::readInput(error) : contentOf(path, error);
+    if (!error.isEmpty()) {
+        errors.append(error);
         return {};
     }
-    const QByteArray content = file.readAll();
     QJsonParseError fault;
     const QJsonDocument document = QJsonDocument::fromJson(content, &fault);
     if (fault.error != QJsonParseError::NoError) {

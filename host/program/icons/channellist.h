@@ -14,6 +14,7 @@ struct ListedChannel {
     ST_CHANNEL_ICON icon;
     bool givesX = false; ///< whether the list says where the mark goes; otherwise it lies flush in its corner
     bool givesY = false;
+    bool losesPlace = false; ///< what it says of that does not count, for want of a corner
 };
 
 namespace ChannelList {

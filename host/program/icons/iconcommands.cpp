@@ -325,6 +325,11 @@ ExitCode makeIcons(const QCommandLineParser& parser, Console& console)
         console.error({Failure::BadInput, text});
     if (!faults.isEmpty())
         return ExitFailed;
+    const QString refusal = job.refusal();
+    if (!refusal.isEmpty()) {
+        console.error({Failure::Refused, refusal});
+        return ExitFailed;
+    }
     warnOf((job.ignoreMissing ? job.missingMarks() : QStringList()) + job.warnings(), console);
     if (parser.isSet(QStringLiteral("dry-run"))) {
         reportDryRun(job, console);

@@ -103,6 +103,9 @@ QString faultOfSheet(const IconJob& job)
     const auto isSheet = [&](const QString& path) {
         return placeOf(path) == place || (identity.isKnown() && identityOf(path) == identity);
     };
+    const QString folder = QFileInfo(job.sheet).path();
+    if (!QFileInfo(folder).isDir() && !place.startsWith(job.out + QLatin1Char('/')))
+        return Job::tr("the sheet '%1' cannot be written: there is no folder '%2'").arg(job.sheet, folder);
     for (const Input& input : inputsOf(job)) {
         if (isSheet(input.path))
             return Job::tr("the sheet would replace %1").arg(input.title);
@@ -140,15 +143,6 @@ QString faultOfClearing(const IconJob& job)
 bool isEmpty(const QString& folder)
 {
     return QDir(folder).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-}
-
-QString faultOfForeignFolder(const IconJob& job)
-{
-    if (job.keep || job.clear || isEmpty(job.out) || QFileInfo::exists(job.marker()))
-        return {};
-    return Job::tr("the output folder '%1' is not empty, and no earlier run has made it: --clear deletes "
-                   "what is in it, --keep leaves it")
-        .arg(job.out);
 }
 
 // Why a mark cannot be drawn; empty when it can.
@@ -282,13 +276,27 @@ QString IconJob::danger() const
     const QFileInfo root(out);
     if (root.exists() && !root.isDir())
         return Job::tr("the output folder '%1' is not a folder").arg(out);
-    for (const auto& faultOf : {faultOfShape, faultOfMarkFiles, faultOfIcons, faultOfSheet, faultOfClearing,
-                                faultOfForeignFolder}) {
+    for (const auto& faultOf :
+         {faultOfShape, faultOfMarkFiles, faultOfIcons, faultOfSheet, faultOfClearing}) {
         QString fault = faultOf(*this);
         if (!fault.isEmpty())
             return fault;
     }
     return {};
+}
+
+bool IconJob::isForeign() const
+{
+    return !isEmpty(out) && !QFileInfo::exists(marker());
+}
+
+QString IconJob::refusal() const
+{
+    if (keep || clear || !isForeign())
+        return {};
+    return Job::tr("the output folder '%1' is not empty, and no earlier run has made it: --clear deletes "
+                   "what is in it, --keep leaves it")
+        .arg(out);
 }
 
 QString IconJob::marker() const
@@ -345,6 +353,10 @@ QStringList IconJob::warnings() const
             texts.append(
                 Job::tr("the folder '%1' is given twice; the later channel's icons stay").arg(folder));
         folders.insert(folder);
+        if (channel.losesPlace && !defaultX && !defaultY && isMarked(channel))
+            texts.append(Job::tr("channel '%1': \"x\" and \"y\" do not count without a \"corner\"; the "
+                                 "options of the default one place the mark")
+                             .arg(channel.name));
         const QSize markSize = isMarked(channel) ? sizeOf(markPath(*this, channel.icon)) : QSize();
         const QString fault = markSize.isEmpty() ? QString() : faultOfPlace(channel.icon, markSize, iconSize);
         if (!fault.isEmpty())

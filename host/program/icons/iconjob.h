@@ -42,6 +42,12 @@ struct IconJob {
     /** Why the job must not be run, since it would destroy what it must not; empty when it may. */
     QString danger() const;
 
+    /** Whether the output folder holds what no earlier run has made. */
+    bool isForeign() const;
+
+    /** Why such a folder is not cleared without a word for it; empty when there is no need. */
+    QString refusal() const;
+
     /** The marks that cannot be drawn, each with its channel and the reason. */
     QStringList missingMarks() const;
 

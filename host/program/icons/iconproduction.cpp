@@ -49,6 +49,12 @@ bool producePlain(const IconJob& job, FileTally& tally, Console& console)
     QList<ST_CHANNEL_ICON> icons;
     for (const ListedChannel& channel : job.channels)
         icons.append(channel.icon);
+    const bool isOwn = !job.keep && !job.isForeign();
+    // Else the same words would be refused the next time.
+    const InterruptGuard guard([&job, isOwn] {
+        if (isOwn && QDir(job.out).exists())
+            job.markAsOwn();
+    });
     return runLibrary(job, icons, job.out, !job.keep, tally, console);
 }
 

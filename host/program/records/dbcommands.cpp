@@ -153,7 +153,7 @@ ExitCode runRows(const QCommandLineParser& parser, Console& console)
         QByteArray lines = StandardStreams::readInput(error);
         QBuffer input(&lines);
         if (error.isEmpty() && input.open(QIODevice::ReadOnly))
-            request.rows = DBRequests::rowsFromJsonLines(input, request.conditionColumn(), error);
+            request.rows = DBRequests::rowsFromJsonLines(input, request, error);
         if (!error.isEmpty())
             return fail(console, error, Failure::BadInput);
     }
@@ -229,6 +229,8 @@ ExitCode decodeText(const QCommandLineParser& parser, Console& console)
     if (!readText(parser, console, text))
         return ExitFailed;
     const QString plain = QuenzoTool::ckDecode(text);
+    if (QuenzoTool::ckEncode(plain) != text)
+        console.warn(DBCommands::tr("the text is not what encode makes of this result"));
     console.printText(plain);
     console.set(QStringLiteral("text"), plain);
     return ExitDone;

@@ -76,7 +76,7 @@ QString conditionAmongValues(const QString& column)
         .arg(column, other);
 }
 
-QString rowError(const QVariantMap& row, const QString& conditionColumn)
+QString rowError(const QVariantMap& row, const DBRequest& request)
 {
     // More than any table of SQLite's can have; its parser would take minutes to find that out.
     constexpr int mostColumns = 32767;
@@ -84,8 +84,14 @@ QString rowError(const QVariantMap& row, const QString& conditionColumn)
         return DBRequestTexts::tr("a row needs a column");
     if (row.size() > mostColumns)
         return DBRequestTexts::tr("a row has more columns, %1, than any table").arg(row.size());
-    if (row.contains(conditionColumn))
-        return conditionAmongValues(conditionColumn);
+    if (row.contains(request.conditionColumn()))
+        return conditionAmongValues(request.conditionColumn());
+    // A mistyped one would leave the value readable.
+    for (const QString& column : request.encodedColumns) {
+        if (!containsColumn(row, column) && !containsColumn(request.conditions, column))
+            return DBRequestTexts::tr("the column '%1' of --encode is not among those to be written")
+                .arg(column);
+    }
     for (auto value = row.cbegin(); value != row.cend(); ++value) {
         if (!DBRequests::isName(value.key()))
             return DBRequests::badName(value.key());
@@ -169,11 +175,11 @@ DBRequest DBRequests::fromCommandLine(const QCommandLineParser& parser, QString&
     if (error.isEmpty() && request.encode && !request.encodedColumns.isEmpty())
         error = DBRequestTexts::tr("--encode is for all columns or for those that are named, not for both");
     if (error.isEmpty() && !row.isEmpty())
-        error = rowError(row, request.conditionColumn());
+        error = rowError(row, request);
     return request;
 }
 
-QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, const QString& conditionColumn, QString& error)
+QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, const DBRequest& request, QString& error)
 {
     QVariantList rows;
     for (int number = 1; !input.atEnd(); ++number) {
@@ -186,7 +192,7 @@ QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, const QString& cond
         QString problem;
         const QVariantMap row = JsonRow::parse(line, problem);
         if (problem.isEmpty())
-            problem = rowError(row, conditionColumn);
+            problem = rowError(row, request);
         if (!problem.isEmpty()) {
             error = DBRequestTexts::tr("line %1 of the input: %2").arg(QString::number(number), problem);
             return {};

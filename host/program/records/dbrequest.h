@@ -53,10 +53,10 @@ QStringList withEncodeValues(const QStringList& words);
 /**
  * Reads one row from each line, a JSON object of names to texts, numbers, true, false and null.
  *
- * @param conditionColumn of an update; a row must not have it
+ * @param request whose condition's column a row must not have, and whose scrambled ones it must
  * @param[out] error why a line is no row; there are no rows then
  */
-QVariantList rowsFromJsonLines(QIODevice& input, const QString& conditionColumn, QString& error);
+QVariantList rowsFromJsonLines(QIODevice& input, const DBRequest& request, QString& error);
 
 } // namespace DBRequests
 
