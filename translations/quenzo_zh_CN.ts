@@ -119,6 +119,10 @@
         <source>%1: aapt cannot read it</source>
         <translation>%1：aapt 无法读取它</translation>
     </message>
+    <message>
+        <source>the program aapt is missing: there is no %1 that can be run</source>
+        <translation>缺少程序 aapt：没有可运行的 %1</translation>
+    </message>
 </context>
 <context>
     <name>ApkSigner</name>

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void init();
     void sampleIsWholeAlignedAndUnsigned();
     void everythingWrongIsToldInOneRun();
+    void missingAaptIsNamed();
     void damagedArchiveIsNamed();
     void missingWordsAreNamedTogether_data();
     void missingWordsAreNamedTogether();
@@ -108,6 +109,21 @@ void tst_ApkCommands::everythingWrongIsToldInOneRun()
     QVERIFY2(ended.error.contains("bad.zip: 1 entries are not aligned: a."), ended.error.constData());
     QVERIFY2(ended.error.contains("bad.zip: aapt finds no package name"), ended.error.constData());
     QCOMPARE(ended.code, 1);
+}
+
+// A host that ships its scripts without the tool.
+void tst_ApkCommands::missingAaptIsNamed()
+{
+    const QFileInfo program(QStringLiteral(QUENZO_PROGRAM));
+    QVERIFY(QDir().mkpath(path("bin")));
+    QVERIFY(QFile::copy(program.filePath(), path("bin/quenzo")));
+    QVERIFY(QFile::link(program.absolutePath() + QStringLiteral("/../Script"), path("Script")));
+    QuenzoProcess process(QuenzoProcess::words("check game.apk --json"), m_folder->path());
+    process.setProgram(path("bin/quenzo"));
+    const QJsonObject failure = process.end().failure();
+    QCOMPARE(failure.value(QStringLiteral("code")).toString(), QStringLiteral("no-tool"));
+    const QString message = failure.value(QStringLiteral("message")).toString();
+    QVERIFY2(message.startsWith(QLatin1String("the program aapt is missing: ")), qPrintable(message));
 }
 
 void tst_ApkCommands::damagedArchiveIsNamed()

@@ -11,6 +11,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -93,8 +94,14 @@ bool tellSignature(bool isSigned, const QString& apk, Console& console)
 
 bool tellPackage(const QString& apk, Console& console)
 {
-    const ToolRun run = runTool(console, QuenzoTool::getToolPath() + QStringLiteral("/aapt"),
-                                {QStringLiteral("dump"), QStringLiteral("badging"), apk},
+    const QString aapt = QDir::cleanPath(QuenzoTool::getToolPath() + QStringLiteral("/aapt"));
+    if (!QFileInfo(aapt).isFile() || !QFileInfo(aapt).isExecutable()) {
+        console.error(
+            {Failure::NoTool,
+             ApkCommands::tr("the program aapt is missing: there is no %1 that can be run").arg(aapt)});
+        return false;
+    }
+    const ToolRun run = runTool(console, aapt, {QStringLiteral("dump"), QStringLiteral("badging"), apk},
                                 ApkCommands::tr("reading the manifest"));
     static const QRegularExpression form(
         QStringLiteral("^package: name='([^']+)' versionCode='([^']*)' versionName='([^']*)'"));
