@@ -51,7 +51,10 @@ done
 command -v dpkg-query >/dev/null || die "this is not Debian 12; see README.md for what to install by hand"
 wanted=($(missing "${packages[@]}"))
 wanted_python=($(missing "${python[@]}"))
-[ $((${#wanted[@]} + ${#wanted_python[@]})) -gt 0 ] || exit 0
+[ $((${#wanted[@]} + ${#wanted_python[@]})) -gt 0 ] || {
+    [ -z "$show" ] || echo 'dependencies: nothing is missing'
+    exit 0
+}
 
 release=$(. /etc/os-release && printf '%s %s' "${ID:-}" "${VERSION_ID:-}")
 [ "$release" = "debian 12" ] || die "missing: ${wanted[*]} ${wanted_python[*]}; they are installed by this script on \

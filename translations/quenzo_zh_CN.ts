@@ -974,12 +974,12 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <translation>没有选择设备</translation>
     </message>
     <message>
-        <source>%1 and its data are removed from %2 before the install. Go on? [y/N]</source>
-        <translation>安装之前会从 %2 上删除 %1 及其数据。继续吗？[y/N]</translation>
+        <source>Remove %1 and its data from %2 before the install? [y/N]</source>
+        <translation>安装前从 %2 移除 %1 及其数据吗？[y/N]</translation>
     </message>
     <message>
-        <source>%1 and its data are removed from %2. Go on? [y/N]</source>
-        <translation>将从 %2 上删除 %1 及其数据。继续吗？[y/N]</translation>
+        <source>Remove %1 and its data from %2? [y/N]</source>
+        <translation>从 %2 移除 %1 及其数据吗？[y/N]</translation>
     </message>
     <message>
         <source>no outcome was reported within %1 s. adb failed without a code, could not be started, or is still at work.</source>
@@ -1967,8 +1967,8 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <translation>正在统计</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is removed with all in it, %2. Go on? [y/N]</source>
-        <translation>将删除 &apos;%1&apos; 及其中的所有内容，%2。继续吗？[y/N]</translation>
+        <source>Remove &apos;%1&apos; with all in it (%2)? [y/N]</source>
+        <translation>删除 &apos;%1&apos; 及其中的全部内容（%2）吗？[y/N]</translation>
     </message>
     <message>
         <source>Tells file by file what would be done, and does nothing.</source>

@@ -69,15 +69,30 @@ QString objectionToNumber(const Command& command, const QStringList& given)
     return {};
 }
 
+QString withDashes(const QString& option)
+{
+    return (option.size() > 1 ? QStringLiteral("--") : QStringLiteral("-")) + option;
+}
+
+// What the parser says as a sentence of its own, in our form.
+QString asObjection(QString sentence)
+{
+    if (sentence.endsWith(QLatin1Char('.')) || sentence.endsWith(QChar(u'。')))
+        sentence.chop(1);
+    return sentence.left(1).toLower() + sentence.mid(1);
+}
+
 QString objectionToOptions(const Command& command, const QCommandLineParser& parser)
 {
     QStringList names;
     for (const QCommandLineOption& option : commonOptions() + command.options)
-        names += option.names();
+        names += option.names().last();
     const QString unknown = parser.unknownOptionNames().value(0);
     if (unknown.isEmpty())
-        return QStringLiteral("%1: %2").arg(command.name, parser.errorText());
-    return withSuggestion(Line::tr("%1: unknown option '%2'").arg(command.name, unknown), unknown, names);
+        return QStringLiteral("%1: %2").arg(command.name, asObjection(parser.errorText()));
+    const QString error = Line::tr("%1: unknown option '%2'").arg(command.name, withDashes(unknown));
+    const QString meant = likelyMeant(unknown, names);
+    return meant.isEmpty() ? error : Line::tr("%1; did you mean '%2'?").arg(error, withDashes(meant));
 }
 
 // Whether a line may end between these letters: at a blank, and at wide letters but where punctuation holds
@@ -158,6 +173,19 @@ ExitCode objectTo(const QStringList& words, const QString& text, const QString& 
     console.error(Failure{Failure::Usage, text, {}, Line::tr("see quenzo %1").arg(help)});
     console.finish(false);
     return ExitUsage;
+}
+
+// A word behind those that help or version takes; empty when there is none.
+QString wordTooMany(const QStringList& words)
+{
+    const bool isHelp = words.value(0) == helpCommand;
+    if (!isHelp && words.value(0) != versionCommand)
+        return {};
+    const QStringList further = words.mid(isHelp ? 2 : 1);
+    const auto extra = std::find_if(further.cbegin(), further.cend(),
+                                    [](const QString& word) { return !word.startsWith(QLatin1Char('-')); });
+    return extra == further.cend() ? QString()
+                                   : Line::tr("%1: '%2' is one word too many").arg(words.first(), *extra);
 }
 
 ExitCode showText(const QStringList& words, const QString& command, const QString& key, const QString& text,
@@ -257,6 +285,9 @@ ExitCode CommandLine::run(const QStringList& given)
     }
     if (words.isEmpty() || commonWords(words.first()) > 0)
         return objectTo(given, Line::tr("no command given"));
+    const QString excess = wordTooMany(words);
+    if (!excess.isEmpty())
+        return objectTo(given, excess);
     // "help copy" and "copy --help" are the same.
     if (words.size() > 1 && words.first() == helpCommand) {
         words = QStringList{words.at(1), QStringLiteral("--help")};

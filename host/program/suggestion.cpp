@@ -9,17 +9,21 @@
 
 namespace {
 
-// How many letters must be put in, left out or replaced.
+// How many letters must be put in, left out, replaced or exchanged with their neighbours.
 int distance(const QString& one, const QString& other)
 {
+    QVector<int> beforeLast;
+    QVector<int> last;
     QVector<int> row(other.size() + 1);
     std::iota(row.begin(), row.end(), 0);
-    for (int i = 0; i < one.size(); ++i) {
-        int diagonal = std::exchange(row[0], i + 1);
-        for (int k = 0; k < other.size(); ++k) {
-            const int replaced = diagonal + (one.at(i) == other.at(k) ? 0 : 1);
-            diagonal = row.at(k + 1);
-            row[k + 1] = std::min({replaced, diagonal + 1, row.at(k) + 1});
+    for (int i = 1; i <= one.size(); ++i) {
+        beforeLast = std::exchange(last, row);
+        row[0] = i;
+        for (int k = 1; k <= other.size(); ++k) {
+            const int replaced = last.at(k - 1) + (one.at(i - 1) == other.at(k - 1) ? 0 : 1);
+            row[k] = std::min({replaced, last.at(k) + 1, row.at(k - 1) + 1});
+            if (i > 1 && k > 1 && one.at(i - 1) == other.at(k - 2) && one.at(i - 2) == other.at(k - 1))
+                row[k] = std::min(row.at(k), beforeLast.at(k - 2) + 1);
         }
     }
     return row.last();
@@ -30,13 +34,13 @@ int distance(const QString& one, const QString& other)
 QString likelyMeant(const QString& word, const QStringList& names)
 {
     constexpr int longest = 40; // no name is longer, and the comparison takes its time
-    if (word.size() > longest)
+    if (word.size() > longest || word.size() < 2)
         return {};
     QString nearest;
-    int least = std::clamp(word.size() / 2, 1, 3) + 1;
+    int least = std::clamp(word.size() / 3, 1, 3) + 1;
     for (const QString& name : names) {
-        const int found = distance(word.toLower(), name);
-        if (found < least) {
+        const int found = distance(word.toLower(), name.toLower());
+        if (name.size() > 1 && found < least) {
             least = found;
             nearest = name;
         }

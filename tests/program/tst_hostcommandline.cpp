@@ -93,10 +93,17 @@ void tst_HostCommandLine::wrongWordsAreNamed_data()
     row("copy", "copy: missing: SRC DEST (see quenzo copy --help)");
     row("copy a", "copy: missing: DEST (see quenzo copy --help)");
     row("copy a b c", "copy: 'c' is one word too many (see quenzo copy --help)");
-    row("copy a b --jsno", "copy: unknown option 'jsno'; did you mean 'json'? (see quenzo copy --help)");
+    row("copy a b --jsno", "copy: unknown option '--jsno'; did you mean '--json'? (see quenzo copy --help)");
     row("output a b --laeve x",
-        "output: unknown option 'laeve'; did you mean 'leave'? (see quenzo output --help)");
-    row("copy a b --frobnicate", "copy: unknown option 'frobnicate' (see quenzo copy --help)");
+        "output: unknown option '--laeve'; did you mean '--leave'? (see quenzo output --help)");
+    row("x", "unknown command 'x' (see quenzo --help)");
+    row("zzz", "unknown command 'zzz' (see quenzo --help)");
+    row("icons --ot", "icons: unknown option '--ot'; did you mean '--out'? (see quenzo icons --help)");
+    row("copy a b -x", "copy: unknown option '-x' (see quenzo copy --help)");
+    row("icons list --sheet", "icons: missing value after '--sheet' (see quenzo icons --help)");
+    row("help pack extra", "help: 'extra' is one word too many (see quenzo --help)");
+    row("version extra", "version: 'extra' is one word too many (see quenzo --help)");
+    row("copy a b --frobnicate", "copy: unknown option '--frobnicate' (see quenzo copy --help)");
 }
 
 void tst_HostCommandLine::wrongWordsAreNamed()

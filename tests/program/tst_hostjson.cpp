@@ -261,7 +261,7 @@ void tst_HostJson::wrongWordsAreAnObject_data()
     row("--json --frob copy", "", "unknown command '--frob'", "see quenzo --help");
     row("cpoy --json", "", "unknown command 'cpoy'; did you mean 'copy'?", "see quenzo --help");
     row("copy --json", "copy", "copy: missing: SRC DEST", "see quenzo copy --help");
-    row("copy a b --json --frob", "copy", "copy: unknown option 'frob'", "see quenzo copy --help");
+    row("copy a b --json --frob", "copy", "copy: unknown option '--frob'", "see quenzo copy --help");
     row("copy a b --json -qv", "copy", "--quiet and --verbose exclude each other", "see quenzo copy --help");
     row("copy a b --json --progress x", "copy", "--progress is terminal or json, not 'x'",
         "see quenzo copy --help");

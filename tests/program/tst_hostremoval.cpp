@@ -158,7 +158,7 @@ void tst_HostRemoval::removeAsksOnATerminal()
     process.setStandardErrorFile(terminal.path());
     process.start();
     const QByteArray question =
-        "'" + m_root + "/source' is removed with all in it, files: 1, size: 5 bytes. Go on? [y/N]";
+        "Remove '" + m_root + "/source' with all in it (files: 1, size: 5 bytes)? [y/N]";
     QTRY_VERIFY2_WITH_TIMEOUT(terminal.shown().contains(question), terminal.shown().constData(), 60000);
     QVERIFY(exists(m_root + "/source/file"));
     terminal.type(answer);

@@ -179,6 +179,8 @@ QString Console::ask(const QString& question)
     StandardStreams::writeDiagnostic(shown(question) + QLatin1Char(' '));
     std::string line;
     std::getline(std::cin, line);
+    if (std::cin.eof()) // no line break has been typed
+        StandardStreams::writeDiagnostic(QStringLiteral("\n"));
     return QString::fromStdString(line).trimmed();
 }
 

@@ -183,8 +183,8 @@ QString chooseDevice(const QString& wanted, Console& console)
 bool isConfirmed(bool install, const QString& package, const QString& serial, Console& console)
 {
     const QString question = install
-        ? DeviceCommands::tr("%1 and its data are removed from %2 before the install. Go on? [y/N]")
-        : DeviceCommands::tr("%1 and its data are removed from %2. Go on? [y/N]");
+        ? DeviceCommands::tr("Remove %1 and its data from %2 before the install? [y/N]")
+        : DeviceCommands::tr("Remove %1 and its data from %2? [y/N]");
     return console.confirms(question.arg(package, serial));
 }
 

@@ -140,7 +140,7 @@ ExitCode removeFolder(const QCommandLineParser& parser, Console& console)
     }
     console.showProgress({TreeCommands::tr("counting")});
     const TreeCount all = TreeCount::of(tree);
-    const QString question = TreeCommands::tr("'%1' is removed with all in it, %2. Go on? [y/N]");
+    const QString question = TreeCommands::tr("Remove '%1' with all in it (%2)? [y/N]");
     if (!parser.isSet(yesOption) && !console.confirms(question.arg(path.folder, summaryOf(all))))
         return ExitFailed;
     return removeTree(path, all, console);
