@@ -114,7 +114,7 @@ void tst_HostLanguages::everyKindOfTextIsTranslated_data()
     QTest::newRow("wrong words") << QStringLiteral("copy") << QByteArray()
                                  << QByteArray("quenzo: copy: 缺少：SRC DEST");
     QTest::newRow("the parser's own objection")
-        << QStringLiteral("pack --like") << QByteArray() << QByteArray("'--like' 之后缺少值。");
+        << QStringLiteral("pack --like") << QByteArray() << QByteArray("'--like' 之后缺少值");
     QTest::newRow("failure") << QStringLiteral("copy absent there") << QByteArray()
                              << QByteArray("quenzo: 没有文件夹 '");
     QTest::newRow("result") << QStringLiteral("copy from to") << QByteArray("/to：文件数：1，大小：3 字节\n")
