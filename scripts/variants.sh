@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 #
 # Compiles what the usual build leaves out, with gcc and clang and warnings as errors: the libraries without the optional
-# parts (libdeflate, SQLite's headers), and with the sources that serve other platforms. The bare ones are also tested.
+# parts (libdeflate, SQLite's headers; both, or one), and with the sources that serve other platforms. The bare ones of gcc are
+# also tested.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 export LC_ALL=C.UTF-8
@@ -24,5 +25,10 @@ variant() {
 variant bare g++ "QuenzoTool tst_pngencoder tst_dblists tst_dbfailures tst_dbkept" \
     -DCMAKE_DISABLE_FIND_PACKAGE_Deflate=ON -DCMAKE_DISABLE_FIND_PACKAGE_SQLite3=ON
 ctest --test-dir build/variants/bare-g++ --output-on-failure --no-tests=error -R '^(pngencoder|dblists|dbfailures|dbkept)$'
+variant bare clang++ QuenzoTool -DBUILD_TESTING=OFF \
+    -DCMAKE_DISABLE_FIND_PACKAGE_Deflate=ON -DCMAKE_DISABLE_FIND_PACKAGE_SQLite3=ON
+variant no-deflate g++ QuenzoTool -DBUILD_TESTING=OFF -DCMAKE_DISABLE_FIND_PACKAGE_Deflate=ON
+variant no-sqlite g++ QuenzoTool -DBUILD_TESTING=OFF -DCMAKE_DISABLE_FIND_PACKAGE_SQLite3=ON
+variant portable g++ QuenzoTool -DBUILD_TESTING=OFF -DQUENZO_PORTABLE=ON
 variant portable clang++ QuenzoTool -DBUILD_TESTING=OFF -DQUENZO_PORTABLE=ON
 variant usual clang++ QuenzoTool -DBUILD_TESTING=OFF
