@@ -155,7 +155,7 @@ void tst_Manual::everyVariableIsExplained()
 {
     // How the tools among themselves and the interpreter are told something is nobody else's business.
     QSet<QString> explained{QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("PYTHON_QUENZO_ENV"),
-                            QStringLiteral("QUENZO_PROGRESS")};
+                            QStringLiteral("QUENZO_PROGRESS"), QStringLiteral("QUENZO_MESSAGES")};
     for (const Explained& entry : environmentVariables())
         explained.insert(entry.name);
     const QSet<QString> asked = variablesAskedFor();
