@@ -33,7 +33,7 @@ QString counted(Progress::Unit unit, qint64 number)
 
 QString figures(const Progress& progress)
 {
-    const QString done = counted(progress.unit, progress.done);
+    QString done = counted(progress.unit, progress.done);
     if (progress.unit == Progress::None || progress.total < 0)
         return done;
     const QString total = counted(progress.unit, progress.total);
