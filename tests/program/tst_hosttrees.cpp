@@ -139,7 +139,8 @@ void tst_HostTrees::movedFilesCountOnce_data()
 }
 
 // The first of two links to a folder empties it. A cut for output locks a plain user out of that folder
-// before the second is read, and fails: what arrived is counted all the same.
+// before the second is read, and ends there: what arrived is counted all the same, and nothing else. What is
+// listed behind the links has not arrived then.
 void tst_HostTrees::movedFilesCountOnce()
 {
     QFETCH(QString, call);
@@ -149,12 +150,20 @@ void tst_HostTrees::movedFilesCountOnce()
     TreeFiles::makeLink("../elsewhere", m_root + "/source/link");
     TreeFiles::makeLink("../elsewhere", m_root + "/source/same");
     const Ended moved = run(qPrintable(call + QStringLiteral(" --json")));
-    QCOMPARE(moved.result().value(QStringLiteral("files")), QJsonValue(3));
-    QCOMPARE(moved.result().value(QStringLiteral("bytes")), QJsonValue(6));
+    QByteArrayList files{"1", "22", "333"};
     if (!call.endsWith(QLatin1String("--dry-run"))) {
-        const auto arrived = TreeFiles::content(m_root + "/target").values();
-        QCOMPARE(arrived.size() - arrived.count("folder"), 3);
+        QByteArrayList arrived;
+        for (const QByteArray& entry : TreeFiles::content(m_root + "/target")) {
+            if (entry.startsWith("file "))
+                arrived.append(entry.mid(5));
+        }
+        QVERIFY2(arrived.contains("1") && arrived.contains("22"), arrived.join(' ').constData());
+        if (call.startsWith(QLatin1String("cut")) || moved.code == 0)
+            QCOMPARE(arrived.size(), files.size());
+        files = arrived;
     }
+    QCOMPARE(moved.result().value(QStringLiteral("files")), QJsonValue(files.size()));
+    QCOMPARE(moved.result().value(QStringLiteral("bytes")), QJsonValue(files.join().size()));
 }
 
 void tst_HostTrees::linkToAMovedFolderIsNothingLeft_data()
