@@ -17,6 +17,15 @@ class Records(Attack):
             connection.execute(statement)
         connection.close()
 
+    def reader(self):
+        """A connection to a new database that is in the middle of reading it."""
+        self.database()
+        reader = sqlite3.connect(self.path("records.db"), isolation_level=None)
+        reader.execute("INSERT INTO t VALUES ('0', '')")
+        reader.execute("BEGIN")
+        reader.execute("SELECT * FROM t").fetchone()
+        return reader
+
     def rows(self):
         with sqlite3.connect(self.path("records.db")) as connection:
             found = connection.execute("SELECT * FROM t").fetchall()
@@ -62,11 +71,7 @@ class Records(Attack):
     def test_aReaderDoesNotLoseRows(self):
         """Somebody reads while a run wants to commit, and ends his reading later."""
         def run(unused):
-            self.database()
-            reader = sqlite3.connect(self.path("records.db"), isolation_level=None)
-            reader.execute("INSERT INTO t VALUES ('0', '')")
-            reader.execute("BEGIN")
-            reader.execute("SELECT * FROM t").fetchone()
+            reader = self.reader()
             child = self.start("db", "--file", "records.db", "insert", "t", "a=1")
             # The journal is there once the rows are written and wait for their commit.
             wait_until(lambda: os.path.exists(self.path("records.db-journal")) or child.poll() is not None)
@@ -82,11 +87,7 @@ class Records(Attack):
     def test_otherProcessesWriteAgainAfterAReader(self):
         """A commit that failed for good leaves nobody locked out, and is reported as it came out."""
         def run(unused):
-            self.database()
-            reader = sqlite3.connect(self.path("records.db"), isolation_level=None)
-            reader.execute("INSERT INTO t VALUES ('0', '')")
-            reader.execute("BEGIN")
-            reader.execute("SELECT * FROM t").fetchone()
+            reader = self.reader()
             ended = self.quenzo("db", "--file", "records.db", "insert", "t", "a=1")
             reader.execute("COMMIT")
             reader.execute("INSERT INTO t VALUES ('2', '')")
