@@ -5,7 +5,7 @@
 # each program imports an SDK package.
 #   readme-host.sh README PACKAGE WORK P [WAY...]       P is where the library is installed; the ways are those of the README
 set -euo pipefail
-readme=$1 package=$2 work=$3 P=$4
+readme=$(realpath "$1") package=$(realpath "$2") work=$3 P=$4
 shift 4
 export P
 
