@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#ifndef BUILDRECORDS_H
+#define BUILDRECORDS_H
+
+#include "build/buildoutcome.h"
+
+#include <QHash>
+#include <QVariant>
+
+struct Job;
+
+/** What an earlier run left of a channel. */
+struct EarlierBuild {
+    QString inputs; ///< digest of what it followed from
+    QString digest; ///< of the package
+    ChannelOutcome outcome;
+};
+
+/** A run as `quenzo builds` lists it. */
+struct ListedBuild {
+    qint64 number = 0;
+    QString game;
+    QDateTime start;
+    QDateTime end; ///< invalid for a run that did not come to its end
+    QString outcome; ///< "done", "failed", "interrupted", "running or killed"
+    int built = 0, unchanged = 0, failed = 0;
+};
+
+/**
+ * The records of a job's runs: games, channels, SDKs, builds and steps, in one SQLite file through the
+ * library's queue. One object a process at a time, on a thread with an event loop.
+ */
+class BuildRecords {
+public:
+    BuildRecords();
+    /** Waits until all is written. */
+    ~BuildRecords();
+    BuildRecords(const BuildRecords&) = delete;
+    BuildRecords& operator=(const BuildRecords&) = delete;
+
+    /** Opens the file, makes it with its tables when it is missing; false with error(). */
+    bool open(const QString& file);
+
+    /** The last complete build of each channel of the game, by folder. */
+    QHash<QString, EarlierBuild> earlier(const QString& game);
+
+    /** All runs, the latest first. */
+    QVector<ListedBuild> builds();
+
+    /** Begins a run: game, channels, SDKs and the run itself become rows. */
+    void begin(const Job& job, const BuildOutcome& build);
+
+    /** A step of a channel has ended. Queued: written within a second, or at flush(). */
+    void add(const QString& folder, const BuildStep& step);
+
+    /** A channel has come to its end. */
+    void finish(const ChannelOutcome& channel);
+
+    /** The run has come to its end. */
+    void end(const BuildOutcome& build);
+
+    /** Waits until everything that was said is in the file; false with error(). */
+    bool flush();
+
+    const QString& error() const;
+
+private:
+    QString m_file;
+    QString m_error;
+    qint64 m_build = 0;
+};
+
+#endif
