@@ -17,7 +17,8 @@ namespace {
 
 std::atomic<int> faultyCall{-1};
 std::atomic<int> remaining{0};
-std::atomic<int> errorNumber{0};
+constexpr int none = -1;
+std::atomic<int> errorNumber{none};
 std::atomic<bool> hit{false};
 std::atomic<bool> isLasting{false};
 std::atomic<bool> unnamedFiles{true};
@@ -34,12 +35,10 @@ bool fails(FaultyCalls::Call call)
     hit = true;
     if (!isLasting)
         faultyCall = -1;
-    if (pendingAction) {
+    if (pendingAction)
         pendingAction();
-        return false;
-    }
     errno = errorNumber;
-    return true;
+    return errorNumber != none;
 }
 
 void prepare(FaultyCalls::Call call, int n)
@@ -82,9 +81,9 @@ mode_t modeFrom(int flags, va_list arguments)
 
 } // namespace
 
-void FaultyCalls::failFromNth(Call call, int n, int error)
+void FaultyCalls::failFromNth(Call call, int n, int error, const std::function<void()>& action)
 {
-    pendingAction = nullptr;
+    pendingAction = action;
     errorNumber = error;
     isLasting = true;
     prepare(call, n);
@@ -101,6 +100,7 @@ void FaultyCalls::failNth(Call call, int n, int error)
 void FaultyCalls::actBeforeNth(Call call, int n, const std::function<void()>& action)
 {
     pendingAction = action;
+    errorNumber = none;
     isLasting = false;
     prepare(call, n);
 }

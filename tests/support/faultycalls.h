@@ -27,8 +27,10 @@ enum Call {
 /** In the place of an error number: a call that copies then says that it has copied nothing. */
 constexpr int nothingDone = 0;
 
-/** Lets the n-th call of a kind, and those after it, fail with an error number. */
-void failFromNth(Call call, int n, int error);
+/** Lets the n-th call of a kind, and those after it, fail with an error number, and does something before
+ * each.
+ */
+void failFromNth(Call call, int n, int error, const std::function<void()>& action = {});
 
 /** The same with the n-th alone. */
 void failNth(Call call, int n, int error);

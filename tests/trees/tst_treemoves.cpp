@@ -16,6 +16,7 @@
 using TreeFiles::content;
 using TreeFiles::exists;
 using TreeFiles::makeFolder;
+using TreeFiles::makeLink;
 using TreeFiles::setMode;
 using TreeFiles::write;
 using TreeFiles::writeMany;
@@ -38,6 +39,8 @@ private Q_SLOTS:
     void sourceThatChangedSinceItsCopyStays();
     void sourceFolderThatChangedIsToldWithTheReason_data();
     void sourceFolderThatChangedIsToldWithTheReason();
+    void folderThatIsExchangedLeavesOthersTheirRights_data();
+    void folderThatIsExchangedLeavesOthersTheirRights();
     void moveWithinAFullDiskSucceeds_data() { addEveryMove(); }
     void moveWithinAFullDiskSucceeds();
 };
@@ -182,6 +185,58 @@ void tst_TreeMoves::sourceFolderThatChangedIsToldWithTheReason()
     QCOMPARE(m_messages->takeInfoTexts(), QStringList(line));
     QCOMPARE(TreeFiles::read(elsewhere + "/file"), QByteArray("copied"));
     QCOMPARE(exists(moved + "/file"), replaced);
+}
+
+void tst_TreeMoves::folderThatIsExchangedLeavesOthersTheirRights_data()
+{
+    QTest::addColumn<QByteArray>("exchanged");
+    QTest::addColumn<int>("removal");
+    QTest::addColumn<bool>("byLink");
+    const QVector<QPair<QByteArray, int>> moments{{"emptied", 2}, {"left", 3}, {"left/link", 1}};
+    for (const auto& [exchanged, removal] : moments) {
+        for (const bool byLink : {true, false})
+            QTest::addRow("%s, %s", exchanged.constData(), byLink ? "for a link" : "for a folder")
+                << exchanged << removal << byLink;
+    }
+}
+
+// A folder that is to go gets other rights if it resists, and so does what a link of the source leads to.
+// Somebody else puts something else in its place in the very moment.
+void tst_TreeMoves::folderThatIsExchangedLeavesOthersTheirRights()
+{
+    QFETCH(QByteArray, exchanged);
+    QFETCH(int, removal);
+    QFETCH(bool, byLink);
+    const QByteArray folder = m_source + '/' + exchanged;
+    const QByteArray prepared = m_root + "/outside";
+    const QByteArray outside = byLink ? prepared : folder;
+    const QByteArray aside = m_root + "/aside";
+    write(prepared + "/file", "others'");
+    if (exchanged == "emptied") {
+        write(folder + "/file", "moved");
+    } else { // one with a link in it is left
+        makeFolder(m_source + "/left");
+        makeFolder(m_root + "/elsewhere");
+        makeLink("../../elsewhere", m_source + "/left/link");
+    }
+    FaultyCalls::actBeforeNth(FaultyCalls::Removing, removal, [&] {
+        QCOMPARE(rename(folder.constData(), aside.constData()), 0);
+        if (byLink)
+            makeLink(prepared, folder);
+        else
+            QCOMPARE(rename(prepared.constData(), folder.constData()), 0);
+    });
+    const CategoryOn trees("quenzo.trees");
+    QVERIFY(transfer(CutForOutput));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(TreeFiles::mode(outside), 0755);
+    QCOMPARE(content(outside), Tree({{"file", "file others'"}}));
+    const QString reason = QStringLiteral("it is no longer the folder that was copied");
+    const QString line =
+        QStringLiteral("'%1' could not be removed: %2").arg(QFile::decodeName(folder), reason);
+    const QStringList told = m_messages->takeInfoTexts();
+    if (byLink)
+        QVERIFY2(told.contains(line), qUtf8Printable(told.join(QLatin1Char('\n'))));
 }
 
 // Removed one after the other, the sources make the room that the next files need.

@@ -13,6 +13,7 @@
 using TreeFiles::content;
 using TreeFiles::exists;
 using TreeFiles::makeFolder;
+using TreeFiles::setMode;
 using TreeFiles::write;
 using namespace TreeRuns;
 
@@ -26,6 +27,8 @@ private Q_SLOTS:
     void existingFileThatResistsIsForced();
     void existingLinkThatCannotBeRemovedLeavesOthersTheirRights_data() { addEveryWay(); }
     void existingLinkThatCannotBeRemovedLeavesOthersTheirRights();
+    void linkThatTakesTheFilesPlaceLeavesOthersTheirRights_data();
+    void linkThatTakesTheFilesPlaceLeavesOthersTheirRights();
     void existingFileGoesWhenItsReplacementIsWhole_data() { addEveryWay(); }
     void existingFileGoesWhenItsReplacementIsWhole();
     void sourceThatAnotherRunTakesIsNotLost_data();
@@ -72,6 +75,41 @@ void tst_TreeReplacement::existingLinkThatCannotBeRemovedLeavesOthersTheirRights
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(TreeFiles::mode(outside), 0644);
     QVERIFY(exists(m_source + "/file"));
+}
+
+void tst_TreeReplacement::linkThatTakesTheFilesPlaceLeavesOthersTheirRights_data()
+{
+    QTest::addColumn<Manner>("manner");
+    QTest::addColumn<int>("removal");
+    for (const auto& [manner, what] : everyWay) {
+        QTest::addRow("%s, before it is forced", what) << manner << 1;
+        QTest::addRow("%s, before it gets its rights back", what) << manner << 2;
+    }
+}
+
+// Somebody else exchanges the file that resists for a link in the very moment.
+void tst_TreeReplacement::linkThatTakesTheFilesPlaceLeavesOthersTheirRights()
+{
+    QFETCH(Manner, manner);
+    QFETCH(int, removal);
+    const QByteArray outside = m_root + "/outside";
+    const QByteArray aside = m_root + "/aside";
+    const QByteArray file = m_target + "/file";
+    write(m_source + "/file", "new");
+    write(file, "old");
+    write(outside, "others'");
+    setMode(outside, 0640);
+    int removals = 0;
+    FaultyCalls::failFromNth(FaultyCalls::Removing, 1, EACCES, [&] {
+        if (++removals != removal)
+            return;
+        QCOMPARE(rename(file.constData(), aside.constData()), 0);
+        TreeFiles::makeLink("../outside", file);
+    });
+    QVERIFY(!transfer(manner));
+    QVERIFY(removals >= removal);
+    QCOMPARE(TreeFiles::mode(outside), 0640);
+    QCOMPARE(TreeFiles::read(outside), QByteArray("others'"));
 }
 
 void tst_TreeReplacement::existingFileGoesWhenItsReplacementIsWhole()

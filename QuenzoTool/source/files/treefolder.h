@@ -135,6 +135,9 @@ public:
 
     /** Gives the file or folder behind an entry the permission QFileDevice::WriteOther and no other. */
     bool forceWriteOther(const QByteArray& name) const;
+
+    /** The same of one folder alone, and not of what has come in its place. */
+    bool forceFolder(const QByteArray& name, const FileIdentity& id) const;
     bool isWritable(const QByteArray& name) const;
 
     /** Gives the system's handle back; resume() opens the same folder anew. */

@@ -237,6 +237,14 @@ bool TreeFolder::forceWriteOther(const QByteArray& name) const
     return fchmodat(m_handle, name.constData(), S_IWOTH, 0) == 0;
 }
 
+bool TreeFolder::forceFolder(const QByteArray& name, const FileIdentity& id) const
+{
+    const TreeFolder folder = openChild(name, Listing);
+    if (folder.isOpen() && folder.id() != id)
+        errno = ESTALE;
+    return folder.isOpen() && folder.id() == id && fchmod(folder.handle(), S_IWOTH) == 0;
+}
+
 bool TreeFolder::isWritable(const QByteArray& name) const
 {
     return faccessat(m_handle, name.constData(), W_OK, 0) == 0;

@@ -174,6 +174,11 @@ bool TreeFolder::forceWriteOther(const QByteArray& name) const
     return isOpen() && QFile::setPermissions(entryPath(*this, name), QFileDevice::WriteOther);
 }
 
+bool TreeFolder::forceFolder(const QByteArray& name, const FileIdentity& id) const
+{
+    return idOf(name, LinksFollowed) == id && forceWriteOther(name);
+}
+
 bool TreeFolder::isWritable(const QByteArray& name) const
 {
     return QFileInfo(entryPath(*this, name)).isWritable();

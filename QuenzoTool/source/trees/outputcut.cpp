@@ -147,7 +147,7 @@ OutputCut::Result OutputCut::cutSubfolder(TreeFolder& source, const TreeEntry& e
         return Failed;
     const int before = m_visits;
     const Result result = cutFolder(child, made, {}, nullptr);
-    return removeMoved(source, entry, result, wasTargetSince(before, child));
+    return removeMoved(source, entry, child, result, wasTargetSince(before, child));
 }
 
 OutputCut::Result OutputCut::exceptFolder(TreeFolder& source, TransferTarget& target)
@@ -174,7 +174,7 @@ OutputCut::Result OutputCut::exceptSubfolder(TreeFolder& source, const TreeEntry
         return Failed;
     const int before = m_visits;
     const Result result = exceptFolder(child, within);
-    return removeMoved(source, entry, result, wasTargetSince(before, child));
+    return removeMoved(source, entry, child, result, wasTargetSince(before, child));
 }
 
 OutputCut::Result OutputCut::moveEntries(TreeFolder& source, const QVector<TreeEntry>& entries,
@@ -225,15 +225,15 @@ bool OutputCut::wasTargetSince(int visit, const TreeFolder& folder) const
 
 // A folder that stays gets its new rights now, since they bear on what comes next; one that goes can go
 // later.
-OutputCut::Result OutputCut::removeMoved(const TreeFolder& parent, const TreeEntry& entry, Result result,
-                                         bool mayHoldMore)
+OutputCut::Result OutputCut::removeMoved(const TreeFolder& parent, const TreeEntry& entry,
+                                         const TreeFolder& moved, Result result, bool mayHoldMore)
 {
     if (result == Failed)
         return Failed;
     if (result == Emptied && !entry.isLink && !mayHoldMore) {
-        m_transfer.removeFolder(parent, entry.name, SourceRemoval::Forced);
+        m_transfer.removeFolder(parent, entry.name, moved.id());
         return Emptied;
     }
-    m_transfer.removeFolderAtOnce(parent, entry.name);
+    m_transfer.removeFolderAtOnce(parent, entry.name, moved.id());
     return Stays;
 }

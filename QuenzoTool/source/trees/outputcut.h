@@ -69,7 +69,8 @@ private:
                        FolderStep folderStep);
     bool moveFiles(const TreeFolder& source, const TreeEntry* files, int count, TransferTarget& target);
     bool wasTargetSince(int visit, const TreeFolder& folder) const;
-    Result removeMoved(const TreeFolder& parent, const TreeEntry& entry, Result result, bool mayHoldMore);
+    Result removeMoved(const TreeFolder& parent, const TreeEntry& entry, const TreeFolder& moved,
+                       Result result, bool mayHoldMore);
 
     const QByteArray m_outputPath;
     QString& m_exceptDir;

@@ -31,14 +31,14 @@ void SourceRemoval::addFiles(const TreeFolder& folder, const TreeEntry* files,
     for (int i = 0; i < states.size(); ++i) {
         // What a link leads to stays, and may be written to: by the move itself, if it is in the target.
         const FileState state = files[i].isLink ? folder.stateOf(files[i].name) : states.at(i);
-        group.items.append({files[i].name, false, AsItIs, state});
+        group.items.append({files[i].name, false, {}, state});
     }
     m_count += states.size();
 }
 
-void SourceRemoval::addFolder(const TreeFolder& folder, const QByteArray& name, Manner manner)
+void SourceRemoval::addFolder(const TreeFolder& folder, const QByteArray& name, const FileIdentity& forced)
 {
-    groupOf(folder, {}).items.append({name, true, manner, {}});
+    groupOf(folder, {}).items.append({name, true, forced, {}});
     ++m_count;
 }
 
@@ -68,7 +68,7 @@ void SourceRemoval::perform()
         }
         for (const Item& item : group.items) {
             if (item.isFolder)
-                removeFolder(folder, item.name, item.manner);
+                removeFolder(folder, item.name, item.forced);
             else
                 removeFile(folder, item.name, item.state);
         }
@@ -78,10 +78,10 @@ void SourceRemoval::perform()
     m_count = 0;
 }
 
-void SourceRemoval::removeFolder(const TreeFolder& parent, const QByteArray& name, Manner manner)
+void SourceRemoval::removeFolder(const TreeFolder& parent, const QByteArray& name, const FileIdentity& forced)
 {
     const bool removed = parent.removeFolder(name)
-        || (manner == Forced && parent.forceWriteOther(name) && parent.removeFolder(name));
+        || (!forced.isEmpty() && parent.forceFolder(name, forced) && parent.removeFolder(name));
     // What a folder still holds is known, or meant to stay; one that is gone cannot be emptied, which was
     // told.
     if (!removed && errno != ENOTEMPTY && errno != ENOENT)

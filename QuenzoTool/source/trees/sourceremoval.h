@@ -16,8 +16,6 @@
  */
 class SourceRemoval {
 public:
-    enum Manner { AsItIs, Forced }; ///< Forced: a folder that resists gets other rights first
-
     /** A file and its copy, by their paths; empty for none. */
     struct Copied {
         QByteArray source;
@@ -27,7 +25,8 @@ public:
     /** @param states what the files were like when they were copied */
     void addFiles(const TreeFolder& folder, const TreeEntry* files, const QVector<FileState>& states,
                   const TreeFolder& target);
-    void addFolder(const TreeFolder& folder, const QByteArray& name, Manner manner);
+    /** @param forced which folder gets other rights if it resists; empty for none */
+    void addFolder(const TreeFolder& folder, const QByteArray& name, const FileIdentity& forced);
 
     int count() const { return m_count; }
     Copied firstFile() const;
@@ -36,14 +35,14 @@ public:
     /** Removes everything, as far as that succeeds. */
     void perform();
 
-    static void removeFolder(const TreeFolder& parent, const QByteArray& name, Manner manner);
+    static void removeFolder(const TreeFolder& parent, const QByteArray& name, const FileIdentity& forced);
 
 private:
     struct Item {
         QByteArray name;
         bool isFolder;
-        Manner manner;
-        FileState state;
+        FileIdentity forced; // of a folder
+        FileState state; // of a file
     };
     struct Group {
         QByteArray path;

@@ -91,6 +91,6 @@ bool TreeCopy::copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTa
         || !copyEntries(child, made, {}))
         return false;
     if (m_deleteSource)
-        m_transfer.removeFolder(source, entry.name, SourceRemoval::AsItIs);
+        m_transfer.removeFolder(source, entry.name);
     return true;
 }

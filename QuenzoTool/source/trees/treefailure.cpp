@@ -36,7 +36,14 @@ void logFolderThatStays(const QByteArray& path)
 
 QString reasonOfStaying()
 {
-    return errno == ENOTDIR ? QStringLiteral("it is a link to a folder") : errorText(errno);
+    switch (errno) {
+    case ENOTDIR:
+        return QStringLiteral("it is a link to a folder");
+    case ESTALE:
+        return QStringLiteral("it is no longer the folder that was copied");
+    default:
+        return errorText(errno);
+    }
 }
 
 void logUnreadable(const TreeFolder& folder)

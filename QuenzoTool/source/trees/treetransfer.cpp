@@ -198,16 +198,16 @@ int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int c
     return done;
 }
 
-void TreeTransfer::removeFolder(const TreeFolder& parent, const QByteArray& name,
-                                SourceRemoval::Manner manner)
+void TreeTransfer::removeFolder(const TreeFolder& parent, const QByteArray& name, const FileIdentity& forced)
 {
-    m_removal.addFolder(parent, name, manner);
+    m_removal.addFolder(parent, name, forced);
 }
 
-void TreeTransfer::removeFolderAtOnce(const TreeFolder& parent, const QByteArray& name)
+void TreeTransfer::removeFolderAtOnce(const TreeFolder& parent, const QByteArray& name,
+                                      const FileIdentity& forced)
 {
     settle();
-    SourceRemoval::removeFolder(parent, name, SourceRemoval::Forced);
+    SourceRemoval::removeFolder(parent, name, forced);
 }
 
 bool TreeTransfer::settle()

@@ -93,11 +93,15 @@ public:
     /** Copies or moves files in order and up to the first that fails; returns how many succeeded. */
     int transfer(const TreeFolder& from, const TreeEntry* files, int count, TransferTarget& to);
 
-    /** Removes a folder of the source when its turn comes, if it is empty by then. */
-    void removeFolder(const TreeFolder& parent, const QByteArray& name, SourceRemoval::Manner manner);
+    /**
+     * Removes a folder of the source when its turn comes, if it is empty by then.
+     *
+     * @param forced which folder gets other rights if it resists; empty for none
+     */
+    void removeFolder(const TreeFolder& parent, const QByteArray& name, const FileIdentity& forced = {});
 
     /** The same at once, of one that may stay: with the rights that are forced upon it then. */
-    void removeFolderAtOnce(const TreeFolder& parent, const QByteArray& name);
+    void removeFolderAtOnce(const TreeFolder& parent, const QByteArray& name, const FileIdentity& forced);
 
     /**
      * Brings the source up to date, at the end at the latest.
