@@ -60,10 +60,6 @@
         <translation>--pass-file FILE 或 --pass-env NAME</translation>
     </message>
     <message>
-        <source>sign: missing: %1</source>
-        <translation>sign: 缺少：%1</translation>
-    </message>
-    <message>
         <source>--pass-file and --pass-env exclude each other</source>
         <translation>--pass-file 与 --pass-env 不能同时使用</translation>
     </message>
@@ -424,14 +420,6 @@
         <translation>%1 是用密钥 %2 加密的，而 %3 是密钥 %4</translation>
     </message>
     <message>
-        <source>key: &apos;%1&apos; is none of show, new and check</source>
-        <translation>key: &apos;%1&apos; 不是 show、new 和 check 中的任何一个</translation>
-    </message>
-    <message>
-        <source>key check: missing: APK</source>
-        <translation>key check: 缺少：APK</translation>
-    </message>
-    <message>
         <source>key %1: &apos;%2&apos; is one word too many</source>
         <translation>key %1: &apos;%2&apos; 是多余的</translation>
     </message>
@@ -592,10 +580,6 @@ Exit codes:</source>
 退出码:</translation>
     </message>
     <message>
-        <source>%1; did you mean &apos;%2&apos;?</source>
-        <translation>%1；您是想输入 &apos;%2&apos; 吗？</translation>
-    </message>
-    <message>
         <source>%1: missing: %2</source>
         <translation>%1: 缺少：%2</translation>
     </message>
@@ -614,10 +598,6 @@ Exit codes:</source>
     <message>
         <source>see quenzo %1</source>
         <translation>参见 quenzo %1</translation>
-    </message>
-    <message>
-        <source>--progress is terminal or json, not &apos;%1&apos;</source>
-        <translation>--progress 只能是 terminal 或 json，不能是 &apos;%1&apos;</translation>
     </message>
     <message>
         <source>--quiet and --verbose exclude each other</source>
@@ -692,10 +672,6 @@ Exit codes:</source>
     <message>
         <source>--init is for create</source>
         <translation>--init 只用于 create</translation>
-    </message>
-    <message>
-        <source>--file names the database</source>
-        <translation>请用 --file 指定数据库</translation>
     </message>
     <message>
         <source>the standard input is not UTF-8 text</source>
@@ -785,6 +761,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>the text is not what encode makes of this result</source>
         <translation>该文本不是由 encode 对此结果生成的</translation>
     </message>
+    <message>
+        <source>%1 or --all</source>
+        <translation>%1 或 --all</translation>
+    </message>
 </context>
 <context>
     <name>DBRequestTexts</name>
@@ -827,18 +807,6 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>&apos;%1&apos; is no name: letters, digits and underscores of ASCII make one</source>
         <translation>&apos;%1&apos; 不是合法名称：名称由 ASCII 字母、数字和下划线组成</translation>
-    </message>
-    <message>
-        <source>&apos;%1&apos; is none of insert, update, delete, select, tables, schema and create</source>
-        <translation>&apos;%1&apos; 不是 insert、update、delete、select、tables、schema 和 create 中的任何一个</translation>
-    </message>
-    <message>
-        <source>--file names the database</source>
-        <translation>请用 --file 指定数据库</translation>
-    </message>
-    <message>
-        <source>db: missing: TABLE</source>
-        <translation>db: 缺少：TABLE</translation>
     </message>
     <message>
         <source>conditions are given as --where COLUMN=VALUE</source>
@@ -897,10 +865,6 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>&apos;%1&apos; is not of the form COLUMN:TYPE with one of the types text, integer, real, numeric and blob</source>
         <translation>&apos;%1&apos; 不是 COLUMN:TYPE 的形式，类型为 text、integer、real、numeric 和 blob 之一</translation>
-    </message>
-    <message>
-        <source>a table needs a column: COLUMN:TYPE</source>
-        <translation>一张表至少需要一列：COLUMN:TYPE</translation>
     </message>
 </context>
 <context>
@@ -1118,18 +1082,6 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
 <context>
     <name>IconCommands</name>
     <message>
-        <source>icons: missing: %1</source>
-        <translation>icons: 缺少：%1</translation>
-    </message>
-    <message>
-        <source>--layout is one of %1, not &apos;%2&apos;</source>
-        <translation>--layout 只能是 %1 之一，不能是 &apos;%2&apos;</translation>
-    </message>
-    <message>
-        <source>--platform is android or ios, not &apos;%1&apos;</source>
-        <translation>--platform 只能是 android 或 ios，不能是 &apos;%1&apos;</translation>
-    </message>
-    <message>
         <source>--layout %1 is for the platform %2</source>
         <translation>--layout %1 用于平台 %2</translation>
     </message>
@@ -1160,10 +1112,6 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>--keep and --clear exclude each other</source>
         <translation>--keep 与 --clear 不能同时使用</translation>
-    </message>
-    <message>
-        <source>--default-corner is left-top, left-bottom, right-top or right-bottom, or 0 to 3</source>
-        <translation>--default-corner 只能是 left-top、left-bottom、right-top 或 right-bottom，或 0 到 3</translation>
     </message>
     <message>
         <source>--default-x and --default-y take whole numbers of pixels</source>
@@ -1797,6 +1745,17 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>the standard input cannot be read: %1</source>
         <translation>无法读取标准输入：%1</translation>
+    </message>
+</context>
+<context>
+    <name>Suggestion</name>
+    <message>
+        <source>%1; did you mean &apos;%2&apos;?</source>
+        <translation>%1；您是想输入 &apos;%2&apos; 吗？</translation>
+    </message>
+    <message>
+        <source>%1: &apos;%2&apos; is none of %3</source>
+        <translation>%1: &apos;%2&apos; 不是下列任何一个：%3</translation>
     </message>
 </context>
 <context>

@@ -37,10 +37,14 @@ struct Command {
     std::function<ExitCode(const QCommandLineParser&, Console&)> run;
     /** What the summary leaves out; the command's own help adds it. */
     QString details = {};
-    /** The words that an option or an argument, by its name, takes, where there are no others. */
+    /** The words that an option or an argument, by its name, takes. An argument takes no others; some options
+     * do, which the command looks at. */
     QHash<QString, QStringList> words = {};
     /** Rewrites what the parser could not take as people write it; none for most. */
     std::function<QStringList(const QStringList& words)> prepare = {};
+    /** What these words lack beyond the arguments that are always needed, as the usage shows it; none for
+     * most. */
+    std::function<QStringList(const QCommandLineParser&)> missing = {};
 };
 
 QVector<Command> archiveCommands();

@@ -45,15 +45,25 @@ QString overview(const QVector<Command>& commands)
     return text;
 }
 
-QString withSuggestion(const QString& error, const QString& word, const QStringList& names)
+// The first word that is none of those that its argument takes; empty when there is none.
+QString objectionToChoice(const Command& command, const QStringList& given)
 {
-    const QString meant = likelyMeant(word, names);
-    return meant.isEmpty() ? error : Line::tr("%1; did you mean '%2'?").arg(error, meant);
+    for (int i = 0; i < qMin(command.arguments.size(), given.size()); ++i) {
+        const QStringList names = command.words.value(command.arguments.at(i).name);
+        if (!names.isEmpty() && !names.contains(given.at(i)))
+            return noneOf(command.name, given.at(i), names);
+    }
+    return {};
 }
 
-// What is wrong with the number of the words; empty if nothing is.
-QString objectionToNumber(const Command& command, const QStringList& given)
+// What is wrong with the words, options' values left alone; empty if nothing is.
+QString objectionToWords(const Command& command, const QCommandLineParser& parser)
 {
+    // The command's own name is the first positional argument.
+    const QStringList given = parser.positionalArguments().mid(1);
+    const QString choice = objectionToChoice(command, given);
+    if (!choice.isEmpty())
+        return choice;
     QStringList needed;
     bool open = false;
     for (const Argument& argument : command.arguments) {
@@ -61,8 +71,10 @@ QString objectionToNumber(const Command& command, const QStringList& given)
             needed.append(argument.name);
         open = open || argument.count == Argument::AnyNumber;
     }
-    if (given.size() < needed.size())
-        return Line::tr("%1: missing: %2").arg(command.name, needed.mid(given.size()).join(QLatin1Char(' ')));
+    const QStringList missing =
+        needed.mid(given.size()) + (command.missing ? command.missing(parser) : QStringList());
+    if (!missing.isEmpty())
+        return Line::tr("%1: missing: %2").arg(command.name, missing.join(QStringLiteral(", ")));
     if (!open && given.size() > command.arguments.size())
         return Line::tr("%1: '%2' is one word too many")
             .arg(command.name, given.at(command.arguments.size()));
@@ -92,7 +104,7 @@ QString objectionToOptions(const Command& command, const QCommandLineParser& par
         return QStringLiteral("%1: %2").arg(command.name, asObjection(parser.errorText()));
     const QString error = Line::tr("%1: unknown option '%2'").arg(command.name, withDashes(unknown));
     const QString meant = likelyMeant(unknown, names);
-    return meant.isEmpty() ? error : Line::tr("%1; did you mean '%2'?").arg(error, withDashes(meant));
+    return withSuggestion(error, meant.isEmpty() ? meant : withDashes(meant));
 }
 
 // Whether a line may end between these letters: at a blank, and at wide letters but where punctuation holds
@@ -208,7 +220,8 @@ ConsoleStyle styleOf(const QCommandLineParser& parser, QString& objection)
     if (progress == QLatin1String("json"))
         style.progress = ConsoleStyle::JsonLines;
     else if (progress != QLatin1String("terminal"))
-        objection = Line::tr("--progress is terminal or json, not '%1'").arg(progress);
+        objection = noneOf(QStringLiteral("--progress"), progress,
+                           {QStringLiteral("terminal"), QStringLiteral("json")});
     if (style.quiet && style.verbose)
         objection = Line::tr("--quiet and --verbose exclude each other");
     return style;
@@ -234,8 +247,7 @@ ExitCode runCommand(const Command& command, QStringList words)
         const QString text = helpText(command, parser);
         return showText(words, helpCommand, QStringLiteral("text"), text, text);
     }
-    // The command's own name is the first positional argument.
-    QString objection = objectionToNumber(command, parser.positionalArguments().mid(1));
+    QString objection = objectionToWords(command, parser);
     const ConsoleStyle style = styleOf(parser, objection);
     if (!objection.isEmpty())
         return objectTo(words, objection, command.name);
@@ -308,8 +320,9 @@ ExitCode CommandLine::run(const QStringList& given)
                                       [&name](const Command& candidate) { return candidate.name == name; });
     if (command != commands.cend())
         return runCommand(*command, words);
-    return objectTo(given,
-                    withSuggestion(Line::tr("unknown command '%1'").arg(name), name, namesOf(commands)));
+    return objectTo(
+        given,
+        withSuggestion(Line::tr("unknown command '%1'").arg(name), likelyMeant(name, namesOf(commands))));
 }
 
 ExitCode CommandLine::refuse(const QStringList& words, const QString& objection)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "suggestion.h"
 
+#include <QCoreApplication>
 #include <QVector>
 
 #include <algorithm>
@@ -8,6 +9,10 @@
 #include <utility>
 
 namespace {
+
+struct Suggestion {
+    Q_DECLARE_TR_FUNCTIONS(Suggestion)
+};
 
 // How many letters must be put in, left out, replaced or exchanged with their neighbours.
 int distance(const QString& one, const QString& other)
@@ -46,4 +51,16 @@ QString likelyMeant(const QString& word, const QStringList& names)
         }
     }
     return nearest;
+}
+
+QString withSuggestion(const QString& objection, const QString& meant)
+{
+    return meant.isEmpty() ? objection : Suggestion::tr("%1; did you mean '%2'?").arg(objection, meant);
+}
+
+QString noneOf(const QString& what, const QString& word, const QStringList& names)
+{
+    const QString objection =
+        Suggestion::tr("%1: '%2' is none of %3").arg(what, word, names.join(QStringLiteral(", ")));
+    return withSuggestion(objection, likelyMeant(word, names));
 }

@@ -33,8 +33,8 @@ private Q_SLOTS:
     void everythingWrongIsToldInOneRun();
     void missingAaptIsNamed();
     void damagedArchiveIsNamed();
-    void missingWordsAreNamedTogether_data();
-    void missingWordsAreNamedTogether();
+    void passwordComesFromOnePlace_data();
+    void passwordComesFromOnePlace();
     void missingSignerIsToldWithTheWayToGetIt();
     void passwordIsNotOnTheCommandLine();
     void failedSigningLeavesTheApk_data();
@@ -138,23 +138,20 @@ void tst_ApkCommands::damagedArchiveIsNamed()
     QCOMPARE(ended.code, 1);
 }
 
-void tst_ApkCommands::missingWordsAreNamedTogether_data()
+void tst_ApkCommands::passwordComesFromOnePlace_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("text");
     const auto row = [](const char* line, const char* text) {
         QTest::newRow(line) << QString::fromLatin1(line) << QString::fromLatin1(text);
     };
-    row("sign game.apk", "sign: missing: --keystore FILE, --pass-file FILE or --pass-env NAME");
-    row("sign game.apk --keystore store", "sign: missing: --pass-file FILE or --pass-env NAME");
-    row("sign game.apk --pass-file pass", "sign: missing: --keystore FILE");
     row("sign game.apk --keystore store --pass-file pass --pass-env STORE_PASS",
         "--pass-file and --pass-env exclude each other");
     row("sign game.apk --keystore store --pass-env NOBODY_SET_THIS",
         "--pass-env: there is no environment variable 'NOBODY_SET_THIS'");
 }
 
-void tst_ApkCommands::missingWordsAreNamedTogether()
+void tst_ApkCommands::passwordComesFromOnePlace()
 {
     QFETCH(const QString, line);
     QFETCH(const QString, text);

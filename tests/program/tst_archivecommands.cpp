@@ -324,8 +324,6 @@ void tst_ArchiveCommands::wordsOfKeyAreChecked_data()
     const auto row = [](const char* line, const char* text) {
         QTest::newRow(line) << QByteArray(line) << QByteArray(text);
     };
-    row("key make", "key: 'make' is none of show, new and check");
-    row("key check", "key check: missing: APK");
     row("key show base.apk", "key show: 'base.apk' is one word too many");
     row("key show --key=", "--key takes the name of a file");
 }

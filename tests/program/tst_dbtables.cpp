@@ -12,6 +12,7 @@ private Q_SLOTS:
     void tablesAreToldAndMade();
     void tablesThatCannotBeAreRefused_data();
     void tablesThatCannotBeAreRefused();
+    void mistypedTypeIsGuessed();
 };
 
 void tst_DBTables::tablesAreToldAndMade()
@@ -60,6 +61,12 @@ void tst_DBTables::tablesThatCannotBeAreRefused()
     QTEST(ended.code, "code");
     QVERIFY(ended.error.startsWith("quenzo: "));
     QCOMPARE(db(words("tables")).output, QByteArray("channel\n"));
+}
+
+void tst_DBTables::mistypedTypeIsGuessed()
+{
+    const Ended ended = db(words("create game name:txet"));
+    QVERIFY2(ended.error.endsWith("; did you mean 'text'?\n"), ended.error.constData());
 }
 
 QTEST_GUILESS_MAIN(tst_DBTables)

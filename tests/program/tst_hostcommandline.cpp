@@ -24,6 +24,8 @@ private Q_SLOTS:
     void versionIsGivenInEveryForm();
     void wrongWordsAreNamed_data();
     void wrongWordsAreNamed();
+    void allThatIsMissingIsNamedTogether_data();
+    void allThatIsMissingIsNamedTogether();
     void wordsBehindDashesAreNoOptions();
     void commonOptionsMayStandFirst_data();
     void commonOptionsMayStandFirst();
@@ -90,7 +92,7 @@ void tst_HostCommandLine::wrongWordsAreNamed_data()
     row("hlep", "unknown command 'hlep'; did you mean 'help'? (see quenzo --help)");
     row("help frobnicate", "unknown command 'frobnicate' (see quenzo --help)");
     row("xyz", "unknown command 'xyz' (see quenzo --help)");
-    row("copy", "copy: missing: SRC DEST (see quenzo copy --help)");
+    row("copy", "copy: missing: SRC, DEST (see quenzo copy --help)");
     row("copy a", "copy: missing: DEST (see quenzo copy --help)");
     row("copy a b c", "copy: 'c' is one word too many (see quenzo copy --help)");
     row("copy a b --jsno", "copy: unknown option '--jsno'; did you mean '--json'? (see quenzo copy --help)");
@@ -104,6 +106,54 @@ void tst_HostCommandLine::wrongWordsAreNamed_data()
     row("help pack extra", "help: 'extra' is one word too many (see quenzo --help)");
     row("version extra", "version: 'extra' is one word too many (see quenzo --help)");
     row("copy a b --frobnicate", "copy: unknown option '--frobnicate' (see quenzo copy --help)");
+    row("copy a b --progress jsno",
+        "--progress: 'jsno' is none of terminal, json; did you mean 'json'? (see quenzo copy --help)");
+    row("key shwo", "key: 'shwo' is none of show, new, check; did you mean 'show'? (see quenzo key --help)");
+    row("db tabels",
+        "db: 'tabels' is none of insert, update, delete, select, tables, schema, create; did you "
+        "mean 'tables'? (see quenzo db --help)");
+    row("db drop t --file x",
+        "db: 'drop' is none of insert, update, delete, select, tables, schema, create (see quenzo db "
+        "--help)");
+}
+
+void tst_HostCommandLine::allThatIsMissingIsNamedTogether_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QByteArray>("missing");
+    const auto row = [](const char* line, const char* missing) {
+        QTest::newRow(line) << QString::fromLatin1(line) << QByteArray(missing);
+    };
+    row("icons", "CHANNELS.json, --icon FILE, --marks DIR, --out DIR, --platform NAME");
+    row("icons --layout android-adaptive --out x",
+        "CHANNELS.json, --icon FILE, --marks DIR, --background FILE");
+    row("icons list --icon i --marks m --out o --layout plain", "--platform NAME");
+    row("sign", "APK, --keystore FILE, --pass-file FILE or --pass-env NAME");
+    row("sign --pass-env X", "APK, --keystore FILE");
+    row("key check", "APK");
+    row("key", "WHAT");
+    row("db", "OPERATION, --file DB");
+    row("db tables", "--file DB");
+    row("db schema", "--file DB");
+    row("db select", "TABLE, --file DB");
+    row("db insert --file x", "TABLE");
+    row("db create", "TABLE, COLUMN:TYPE, --file DB");
+    row("db create t --file x", "COLUMN:TYPE");
+    row("db update", "TABLE, --file DB, --where COLUMN=VALUE");
+    row("db delete --file x", "TABLE, --where COLUMN=VALUE or --all");
+    row("db delete t --all", "--file DB");
+}
+
+void tst_HostCommandLine::allThatIsMissingIsNamedTogether()
+{
+    QFETCH(const QString, line);
+    QFETCH(const QByteArray, missing);
+    const Ended ended = quenzo(qPrintable(line));
+    const QByteArray command = line.section(QLatin1Char(' '), 0, 0).toLatin1();
+    QCOMPARE(ended.error,
+             "quenzo: " + command + ": missing: " + missing + " (see quenzo " + command + " --help)\n");
+    QCOMPARE(ended.output, QByteArray());
+    QCOMPARE(ended.code, 2);
 }
 
 void tst_HostCommandLine::wrongWordsAreNamed()

@@ -260,10 +260,10 @@ void tst_HostJson::wrongWordsAreAnObject_data()
     row("--json cpoy", "", "unknown command 'cpoy'; did you mean 'copy'?", "see quenzo --help");
     row("--json --frob copy", "", "unknown command '--frob'", "see quenzo --help");
     row("cpoy --json", "", "unknown command 'cpoy'; did you mean 'copy'?", "see quenzo --help");
-    row("copy --json", "copy", "copy: missing: SRC DEST", "see quenzo copy --help");
+    row("copy --json", "copy", "copy: missing: SRC, DEST", "see quenzo copy --help");
     row("copy a b --json --frob", "copy", "copy: unknown option '--frob'", "see quenzo copy --help");
     row("copy a b --json -qv", "copy", "--quiet and --verbose exclude each other", "see quenzo copy --help");
-    row("copy a b --json --progress x", "copy", "--progress is terminal or json, not 'x'",
+    row("copy a b --json --progress x", "copy", "--progress: 'x' is none of terminal, json",
         "see quenzo copy --help");
 }
 

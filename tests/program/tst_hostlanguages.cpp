@@ -112,7 +112,7 @@ void tst_HostLanguages::everyKindOfTextIsTranslated_data()
     QTest::newRow("arguments of help")
         << QStringLiteral("copy --help") << QByteArray("\n参数:\n  SRC ") << QByteArray();
     QTest::newRow("wrong words") << QStringLiteral("copy") << QByteArray()
-                                 << QByteArray("quenzo: copy: 缺少：SRC DEST");
+                                 << QByteArray("quenzo: copy: 缺少：SRC, DEST");
     QTest::newRow("the parser's own objection")
         << QStringLiteral("pack --like") << QByteArray() << QByteArray("'--like' 之后缺少值");
     QTest::newRow("failure") << QStringLiteral("copy absent there") << QByteArray()

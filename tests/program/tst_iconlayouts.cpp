@@ -485,9 +485,14 @@ void tst_IconLayouts::wrongWordsAreRefused_data()
     const auto row = [](const char* options, const char* error) {
         QTest::newRow(options) << words(options) << QByteArray(error);
     };
-    row("--layout res", "--layout is one of plain, android-res, android-adaptive, ios-appiconset, not 'res'");
-    row("--layout plain", "icons: missing: --platform");
-    row("--layout android-adaptive", "icons: missing: --background");
+    row("--layout res", "--layout: 'res' is none of plain, android-res, android-adaptive, ios-appiconset");
+    row("--layout plian --platform ios",
+        "--layout: 'plian' is none of plain, android-res, android-adaptive, "
+        "ios-appiconset; did you mean 'plain'?");
+    row("--platform andriod", "--platform: 'andriod' is none of android, ios; did you mean 'android'?");
+    row("--platform ios --default-corner rihgt-top",
+        "--default-corner: 'rihgt-top' is none of left-top, left-bottom, right-top, right-bottom; "
+        "did you mean 'right-top'?");
     row("--layout android-res --platform ios", "--layout android-res is for the platform android");
     row("--layout ios-appiconset --platform android", "--layout ios-appiconset is for the platform ios");
     row("--layout android-res --background back.png", "--background belongs to the layout android-adaptive");

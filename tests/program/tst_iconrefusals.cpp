@@ -59,8 +59,6 @@ private Q_SLOTS:
     void missingInputIsNamed();
     void badUsageExitsWithTwo_data();
     void badUsageExitsWithTwo();
-    void missingOptionsAreNamedTogether_data();
-    void missingOptionsAreNamedTogether();
 
 private:
     QByteArray verdictOn(const QByteArray& list)
@@ -374,6 +372,7 @@ void tst_IconRefusals::listMistakesAreNamedAndNothingIsTouched_data()
     row("mark a truth value", R"([{"folder": "a", "mark": false}])", "\"mark\" is not a text");
     row("name a list", R"([{"folder": "a", "name": ["A"]}])", "\"name\" is not a text");
     row("unknown corner", R"([{"folder": "a", "corner": "top-left"}])", "\"corner\" is none of left-top, ");
+    row("mistyped corner", R"([{"folder": "a", "corner": "left-tpo"}])", "did you mean 'left-top'?");
     row("corner too large", R"([{"folder": "a", "corner": 5}])", "\"corner\" is none of");
     row("negative corner", R"([{"folder": "a", "corner": -1}])", "\"corner\" is none of");
     row("broken corner", R"([{"folder": "a", "corner": 1.5}])", "\"corner\" is none of");
@@ -498,27 +497,6 @@ void tst_IconRefusals::badUsageExitsWithTwo()
     QVERIFY(!ended.error.isEmpty());
     QCOMPARE(ended.output, QByteArray());
     QCOMPARE(filesBelow(out()), words("kept"));
-}
-
-void tst_IconRefusals::missingOptionsAreNamedTogether_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QByteArray>("missing");
-    const auto row = [](const char* arguments, const char* missing) {
-        QTest::newRow(missing) << words(arguments) << QByteArray(missing);
-    };
-    row("channels.json", "--icon --marks --out --platform");
-    row("channels.json --marks marks --platform ios", "--icon --out");
-    row("channels.json --icon game.png --marks marks --out out", "--platform");
-}
-
-void tst_IconRefusals::missingOptionsAreNamedTogether()
-{
-    QFETCH(const QStringList, arguments);
-    QFETCH(const QByteArray, missing);
-    const Ended ended = quenzo(words("icons") + arguments);
-    QCOMPARE(ended.code, 2);
-    QCOMPARE(ended.error, "quenzo: icons: missing: " + missing + '\n');
 }
 
 QTEST_GUILESS_MAIN(tst_IconRefusals)

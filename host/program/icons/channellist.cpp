@@ -3,6 +3,7 @@
 
 #include "console/standardstreams.h"
 #include "icons/iconset.h"
+#include "suggestion.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -106,8 +107,9 @@ public:
         const int corner =
             ChannelList::cornerOf(value.isDouble() ? QString::number(value.toDouble()) : value.toString());
         if (corner < 0)
-            complain(Channels::tr("\"%1\" is none of %2, nor a number from 0 to 4")
-                         .arg(key, IconSet::cornerNames().join(QStringLiteral(", "))));
+            complain(withSuggestion(Channels::tr("\"%1\" is none of %2, nor a number from 0 to 4")
+                                        .arg(key, IconSet::cornerNames().join(QStringLiteral(", "))),
+                                    likelyMeant(value.toString(), IconSet::cornerNames())));
         return corner;
     }
 

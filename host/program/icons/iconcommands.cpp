@@ -11,6 +11,7 @@
 #include "icons/iconjob.h"
 #include "icons/iconproduction.h"
 #include "icons/iconset.h"
+#include "suggestion.h"
 
 #include <QBuffer>
 #include <QCommandLineParser>
@@ -46,20 +47,32 @@ QString asFile(const QString& path)
     return path.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + path : path;
 }
 
-QString missingOptions(const QCommandLineParser& parser, IconLayout::Arrangement arrangement)
+QStringList cornersOfMarks()
 {
-    QStringList required{QStringLiteral("icon"), QStringLiteral("marks"), QStringLiteral("out")};
+    return IconSet::cornerNames().mid(0, IconSet::Default);
+}
+
+QStringList platformNames()
+{
+    return {QStringLiteral("android"), QStringLiteral("ios")};
+}
+
+QStringList missingOptions(const QCommandLineParser& parser)
+{
+    QVector<QPair<QString, QString>> required{{QStringLiteral("icon"), QStringLiteral("FILE")},
+                                              {QStringLiteral("marks"), QStringLiteral("DIR")},
+                                              {QStringLiteral("out"), QStringLiteral("DIR")}};
+    const int arrangement = IconLayout::arrangementNames().indexOf(parser.value(QStringLiteral("layout")));
     if (arrangement == IconLayout::Plain)
-        required.append(QStringLiteral("platform"));
+        required.append({QStringLiteral("platform"), QStringLiteral("NAME")});
     if (arrangement == IconLayout::AndroidAdaptive)
-        required.append(QStringLiteral("background"));
+        required.append({QStringLiteral("background"), QStringLiteral("FILE")});
     QStringList missing;
-    for (const QString& option : qAsConst(required)) {
-        if (parser.value(option).isEmpty())
-            missing.append(QStringLiteral("--") + option);
+    for (const auto& option : qAsConst(required)) {
+        if (parser.value(option.first).isEmpty())
+            missing.append(QStringLiteral("--%1 %2").arg(option.first, option.second));
     }
-    return missing.isEmpty() ? QString()
-                             : IconCommands::tr("icons: missing: %1").arg(missing.join(QLatin1Char(' ')));
+    return missing;
 }
 
 // Reads what the layout's name implies, and refuses what does not go with it; empty when all is sound.
@@ -68,19 +81,14 @@ QString readLayout(const QCommandLineParser& parser, IconJob& job)
     const QString word = parser.value(QStringLiteral("layout"));
     const QStringList words = IconLayout::arrangementNames();
     if (!words.contains(word))
-        return IconCommands::tr("--layout is one of %1, not '%2'")
-            .arg(words.join(QStringLiteral(", ")), word);
+        return noneOf(QStringLiteral("--layout"), word, words);
     IconLayout& layout = job.layout;
     layout.arrangement = static_cast<IconLayout::Arrangement>(words.indexOf(word));
-    QString fault = missingOptions(parser, layout.arrangement);
-    if (!fault.isEmpty())
-        return fault;
-
     const bool isPlain = layout.arrangement == IconLayout::Plain;
     const QString given = parser.value(QStringLiteral("platform"));
     const QString platform = isPlain ? given : word.section(QLatin1Char('-'), 0, 0);
-    if (platform != QLatin1String("android") && platform != QLatin1String("ios"))
-        return IconCommands::tr("--platform is android or ios, not '%1'").arg(platform);
+    if (!platformNames().contains(platform))
+        return noneOf(QStringLiteral("--platform"), platform, platformNames());
     if (!given.isEmpty() && given != platform)
         return IconCommands::tr("--layout %1 is for the platform %2").arg(word, platform);
     layout.platform = platform == QLatin1String("android") ? IconSet::Android : IconSet::Ios;
@@ -122,10 +130,10 @@ QString readOptions(const QCommandLineParser& parser, IconJob& job)
     if (parser.isSet(QStringLiteral("keep")) && job.clear)
         return IconCommands::tr("--keep and --clear exclude each other");
 
-    job.defaultCorner = ChannelList::cornerOf(parser.value(QStringLiteral("default-corner")));
+    const QString corner = parser.value(QStringLiteral("default-corner"));
+    job.defaultCorner = ChannelList::cornerOf(corner);
     if (job.defaultCorner < 0 || job.defaultCorner > IconSet::RightBottom)
-        return IconCommands::tr(
-            "--default-corner is left-top, left-bottom, right-top or right-bottom, or 0 to 3");
+        return noneOf(QStringLiteral("--default-corner"), corner, cornersOfMarks());
     if (!readPixels(parser, QStringLiteral("default-x"), job.defaultX)
         || !readPixels(parser, QStringLiteral("default-y"), job.defaultY))
         return IconCommands::tr("--default-x and --default-y take whole numbers of pixels");
@@ -408,8 +416,9 @@ QVector<Command> iconCommands()
     };
     icons.run = makeIcons;
     icons.details = ChannelList::formatHelp();
-    icons.words = {{QStringLiteral("platform"), {QStringLiteral("android"), QStringLiteral("ios")}},
+    icons.words = {{QStringLiteral("platform"), platformNames()},
                    {QStringLiteral("layout"), IconLayout::arrangementNames()},
-                   {QStringLiteral("default-corner"), IconSet::cornerNames().mid(0, IconSet::Default)}};
+                   {QStringLiteral("default-corner"), cornersOfMarks()}};
+    icons.missing = missingOptions;
     return {icons};
 }

@@ -185,11 +185,29 @@ ExitCode runDatabase(const QCommandLineParser& parser, Console& console)
     const bool tells = operation == QLatin1String("tables") || operation == QLatin1String("schema");
     if (parser.isSet(QStringLiteral("init")) && !creates)
         return fail(console, DBCommands::tr("--init is for create"), Failure::Usage);
-    if ((creates || tells) && parser.value(QStringLiteral("file")).isEmpty())
-        return fail(console, DBCommands::tr("--file names the database"), Failure::Usage);
     if (creates)
         return createTable(parser, console);
     return tells ? tellStructure(parser, console) : runRows(parser, console);
+}
+
+QStringList missingWords(const QCommandLineParser& parser)
+{
+    const QStringList words = parser.positionalArguments().mid(1);
+    const QString operation = words.value(0);
+    const auto isOneOf = [&operation](const QStringList& names) { return names.contains(operation); };
+    const bool changes = isOneOf({QStringLiteral("update"), QStringLiteral("delete")});
+    const QString condition = QStringLiteral("--where COLUMN=VALUE");
+    QStringList missing;
+    if (words.size() == 1 && !isOneOf({QStringLiteral("tables"), QStringLiteral("schema")}))
+        missing.append(QStringLiteral("TABLE"));
+    if (operation == QLatin1String("create") && words.size() < 3)
+        missing.append(QStringLiteral("COLUMN:TYPE"));
+    if (parser.value(QStringLiteral("file")).isEmpty())
+        missing.append(QStringLiteral("--file DB"));
+    if (changes && !parser.isSet(QStringLiteral("where")) && !parser.isSet(QStringLiteral("all")))
+        missing.append(operation == QLatin1String("delete") ? DBCommands::tr("%1 or --all").arg(condition)
+                                                            : condition);
+    return missing;
 }
 
 // The text that is meant: the word itself, or the standard input without its last line break.
@@ -311,7 +329,8 @@ Command dbCommand()
           {QStringLiteral("insert"), QStringLiteral("update"), QStringLiteral("delete"),
            QStringLiteral("select"), QStringLiteral("tables"), QStringLiteral("schema"),
            QStringLiteral("create")}}},
-        DBRequests::withEncodeValues};
+        DBRequests::withEncodeValues,
+        missingWords};
 }
 
 } // namespace

@@ -41,14 +41,13 @@ QVariantMap pairs(const QStringList& words, QString& error)
     return values;
 }
 
-bool readCommand(const QString& word, DB_COMMAND& command)
+DB_COMMAND commandOf(const QString& word)
 {
     static const QMap<QString, DB_COMMAND> commands{{QStringLiteral("insert"), DB_INSERT},
                                                     {QStringLiteral("update"), DB_UPDATE},
                                                     {QStringLiteral("delete"), DB_DELETE},
                                                     {QStringLiteral("select"), DB_SELECT}};
-    command = commands.value(word);
-    return commands.contains(word);
+    return commands.value(word);
 }
 
 QString conditionsError(const DBRequest& request, bool all)
@@ -146,12 +145,7 @@ DBRequest DBRequests::fromCommandLine(const QCommandLineParser& parser, QString&
     request.encodedColumns = parser.values(QStringLiteral("encode"));
     request.encode = request.encodedColumns.removeAll({}) > 0;
     request.direct = parser.isSet(QStringLiteral("direct"));
-    if (!readCommand(words.at(0), request.command)) {
-        error =
-            DBRequestTexts::tr("'%1' is none of insert, update, delete, select, tables, schema and create")
-                .arg(words.at(0));
-        return request;
-    }
+    request.command = commandOf(words.at(0));
     request.conditions = pairs(parser.values(QStringLiteral("where")), error);
     const QStringList values = words.mid(2);
     // "-" says what no values mean.
@@ -162,11 +156,7 @@ DBRequest DBRequests::fromCommandLine(const QCommandLineParser& parser, QString&
 
     if (!error.isEmpty())
         return request;
-    if (request.file.isEmpty())
-        error = DBRequestTexts::tr("--file names the database");
-    else if (words.size() < 2)
-        error = DBRequestTexts::tr("db: missing: TABLE");
-    else if (!DBRequests::isName(request.table))
+    if (!DBRequests::isName(request.table))
         error = DBRequests::badName(request.table);
     else if (!request.writes() && !row.isEmpty())
         error = DBRequestTexts::tr("conditions are given as --where COLUMN=VALUE");

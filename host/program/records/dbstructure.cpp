@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "records/dbstructure.h"
 
+#include "suggestion.h"
+
 #include <QCoreApplication>
 #include <QRegularExpression>
 #include <QSqlDatabase>
@@ -65,23 +67,25 @@ QStringList DBStructure::schema(const QString& file, const QString& table, QStri
 
 QString DBStructure::columnsOf(const QStringList& words, QString& error)
 {
-    static const QRegularExpression form(QRegularExpression::anchoredPattern(QStringLiteral(
-                                             "([A-Za-z_][A-Za-z0-9_]*):(text|integer|real|numeric|blob)")),
-                                         QRegularExpression::CaseInsensitiveOption);
+    static const QStringList types{QStringLiteral("text"), QStringLiteral("integer"), QStringLiteral("real"),
+                                   QStringLiteral("numeric"), QStringLiteral("blob")};
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(
+            QStringLiteral("([A-Za-z_][A-Za-z0-9_]*):(%1)").arg(types.join(QLatin1Char('|')))),
+        QRegularExpression::CaseInsensitiveOption);
     QStringList columns;
     for (const QString& word : words) {
         const QRegularExpressionMatch match = form.match(word);
         if (!match.hasMatch()) {
-            error =
+            const QString objection =
                 StructureTexts::tr("'%1' is not of the form COLUMN:TYPE with one of the types text, integer, "
                                    "real, numeric and blob")
                     .arg(word);
+            error = withSuggestion(objection, likelyMeant(word.section(QLatin1Char(':'), 1), types));
             return {};
         }
         columns.append(QStringLiteral("\"%1\" %2").arg(match.captured(1), match.captured(2).toUpper()));
     }
-    if (columns.isEmpty())
-        error = StructureTexts::tr("a table needs a column: COLUMN:TYPE");
     return columns.join(QStringLiteral(", "));
 }
 

@@ -138,18 +138,21 @@ ExitCode checkApk(const QCommandLineParser& parser, Console& console)
     return good ? ExitDone : ExitFailed;
 }
 
+QStringList missingOptions(const QCommandLineParser& parser)
+{
+    QStringList missing;
+    if (parser.value(keystoreOption).isEmpty())
+        missing.append(QStringLiteral("--keystore FILE"));
+    if (!parser.isSet(passFileOption) && !parser.isSet(passEnvOption))
+        missing.append(ApkCommands::tr("--pass-file FILE or --pass-env NAME"));
+    return missing;
+}
+
 /** What is wrong with the options of sign; empty if nothing is. */
 QString objectionToOptions(const QCommandLineParser& parser)
 {
     const bool hasFile = parser.isSet(passFileOption);
     const bool hasVariable = parser.isSet(passEnvOption);
-    QStringList missing;
-    if (parser.value(keystoreOption).isEmpty())
-        missing.append(QStringLiteral("--keystore FILE"));
-    if (!hasFile && !hasVariable)
-        missing.append(ApkCommands::tr("--pass-file FILE or --pass-env NAME"));
-    if (!missing.isEmpty())
-        return ApkCommands::tr("sign: missing: %1").arg(missing.join(QStringLiteral(", ")));
     if (hasFile && hasVariable)
         return ApkCommands::tr("--pass-file and --pass-env exclude each other");
     const QString stream = objectionToStream(parser.value(passFileOption));
@@ -215,8 +218,10 @@ QVector<Command> apkCommands()
           {aliasOption, ApkCommands::tr("The key's name, where the keystore holds several."),
            QStringLiteral("NAME")}},
          signApk,
-         ApkCommands::tr(
-             "A password never stands on a command line. An APK that is not aligned is refused.")},
+         ApkCommands::tr("A password never stands on a command line. An APK that is not aligned is refused."),
+         {},
+         {},
+         missingOptions},
         {QStringLiteral("check"),
          ApkCommands::tr("checks an APK: archive, alignment, signature, package name"),
          {apk},

@@ -180,21 +180,21 @@ ExitCode checkKey(const QString& apk, Console& console)
     return ExitFailed;
 }
 
+QStringList missingApk(const QCommandLineParser& parser)
+{
+    const QStringList words = parser.positionalArguments();
+    const bool lacks = words.size() == 2 && words.at(1) == QLatin1String("check");
+    return lacks ? QStringList(QStringLiteral("APK")) : QStringList();
+}
+
 ExitCode workOnKey(const QCommandLineParser& parser, Console& console)
 {
     const QStringList words = parser.positionalArguments();
     const QString& what = words.at(1);
     const bool checks = what == QLatin1String("check");
-    if (!checks && what != QLatin1String("show") && what != QLatin1String("new")) {
+    if (!checks && words.size() > 2) {
         console.error(
-            {Failure::Usage, AssetCommands::tr("key: '%1' is none of show, new and check").arg(what)});
-        return ExitUsage;
-    }
-    if (checks != (words.size() > 2)) {
-        console.error({Failure::Usage,
-                       checks
-                           ? AssetCommands::tr("key check: missing: APK")
-                           : AssetCommands::tr("key %1: '%2' is one word too many").arg(what, words.at(2))});
+            {Failure::Usage, AssetCommands::tr("key %1: '%2' is one word too many").arg(what, words.at(2))});
         return ExitUsage;
     }
     if (!takeKey(parser, console))
@@ -239,7 +239,8 @@ QVector<Command> assetCommands()
              "none, \"check\" tells which key an APK was encrypted with, and ends with 1 when the present "
              "one "
              "is another."),
-         {{QStringLiteral("WHAT"),
-           {QStringLiteral("show"), QStringLiteral("new"), QStringLiteral("check")}}}},
+         {{QStringLiteral("WHAT"), {QStringLiteral("show"), QStringLiteral("new"), QStringLiteral("check")}}},
+         {},
+         missingApk},
     };
 }
