@@ -1741,6 +1741,57 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     </message>
 </context>
 <context>
+    <name>Slices</name>
+    <message>
+        <source>%1 is missing</source>
+        <translation>缺少 %1</translation>
+    </message>
+    <message>
+        <source>%1 is a number from %2 on, not &apos;%3&apos;</source>
+        <translation>%1 应是不小于 %2 的整数，而不是 &apos;%3&apos;</translation>
+    </message>
+    <message>
+        <source>--slice is I/N, from 1/N to N/N, not &apos;%1&apos;</source>
+        <translation>--slice 的写法是 I/N，从 1/N 到 N/N，而不是 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>SLURM_ARRAY_TASK_ID is %1, which is none of %2 tasks from %3 on in steps of %4; number the array evenly, or say --slice I/N</source>
+        <translation>SLURM_ARRAY_TASK_ID 为 %1，不属于从 %3 开始、步长为 %4 的 %2 个任务；请为作业数组均匀编号，或用 --slice I/N 指定</translation>
+    </message>
+    <message>
+        <source>JOB_COMPLETION_INDEX does not tell of how many: say --slices N, as many as the job has completions</source>
+        <translation>JOB_COMPLETION_INDEX 没有说明总份数：请用 --slices N 指定，与作业的完成数相同</translation>
+    </message>
+    <message>
+        <source>JOB_COMPLETION_INDEX is %1, but with --slices %2 the last one is %3</source>
+        <translation>JOB_COMPLETION_INDEX 为 %1，但 --slices %2 时最后一个是 %3</translation>
+    </message>
+    <message>
+        <source>CI_NODE_INDEX is %1, but CI_NODE_TOTAL is %2</source>
+        <translation>CI_NODE_INDEX 为 %1，而 CI_NODE_TOTAL 为 %2</translation>
+    </message>
+    <message>
+        <source>--slices is a number from 1 on, not &apos;%1&apos;</source>
+        <translation>--slices 应是不小于 1 的整数，而不是 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>--slice says of how many already: leave --slices out</source>
+        <translation>--slice 已说明总份数：请去掉 --slices</translation>
+    </message>
+    <message>
+        <source>%1 and %2 both say which slice this is: choose with --slice I/N</source>
+        <translation>%1 和 %2 都指明了这是哪一份：请用 --slice I/N 选定</translation>
+    </message>
+    <message>
+        <source>--slices says of how many, but nothing says which: say --slice I/N</source>
+        <translation>--slices 说明了总份数，但没有说明是哪一份：请用 --slice I/N 指定</translation>
+    </message>
+    <message>
+        <source>--slices is %1, but by %2 there are %3: choose with --slice I/N</source>
+        <translation>--slices 为 %1，但按 %2 有 %3 份：请用 --slice I/N 选定</translation>
+    </message>
+</context>
+<context>
     <name>StandardStreams</name>
     <message>
         <source>the standard input cannot be read: %1</source>

@@ -15,11 +15,15 @@ struct Slice {
     bool takes(int channel) const { return channel % count == index; }
 
     /**
-     * Reads the words of the command line, and without a --slice what a scheduler says in the environment.
+     * Reads the words of the command line, and without a --slice what a scheduler says in the environment:
+     * Slurm's arrays, GitLab's parallel jobs, and with --slices the indexed jobs of Kubernetes.
+     *
+     * Two schedulers at once are refused, and so is one that does not say of how many: a guess would leave
+     * channels out, or build them twice.
      *
      * @param slice "I/N", I from 1; empty when not given
      * @param slices "N"; empty when not given
-     * @param[out] fault a sentence when they cannot be used
+     * @param[out] fault a sentence when they cannot be used, which names the option or the variable
      */
     static Slice of(const QString& slice, const QString& slices, const QProcessEnvironment& environment,
                     QString& fault);
