@@ -5,9 +5,12 @@ import os
 import stat
 
 from quenzo_files import SCRATCH
-from quenzo_report import ToolError
+from quenzo_folder import Folder
+from quenzo_report import NoFile, ToolError
+from quenzo_zipwrite import changed
 
-Source = collections.namedtuple("Source", "name path size")
+# A file to pack; do(function, *more) calls function with a path to it, whatever others exchange above it.
+Source = collections.namedtuple("Source", "name size do")
 
 
 def lies_in(path, root):
@@ -19,41 +22,75 @@ def lies_in(path, root):
     return os.path.samefile("/", root)
 
 
-def contents(root):
-    """Entry name to Source, for every file and every empty folder below root."""
-    found = {}
+class Tree(object):
+    """The folder to pack, held open: its files are reached from there, and through no link."""
 
-    def walk(folder, prefix):
-        names = [name for name in os.listdir(folder) if not SCRATCH.match(name)]
+    def __init__(self, root):
+        self._root = root.rstrip("/") + "/"
+        self._top = Folder(root, root)
+        self._last, self._names = self._top.folder("."), []     # the folder of the latest file, and its way
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *unused):
+        self._last.close()
+        self._top.close()
+
+    def contents(self):
+        """Entry name to Source, for every file and every empty folder."""
+        found = {}
+        try:
+            self._walk(self._top, "", found)
+        except RuntimeError:
+            raise ToolError("the folder is nested too deep: %s" % self._top.path)
+        return found
+
+    def _walk(self, folder, prefix, found):
+        names = [name for name in folder.do(os.listdir, ".") if not SCRATCH.match(name)]
+        place = self._root + prefix
         for name in names:
-            path = os.path.join(folder, name)
-            status = os.lstat(path)
+            status = os.lstat(place + name)     # By its path, which is quicker: no more than a first look.
             if stat.S_ISDIR(status.st_mode):
-                walk(path, prefix + name + "/")
+                with folder.folder(name) as inner:
+                    self._walk(inner, prefix + name + "/", found)
             else:
-                found[prefix + name] = _file_behind(prefix + name, path, status, root)
+                found[prefix + name] = self._file_behind(prefix + name, status)
         if prefix and not names:
-            found[prefix] = Source(prefix, folder, 0)
+            found[prefix] = Source(prefix, 0, None)
 
-    try:
-        walk(root, "")
-    except RuntimeError:
-        raise ToolError("the folder is nested too deep: %s" % root)
-    return found
+    def _file_behind(self, name, status):
+        """The file to read for an entry; a link has to end at a file of the same tree."""
+        path = self._root + name
+        if stat.S_ISLNK(status.st_mode):
+            real = os.path.realpath(path)
+            if not real.startswith(self._root):
+                raise ToolError("a link leads out of the folder: %s" % path)
+            if not os.path.isfile(real):
+                raise ToolError("a link leads to no file: %s" % path)
+            return self._source(name, os.path.getsize(real), real[len(self._root):])
+        if not stat.S_ISREG(status.st_mode):
+            raise ToolError("neither file nor folder: %s" % path)
+        return self._source(name, status.st_size, name)
 
+    def _source(self, name, size, place):
+        names = place.split("/")
 
-def _file_behind(name, path, status, root):
-    """The file to read for an entry; a link has to end at a file of the same tree."""
-    if stat.S_ISLNK(status.st_mode):
-        real = os.path.realpath(path)
-        if not real.startswith(root.rstrip("/") + "/"):
-            raise ToolError("a link leads out of the folder: %s" % path)
-        if not os.path.isfile(real):
-            raise ToolError("a link leads to no file: %s" % path)
-        return Source(name, real, os.path.getsize(real))
-    if not stat.S_ISREG(status.st_mode):
-        raise ToolError("neither file nor folder: %s" % path)
-    return Source(name, path, status.st_size)
+        def do(function, *more):
+            try:
+                return self._folder(names[:-1]).do(function, names[-1], *more)
+            except NoFile:
+                raise changed(name)
+
+        return Source(name, size, do)
+
+    def _folder(self, names):
+        """The open folder of a file; one stays open for those that follow."""
+        if names != self._names:
+            there = self._top.below(names)
+            self._last.close()
+            self._last, self._names = there, names
+        return self._last
 
 
 def add_extra(found, extra, target):
@@ -65,4 +102,4 @@ def add_extra(found, extra, target):
         raise ToolError("no such file to add: %s" % extra)
     if any(entry.split("/", 1)[0] == name for entry in found):
         raise ToolError("the folder holds a '%s' of its own" % name)
-    found[name] = Source(name, path, os.path.getsize(path))
+    found[name] = Source(name, os.path.getsize(path), lambda function, *more: function(path, *more))

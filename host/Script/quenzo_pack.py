@@ -9,7 +9,7 @@ import os
 from quenzo_ahead import in_order
 from quenzo_files import argument_path, argument_text, blocks, open_regular, read_small, replaced
 from quenzo_folder import parents_made
-from quenzo_gather import add_extra, contents, lies_in
+from quenzo_gather import Tree, add_extra, lies_in
 from quenzo_limits import check_content, check_entries
 from quenzo_names import check_names
 from quenzo_progress import add_progress, begin_progress
@@ -50,8 +50,8 @@ def pack_planned(src, dest, apkfile, plan, base=None):
         raise ToolError("no such folder: %s" % root)
     if lies_in(target, root):
         raise ToolError("the archive would lie in the folder to pack: %s" % target)
-    with parents_made(argument_text(dest, "the archive to write")) as (folder, file_name):
-        found = contents(root)
+    with parents_made(argument_text(dest, "the archive to write")) as (folder, file_name), Tree(root) as tree:
+        found = tree.contents()
         if extra is not None:
             add_extra(found, extra, target)
         items = plan(root, found)
@@ -121,7 +121,7 @@ def _is_large(item):
 def _read(item, base):
     record, data, packed = item.record, None, None
     if item.source:
-        data = "" if item.name.endswith("/") else read_small(item.source.path, item.source.size + 1)
+        data = "" if item.name.endswith("/") else item.source.do(read_small, item.source.size + 1)
         if len(data) != item.source.size:
             raise changed(item.name)
         record.crc = binascii.crc32(data) & 0xffffffff
@@ -157,14 +157,14 @@ def _add_large(writer, item, base):
         writer.add_packed(item.record, base.verified_blocks(item.entry), item.entry.packed, item.entry.crc)
         add_progress(item.record.size)
         return
-    with open_regular(item.source.path) as content:
+    with item.source.do(open_regular) as content:
         writer.add(item.record, _counted(blocks(content)))
 
 
 def _is_equal(item, base):
     if item.source.size != item.entry.size:
         return False
-    with open_regular(item.source.path) as content:
+    with item.source.do(open_regular) as content:
         return all(content.read(len(block)) == block for block in base.blocks(item.entry)) and not content.read(1)
 
 

@@ -10,6 +10,8 @@ from support import APK, Raw, raw_archive, read, tree, write
 
 import encrypt
 import pytoolForQt
+import quenzo_pack
+from quenzo_report import ToolError, sentence
 
 
 class Exchanges(Attack):
@@ -37,16 +39,21 @@ class Exchanges(Attack):
 class AtTheWorstMoment(Exchanges):
     """The exchange happens inside of a call that every unpacking makes."""
 
-    def exchange_at(self, function, folder, target):
-        """Lets the first call of os.function put a link to target in the place of folder."""
+    def exchange_at(self, function, folder, target, behind=""):
+        """Lets the first call of os.function put a link to target in the place of folder.
+
+        Where the end of a path is given, it is the first call with such a one.
+        """
         honest = getattr(os, function)
         self.addCleanup(setattr, os, function, honest)
 
         def called(*arguments):
-            setattr(os, function, honest)
-            os.rename(folder, self.path("away"))
-            os.symlink(target, folder)
-            return honest(*arguments)
+            answer = honest(*arguments)
+            if not behind or arguments[0].endswith(behind):
+                setattr(os, function, honest)
+                os.rename(folder, self.path("away"))
+                os.symlink(target, folder)
+            return answer
 
         setattr(os, function, called)
 
@@ -70,6 +77,22 @@ class AtTheWorstMoment(Exchanges):
             self.assertIn(os.path.basename(name), [one for _, _, names in os.walk(self.path("away")) for one in names])
             os.remove(self.out)
             os.rename(self.path("away"), self.out)
+
+    def test_whatIsPackedComesFromTheFolderAlone(self):
+        folder, secret = self.path("src", "sub"), self.path("secret")
+        for name in ("file", "large"):
+            size = 7 if name == "file" else quenzo_pack.BATCH_BYTES
+            write(os.path.join(folder, name), "shown! " * size)
+            write(os.path.join(secret, name), "secret " * size)
+            for function, behind in (("lstat", "/sub"), ("urandom", "")):
+                self.exchange_at(function, folder, secret, behind)
+                with self.assertRaises((EnvironmentError, ToolError)) as caught:
+                    pytoolForQt.zip(self.path("src"), self.path("out.zip"), "")
+                self.assertIn("src/sub", sentence(caught.exception))
+                self.assertFalse(os.path.exists(self.path("out.zip")))
+                os.remove(folder)
+                os.rename(self.path("away"), folder)
+            os.remove(os.path.join(folder, name))
 
     def test_aFolderAboveAnApkToEncryptLeadsNowhereElse(self):
         apk = write(os.path.join(self.out, "game.apk"), read(APK))

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
+#include <cstring>
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -55,6 +56,8 @@ template <typename Function> Function real(const char* name)
 
 int openReally(const char* name, int folder, const char* path, int flags, mode_t mode)
 {
+    if (std::strcmp(path, "..") == 0 && fails(FaultyCalls::Climbing))
+        return -1;
     const bool isUnnamed = (flags & O_TMPFILE) == O_TMPFILE;
     if (isUnnamed && fails(FaultyCalls::OpeningUnnamed))
         return -1;

@@ -20,6 +20,7 @@ enum Call {
     Flushing,
     Removing,
     ChangingMode,
+    Climbing, ///< to the folder above one
     StartingThread,
     CallCount
 };

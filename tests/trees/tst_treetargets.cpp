@@ -2,6 +2,7 @@
 // What may stand in a target already: links and mounts that lead back, links that lead elsewhere.
 #include <threadcommon.h>
 
+#include "faultycalls.h"
 #include "runroot.h"
 #include "treefixture.h"
 
@@ -37,6 +38,8 @@ private Q_SLOTS:
     void danglingLinkStaysAndIsFalse();
     void folderOfAFilesNameKeepsItsRights_data() { addEveryWay(); }
     void folderOfAFilesNameKeepsItsRights();
+    void exchangedTargetIsNotFollowed_data();
+    void exchangedTargetIsNotFollowed();
     void runsAtOnceLoseNothing_data();
     void runsAtOnceLoseNothing();
 
@@ -171,6 +174,36 @@ void tst_TreeTargets::folderOfAFilesNameKeepsItsRights()
     QVERIFY(!transfer(manner));
     QCOMPARE(TreeFiles::mode(m_target + "/entry"), 0755);
     QVERIFY(exists(m_target + "/entry/file"));
+}
+
+void tst_TreeTargets::exchangedTargetIsNotFollowed_data()
+{
+    QTest::addColumn<Manner>("manner");
+    QTest::addColumn<bool>("isThere");
+    for (const auto& [manner, what] : {everyWay[0], everyWay[1]}) {
+        for (const bool isThere : {true, false})
+            QTest::addRow("%s, %s", what, isThere ? "there" : "new") << manner << isThere;
+    }
+}
+
+// Somebody else lets the way to the target lead into the source while it is looked at.
+void tst_TreeTargets::exchangedTargetIsNotFollowed()
+{
+    QFETCH(Manner, manner);
+    QFETCH(bool, isThere);
+    const QByteArray place = m_root + "/place";
+    const QByteArray aside = m_root + "/aside";
+    fillTwoFolders();
+    const Tree before = content(m_source);
+    makeFolder(isThere ? place + "/target" : place);
+    FaultyCalls::actBeforeNth(FaultyCalls::Climbing, 1, [&] {
+        QCOMPARE(rename(place.constData(), aside.constData()), 0);
+        makeLink("source", place);
+    });
+    QVERIFY(TreeRuns::transfer(m_source, place + "/target", manner));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(content(aside + "/target"), before);
+    QCOMPARE(content(m_source), manner == Copy ? before : Tree());
 }
 
 void tst_TreeTargets::runsAtOnceLoseNothing_data()

@@ -33,20 +33,23 @@ bool TreeCopy::perform()
         logUnreadable(source);
         return false;
     }
-    if (targetIsInside(source)) {
+    // What is written to is the very folder that was looked at, whatever others put in its place.
+    TransferTarget target;
+    target.folder = TreeFolder::open(m_targetPath, TreeFolder::Writing);
+    const TreeFolder above = TreeFolder::open(TreeFolder::parentPath(m_targetPath), TreeFolder::Writing);
+    if (targetIsInside(source, target.folder, above)) {
         logFailedCopy(m_sourcePath, m_targetPath, QStringLiteral("the target lies inside it"));
         return false;
     }
-    TransferTarget target = TransferTarget::reach(m_targetPath);
+    if (!target.folder.isOpen())
+        target = TransferTarget::make(above, TreeFolder::lastName(m_targetPath));
     const bool copied = target.folder.isOpen() && copyEntries(source, target, m_nameFilters);
     return m_transfer.settle() && copied;
 }
 
-bool TreeCopy::targetIsInside(const TreeFolder& source)
+bool TreeCopy::targetIsInside(const TreeFolder& source, const TreeFolder& target, const TreeFolder& above)
 {
-    const TreeFolder target = TreeFolder::open(m_targetPath, TreeFolder::Writing);
-    const TreeFolder parent = TreeFolder::open(TreeFolder::parentPath(m_targetPath), TreeFolder::Writing);
-    const QVector<FileIdentity> lineage = target.isOpen() ? target.lineage() : parent.lineage();
+    const QVector<FileIdentity> lineage = target.isOpen() ? target.lineage() : above.lineage();
     m_targetLineage = QSet<FileIdentity>(lineage.cbegin(), lineage.cend());
     return m_targetLineage.contains(source.id()) && source.id() != target.id();
 }

@@ -16,7 +16,7 @@ public:
     bool perform();
 
 private:
-    bool targetIsInside(const TreeFolder& source);
+    bool targetIsInside(const TreeFolder& source, const TreeFolder& target, const TreeFolder& above);
     bool copyEntries(TreeFolder& source, TransferTarget& target, const QStringList& nameFilters);
     bool copyFolder(TreeFolder& source, const TreeEntry& entry, TransferTarget& target);
 

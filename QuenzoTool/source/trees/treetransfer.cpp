@@ -35,11 +35,16 @@ TransferTarget TransferTarget::reach(const QByteArray& path)
     target.folder = TreeFolder::open(path, TreeFolder::Writing);
     if (target.folder.isOpen())
         return target;
-    const TreeFolder parent = TreeFolder::open(TreeFolder::parentPath(path), TreeFolder::Writing);
-    const QByteArray name = TreeFolder::lastName(path);
+    return make(TreeFolder::open(TreeFolder::parentPath(path), TreeFolder::Writing),
+                TreeFolder::lastName(path));
+}
+
+TransferTarget TransferTarget::make(const TreeFolder& parent, const QByteArray& name)
+{
+    TransferTarget target;
     const TreeFolder::Made made = parent.makeFolder(name);
     if (made == TreeFolder::NotMade) {
-        logSystemFailure(path, QStringLiteral("made"));
+        logSystemFailure(parent.pathOf(name), QStringLiteral("made"));
         return target;
     }
     target.namesKnown = made == TreeFolder::MadeNew;

@@ -13,6 +13,7 @@
 struct TransferTarget {
     /** The folder at an absolute path, made if its parent is there; not open when neither succeeds. */
     static TransferTarget reach(const QByteArray& path);
+    static TransferTarget make(const TreeFolder& parent, const QByteArray& name);
 
     TreeFolder folder;
     bool isElsewhere = false; ///< whether a link or a mount in the target has led to it
