@@ -646,14 +646,6 @@ Exit codes:</source>
         <translation>已插入到 %1，行数：%2</translation>
     </message>
     <message>
-        <source>updated %1, statements: %2</source>
-        <translation>已更新 %1，语句数：%2</translation>
-    </message>
-    <message>
-        <source>deleted from %1</source>
-        <translation>已从 %1 删除</translation>
-    </message>
-    <message>
         <source>the table %1 cannot be made: %2</source>
         <translation>无法创建表 %1：%2</translation>
     </message>
@@ -764,6 +756,14 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>%1 or --all</source>
         <translation>%1 或 --all</translation>
+    </message>
+    <message>
+        <source>updated %1, statements: %2, rows: %3</source>
+        <translation>已更新 %1，语句数：%2，行数：%3</translation>
+    </message>
+    <message>
+        <source>deleted from %1, rows: %2</source>
+        <translation>已从 %1 中删除，行数：%2</translation>
     </message>
 </context>
 <context>

@@ -17,6 +17,8 @@ private Q_SLOTS:
     void updateNeedsOneCondition();
     void updateOfTheConditionsColumnNeedsAnotherSpelling();
     void updateReadsRowsFromTheInput();
+    void rowsThatAreMetAreCounted_data();
+    void rowsThatAreMetAreCounted();
     void deleteNeedsAConditionOrAll();
     void selectPrintsJsonLinesIntoAPipe();
     void selectPrintsCsv();
@@ -95,9 +97,48 @@ void tst_DBCommands::updateReadsRowsFromTheInput()
 {
     ask(QStringLiteral("INSERT INTO channel(id) VALUES('1')"));
     const Ended ended = db(words("update channel --where id=1"), "{\"name\": 5}\n{\"state\": \"x\"}\n");
-    QCOMPARE(ended.output, QByteArray("updated channel, statements: 2\n"));
+    QCOMPARE(ended.output, QByteArray("updated channel, statements: 2, rows: 1\n"));
     QCOMPARE(ask(QStringLiteral("SELECT typeof(name) || name || state FROM channel")),
              QStringList{QStringLiteral("integer5x")});
+}
+
+void tst_DBCommands::rowsThatAreMetAreCounted_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<int>("count");
+    for (const char* way : {"", " --direct"}) {
+        const auto row = [way](const char* words, const char* text, const char* key, int count) {
+            const QString line = QLatin1String(words) + QLatin1String(way);
+            QTest::newRow(qPrintable(line)) << line << QByteArray(text) << QString::fromLatin1(key) << count;
+        };
+        row("update channel name=new --where id=9", "updated channel, statements: 1, rows: 0\n", "updated",
+            0);
+        row("update channel name=new --where state=x", "updated channel, statements: 1, rows: 2\n", "updated",
+            2);
+        row("delete channel --where id=9", "deleted from channel, rows: 0\n", "deleted", 0);
+        row("delete channel --where state=x", "deleted from channel, rows: 2\n", "deleted", 2);
+        row("delete channel --all", "deleted from channel, rows: 3\n", "deleted", 3);
+    }
+}
+
+void tst_DBCommands::rowsThatAreMetAreCounted()
+{
+    QFETCH(const QString, line);
+    QFETCH(const QString, key);
+    const QString rows =
+        QStringLiteral("INSERT INTO channel(id, state) VALUES('1', 'x'), ('2', 'x'), ('3', 'y')");
+    ask(QStringLiteral("CREATE TABLE log(id)"));
+    ask(QStringLiteral("CREATE TRIGGER kept AFTER DELETE ON channel BEGIN INSERT INTO log VALUES(old.id); "
+                       "INSERT INTO log VALUES(old.id); END"));
+    ask(rows);
+    const Ended ended = db(line.split(QLatin1Char(' ')));
+    QTEST(ended.output, "text");
+    QCOMPARE(ended.code, 0);
+    ask(QStringLiteral("DELETE FROM channel"));
+    ask(rows);
+    QTEST(db(line.split(QLatin1Char(' ')) + words("--json")).result().value(key).toInt(-1), "count");
 }
 
 void tst_DBCommands::deleteNeedsAConditionOrAll()

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void failingAdbIsNoEmptyList_data();
     void failingAdbIsNoEmptyList();
     void yesIsNeededInAPipe();
+    void missingFileIsToldBeforeYesIsAskedFor();
     void installReportsItsSuccess();
     void refusalIsExplained_data();
     void refusalIsExplained();
@@ -215,6 +216,15 @@ void tst_DeviceCommands::yesIsNeededInAPipe()
         QVERIFY2(run.error.contains("--yes"), run.error.constData());
     }
     QCOMPARE(ScriptedTools::calls(), QStringList());
+}
+
+void tst_DeviceCommands::missingFileIsToldBeforeYesIsAskedFor()
+{
+    for (const char* command : {"install", "uninstall"}) {
+        const Ended run = quenzo({QLatin1String(command), QStringLiteral("none.apk")});
+        QCOMPARE(run.error, QByteArray("quenzo: none.apk: no such file\n"));
+        QCOMPARE(run.code, 1);
+    }
 }
 
 void tst_DeviceCommands::installReportsItsSuccess()

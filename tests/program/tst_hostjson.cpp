@@ -160,7 +160,7 @@ void tst_HostJson::outcomesAreOfTheSchema_data()
     row("package-name @/skyharbour.apk");
     row("package-name script.py", 1);
     row("install absent.apk --yes", 1);
-    row("install absent.apk", 2);
+    row("install game.apk", 2);
     row("uninstall absent.apk --yes", 1);
     row("uninstall game.apk --timeout x", 2);
 }

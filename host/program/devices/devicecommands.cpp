@@ -224,15 +224,16 @@ ExitCode runTask(const QCommandLineParser& parser, Console& console, bool instal
         return ExitUsage;
     }
     task.timeoutSeconds = static_cast<int>(seconds);
+    task.apk = usableApk(parser.positionalArguments().at(1), console);
+    if (task.apk.isEmpty())
+        return ExitFailed;
     if (!parser.isSet(yesOption) && !Console::isInteractive()) {
         console.error({Failure::Usage,
                        DeviceCommands::tr("this removes a package and its data: --yes is needed where nobody "
                                           "can be asked")});
         return ExitUsage;
     }
-    task.apk = usableApk(parser.positionalArguments().at(1), console);
-    if (task.apk.isEmpty() || !toolWorks(QStringLiteral("adb"), console)
-        || !toolWorks(QStringLiteral("aapt"), console))
+    if (!toolWorks(QStringLiteral("adb"), console) || !toolWorks(QStringLiteral("aapt"), console))
         return ExitFailed;
     const QString package = packageOf(task.apk, console);
     if (package.isEmpty())

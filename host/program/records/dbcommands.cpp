@@ -83,17 +83,21 @@ void reportRows(Console& console, const QVariantList& rows, bool csv)
         console.printText(lines.join(QLatin1Char('\n')));
 }
 
-void reportWritten(Console& console, const DBRequest& request)
+// Statements of an update differ in their values alone: each meets the rows that the last one met.
+void reportWritten(Console& console, const DBRequest& request, int changed)
 {
     const QString count = QString::number(request.rows.size());
     if (request.command == DB_INSERT) {
         console.say(DBCommands::tr("inserted into %1, rows: %2").arg(request.table, count));
         console.set(QStringLiteral("inserted"), request.rows.size());
     } else if (request.command == DB_UPDATE) {
-        console.say(DBCommands::tr("updated %1, statements: %2").arg(request.table, count));
+        console.say(DBCommands::tr("updated %1, statements: %2, rows: %3")
+                        .arg(request.table, count, QString::number(changed)));
         console.set(QStringLiteral("statements"), request.rows.size());
+        console.set(QStringLiteral("updated"), changed);
     } else {
-        console.say(DBCommands::tr("deleted from %1").arg(request.table));
+        console.say(DBCommands::tr("deleted from %1, rows: %2").arg(request.table, QString::number(changed)));
+        console.set(QStringLiteral("deleted"), changed);
     }
 }
 
@@ -168,7 +172,7 @@ ExitCode runRows(const QCommandLineParser& parser, Console& console)
     if (!outcome.error.isEmpty())
         return fail(console, outcome.error);
     if (request.command != DB_SELECT) {
-        reportWritten(console, request);
+        reportWritten(console, request, outcome.changed);
         return ExitDone;
     }
     const QStringList scrambled = parser.values(QStringLiteral("decode"));

@@ -23,6 +23,14 @@ struct DBSession {
 const QLatin1String rowsTag("rows");
 const QLatin1String endTag("end");
 
+// In a table's place: how many rows the connection's last statement that writes has met.
+const QString lastChanges = QStringLiteral("(SELECT changes() AS changed)");
+
+int changedRows(const QVariantList& found)
+{
+    return found.value(0).toMap().value(QStringLiteral("changed")).toInt();
+}
+
 void queueRequest(DBHelper& database, DBRequest& request)
 {
     if (request.writes()) {
@@ -34,11 +42,11 @@ void queueRequest(DBHelper& database, DBRequest& request)
                                   request.encode, rowsTag);
     }
     // Queued commands report nothing, but a select's rows come in their turn: these say that all have run.
-    database.threadToDatabase(DB_SELECT, QStringLiteral("(SELECT 1)"), false, endTag);
+    database.threadToDatabase(DB_SELECT, lastChanges, false, endTag);
 }
 
-// Gives what a select has found. False when the system has no thread for the worker: nothing is done then.
-bool waitUntilDrained(DBHelper& database, Console& console, QVariantList& rows)
+// Gives what has come of it. False when the system has no thread for the worker: nothing is done then.
+bool waitUntilDrained(DBHelper& database, Console& console, DBOutcome& outcome)
 {
     constexpr int intervalMs = 20;
     bool ended = false;
@@ -46,8 +54,11 @@ bool waitUntilDrained(DBHelper& database, Console& console, QVariantList& rows)
     QObject::connect(&database, &DBHelper::onSelectFinish, &receiver,
                      [&](const QString&, const QVariantList& found, const QString& tag) {
                          if (tag == rowsTag)
-                             rows = found;
-                         ended = ended || tag == endTag;
+                             outcome.rows = found;
+                         if (tag != endTag)
+                             return;
+                         outcome.changed = changedRows(found);
+                         ended = true;
                      });
     QEventLoop loop;
     QTimer timer;
@@ -89,6 +100,8 @@ void runDirectly(DBHelper& database, DBRequest& request, DBOutcome& outcome)
                          [&](const QVariant& row) { return !writeRow(database, request, row.toMap()); });
         outcome.written = int(failed - request.rows.cbegin());
     }
+    QVariantMap none;
+    outcome.changed = changedRows(database.selectFromDatabase(lastChanges, none, false));
 }
 
 // How the library's lines begin that say what became of a burst as a whole.
@@ -146,7 +159,7 @@ DBOutcome runRequest(DBRequest request, Console& console)
         runDirectly(database, request, outcome);
     } else {
         queueRequest(database, request);
-        started = waitUntilDrained(database, console, outcome.rows);
+        started = waitUntilDrained(database, console, outcome);
     }
     // Closed first: until then a commit that failed is tried again.
     database.closeDB();

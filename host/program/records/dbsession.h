@@ -12,6 +12,7 @@ struct DBRequest;
 struct DBOutcome {
     QVariantList rows; ///< of a select
     int written = 0; ///< rows that were written directly, up to the first that failed
+    int changed = 0; ///< rows that the last statement has changed or removed
     QString error; ///< what failed and why, and what is written; empty when all went well
 };
 
