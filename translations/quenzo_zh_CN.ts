@@ -483,36 +483,12 @@
         <translation>&quot;%1&quot; 不是文本</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; is missing or empty</source>
-        <translation>&quot;%1&quot; 缺失或为空</translation>
-    </message>
-    <message>
-        <source>&quot;%1&quot; is &quot;%2&quot;, which is no name of a folder</source>
-        <translation>&quot;%1&quot; 的值 &quot;%2&quot; 不能用作文件夹名</translation>
-    </message>
-    <message>
-        <source>&quot;%1&quot; holds a slash, a backslash or a control character</source>
-        <translation>&quot;%1&quot; 含有斜杠、反斜杠或控制字符</translation>
-    </message>
-    <message>
-        <source>&quot;%1&quot; holds half of a surrogate pair, which no file name can</source>
-        <translation>&quot;%1&quot; 含有半个代理对，文件名中不允许</translation>
-    </message>
-    <message>
-        <source>&quot;%1&quot; is longer than %2 bytes</source>
-        <translation>&quot;%1&quot; 超过 %2 个字节</translation>
-    </message>
-    <message>
         <source>&quot;%1&quot; is not a whole number of pixels</source>
         <translation>&quot;%1&quot; 不是整数像素值</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is none of %2, nor a number from 0 to 4</source>
         <translation>&quot;%1&quot; 不是 %2 中的任何一个，也不是 0 到 4 的数字</translation>
-    </message>
-    <message>
-        <source>line %1, column %2</source>
-        <translation>第 %1 行第 %2 列</translation>
     </message>
     <message>
         <source>CHANNELS.json holds an array with an object a channel:
@@ -555,6 +531,26 @@ corner. A mark&apos;s pictures are MARK/icon/left-top.png and so on.</source>
     <message>
         <source>%1 does not hold an array of channels</source>
         <translation>%1 中不是渠道数组</translation>
+    </message>
+    <message>
+        <source>is missing or empty</source>
+        <translation>缺失或为空</translation>
+    </message>
+    <message>
+        <source>is &quot;%1&quot;, which is no name of a folder</source>
+        <translation>的值 &quot;%1&quot; 不能用作文件夹名</translation>
+    </message>
+    <message>
+        <source>holds a slash, a backslash or a control character</source>
+        <translation>含有斜杠、反斜杠或控制字符</translation>
+    </message>
+    <message>
+        <source>holds half of a surrogate pair, which no file name can</source>
+        <translation>含有半个代理对，文件名中不允许</translation>
+    </message>
+    <message>
+        <source>is longer than %1 bytes</source>
+        <translation>超过 %1 个字节</translation>
     </message>
 </context>
 <context>
@@ -1118,10 +1114,6 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <translation>--default-x 和 --default-y 需要整数像素值</translation>
     </message>
     <message>
-        <source>it is not a regular file</source>
-        <translation>它不是普通文件</translation>
-    </message>
-    <message>
         <source>the icon &apos;%1&apos; cannot be read: %2</source>
         <translation>无法读取图标 &apos;%1&apos;：%2</translation>
     </message>
@@ -1454,14 +1446,6 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <translation>输出文件夹 &apos;%1&apos; 不为空，也不是之前的运行所创建：--clear 删除其中的内容，--keep 保留其中的内容</translation>
     </message>
     <message>
-        <source>the mark picture %1 is missing</source>
-        <translation>缺少角标图片 %1</translation>
-    </message>
-    <message>
-        <source>the mark picture %1 cannot be read (%2)</source>
-        <translation>无法读取角标图片 %1（%2）</translation>
-    </message>
-    <message>
         <source>the icon has %1 pixels, and an app icon set takes a square one</source>
         <translation>图标为 %1 像素，而应用图标集需要正方形图标</translation>
     </message>
@@ -1504,6 +1488,237 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>channel &apos;%1&apos;: &quot;x&quot; and &quot;y&quot; do not count without a &quot;corner&quot;; the options of the default one place the mark</source>
         <translation>渠道 &apos;%1&apos;：没有 &quot;corner&quot; 时，&quot;x&quot; 和 &quot;y&quot; 不起作用；角标的位置由默认角的选项决定</translation>
+    </message>
+</context>
+<context>
+    <name>JobChannels</name>
+    <message>
+        <source>is not the number of a developer record</source>
+        <translation>不是开发者记录的编号</translation>
+    </message>
+    <message>
+        <source>is none of %1, nor a number from 0 to 4</source>
+        <translation>不是 %1 中的任何一个，也不是 0 到 4 的数字</translation>
+    </message>
+    <message>
+        <source>is empty; a job has at least one channel</source>
+        <translation>为空；任务至少要有一个渠道</translation>
+    </message>
+    <message>
+        <source>an object</source>
+        <translation>对象</translation>
+    </message>
+    <message>
+        <source>is %1, a name that the run needs itself</source>
+        <translation>的值是 %1，这个名称由运行本身占用</translation>
+    </message>
+    <message>
+        <source>is %1, and %2 has the same but for the case or form of its letters</source>
+        <translation>的值是 %1，与 %2 只有字母大小写或字形编码的差别</translation>
+    </message>
+    <message>
+        <source>is %1, and the job has no &quot;marks&quot; in its &quot;icons&quot;</source>
+        <translation>的值是 %1，而任务的 &quot;icons&quot; 中没有 &quot;marks&quot;</translation>
+    </message>
+    <message>
+        <source>is %1, no SDK of this job</source>
+        <translation>的值是 %1，这个任务中没有这样的 SDK</translation>
+    </message>
+</context>
+<context>
+    <name>JobFile</name>
+    <message>
+        <source>does not exist</source>
+        <translation>不存在</translation>
+    </message>
+    <message>
+        <source>is not a regular file</source>
+        <translation>不是普通文件</translation>
+    </message>
+    <message>
+        <source>is larger than a job can be, %1 bytes</source>
+        <translation>超过任务文件的最大长度 %1 个字节</translation>
+    </message>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>无法读取：%1</translation>
+    </message>
+    <message>
+        <source>is not JSON: %1 at %2</source>
+        <translation>不是 JSON：%1，位于 %2</translation>
+    </message>
+    <message>
+        <source>is an array, not an object</source>
+        <translation>是数组，而不是对象</translation>
+    </message>
+    <message>
+        <source>is given twice</source>
+        <translation>给出了两次</translation>
+    </message>
+    <message>
+        <source>is empty; the platforms are %1</source>
+        <translation>为空；可用的平台有 %1</translation>
+    </message>
+    <message>
+        <source>is %1, and the platforms are %2</source>
+        <translation>的值是 %1，而可用的平台有 %2</translation>
+    </message>
+    <message>
+        <source>differs from &quot;%1&quot; in nothing but the case or form of letters</source>
+        <translation>与 &quot;%1&quot; 只有字母大小写或字形编码的差别</translation>
+    </message>
+    <message>
+        <source>is no name of an environment variable</source>
+        <translation>不是环境变量的名称</translation>
+    </message>
+    <message>
+        <source>names %1, which the environment does not have</source>
+        <translation>指定的 %1 在环境中没有设置</translation>
+    </message>
+    <message>
+        <source>is missing, and &quot;environment&quot; as well</source>
+        <translation>缺失，&quot;environment&quot; 也没有给出</translation>
+    </message>
+    <message>
+        <source>stands beside &quot;file&quot;: one of them is wanted</source>
+        <translation>与 &quot;file&quot; 同时给出：只能给出其中一个</translation>
+    </message>
+</context>
+<context>
+    <name>JobInputs</name>
+    <message>
+        <source>names %1, which does not exist</source>
+        <translation>指定的 %1 不存在</translation>
+    </message>
+    <message>
+        <source>names %1, which is not a regular file</source>
+        <translation>指定的 %1 不是普通文件</translation>
+    </message>
+    <message>
+        <source>names %1, which cannot be read: %2</source>
+        <translation>指定的 %1 无法读取：%2</translation>
+    </message>
+    <message>
+        <source>names %1, which is no APK</source>
+        <translation>指定的 %1 不是 APK</translation>
+    </message>
+    <message>
+        <source>names %1, which is no picture: %2</source>
+        <translation>指定的 %1 不是图片：%2</translation>
+    </message>
+    <message>
+        <source>names %1, which is not a folder</source>
+        <translation>指定的 %1 不是文件夹</translation>
+    </message>
+    <message>
+        <source>names %1, which cannot be read</source>
+        <translation>指定的 %1 无法读取</translation>
+    </message>
+    <message>
+        <source>cannot be used: %1</source>
+        <translation>无法使用：%1</translation>
+    </message>
+    <message>
+        <source>names %1, and %2 is not a folder</source>
+        <translation>指定了 %1，而 %2 不是文件夹</translation>
+    </message>
+    <message>
+        <source>is the work folder, too: %1</source>
+        <translation>同时也是工作文件夹：%1</translation>
+    </message>
+    <message>
+        <source>lies in the work folder %1</source>
+        <translation>位于工作文件夹 %1 之中</translation>
+    </message>
+    <message>
+        <source>lies in the output folder %1</source>
+        <translation>位于输出文件夹 %1 之中</translation>
+    </message>
+    <message>
+        <source>is %1, which holds the job itself</source>
+        <translation>的值是 %1，任务文件本身就在其中</translation>
+    </message>
+    <message>
+        <source>is %1, which holds what %2 names</source>
+        <translation>的值是 %1，%2 指定的内容就在其中</translation>
+    </message>
+    <message>
+        <source>is %1, which lies in the folder that %2 names</source>
+        <translation>的值是 %1，它位于 %2 指定的文件夹之中</translation>
+    </message>
+</context>
+<context>
+    <name>JobObject</name>
+    <message>
+        <source>a text</source>
+        <translation>文本</translation>
+    </message>
+    <message>
+        <source>a number</source>
+        <translation>数字</translation>
+    </message>
+    <message>
+        <source>true or false</source>
+        <translation>真假值</translation>
+    </message>
+    <message>
+        <source>an array</source>
+        <translation>数组</translation>
+    </message>
+    <message>
+        <source>an object</source>
+        <translation>对象</translation>
+    </message>
+    <message>
+        <source>null</source>
+        <translation>null</translation>
+    </message>
+    <message>
+        <source>is a comment, and not a text or an array of texts</source>
+        <translation>是注释，但不是文本或文本的数组</translation>
+    </message>
+    <message>
+        <source>is an unknown key; the keys here are %1</source>
+        <translation>是未知的键；此处可用的键有 %1</translation>
+    </message>
+    <message>
+        <source>is missing</source>
+        <translation>缺失</translation>
+    </message>
+    <message>
+        <source>is not a whole number from %1 to 2147483647</source>
+        <translation>不是 %1 到 2147483647 之间的整数</translation>
+    </message>
+    <message>
+        <source>is %1, which stands here already</source>
+        <translation>的值是 %1，此处已经有了</translation>
+    </message>
+    <message>
+        <source>is empty</source>
+        <translation>为空</translation>
+    </message>
+    <message>
+        <source>holds a control character</source>
+        <translation>含有控制字符</translation>
+    </message>
+    <message>
+        <source>holds half of a surrogate pair</source>
+        <translation>含有半个代理对</translation>
+    </message>
+    <message>
+        <source>is %1, not %2</source>
+        <translation>是%1，而不是%2</translation>
+    </message>
+    <message>
+        <source>is an unknown key</source>
+        <translation>是未知的键</translation>
+    </message>
+</context>
+<context>
+    <name>JsonPlace</name>
+    <message>
+        <source>line %1, column %2</source>
+        <translation>第 %1 行第 %2 列</translation>
     </message>
 </context>
 <context>
@@ -1561,6 +1776,21 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>the package &apos;%1&apos; has no icon that is a PNG file</source>
         <translation>包 &apos;%1&apos; 没有 PNG 格式的图标</translation>
+    </message>
+</context>
+<context>
+    <name>PictureFault</name>
+    <message>
+        <source>it is not a regular file</source>
+        <translation>它不是普通文件</translation>
+    </message>
+    <message>
+        <source>the mark picture %1 is missing</source>
+        <translation>缺少角标图片 %1</translation>
+    </message>
+    <message>
+        <source>the mark picture %1 cannot be read (%2)</source>
+        <translation>无法读取角标图片 %1（%2）</translation>
     </message>
 </context>
 <context>

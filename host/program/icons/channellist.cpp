@@ -3,6 +3,7 @@
 
 #include "console/standardstreams.h"
 #include "icons/iconset.h"
+#include "jsonplace.h"
 #include "suggestion.h"
 
 #include <QCoreApplication>
@@ -63,22 +64,12 @@ public:
     QString fileName(const QString& key, const QString& otherwise) const
     {
         QString name = text(key, otherwise);
-        const auto isForbidden = [](QChar letter) {
-            return letter == QLatin1Char('/') || letter == QLatin1Char('\\') || letter.unicode() < 0x20;
-        };
         const QJsonValue value = m_values.value(key);
         if (!value.isString() && !value.isNull() && !value.isUndefined())
             return {}; // said already
-        if (name.isEmpty())
-            complain(Channels::tr("\"%1\" is missing or empty").arg(key));
-        else if (name == QLatin1String(".") || name == QLatin1String(".."))
-            complain(Channels::tr(R"("%1" is "%2", which is no name of a folder)").arg(key, name));
-        else if (std::any_of(name.cbegin(), name.cend(), isForbidden))
-            complain(Channels::tr("\"%1\" holds a slash, a backslash or a control character").arg(key));
-        else if (!name.isValidUtf16())
-            complain(Channels::tr("\"%1\" holds half of a surrogate pair, which no file name can").arg(key));
-        else if (name.toUtf8().size() > longestName)
-            complain(Channels::tr("\"%1\" is longer than %2 bytes").arg(key).arg(longestName));
+        const QString fault = ChannelList::faultOfName(name);
+        if (!fault.isEmpty())
+            complain(QStringLiteral("\"%1\" ").arg(key) + fault);
         return name;
     }
 
@@ -89,14 +80,10 @@ public:
         const QJsonValue value = m_values.value(key);
         if (value.isUndefined())
             return 0;
-        const double number = value.toDouble(std::numeric_limits<double>::quiet_NaN());
-        const bool fits =
-            number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max();
-        if (!fits || static_cast<double>(static_cast<int>(number)) != number) {
+        const std::optional<int> number = ChannelList::wholeNumber(value);
+        if (!number)
             complain(Channels::tr("\"%1\" is not a whole number of pixels").arg(key));
-            return 0;
-        }
-        return static_cast<int>(number);
+        return number.value_or(0);
     }
 
     int corner(const QString& key) const
@@ -104,8 +91,7 @@ public:
         const QJsonValue value = m_values.value(key);
         if (value.isUndefined())
             return IconSet::Default;
-        const int corner =
-            ChannelList::cornerOf(value.isDouble() ? QString::number(value.toDouble()) : value.toString());
+        const int corner = ChannelList::cornerOf(value);
         if (corner < 0)
             complain(withSuggestion(Channels::tr("\"%1\" is none of %2, nor a number from 0 to 4")
                                         .arg(key, IconSet::cornerNames().join(QStringLiteral(", "))),
@@ -145,15 +131,6 @@ QByteArray contentOf(const QString& path, QString& error)
     return {};
 }
 
-// Where in a text an error is, as people count.
-QString placeOf(const QByteArray& content, int offset)
-{
-    const QByteArray before = content.left(offset);
-    const int line = before.count('\n') + 1;
-    const int column = offset - before.lastIndexOf('\n');
-    return Channels::tr("line %1, column %2").arg(line).arg(column);
-}
-
 } // namespace
 
 QString ChannelList::formatHelp()
@@ -190,7 +167,7 @@ QVector<ListedChannel> ChannelList::read(const QString& path, QStringList& error
     const QJsonDocument document = QJsonDocument::fromJson(content, &fault);
     if (fault.error != QJsonParseError::NoError) {
         errors.append(Channels::tr("%1 is not JSON: %2 at %3")
-                          .arg(title, fault.errorString(), placeOf(content, fault.offset)));
+                          .arg(title, fault.errorString(), JsonPlace::lineAndColumn(content, fault.offset)));
         return {};
     }
     if (!document.isArray()) {
@@ -215,4 +192,36 @@ int ChannelList::cornerOf(const QString& text)
     if (isNumber)
         return number >= 0 && number < names.size() ? number : -1;
     return names.indexOf(text);
+}
+
+int ChannelList::cornerOf(const QJsonValue& value)
+{
+    return cornerOf(value.isDouble() ? QString::number(value.toDouble()) : value.toString());
+}
+
+QString ChannelList::faultOfName(const QString& name)
+{
+    const auto isForbidden = [](QChar letter) {
+        return letter == QLatin1Char('/') || letter == QLatin1Char('\\') || letter.unicode() < 0x20;
+    };
+    if (name.isEmpty())
+        return Channels::tr("is missing or empty");
+    if (name == QLatin1String(".") || name == QLatin1String(".."))
+        return Channels::tr(R"(is "%1", which is no name of a folder)").arg(name);
+    if (std::any_of(name.cbegin(), name.cend(), isForbidden))
+        return Channels::tr("holds a slash, a backslash or a control character");
+    if (!name.isValidUtf16())
+        return Channels::tr("holds half of a surrogate pair, which no file name can");
+    if (name.toUtf8().size() > longestName)
+        return Channels::tr("is longer than %1 bytes").arg(longestName);
+    return {};
+}
+
+std::optional<int> ChannelList::wholeNumber(const QJsonValue& value)
+{
+    const double number = value.toDouble(std::numeric_limits<double>::quiet_NaN());
+    const bool fits = number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max();
+    if (!fits || static_cast<double>(static_cast<int>(number)) != number)
+        return {};
+    return static_cast<int>(number);
 }

@@ -4,9 +4,12 @@
 
 #include <threadgenerateicon.h>
 
+#include <QJsonValue>
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+#include <optional>
 
 /** One entry of a channel list: what the library gets, and the name that people read. */
 struct ListedChannel {
@@ -30,8 +33,16 @@ QString formatHelp();
  */
 QVector<ListedChannel> read(const QString& path, QStringList& errors);
 
-/** The corner's number for its name or its number from 0 to 4; -1 for every other text. */
+/** The corner's number for its name or its number from 0 to 4; -1 for every other text or value. */
 int cornerOf(const QString& text);
+int cornerOf(const QJsonValue& value);
+
+/** Why a text cannot be the name of a folder in another one, as in "is missing or empty"; empty when it can.
+ */
+QString faultOfName(const QString& name);
+
+/** A whole number of 32 bits; none for every other value. */
+std::optional<int> wholeNumber(const QJsonValue& value);
 
 } // namespace ChannelList
 

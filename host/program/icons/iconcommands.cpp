@@ -11,6 +11,7 @@
 #include "icons/iconjob.h"
 #include "icons/iconproduction.h"
 #include "icons/iconset.h"
+#include "icons/picturefault.h"
 #include "suggestion.h"
 
 #include <QBuffer>
@@ -19,7 +20,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QJsonArray>
 #include <QSaveFile>
 
@@ -140,16 +140,6 @@ QString readOptions(const QCommandLineParser& parser, IconJob& job)
     return {};
 }
 
-// Why the icon cannot be read; empty when it can.
-QString faultOfIcon(const QString& path)
-{
-    const QFileInfo file(path);
-    if (file.exists() && !file.isFile())
-        return IconCommands::tr("it is not a regular file");
-    QImageReader icon(path);
-    return icon.read().isNull() ? icon.errorString() : QString();
-}
-
 // Puts the place that the system takes the word for; false when it is none.
 bool resolve(QString& folder)
 {
@@ -181,10 +171,10 @@ QStringList readBase(IconJob& job)
 QStringList faultsOfPictures(const IconJob& job)
 {
     QStringList faults;
-    const QString fault = faultOfIcon(job.icon);
+    const QString fault = PictureFault::ofIcon(job.icon);
     if (!fault.isEmpty())
         faults.append(IconCommands::tr("the icon '%1' cannot be read: %2").arg(job.icon, fault));
-    const QString second = job.background.isEmpty() ? QString() : faultOfIcon(job.background);
+    const QString second = job.background.isEmpty() ? QString() : PictureFault::ofIcon(job.background);
     if (!second.isEmpty())
         faults.append(IconCommands::tr("the background '%1' cannot be read: %2").arg(job.background, second));
     if (!QFileInfo(job.marks).isDir())

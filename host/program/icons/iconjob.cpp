@@ -2,6 +2,7 @@
 #include "icons/iconjob.h"
 
 #include "fileidentity.h"
+#include "icons/picturefault.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -143,17 +144,6 @@ QString faultOfClearing(const IconJob& job)
 bool isEmpty(const QString& folder)
 {
     return QDir(folder).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-}
-
-// Why a mark cannot be drawn; empty when it can.
-QString faultOfMark(const QString& path)
-{
-    if (!QFileInfo(path).isFile())
-        return Job::tr("the mark picture %1 is missing").arg(path);
-    QImageReader reader(path);
-    return reader.read().isNull()
-        ? Job::tr("the mark picture %1 cannot be read (%2)").arg(path, reader.errorString())
-        : QString();
 }
 
 // Empty for what is no picture.
@@ -333,7 +323,8 @@ QStringList IconJob::missingMarks() const
 {
     QStringList texts;
     for (const ListedChannel& channel : channels) {
-        const QString fault = isMarked(channel) ? faultOfMark(markPath(*this, channel.icon)) : QString();
+        const QString fault =
+            isMarked(channel) ? PictureFault::ofMark(markPath(*this, channel.icon)) : QString();
         if (!fault.isEmpty())
             texts.append(Job::tr("channel '%1': %2").arg(channel.name, fault));
     }
