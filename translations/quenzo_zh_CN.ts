@@ -554,6 +554,37 @@ corner. A mark&apos;s pictures are MARK/icon/left-top.png and so on.</source>
     </message>
 </context>
 <context>
+    <name>Collected</name>
+    <message>
+        <source>the report %1 cannot be read: %2</source>
+        <translation>无法读取报告 %1：%2</translation>
+    </message>
+    <message>
+        <source>%1 is no report of this version</source>
+        <translation>%1 不是此版本的报告</translation>
+    </message>
+    <message>
+        <source>missing slices: %1</source>
+        <translation>缺少的份：%1</translation>
+    </message>
+    <message>
+        <source>missing slices: %1 and %2 more</source>
+        <translation>缺少的份：%1，另有 %2 份</translation>
+    </message>
+    <message>
+        <source>the slices are of different games: %1 and %2</source>
+        <translation>各份属于不同的游戏：%1 和 %2</translation>
+    </message>
+    <message>
+        <source>the job was changed between the slices: channel &apos;%1&apos; of slice %2/%3 is in another one as well, or belongs there; build them again</source>
+        <translation>各份之间任务文件有改动：第 %2/%3 份中的渠道 &apos;%1&apos; 也在另一份中，或应属于另一份；请重新构建</translation>
+    </message>
+    <message>
+        <source>there is no report of a slice</source>
+        <translation>没有任何一份的报告</translation>
+    </message>
+</context>
+<context>
     <name>CommandLine</name>
     <message>
         <source>Usage: quenzo COMMAND [options] [arguments]

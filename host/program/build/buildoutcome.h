@@ -20,6 +20,7 @@ struct BuildStep {
 /** What became of one channel. */
 struct ChannelOutcome {
     enum Outcome : int { Built, Unchanged, Failed, NotReached };
+    int index = 0; ///< its place in the job, from 0
     QString folder;
     QString name;
     Outcome outcome = NotReached;

@@ -12,10 +12,23 @@
 /** The report of a run, in the three forms that people and machines read. */
 namespace BuildReport {
 
-/** As an object that fromJson() takes back; paths below the output folder are relative to it. */
+/** As an object that fromJson() takes back, of docs/report.schema.json; paths below the output folder are
+ * relative to it. */
 QJsonObject toJson(const BuildOutcome& build);
-/** False for what is no such object. */
+/** False for what is no such object. Keys of a later version's are passed over. */
 bool fromJson(const QJsonObject& object, BuildOutcome& build);
+
+/**
+ * Makes one run of the reports of a job's slices, with the channels in the job's order. Of several reports of
+ * one slice the latest counts; where a job was divided anew, only the slices of the latest division.
+ *
+ * @param reportFiles the slices' report.json; from OUTPUT/slices/I-of-N they find their output folder
+ * wherever it is mounted now
+ * @param[out] build what there is, even where something is missing
+ * @param[out] fault a sentence that names missing slices and reports that cannot be used
+ * @return whether every slice is there, and each channel once
+ */
+bool collect(const QStringList& reportFiles, BuildOutcome& build, QString& fault);
 
 /** One page without anything from elsewhere: pictures are in it. */
 QByteArray toHtml(const BuildOutcome& build);
