@@ -2198,6 +2198,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>it crashed</source>
         <translation>它崩溃了</translation>
     </message>
+    <message>
+        <source>running %1</source>
+        <translation>正在运行 %1</translation>
+    </message>
 </context>
 <context>
     <name>TreeCommands</name>

@@ -61,7 +61,7 @@ QString objectionToWords(const Command& command, const QCommandLineParser& parse
 {
     // The command's own name is the first positional argument.
     const QStringList given = parser.positionalArguments().mid(1);
-    const QString choice = objectionToChoice(command, given);
+    QString choice = objectionToChoice(command, given);
     if (!choice.isEmpty())
         return choice;
     QStringList needed;
@@ -253,7 +253,8 @@ ExitCode runCommand(const Command& command, QStringList words)
         return objectTo(words, objection, command.name);
 
     Console console(style, command.name);
-    Diagnostics::followSteps([&console](const QString& step) { console.step(step); });
+    if (style.verbose)
+        Diagnostics::followSteps([&console](const QString& step) { console.step(step); });
     const ExitCode code = command.run(parser, console);
     Diagnostics::followSteps({});
     console.finish(code == ExitDone);

@@ -163,10 +163,20 @@ void tst_DeviceQuestions::stepsAreToldToTheVerbose()
 {
     ScriptedTools::attach({QStringLiteral("a")});
     const Ended ended = confirmed(QuenzoProcess::words("install -v -s a") << m_apk);
-    QCOMPARE(QString::fromUtf8(ended.error),
-             QStringLiteral("quenzo: removing the package org.example.game and its data\n"
-                            "quenzo: installing %1\n")
-                 .arg(m_apk));
+    const QStringList lines = QString::fromUtf8(ended.error).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    const QString running = QStringLiteral("quenzo: running ");
+    QStringList steps;
+    QStringList programs;
+    for (const QString& line : lines)
+        (line.startsWith(running) ? programs : steps).append(line);
+    QCOMPARE(steps,
+             (QStringList{QStringLiteral("quenzo: removing the package org.example.game and its data"),
+                          QStringLiteral("quenzo: installing %1").arg(m_apk)}));
+    QCOMPARE(programs.size(), ScriptedTools::calls().size());
+    for (const QString& word :
+         QStringList{QStringLiteral("/aapt\" d badging \"") + m_apk, QStringLiteral("adb"),
+                     QStringLiteral(" uninstall "), QStringLiteral(" install ")})
+        QVERIFY2(!programs.filter(word).isEmpty(), ended.error.constData());
     QCOMPARE(ended.code, 0);
 }
 

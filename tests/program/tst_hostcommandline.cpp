@@ -237,11 +237,23 @@ void tst_HostCommandLine::verboseRunsTellTheirSteps()
 {
     QTemporaryDir folder;
     QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("source/inner")));
-    const Ended ended = QuenzoProcess(QuenzoProcess::words("copy -v source target"), folder.path()).end();
-    const QString real = QDir(folder.path()).canonicalPath();
-    QCOMPARE(QString::fromUtf8(ended.error),
-             QStringLiteral("quenzo: from '%1/source' to '%1/target'\n").arg(real));
-    QCOMPARE(ended.code, 0);
+    QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("target")));
+    const QString steps = QStringLiteral("quenzo: from '%1/source' to '%1/target'\n"
+                                         "quenzo: in the folder '%1/source'\n"
+                                         "quenzo: in the folder '%1/source/inner'\n")
+                              .arg(QDir(folder.path()).canonicalPath());
+    const auto told = [&folder](const char* line) {
+        return QString::fromUtf8(QuenzoProcess(QuenzoProcess::words(line), folder.path()).end().error);
+    };
+    QCOMPARE(told("copy -v source target"), steps);
+    QCOMPARE(told("copy -q source target"), QString());
+    QCOMPARE(told("cut -v source target"),
+             steps
+                 + QStringLiteral("quenzo: removed the folder '%1/source/inner'\n")
+                       .arg(QDir(folder.path()).canonicalPath()));
+    QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("source/inner")));
+    const QString output = told("output -v source target");
+    QVERIFY2(output.startsWith(steps), qPrintable(output));
 }
 
 void tst_HostCommandLine::verboseRunsTellFoldersAndScripts()

@@ -27,11 +27,16 @@ void record(QtMsgType type, const QMessageLogContext& context, const QString& te
         handlerBefore(type, context, text);
 }
 
+bool isOfACategory(const LoggedMessage& message)
+{
+    return message.category.startsWith(QLatin1String("quenzo."));
+}
+
 template <typename IsMeant> QStringList textsOf(const QVector<LoggedMessage>& taken, IsMeant isMeant)
 {
     QStringList texts;
     for (const LoggedMessage& message : taken) {
-        if (isMeant(message.type))
+        if (isMeant(message))
             texts.append(message.text);
     }
     return texts;
@@ -66,17 +71,28 @@ QVector<LoggedMessage> MessageLog::take()
 
 QStringList MessageLog::takeDebugTexts()
 {
-    return textsOf(take(), [](QtMsgType type) { return type == QtDebugMsg; });
+    return textsOf(take(), [](const LoggedMessage& message) {
+        return message.type == QtDebugMsg && !isOfACategory(message);
+    });
+}
+
+QStringList MessageLog::takeDetails()
+{
+    return textsOf(take(), [](const LoggedMessage& message) {
+        return message.type == QtDebugMsg && isOfACategory(message);
+    });
 }
 
 QStringList MessageLog::takeInfoTexts()
 {
-    return textsOf(take(), [](QtMsgType type) { return type == QtInfoMsg; });
+    return textsOf(take(), [](const LoggedMessage& message) { return message.type == QtInfoMsg; });
 }
 
 QStringList MessageLog::takeWarnings()
 {
-    return textsOf(take(), [](QtMsgType type) { return type != QtDebugMsg && type != QtInfoMsg; });
+    return textsOf(take(), [](const LoggedMessage& message) {
+        return message.type != QtDebugMsg && message.type != QtInfoMsg;
+    });
 }
 
 CategoryOn::CategoryOn(const char* name)

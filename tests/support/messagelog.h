@@ -31,8 +31,11 @@ public:
     /** Takes every message recorded so far, in order. */
     QVector<LoggedMessage> take();
 
-    /** Takes every message, as texts of those at debug level. */
+    /** Takes every message, as texts of those at debug level, but for details of a category. */
     QStringList takeDebugTexts();
+
+    /** Takes every message, as texts of details: the library's categories at debug level. */
+    QStringList takeDetails();
 
     /** Takes every message, as texts of those at info level. */
     QStringList takeInfoTexts();

@@ -56,6 +56,7 @@ private Q_SLOTS:
     void commandBeyondThirtySecondsIsKilledWithItsChildren();
     void causesOfFailureAreLoggedWhenAskedFor_data();
     void causesOfFailureAreLoggedWhenAskedFor();
+    void commandLinesAreToldInDetail();
     void hostsBlockedSignalsReachTheCommand();
     void commandThatAsksTheTerminalIsNotStopped();
 
@@ -277,6 +278,15 @@ void tst_QuenzoTool::causesOfFailureAreLoggedWhenAskedFor()
     QCOMPARE(told.size(), causes.size());
     for (int i = 0; i < told.size(); ++i)
         QVERIFY2(told.at(i).startsWith(causes.at(i)), qPrintable(told.at(i)));
+}
+
+void tst_QuenzoTool::commandLinesAreToldInDetail()
+{
+    QString output;
+    QString error;
+    const CategoryOn devices("quenzo.devices");
+    QVERIFY(QuenzoTool::runCmdWaitFinish(QStringLiteral("echo \"a b\""), output, error));
+    QCOMPARE(m_log->takeDetails(), QStringList(QStringLiteral("running echo \"a b\"")));
 }
 
 void tst_QuenzoTool::hostsBlockedSignalsReachTheCommand()

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void nothingIsSaidUnlessSwitchedOn();
     void successIsSilent_data() { addEveryWay(); }
     void successIsSilent();
+    void detailsNameTheFolders();
     void linkThatLeadsNowhere_data() { addEveryWay(); }
     void linkThatLeadsNowhere();
     void linkThatLeadsBack();
@@ -93,6 +94,24 @@ void tst_TreeCauses::successIsSilent()
     QVERIFY(transfer(manner));
     QVERIFY(remove(m_target));
     QCOMPARE(m_messages->takeWarnings(), QStringList());
+}
+
+void tst_TreeCauses::detailsNameTheFolders()
+{
+    write(m_source + "/folder/file", "new");
+    const auto steps = [](const char* step, const QByteArray& path) {
+        return QFile::decodeName(step + (" '" + path) + "'");
+    };
+    const QStringList reading{steps("in the folder", m_source), steps("in the folder", m_source + "/folder")};
+    QVERIFY(copy());
+    QCOMPARE(m_messages->takeDetails(), reading);
+    QVERIFY(move());
+    QCOMPARE(m_messages->takeDetails(),
+             reading + QStringList{steps("removed the folder", m_source + "/folder")});
+    m_category.reset();
+    write(m_source + "/folder/file", "new");
+    QVERIFY(copy());
+    QCOMPARE(m_messages->takeDetails(), QStringList());
 }
 
 void tst_TreeCauses::linkThatLeadsNowhere()

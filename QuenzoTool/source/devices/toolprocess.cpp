@@ -20,6 +20,7 @@ bool ToolProcess::begin(const QString& command)
     QStringList words = splitCommand(command);
     if (words.isEmpty() || words.first().isEmpty())
         return false;
+    qCDebug(devicesLog).noquote() << "running" << command;
     const QString program = words.takeFirst();
     start(program, words, QIODevice::ReadWrite);
     return true;

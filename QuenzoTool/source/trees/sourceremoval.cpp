@@ -82,6 +82,8 @@ void SourceRemoval::removeFolder(const TreeFolder& parent, const QByteArray& nam
 {
     const bool removed = parent.removeFolder(name)
         || (!forced.isEmpty() && parent.forceFolder(name, forced) && parent.removeFolder(name));
+    if (removed)
+        logStep("removed the folder", parent.pathOf(name));
     // What a folder still holds is known, or meant to stay; one that is gone cannot be emptied, which was
     // told.
     if (!removed && errno != ENOTEMPTY && errno != ENOENT)

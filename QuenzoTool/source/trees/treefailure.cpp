@@ -24,6 +24,11 @@ void logLeftBehind(const QByteArray& path, const QString& what, const QString& r
     qCInfo(treesLog).noquote() << line(path, what, reason);
 }
 
+void logStep(const char* step, const QByteArray& path)
+{
+    qCDebug(treesLog).noquote().nospace() << step << " '" << TreeFolder::text(path) << '\'';
+}
+
 void logSystemFailure(const QByteArray& path, const QString& what)
 {
     logFailure(path, what, errorText(errno));

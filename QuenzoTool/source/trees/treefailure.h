@@ -24,6 +24,9 @@ void logFolderThatStays(const QByteArray& path);
  */
 void logLeftBehind(const QByteArray& path, const QString& what, const QString& reason);
 
+/** Tells in detail, at debug level, which folder is worked on. */
+void logStep(const char* step, const QByteArray& path);
+
 /** Why a folder could not be removed, by what the system says of its latest call. */
 QString reasonOfStaying();
 

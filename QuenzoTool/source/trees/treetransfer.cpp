@@ -78,6 +78,8 @@ TreeTransfer::TreeTransfer(Options options)
 bool TreeTransfer::list(const TreeFolder& folder, QVector<TreeEntry>& entries, const QStringList& nameFilters)
 {
     settleBefore(folder);
+    if (folder.isOpen())
+        logStep("in the folder", folder.path());
     const bool isListed = folder.isMissing() || (folder.isOpen() && folder.list(entries));
     if (!isListed)
         logFailure(folder.path(), QStringLiteral("read"),

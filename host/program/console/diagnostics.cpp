@@ -23,14 +23,21 @@ bool isOfTheLibrary(const char* category)
     return category != nullptr && qstrncmp(category, "quenzo.", 7) == 0;
 }
 
+bool isFollowed()
+{
+    const QMutexLocker locker(&mutex);
+    return stepFollower != nullptr;
+}
+
 // Rules in the environment or in files come before this, and cannot take away what outcomes are told by.
 void switchOn(QLoggingCategory* category)
 {
     filterBefore(category);
     if (!isOfTheLibrary(category->categoryName()))
         return;
-    for (const QtMsgType type : {QtDebugMsg, QtInfoMsg, QtWarningMsg, QtCriticalMsg})
+    for (const QtMsgType type : {QtInfoMsg, QtWarningMsg, QtCriticalMsg})
         category->setEnabled(type, true);
+    category->setEnabled(QtDebugMsg, isFollowed()); // details that nobody reads are not even worded
 }
 
 void keep(QtMsgType type, const QMessageLogContext& context, const QString& text)
@@ -43,8 +50,9 @@ void keep(QtMsgType type, const QMessageLogContext& context, const QString& text
         std::function<void(const QString&)> follower;
         {
             const QMutexLocker locker(&mutex);
-            (type == QtInfoMsg ? stepTexts : texts).append(text);
-            if (type == QtInfoMsg)
+            if (type != QtDebugMsg)
+                (type == QtInfoMsg ? stepTexts : texts).append(text);
+            if (type == QtInfoMsg || type == QtDebugMsg)
                 follower = stepFollower;
         }
         if (follower)
@@ -72,8 +80,11 @@ QStringList Diagnostics::takeAll()
 
 void Diagnostics::followSteps(const std::function<void(const QString&)>& follower)
 {
-    const QMutexLocker locker(&mutex);
-    stepFollower = follower;
+    {
+        const QMutexLocker locker(&mutex);
+        stepFollower = follower;
+    }
+    QLoggingCategory::installFilter(switchOn); // asks again for every category
 }
 
 QStringList Diagnostics::steps()

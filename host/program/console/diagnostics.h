@@ -9,8 +9,7 @@
 
 /**
  * Switches the library's logging categories on ("quenzo.trees" and so on), which name why an operation
- * failed, and keeps what they say. Its messages at debug level, which are for hosts' developers, are not
- * shown.
+ * failed, and keeps what they say. Its other messages, which are for hosts' developers, are not shown.
  */
 namespace Diagnostics {
 
@@ -23,7 +22,10 @@ QStringList takeAll();
 /** The same in one line; empty when it said nothing. */
 QString take();
 
-/** Who is told what the library says it does, when it says so, on whatever thread; none when it is empty. */
+/**
+ * Who is told what the library says it does, in detail, too (its categories at debug level), when it says so,
+ * on whatever thread; none when it is empty.
+ */
 void followSteps(const std::function<void(const QString&)>& follower);
 
 /** What the library said it does, step by step (its messages at info level), since the program began. */

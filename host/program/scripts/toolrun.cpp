@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "scripts/toolrun.h"
 
+#include "console/console.h"
 #include "console/interruptguard.h"
 #include "console/interruptreport.h"
 #include "console/progress.h"
@@ -16,6 +17,16 @@ struct ToolRunText {
     Q_DECLARE_TR_FUNCTIONS(ToolRun)
 };
 
+// As a person would type it, more or less: a word with a blank stands in quotation marks.
+QString lineOf(const QString& program, const QStringList& words)
+{
+    QString line = program;
+    for (const QString& word : words)
+        line +=
+            QLatin1Char(' ') + (word.contains(QLatin1Char(' ')) ? QStringLiteral("\"%1\"").arg(word) : word);
+    return line;
+}
+
 } // namespace
 
 ToolRun runTool(Console& console, const QString& program, const QStringList& words, const QString& doing,
@@ -30,6 +41,7 @@ ToolRun runTool(Console& console, const QString& program, const QStringList& wor
         process.end();
         tidy();
     });
+    console.step(ToolRunText::tr("running %1").arg(lineOf(program, words)));
     process.start(program, words);
     if (!process.waitForStarted(-1))
         return {false, false, {}, process.errorString()};
