@@ -1555,6 +1555,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>is %1, no SDK of this job</source>
         <translation>的值是 %1，这个任务中没有这样的 SDK</translation>
     </message>
+    <message>
+        <source>is %1, which is no name of an Android package</source>
+        <translation>的值是 %1，不是 Android 包名</translation>
+    </message>
 </context>
 <context>
     <name>JobFile</name>
@@ -1743,6 +1747,93 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>is an unknown key</source>
         <translation>是未知的键</translation>
+    </message>
+</context>
+<context>
+    <name>JobPlan</name>
+    <message>
+        <source>flush</source>
+        <translation>紧贴</translation>
+    </message>
+    <message>
+        <source>no mark</source>
+        <translation>无角标</translation>
+    </message>
+    <message>
+        <source>%1 at %2, %3</source>
+        <translation>%1，位置 %2，%3</translation>
+    </message>
+    <message>
+        <source>encrypted</source>
+        <translation>加密</translation>
+    </message>
+    <message>
+        <source>signed</source>
+        <translation>已签名</translation>
+    </message>
+    <message>
+        <source>unsigned</source>
+        <translation>未签名</translation>
+    </message>
+    <message>
+        <source>with %1</source>
+        <translation>使用 %1</translation>
+    </message>
+    <message>
+        <source>no key is named</source>
+        <translation>未指定密钥</translation>
+    </message>
+    <message>
+        <source>as they are</source>
+        <translation>保持原样</translation>
+    </message>
+    <message>
+        <source>%1, channels: %2</source>
+        <translation>%1，渠道：%2</translation>
+    </message>
+    <message>
+        <source>base</source>
+        <translation>基础包</translation>
+    </message>
+    <message>
+        <source>icons</source>
+        <translation>图标</translation>
+    </message>
+    <message>
+        <source>signing</source>
+        <translation>签名</translation>
+    </message>
+    <message>
+        <source>work</source>
+        <translation>工作</translation>
+    </message>
+    <message>
+        <source>output</source>
+        <translation>输出</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>无</translation>
+    </message>
+    <message>
+        <source>channel</source>
+        <translation>渠道</translation>
+    </message>
+    <message>
+        <source>name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>mark</source>
+        <translation>角标</translation>
+    </message>
+    <message>
+        <source>SDKs</source>
+        <translation>SDK</translation>
+    </message>
+    <message>
+        <source>package</source>
+        <translation>安装包</translation>
     </message>
 </context>
 <context>

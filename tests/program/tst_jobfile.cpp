@@ -28,7 +28,7 @@ void tst_JobFile::everythingIsRead()
         "$schema": "s", "//": "c", "game": "Sky Harbour", "base": "game.apk",
         "icons": {"master": "icon.png", "marks": "marks", "platforms": ["ios", "android"]},
         "sdks": {"//": "c", "pay": {"package": "pay.zip", "id": 7}, "any": {"package": "pay.zip"}},
-        "channels": [{"folder": "harbor", "name": "Harbor", "number": 101, "mark": "red", "corner": 0, "x": 3,
+        "channels": [{"folder": "harbor", "name": "Harbor", "number": 101, "package": "com.g.h", "mark": "red", "corner": 0, "x": 3,
                       "y": -4, "sdks": ["pay", "any"], "files": "files", "settings": {"//": "c", "k": 1},
                       "encrypt": true}],
         "encryption": {"key": "key", "exclude": ["*.json"]},
@@ -62,6 +62,7 @@ void tst_JobFile::everythingIsRead()
     QCOMPARE(channel.folder, QStringLiteral("harbor"));
     QCOMPARE(channel.name, QStringLiteral("Harbor"));
     QCOMPARE(channel.number, QStringLiteral("101"));
+    QCOMPARE(channel.package, QStringLiteral("com.g.h"));
     QCOMPARE(channel.mark, QStringLiteral("red"));
     QCOMPARE(channel.corner, 0);
     QCOMPARE(channel.x, std::optional<int>(3));

@@ -71,8 +71,8 @@ void outermostRows()
         "/~1~1: is a comment, and not a text or an array of texts");
     row("$schema", ByBoth, with(R"("$schema": 1)"), "/$schema: is a number, not a text");
     row("$schema inside", ByBoth, channel(R"({"folder": "a", "$schema": "s"})"),
-        "/channels/0/$schema: is an unknown key; the keys here are folder, name, number, mark, corner, x, y, "
-        "sdks, files, settings, encrypt");
+        "/channels/0/$schema: is an unknown key; the keys here are folder, name, number, package, mark, "
+        "corner, x, y, sdks, files, settings, encrypt");
     row("key given twice", ByReader, with(R"("work": "w1", "wor\u006b": "w2")"), "/work: is given twice");
     row("key given twice, deep", ByReader,
         channel(R"({"folder": "a", "settings": {"b": [1, {"c": 1, "c": 2}]}})"),
@@ -200,6 +200,11 @@ void channelRows()
         "/channels/0/number: is not the number of a developer record");
     row("number with a fraction", ByBoth, channel(R"({"folder": "a", "number": 1.5})"),
         "/channels/0/number: is not a whole number from 0 to 2147483647");
+    for (const char* name : {"game", "com..game", "com.7game", "com.g-ame", "com.game."})
+        row(name, ByBoth, channel(R"({"folder": "a", "package": ")" + QByteArray(name) + R"("})"),
+            QStringList(
+                QStringLiteral("/channels/0/package: is \"%1\", which is no name of an Android package")
+                    .arg(QLatin1String(name))));
     row("mark that is missing", ByReader, channel(R"({"folder": "a", "mark": "blue"})"),
         "/channels/0/mark: cannot be used: the mark picture @/marks/blue/icon/right-bottom.png is missing");
     row("mark without the corner's picture", ByReader,
@@ -308,6 +313,7 @@ void tst_JobMistakes::soundJobIsTakenByBoth_data()
     sound("null",
           channel(R"({"folder": "a", "name": null, "mark": null, "x": null, "y": null, "files": null})"));
     sound("number", channel(R"({"folder": "a", "number": 0}, {"folder": "b", "number": 2147483647})"));
+    sound("package", channel(R"({"folder": "a", "package": "com.Game_2.store"})"));
     sound("dots in names", channel(R"({"folder": "a..", "mark": "None"}, {"folder": "a.b"})"));
     for (const char* corner : {"\"default\"", "0", "4", "\"0\"", "\"3\"", "\"right-bottom\""})
         sound(corner, channel(R"({"folder": "a", "corner": )" + QByteArray(corner) + "}"));

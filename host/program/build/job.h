@@ -26,6 +26,7 @@ struct JobChannel {
     int corner = 4; ///< as the library numbers them
     std::optional<int> x, y; ///< flush in the corner when not given
     QStringList sdks; ///< names, in the order of the job
+    QString package; ///< another package name than the base's; empty for that one
     QString files; ///< absolute path of the folder whose content goes over the package; empty for none
     QJsonObject settings; ///< what assets/channel.json holds besides
     bool encrypt = false;

@@ -21,6 +21,7 @@ struct Texts {
 const QString folderKey = QStringLiteral("folder");
 const QString nameKey = QStringLiteral("name");
 const QString numberKey = QStringLiteral("number");
+const QString packageKey = QStringLiteral("package");
 const QString markKey = QStringLiteral("mark");
 const QString cornerKey = QStringLiteral("corner");
 const QString sdksKey = QStringLiteral("sdks");
@@ -43,9 +44,14 @@ const JobObject& giverOf(const QString& key, const JobObject& channel, const Job
 // The run itself keeps these in its work and output folders.
 bool isReserved(const QString& folder)
 {
-    const QStringList names{QStringLiteral("sdks"),        QStringLiteral("icons"),
-                            QStringLiteral("slices"),      QStringLiteral("records.db"),
-                            QStringLiteral("report.json"), QStringLiteral("report.html")};
+    const QStringList names{QStringLiteral("sdks"),
+                            QStringLiteral("icons"),
+                            QStringLiteral("slices"),
+                            QStringLiteral("records.db"),
+                            QStringLiteral("report.json"),
+                            QStringLiteral("report.html"),
+                            QStringLiteral("sheet-android.png"),
+                            QStringLiteral("sheet-ios.png")};
     return folder.startsWith(QLatin1Char('.')) || names.contains(JobChannels::folded(folder));
 }
 
@@ -60,6 +66,18 @@ QString recordNumberOf(const JobObject& channel)
     if (!text.isEmpty() && !digits.match(text).hasMatch())
         channel.complain(numberKey, Texts::tr("is not the number of a developer record"));
     return text;
+}
+
+QString packageNameOf(const JobObject& channel)
+{
+    static const QRegularExpression form(
+        QStringLiteral("^[A-Za-z][A-Za-z0-9_]*(\\.[A-Za-z][A-Za-z0-9_]*)+$"));
+    QString name = channel.text(packageKey);
+    if (!name.isEmpty() && !form.match(name).hasMatch())
+        channel.complain(
+            packageKey,
+            Texts::tr("is %1, which is no name of an Android package").arg(JobObject::quoted(name)));
+    return name;
 }
 
 std::optional<int> pixelsOf(const JobObject& giver, const QString& key)
@@ -128,13 +146,14 @@ void JobChannels::read(const JobObject& root)
 
 void JobChannels::readChannel(const JobObject& channel, const JobObject& defaults)
 {
-    channel.allowKeys(QStringList{folderKey, nameKey, numberKey} + sharedKeys());
+    channel.allowKeys(QStringList{folderKey, nameKey, numberKey, packageKey} + sharedKeys());
     JobChannel read;
     readFolder(channel, read);
     read.name = channel.isNull(nameKey) ? QString() : channel.text(nameKey);
     if (read.name.isEmpty())
         read.name = read.folder;
     read.number = recordNumberOf(channel);
+    read.package = packageNameOf(channel);
     readShared(channel, defaults, read);
     m_job.channels.append(read);
 }
