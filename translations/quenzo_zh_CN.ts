@@ -121,6 +121,41 @@
     </message>
 </context>
 <context>
+    <name>ApkEditorTexts</name>
+    <message>
+        <source>cannot read %1 for &apos;%2&apos;: %3</source>
+        <translation>无法读取 %1（用于 &apos;%2&apos;）：%3</translation>
+    </message>
+    <message>
+        <source>this is not a regular file</source>
+        <translation>这不是普通文件</translation>
+    </message>
+    <message>
+        <source>the folder &apos;%1&apos; has content</source>
+        <translation>文件夹 &apos;%1&apos; 带有内容</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>the entry &apos;%1&apos; is wanted twice</source>
+        <translation>条目 &apos;%1&apos; 被指定了两次</translation>
+    </message>
+    <message>
+        <source>%1: no base is open</source>
+        <translation>%1: 没有打开基准包</translation>
+    </message>
+    <message>
+        <source>%1 changed while packages were made of it</source>
+        <translation>%1 在用来制作安装包期间发生了变化</translation>
+    </message>
+    <message>
+        <source>%1: &apos;%2&apos; is not aligned</source>
+        <translation>%1: &apos;%2&apos; 未对齐</translation>
+    </message>
+</context>
+<context>
     <name>ApkSigner</name>
     <message>
         <source>apksigner gave no reason</source>
@@ -308,6 +343,13 @@
     <message>
         <source>As ARCHIVE - is the standard input; a file of this name is ./-.</source>
         <translation>ARCHIVE 为 - 时表示标准输入；名为 - 的文件请写成 ./-。</translation>
+    </message>
+</context>
+<context>
+    <name>ArchiveFileTexts</name>
+    <message>
+        <source>this is not a regular file</source>
+        <translation>这不是普通文件</translation>
     </message>
 </context>
 <context>
@@ -1886,6 +1928,25 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     </message>
 </context>
 <context>
+    <name>PackageFileTexts</name>
+    <message>
+        <source>%1: a folder, link or device is in the way</source>
+        <translation>%1: 该处有文件夹、链接或设备</translation>
+    </message>
+    <message>
+        <source>cannot read %1: %2</source>
+        <translation>无法读取 %1：%2</translation>
+    </message>
+    <message>
+        <source>it became shorter</source>
+        <translation>它变短了</translation>
+    </message>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>无法写入 %1：%2</translation>
+    </message>
+</context>
+<context>
     <name>PackageIcons</name>
     <message>
         <source>the package &apos;%1&apos; is no file</source>
@@ -2498,6 +2559,126 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>no thread could be started for the work; nothing was done</source>
         <translation>无法启动工作线程；没有做任何事</translation>
+    </message>
+</context>
+<context>
+    <name>ZipContentTexts</name>
+    <message>
+        <source>it unpacks to more than it declares</source>
+        <translation>解压后的大小超过其声明</translation>
+    </message>
+    <message>
+        <source>it is damaged (size or checksum)</source>
+        <translation>已损坏（大小或校验和）</translation>
+    </message>
+    <message>
+        <source>it has bytes behind its end</source>
+        <translation>末尾之后还有多余的字节</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos;: %2</source>
+        <translation>&apos;%1&apos;: %2</translation>
+    </message>
+    <message>
+        <source>it is damaged or cut off</source>
+        <translation>已损坏或被截断</translation>
+    </message>
+</context>
+<context>
+    <name>ZipDirectoryTexts</name>
+    <message>
+        <source>the archive&apos;s directory is not complete</source>
+        <translation>压缩包的目录不完整</translation>
+    </message>
+    <message>
+        <source>the archive is cut off in &apos;%1&apos;</source>
+        <translation>压缩包在 &apos;%1&apos; 处被截断</translation>
+    </message>
+    <message>
+        <source>this is not a zip archive</source>
+        <translation>这不是 zip 压缩包</translation>
+    </message>
+    <message>
+        <source>the archive has something behind its end</source>
+        <translation>压缩包末尾之后还有内容</translation>
+    </message>
+    <message>
+        <source>the archive is one part of several</source>
+        <translation>该压缩包只是多个分卷之一</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is encrypted</source>
+        <translation>&apos;%1&apos; 已加密</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is packed with the unknown method %2</source>
+        <translation>&apos;%1&apos; 使用了未知的压缩方法 %2</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is a link or a device</source>
+        <translation>&apos;%1&apos; 是链接或设备</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is stored in another size than its own</source>
+        <translation>&apos;%1&apos; 的存储大小与自身大小不符</translation>
+    </message>
+    <message>
+        <source>the folder &apos;%1&apos; has content</source>
+        <translation>文件夹 &apos;%1&apos; 带有内容</translation>
+    </message>
+    <message>
+        <source>there is no local header for &apos;%1&apos;</source>
+        <translation>&apos;%1&apos; 没有本地文件头</translation>
+    </message>
+    <message>
+        <source>two headers disagree about &apos;%1&apos;</source>
+        <translation>关于 &apos;%1&apos; 的两个文件头不一致</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; shares bytes with another entry</source>
+        <translation>&apos;%1&apos; 与另一个条目共用字节</translation>
+    </message>
+    <message>
+        <source>the archive unpacks to more than %1 bytes</source>
+        <translation>压缩包解压后超过 %1 字节</translation>
+    </message>
+    <message>
+        <source>the archive unpacks to more than %1 times its size</source>
+        <translation>压缩包解压后超过自身大小的 %1 倍</translation>
+    </message>
+    <message>
+        <source>the archive has more than %1 entries, or a directory of more than %2 bytes</source>
+        <translation>压缩包的条目超过 %1 个，或目录超过 %2 字节</translation>
+    </message>
+</context>
+<context>
+    <name>ZipNameTexts</name>
+    <message>
+        <source>the name of the entry &apos;%1&apos; is not a plain path</source>
+        <translation>条目名称 &apos;%1&apos; 不是普通路径</translation>
+    </message>
+    <message>
+        <source>the entry &apos;%1&apos; is there twice</source>
+        <translation>条目 &apos;%1&apos; 出现了两次</translation>
+    </message>
+    <message>
+        <source>the entry &apos;%1&apos; lies in a file</source>
+        <translation>条目 &apos;%1&apos; 位于一个文件之中</translation>
+    </message>
+</context>
+<context>
+    <name>ZipWriterTexts</name>
+    <message>
+        <source>&apos;%1&apos;: %2</source>
+        <translation>&apos;%1&apos;: %2</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; changed while it was packed</source>
+        <translation>&apos;%1&apos; 在打包期间发生了变化</translation>
+    </message>
+    <message>
+        <source>the package would hold more than can be unpacked again</source>
+        <translation>安装包的内容会超出可再次解压的限度</translation>
     </message>
 </context>
 </TS>

@@ -29,7 +29,7 @@ struct ApkEntry {
  * kernel where it can, and never unpacked. One object serves any number of packages, on one thread at a time.
  *
  * The bytes of a package follow from base and changes alone. Stored entries begin at multiples of 4 bytes,
- * stored libraries (lib/…/*.so) at multiples of 16 KiB; signatures of the base are dropped.
+ * stored libraries (.so) at multiples of 16 KiB; signatures of the base are dropped.
  */
 class ApkEditor {
 public:
