@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 namespace {
 
@@ -14,8 +15,8 @@ namespace {
 // and a text too short for decoding to choose otherwise has nothing in front of its tail.
 constexpr int tailLength = 6;
 
-// Base64 has groups of three bytes in four characters. The tail reaches into the last group but one: that
-// has its first pair swapped, those before it have both.
+// Base64 has groups of three bytes in four characters. Those in front of the tail have both pairs swapped; it
+// reaches into the last group but one.
 constexpr int groupBytes = 3;
 constexpr int groupLetters = 4;
 
@@ -28,18 +29,6 @@ constexpr uchar letterOf(std::size_t sixBits)
 {
     return static_cast<uchar>(alphabet[sixBits]);
 }
-
-constexpr std::array<int, 128> makeValues()
-{
-    std::array<int, 128> values{};
-    for (int& value : values)
-        value = -1;
-    for (std::size_t i = 0; i < alphabet.size(); ++i)
-        values[letterOf(i)] = static_cast<int>(i);
-    return values;
-}
-
-constexpr std::array<int, 128> values = makeValues();
 
 int scrambledLength(int bytes)
 {
@@ -70,12 +59,6 @@ template <typename Letter> inline void putPair(unsigned bits, Letter* out)
     std::memcpy(out, &pairs<Letter>[bits], sizeof(Pair<Letter>));
 }
 
-template <typename Letter> inline void putPlainPair(unsigned bits, Letter* out)
-{
-    out[0] = static_cast<Letter>(letterOf(bits >> 6));
-    out[1] = static_cast<Letter>(letterOf(bits & 63));
-}
-
 // The bytes of a group, and whatever they have beyond.
 template <typename Unit> inline unsigned bitsOf(const Unit* in, unsigned& seen)
 {
@@ -83,16 +66,10 @@ template <typename Unit> inline unsigned bitsOf(const Unit* in, unsigned& seen)
     return unsigned(in[0]) << 16 | unsigned(in[1]) << 8 | unsigned(in[2]);
 }
 
-// The last group, padded where it is not full.
-template <typename Unit, typename Letter> unsigned encodeLastGroup(const Unit* in, int bytes, Letter* out)
+template <typename Letter> inline void putGroup(unsigned bits, Letter* out)
 {
-    const std::array<Unit, groupBytes> full{in[0], bytes > 1 ? in[1] : Unit(0), bytes > 2 ? in[2] : Unit(0)};
-    unsigned seen = 0;
-    const unsigned bits = bitsOf(full.data(), seen);
-    putPlainPair(bits >> 12 & 4095, out);
-    putPlainPair(bits & 4095, out + 2);
-    std::fill(out + bytes + 1, out + groupLetters, static_cast<Letter>('='));
-    return seen;
+    putPair(bits >> 12 & 4095, out);
+    putPair(bits & 4095, out + 2);
 }
 
 // Encodes four bytes or more. What is ored from all bytes tells whether they were bytes; it may come early
@@ -100,66 +77,92 @@ template <typename Unit, typename Letter> unsigned encodeLastGroup(const Unit* i
 template <typename Unit, typename Letter>
 unsigned encodeBytes(const Unit* in, int bytes, Letter* out, unsigned limit)
 {
-    const int groups = (bytes + groupBytes - 1) / groupBytes;
     unsigned seen = 0;
-    std::ptrdiff_t done = 0;
-    while (done < groups - 2) {
-        const std::ptrdiff_t next = std::min<std::ptrdiff_t>(groups - 2, done + groupsAtOnce);
-        for (; done < next; ++done) {
-            const unsigned bits = bitsOf(in + done * groupBytes, seen);
-            putPair(bits >> 12 & 4095, out + done * groupLetters);
-            putPair(bits & 4095, out + done * groupLetters + 2);
+    for (int left = bytes / groupBytes; left > 0; left -= groupsAtOnce) {
+        for (int i = std::min(left, groupsAtOnce); i > 0; --i) {
+            putGroup(bitsOf(in, seen), out);
+            in += groupBytes;
+            out += groupLetters;
         }
         if (seen >= limit)
             return seen;
     }
-    const unsigned bits = bitsOf(in + done * groupBytes, seen);
-    putPair(bits >> 12 & 4095, out + done * groupLetters);
-    putPlainPair(bits & 4095, out + done * groupLetters + 2);
-    ++done;
-    return seen
-        | encodeLastGroup(in + done * groupBytes, bytes - static_cast<int>(done) * groupBytes,
-                          out + done * groupLetters);
+    const int rest = bytes % groupBytes;
+    if (rest != 0) {
+        const std::array<Unit, groupBytes> last{in[0], rest == 2 ? in[1] : Unit(0), 0};
+        putGroup(bitsOf(last.data(), seen), out);
+        out += groupLetters;
+    }
+    // The tail's pairs back.
+    for (int i = 2; i <= tailLength; i += 2)
+        std::swap(out[-i], out[1 - i]);
+    if (rest != 0)
+        out[-1] = '=';
+    if (rest == 1)
+        out[-2] = '=';
+    return seen;
 }
 
-// What is ored from all groups: of three bytes each, and negative when a letter is none of the alphabet.
-struct Decoded {
-    int bytes = 0;
-    int zeroes = 0; // the upper bit of a byte is set when that was zero
-    unsigned letters = 0;
+// The three bytes of a group as they are stored, all at once: each in a place as wide as the result's units,
+// and in a fourth one whether a letter was none of the alphabet.
+template <typename Unit> using Places = std::conditional_t<sizeof(Unit) == 1, quint32, quint64>;
 
-    bool isRight() const { return bytes >= 0 && letters < 0x80 && (zeroes & 0x808080) == 0; }
-    bool isAscii() const { return (bytes & 0x808080) == 0; }
-};
+constexpr int wrongPlace = 3;
 
-// Places of a group's letters.
-struct Order {
-    int first;
-    int second;
-    int third;
-    int fourth;
-};
-
-constexpr Order swapped{1, 0, 3, 2};
-constexpr Order halfSwapped{1, 0, 2, 3};
-constexpr Order plain{0, 1, 2, 3};
-
-inline int bitsOf(const ushort* in, const Order& order)
+template <typename Unit> constexpr Places<Unit> atPlace(int place, unsigned byte)
 {
-    return values[in[order.first] & 127] * (1 << 18) | values[in[order.second] & 127] * (1 << 12)
-        | values[in[order.third] & 127] * (1 << 6) | values[in[order.fourth] & 127];
+    constexpr int bits = 8 * sizeof(Unit);
+    return Places<Unit>(byte) << bits * (Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? place : wrongPlace - place);
 }
 
-template <typename Unit>
-inline void decodeGroup(const ushort* in, Unit* out, const Order& order, Decoded& all)
+// What each letter gives to its group, as the first to the fourth letter there.
+template <typename Unit> using Shares = std::array<std::array<Places<Unit>, 256>, groupLetters>;
+
+template <typename Unit> constexpr Shares<Unit> makeShares()
 {
-    const int bits = bitsOf(in, order);
-    all.bytes |= bits;
-    all.zeroes |= (bits - 0x010101) & ~bits;
-    all.letters |= unsigned(in[0] | in[1] | in[2] | in[3]);
-    out[0] = static_cast<Unit>(bits >> 16 & 255);
-    out[1] = static_cast<Unit>(bits >> 8 & 255);
-    out[2] = static_cast<Unit>(bits & 255);
+    Shares<Unit> shares{};
+    for (int letter = 0; letter < groupLetters; ++letter) {
+        for (Places<Unit>& share : shares[letter])
+            share = atPlace<Unit>(wrongPlace, 0x80);
+        for (unsigned i = 0; i < alphabet.size(); ++i) {
+            const unsigned bits = i << (18 - 6 * letter);
+            shares[letter][letterOf(i)] = atPlace<Unit>(0, bits >> 16) | atPlace<Unit>(1, bits >> 8 & 255)
+                | atPlace<Unit>(2, bits & 255);
+        }
+    }
+    return shares;
+}
+
+template <typename Unit> constexpr Shares<Unit> shares = makeShares<Unit>();
+
+template <typename Unit> constexpr Places<Unit> inBytes(unsigned byte)
+{
+    return atPlace<Unit>(0, byte) | atPlace<Unit>(1, byte) | atPlace<Unit>(2, byte);
+}
+
+// What is ored from all groups, and from their letters.
+template <typename Unit> struct Seen {
+    Places<Unit> places = 0;
+    ushort letters = 0;
+
+    // Bytes may be any; units of a text are to be ASCII without a zero.
+    bool isRight() const
+    {
+        constexpr bool isText = sizeof(Unit) > 1;
+        constexpr Places<Unit> wrong = atPlace<Unit>(wrongPlace, 0x80) | (isText ? inBytes<Unit>(0x80) : 0);
+        return letters < 0x100 && (places & wrong) == 0;
+    }
+};
+
+// Both pairs are swapped. A unit behind the group's three is written, too.
+template <typename Unit> inline void decodeGroup(const ushort* in, Unit* out, Seen<Unit>& seen)
+{
+    const Places<Unit> group = shares<Unit>[0][uchar(in[1])] | shares<Unit>[1][uchar(in[0])]
+        | shares<Unit>[2][uchar(in[3])] | shares<Unit>[3][uchar(in[2])];
+    std::memcpy(out, &group, sizeof(group));
+    // One less than zero has every bit.
+    seen.places |= group | (group - inBytes<Unit>(sizeof(Unit) > 1 ? 1 : 0));
+    seen.letters = static_cast<ushort>(seen.letters | in[0] | in[1] | in[2] | in[3]);
 }
 
 int paddingOf(const ushort* letters, int length)
@@ -169,39 +172,30 @@ int paddingOf(const ushort* letters, int length)
     return letters[length - 2] == '=' ? 2 : 1;
 }
 
-// The last group, whose padding stands for no bytes.
-template <typename Unit> void decodeLastGroup(const ushort* in, int padding, Unit* out, Decoded& all)
+// Decodes what ckEncode() makes, two groups at least; false for whatever is otherwise.
+template <typename Unit> bool decodeLetters(const ushort* in, int length, int padding, Unit* out)
 {
-    std::array<ushort, groupLetters> full{in[0], in[1], in[2], in[3]};
-    std::fill(full.end() - padding, full.end(), ushort('A'));
-    // The bytes that are not there are none of zero.
-    const int behind = (1 << 8 * padding) - 1;
-    const int bits = bitsOf(full.data(), plain);
-    const int filled = (bits & ~behind) | (0x010101 & behind);
-    all.bytes |= bits < 0 ? bits : filled;
-    all.zeroes |= (filled - 0x010101) & ~filled;
-    all.letters |= unsigned(full[0] | full[1] | full[2] | full[3]);
-    for (int i = 0; i < groupBytes - padding; ++i)
-        out[i] = static_cast<Unit>(bits >> (16 - 8 * i) & 255);
-}
-
-// Decodes what ckEncode() makes of a text, two groups at least; whatever is otherwise is a problem.
-template <typename Unit> Decoded decodeLetters(const ushort* in, int length, int padding, Unit* out)
-{
-    const int groups = length / groupLetters;
-    Decoded all;
-    std::ptrdiff_t done = 0;
-    while (done < groups - 2) {
-        const std::ptrdiff_t next = std::min<std::ptrdiff_t>(groups - 2, done + groupsAtOnce);
-        for (; done < next; ++done)
-            decodeGroup(in + done * groupLetters, out + done * groupBytes, swapped, all);
-        if (!all.isRight() || (sizeof(Unit) > 1 && !all.isAscii()))
-            return all;
+    Seen<Unit> seen;
+    for (int left = length / groupLetters - 2; left > 0; left -= groupsAtOnce) {
+        for (int i = std::min(left, groupsAtOnce); i > 0; --i) {
+            decodeGroup(in, out, seen);
+            in += groupLetters;
+            out += groupBytes;
+        }
+        if (!seen.isRight())
+            return false;
     }
-    decodeGroup(in + done * groupLetters, out + done * groupBytes, halfSwapped, all);
-    ++done;
-    decodeLastGroup(in + done * groupLetters, padding, out + done * groupBytes, all);
-    return all;
+    // The tail as if it had been swapped, and padded with a letter whose bytes are right in every text.
+    std::array<ushort, 2 * groupLetters> last{in[0], in[1], in[3], in[2], in[5], in[4], in[7], in[6]};
+    if (padding > 0)
+        last[6] = 'Q';
+    if (padding > 1)
+        last[7] = 'Q';
+    std::array<Unit, groupBytes + 1> lastBytes;
+    decodeGroup(last.data(), out, seen);
+    decodeGroup(last.data() + groupLetters, lastBytes.data(), seen);
+    std::copy_n(lastBytes.begin(), groupBytes - padding, out + groupBytes);
+    return seen.isRight();
 }
 
 // "ab" becomes "ba" in each of the pairs.
@@ -295,10 +289,10 @@ QString QuenzoTool::ckDecode(QString text)
     const int padding = paddingOf(letters, length);
     const int size = length / groupLetters * groupBytes - padding;
     QString decoded(size, Qt::Uninitialized);
-    const Decoded ascii = decodeLetters(letters, length, padding, reinterpret_cast<ushort*>(decoded.data()));
-    if (ascii.isRight() && ascii.isAscii())
+    if (decodeLetters(letters, length, padding, reinterpret_cast<ushort*>(decoded.data())))
         return decoded;
     QByteArray bytes(size, Qt::Uninitialized);
-    const Decoded wide = decodeLetters(letters, length, padding, reinterpret_cast<uchar*>(bytes.data()));
-    return wide.isRight() ? textOf(bytes) : decodeStepByStep(text);
+    if (decodeLetters(letters, length, padding, reinterpret_cast<uchar*>(bytes.data())))
+        return textOf(bytes);
+    return decodeStepByStep(text);
 }

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void everyLengthEncodesAndComesBack();
     void everyLengthWithOneFlawDecodesAsThePlainFormDoes_data();
     void everyLengthWithOneFlawDecodesAsThePlainFormDoes();
+    void everyCharacterInEveryPlaceDecodesAsThePlainFormDoes();
     void everyPaddingDecodesAsThePlainFormDoes();
     void textsUnderFourBytesEncodeToAnEmptyTextThatIsNotNull_data();
     void textsUnderFourBytesEncodeToAnEmptyTextThatIsNotNull();
@@ -166,6 +167,28 @@ void tst_Codec::everyLengthWithOneFlawDecodesAsThePlainFormDoes()
             QString flawed = scrambled;
             flawed.replace(place, 1, flaw);
             QCOMPARE(QuenzoTool::ckDecode(flawed), QString::fromUtf8(plainlyDecoded(flawed)));
+        }
+    }
+}
+
+void tst_Codec::everyCharacterInEveryPlaceDecodesAsThePlainFormDoes()
+{
+    QVector<QChar> characters;
+    for (int i = 0; i < 0x180; ++i)
+        characters.append(QChar(i));
+    // Each is a letter of the alphabet but for its upper byte.
+    for (int upper = 1; upper < 0x100; ++upper)
+        characters.append(QChar(upper << 8 | 'Q'));
+    // ASCII, and UTF-8 beyond it.
+    for (const QString& plain :
+         {QStringLiteral("hello, world"), QStringLiteral("\u4e2d\u6587\u5b57\u7b26")}) {
+        const QString scrambled = QuenzoTool::ckEncode(plain);
+        for (int place = 0; place < scrambled.size(); ++place) {
+            for (const QChar character : qAsConst(characters)) {
+                QString text = scrambled;
+                text[place] = character;
+                QCOMPARE(QuenzoTool::ckDecode(text), PlainCodec::textOf(plainlyDecoded(text)));
+            }
         }
     }
 }
