@@ -217,14 +217,6 @@
         <translation>正在读取 SDK 包</translation>
     </message>
     <message>
-        <source>%1 -&gt; %2, which is replaced</source>
-        <translation>%1 -&gt; %2，后者将被替换</translation>
-    </message>
-    <message>
-        <source>%1 -&gt; %2</source>
-        <translation>%1 -&gt; %2</translation>
-    </message>
-    <message>
         <source>would import files: %1</source>
         <translation>将导入的文件数：%1</translation>
     </message>
@@ -343,6 +335,14 @@
     <message>
         <source>As ARCHIVE - is the standard input; a file of this name is ./-.</source>
         <translation>ARCHIVE 为 - 时表示标准输入；名为 - 的文件请写成 ./-。</translation>
+    </message>
+    <message>
+        <source>would import &apos;%1&apos; to &apos;%2&apos;, which is replaced</source>
+        <translation>将把 &apos;%1&apos; 导入到 &apos;%2&apos;，后者将被替换</translation>
+    </message>
+    <message>
+        <source>would import &apos;%1&apos; to &apos;%2&apos;</source>
+        <translation>将把 &apos;%1&apos; 导入到 &apos;%2&apos;</translation>
     </message>
 </context>
 <context>
@@ -533,28 +533,6 @@
         <translation>&quot;%1&quot; 不是 %2 中的任何一个，也不是 0 到 4 的数字</translation>
     </message>
     <message>
-        <source>CHANNELS.json holds an array with an object a channel:
-  &quot;folder&quot;  the channel&apos;s folder in the output folder (required)
-  &quot;name&quot;    what the sheet shows (the folder&apos;s name)
-  &quot;mark&quot;    the mark&apos;s folder in the marks&apos; folder (none)
-  &quot;corner&quot;  left-top, left-bottom, right-top, right-bottom, default, or 0 to 4 (default)
-  &quot;x&quot;       the mark&apos;s distance from the icon&apos;s left edge, in pixels
-  &quot;y&quot;       its height over the icon&apos;s top edge: -20 is 20 pixels below it
-Without &quot;x&quot; or &quot;y&quot; the mark lies flush in its corner. With the corner &quot;default&quot; it
-goes where --default-corner, --default-x and --default-y put it, or flush into that
-corner. A mark&apos;s pictures are MARK/icon/left-top.png and so on.</source>
-        <translation>CHANNELS.json 是一个数组，每个渠道对应一个对象：
-  &quot;folder&quot;  渠道在输出文件夹中的子文件夹（必填）
-  &quot;name&quot;    总览图上显示的名称（默认为文件夹名）
-  &quot;mark&quot;    角标在角标文件夹中的子文件夹（默认无）
-  &quot;corner&quot;  left-top/left-bottom/right-top/right-bottom/default（默认）/0 到 4
-  &quot;x&quot;       角标到图标左边缘的距离，以像素计
-  &quot;y&quot;       角标高出图标上边缘的距离：-20 表示在其下方 20 像素
-不给出 &quot;x&quot; 或 &quot;y&quot; 时，角标紧贴所在的角。角位为 &quot;default&quot; 时，角标放在
---default-corner、--default-x 和 --default-y 指定的位置，
-未指定则紧贴该角。角标的图片是 MARK/icon/left-top.png 等。</translation>
-    </message>
-    <message>
         <source>the standard input</source>
         <translation>标准输入</translation>
     </message>
@@ -594,6 +572,26 @@ corner. A mark&apos;s pictures are MARK/icon/left-top.png and so on.</source>
         <source>is longer than %1 bytes</source>
         <translation>超过 %1 个字节</translation>
     </message>
+    <message>
+        <source>CHANNELS.json holds an array with an object a channel:
+  &quot;folder&quot;  the channel&apos;s folder in the output folder (required)
+  &quot;name&quot;    what the sheet shows (the folder&apos;s name)
+  &quot;mark&quot;    the mark&apos;s folder in the marks&apos; folder (none)
+  &quot;corner&quot;  left-top, left-bottom, right-top, right-bottom, default,
+            or 0 to 4 (default)
+  &quot;x&quot;       the mark&apos;s distance from the icon&apos;s left edge, in pixels
+  &quot;y&quot;       its height over the icon&apos;s top edge: -20 is 20 pixels below it
+Without &quot;x&quot; or &quot;y&quot; the mark lies flush in its corner. With the corner &quot;default&quot; it goes where --default-corner, --default-x and --default-y put it, or flush into that corner. A mark&apos;s pictures are MARK/icon/left-top.png and so on.</source>
+        <translation>CHANNELS.json 是一个数组，每个渠道对应一个对象：
+  &quot;folder&quot;  渠道在输出文件夹中的子文件夹（必填）
+  &quot;name&quot;    总览图上显示的名称（默认为文件夹名）
+  &quot;mark&quot;    角标在角标文件夹中的子文件夹（默认无）
+  &quot;corner&quot;  left-top/left-bottom/right-top/right-bottom/default/0 到 4
+            （默认为 default）
+  &quot;x&quot;       角标到图标左边缘的距离，以像素计
+  &quot;y&quot;       角标高出图标上边缘的距离：-20 表示在其下方 20 像素
+不给出 &quot;x&quot; 或 &quot;y&quot; 时，角标紧贴所在的角。角位为 &quot;default&quot; 时，角标放在 --default-corner、--default-x 和 --default-y 指定的位置，未指定则紧贴该角。角标的图片是 MARK/icon/left-top.png 等。</translation>
+    </message>
 </context>
 <context>
     <name>Collected</name>
@@ -629,26 +627,6 @@ corner. A mark&apos;s pictures are MARK/icon/left-top.png and so on.</source>
 <context>
     <name>CommandLine</name>
     <message>
-        <source>Usage: quenzo COMMAND [options] [arguments]
-
-Commands:
-</source>
-        <translation>用法: quenzo COMMAND [选项] [参数]
-
-命令:
-</translation>
-    </message>
-    <message>
-        <source>
-quenzo help COMMAND tells more; quenzo version prints the version. Words behind -- are no options.
-
-Exit codes:</source>
-        <translation>
-详情见 quenzo help COMMAND；quenzo version 显示版本。-- 之后的词不当作选项。
-
-退出码:</translation>
-    </message>
-    <message>
         <source>%1: missing: %2</source>
         <translation>%1: 缺少：%2</translation>
     </message>
@@ -659,10 +637,6 @@ Exit codes:</source>
     <message>
         <source>%1: unknown option &apos;%2&apos;</source>
         <translation>%1: 未知选项 &apos;%2&apos;</translation>
-    </message>
-    <message>
-        <source>Usage: quenzo %1 [options]</source>
-        <translation>用法: quenzo %1 [选项]</translation>
     </message>
     <message>
         <source>see quenzo %1</source>
@@ -795,18 +769,6 @@ Exit codes:</source>
         <translation>以 CSV 输出各行；否则在终端上输出表格，在别处输出 JSON 行。</translation>
     </message>
     <message>
-        <source>A row of the input whose values would not be kept as they are is refused, and nothing is written:
-one with a column given twice, an integer beyond 64 bits, or half a surrogate pair.
-JSON shows reals without a fraction as whole numbers, bytes as Base64, and integers beyond 2^53
-and infinite numbers (9e999) as text. Inserted again, the latter are numbers in columns of a
-numeric type, and text in others.</source>
-        <translation>输入中若有某行的值无法原样保存，则拒绝该行，且不写入任何内容：
-同一列给出两次、整数超出 64 位，或只有半个代理对。
-JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64，超出 2^53 的整数
-和无穷大（9e999）显示为文本。再次插入时，后者在数值类型的列中仍是数字，
-在其他列中则是文本。</translation>
-    </message>
-    <message>
         <source>the text; - is the standard input, without its last line break</source>
         <translation>文本；- 表示标准输入，不含其最后一个换行</translation>
     </message>
@@ -833,6 +795,12 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>deleted from %1, rows: %2</source>
         <translation>已从 %1 中删除，行数：%2</translation>
+    </message>
+    <message>
+        <source>A row of the input whose values would not be kept as they are is refused, and nothing is written: one with a column given twice, an integer beyond 64 bits, or half a surrogate pair.
+JSON shows reals without a fraction as whole numbers, bytes as Base64, and integers beyond 2^53 and infinite numbers (9e999) as text. Inserted again, the latter are numbers in columns of a numeric type, and text in others.</source>
+        <translation>输入中若有某行的值无法原样保存，则拒绝该行，且不写入任何内容：同一列给出两次、整数超出 64 位，或只有半个代理对。
+JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64，超出 2^53 的整数和无穷大（9e999）显示为文本。再次插入时，后者在数值类型的列中仍是数字，在其他列中则是文本。</translation>
     </message>
 </context>
 <context>
@@ -1097,19 +1065,19 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
 <context>
     <name>DryRun</name>
     <message>
-        <source>delete %1</source>
-        <translation>删除 %1</translation>
+        <source>would remove &apos;%1&apos;</source>
+        <translation>将删除 &apos;%1&apos;</translation>
     </message>
     <message>
-        <source>replace %1</source>
-        <translation>替换 %1</translation>
+        <source>would write &apos;%1&apos;, which is replaced</source>
+        <translation>将写入 &apos;%1&apos;，原文件将被替换</translation>
     </message>
     <message>
-        <source>write %1</source>
-        <translation>写入 %1</translation>
+        <source>would write &apos;%1&apos;</source>
+        <translation>将写入 &apos;%1&apos;</translation>
     </message>
     <message>
-        <source>files to write: %1, to delete: %2</source>
+        <source>would write files: %1, and remove: %2</source>
         <translation>将写入的文件数：%1，将删除的文件数：%2</translation>
     </message>
 </context>
@@ -1146,6 +1114,37 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>%1 h %2 min</source>
         <translation>%1 小时 %2 分</translation>
+    </message>
+</context>
+<context>
+    <name>HelpText</name>
+    <message>
+        <source>Usage: quenzo COMMAND [options] [arguments]</source>
+        <translation>用法: quenzo COMMAND [选项] [参数]</translation>
+    </message>
+    <message>
+        <source>Commands:</source>
+        <translation>命令:</translation>
+    </message>
+    <message>
+        <source>-h and -V are help and version, too. Words behind -- are no options.</source>
+        <translation>-h 和 -V 也是帮助和版本。-- 之后的词都不是选项。</translation>
+    </message>
+    <message>
+        <source>Exit codes:</source>
+        <translation>退出码:</translation>
+    </message>
+    <message>
+        <source>Usage: quenzo %1 [options]</source>
+        <translation>用法: quenzo %1 [选项]</translation>
+    </message>
+    <message>
+        <source>Options:</source>
+        <translation>选项:</translation>
+    </message>
+    <message>
+        <source>Arguments:</source>
+        <translation>参数:</translation>
     </message>
 </context>
 <context>
@@ -2017,14 +2016,6 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
 <context>
     <name>QCommandLineParser</name>
     <message>
-        <source>Options:</source>
-        <translation>选项:</translation>
-    </message>
-    <message>
-        <source>Arguments:</source>
-        <translation>参数:</translation>
-    </message>
-    <message>
         <source>Missing value after &apos;%1&apos;.</source>
         <translation>&apos;%1&apos; 之后缺少值。</translation>
     </message>
@@ -2328,6 +2319,18 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>The languages of texts, parted by colons, instead of the locale&apos;s.</source>
         <translation>文本所用的语言，以冒号分隔，代替区域设置的语言。</translation>
     </message>
+    <message>
+        <source>Prints the version.</source>
+        <translation>打印版本号。</translation>
+    </message>
+    <message>
+        <source>tells of the program; help COMMAND of one command</source>
+        <translation>介绍本程序；help COMMAND 介绍一个命令</translation>
+    </message>
+    <message>
+        <source>prints the version</source>
+        <translation>打印版本号</translation>
+    </message>
 </context>
 <context>
     <name>ToolCheck</name>
@@ -2360,10 +2363,6 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>files: %1, size: %2</source>
         <translation>文件数：%1，大小：%2</translation>
-    </message>
-    <message>
-        <source>Nothing was touched: %1</source>
-        <translation>没有改动任何内容：%1</translation>
     </message>
     <message>
         <source>everything was copied to &apos;%1&apos;, but files are still in &apos;%2&apos;: %3</source>
@@ -2440,6 +2439,18 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>removed the folder &apos;%1&apos;</source>
         <translation>已删除文件夹 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>would move %1</source>
+        <translation>将移动 %1</translation>
+    </message>
+    <message>
+        <source>would copy %1</source>
+        <translation>将复制 %1</translation>
+    </message>
+    <message>
+        <source>would remove %1</source>
+        <translation>将删除 %1</translation>
     </message>
 </context>
 <context>
@@ -2539,12 +2550,24 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
 <context>
     <name>TreePlan</name>
     <message>
-        <source>%1 -&gt; %2, which is replaced</source>
-        <translation>%1 -&gt; %2，后者将被替换</translation>
+        <source>would move &apos;%1&apos; to &apos;%2&apos;, which is replaced</source>
+        <translation>将把 &apos;%1&apos; 移动到 &apos;%2&apos;，后者将被替换</translation>
     </message>
     <message>
-        <source>%1 -&gt; %2</source>
-        <translation>%1 -&gt; %2</translation>
+        <source>would move &apos;%1&apos; to &apos;%2&apos;</source>
+        <translation>将把 &apos;%1&apos; 移动到 &apos;%2&apos;</translation>
+    </message>
+    <message>
+        <source>would copy &apos;%1&apos; to &apos;%2&apos;, which is replaced</source>
+        <translation>将把 &apos;%1&apos; 复制到 &apos;%2&apos;，后者将被替换</translation>
+    </message>
+    <message>
+        <source>would copy &apos;%1&apos; to &apos;%2&apos;</source>
+        <translation>将把 &apos;%1&apos; 复制到 &apos;%2&apos;</translation>
+    </message>
+    <message>
+        <source>would remove &apos;%1&apos;</source>
+        <translation>将删除 &apos;%1&apos;</translation>
     </message>
 </context>
 <context>

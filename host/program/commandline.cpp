@@ -4,7 +4,7 @@
 #include "commandtable.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
-#include "console/figures.h"
+#include "helptext.h"
 #include "suggestion.h"
 
 #include <QCommandLineParser>
@@ -23,27 +23,9 @@ const QLatin1String versionCommand("version");
 
 // What Qt's parser says itself: Qt's own translation is a package that need not be there.
 const std::initializer_list<const char*> parserTexts{
-    QT_TRANSLATE_NOOP("QCommandLineParser", "Options:"),
-    QT_TRANSLATE_NOOP("QCommandLineParser", "Arguments:"),
     QT_TRANSLATE_NOOP("QCommandLineParser", "Missing value after '%1'."),
     QT_TRANSLATE_NOOP("QCommandLineParser", "Unexpected value after '%1'."),
 };
-
-QString overview(const QVector<Command>& commands)
-{
-    int width = 0;
-    for (const Command& command : commands)
-        width = std::max(width, command.name.size());
-    QString text = Line::tr("Usage: quenzo COMMAND [options] [arguments]\n\nCommands:\n");
-    for (const Command& command : commands)
-        text += QStringLiteral("  %1  %2\n").arg(command.name, -width).arg(command.summary);
-    text +=
-        Line::tr("\nquenzo help COMMAND tells more; quenzo version prints the version. Words behind -- are "
-                 "no options.\n\nExit codes:");
-    for (const Explained& code : exitCodes())
-        text += QStringLiteral("\n  %1  %2").arg(code.name, -3).arg(code.meaning);
-    return text;
-}
 
 // The first word that is none of those that its argument takes; empty when there is none.
 QString objectionToChoice(const Command& command, const QStringList& given)
@@ -105,50 +87,6 @@ QString objectionToOptions(const Command& command, const QCommandLineParser& par
     const QString error = Line::tr("%1: unknown option '%2'").arg(command.name, withDashes(unknown));
     const QString meant = likelyMeant(unknown, names);
     return withSuggestion(error, meant.isEmpty() ? meant : withDashes(meant));
-}
-
-// Whether a line may end between these letters: at a blank, and at wide letters but where punctuation holds
-// them together.
-bool mayBreakBetween(QChar before, QChar after)
-{
-    if (before.isSpace())
-        return true;
-    const bool wide = columnsOf(QString(before)) > 1 || columnsOf(QString(after)) > 1;
-    return wide && before != QChar(u'（') && !QStringLiteral("，。；：！？、）").contains(after);
-}
-
-// The parser counts letters and ends lines at blanks only: a text of wide letters is broken here, for the
-// room that the longest names leave.
-QString brokenIfWide(const QString& text)
-{
-    constexpr int room = 48;
-    if (columnsOf(text) == text.size())
-        return text;
-    QString broken;
-    int lineStart = 0;
-    int lastBreak = 0;
-    for (const QChar letter : text) {
-        if (!broken.isEmpty() && mayBreakBetween(broken.back(), letter))
-            lastBreak = broken.size();
-        if (lastBreak > lineStart && columnsOf(broken.mid(lineStart) + letter) > room) {
-            const int blanks = broken.at(lastBreak - 1).isSpace() ? 1 : 0;
-            broken.replace(lastBreak - blanks, blanks, QLatin1String("\n"));
-            lineStart = lastBreak += 1 - blanks;
-        }
-        broken += letter;
-    }
-    return broken;
-}
-
-// The parser knows of no commands: its usage line is replaced.
-QString helpText(const Command& command, const QCommandLineParser& parser)
-{
-    QString usage = Line::tr("Usage: quenzo %1 [options]").arg(command.name);
-    for (const Argument& argument : command.arguments)
-        usage += QLatin1Char(' ') + syntaxOf(argument);
-    const QString text = parser.helpText().trimmed();
-    const QString details = command.details.isEmpty() ? QString() : QStringLiteral("\n\n") + command.details;
-    return usage + text.mid(text.indexOf(QLatin1Char('\n'))) + details;
 }
 
 // Before the words are understood: those who want JSON get their objection in it.
@@ -230,21 +168,14 @@ ConsoleStyle styleOf(const QCommandLineParser& parser, QString& objection)
 ExitCode runCommand(const Command& command, QStringList words)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(command.summary);
-    for (QCommandLineOption option : commonOptions() + command.options) {
-        option.setDescription(brokenIfWide(option.description()));
-        parser.addOption(option);
-    }
-    for (const Argument& argument : command.arguments)
-        parser.addPositionalArgument(argument.name, brokenIfWide(argument.description), syntaxOf(argument));
-
+    parser.addOptions(commonOptions() + command.options);
     if (command.prepare)
         words = command.prepare(words);
     words.prepend(QStringLiteral("quenzo"));
     if (!parser.parse(words))
         return objectTo(words, objectionToOptions(command, parser), command.name);
     if (parser.isSet(QStringLiteral("help"))) {
-        const QString text = helpText(command, parser);
+        const QString text = HelpText::of(command);
         return showText(words, helpCommand, QStringLiteral("text"), text, text);
     }
     QString objection = objectionToWords(command, parser);
@@ -310,7 +241,7 @@ ExitCode CommandLine::run(const QStringList& given)
 
     const QString name = words.first();
     if (name == helpCommand || name == QLatin1String("--help") || name == QLatin1String("-h")) {
-        const QString text = overview(commands);
+        const QString text = HelpText::overview(commands);
         return showText(given, helpCommand, QStringLiteral("text"), text, text);
     }
     if (name == versionCommand || name == QLatin1String("--version") || name == QLatin1String("-V")) {

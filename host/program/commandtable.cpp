@@ -35,6 +35,11 @@ QList<QCommandLineOption> commonOptions()
          Table::tr("Tells the steps, and all of the causes.")}};
 }
 
+QCommandLineOption versionOption()
+{
+    return {{QStringLiteral("V"), QStringLiteral("version")}, Table::tr("Prints the version.")};
+}
+
 QString syntaxOf(const Argument& argument)
 {
     switch (argument.count) {
@@ -46,6 +51,14 @@ QString syntaxOf(const Argument& argument)
         break;
     }
     return argument.name;
+}
+
+QVector<Explained> ownCommands()
+{
+    return {
+        {QStringLiteral("help"), Table::tr("tells of the program; help COMMAND of one command")},
+        {QStringLiteral("version"), Table::tr("prints the version")},
+    };
 }
 
 QVector<Explained> exitCodes()

@@ -10,6 +10,9 @@ QVector<Command> allCommands();
 /** The options that every command has. */
 QList<QCommandLineOption> commonOptions();
 
+/** The option that stands in the place of a command. */
+QCommandLineOption versionOption();
+
 /** How an argument stands in a line of usage. */
 QString syntaxOf(const Argument& argument);
 
@@ -18,6 +21,9 @@ struct Explained {
     QString name;
     QString meaning;
 };
+
+/** What the program does without a command of the table. */
+QVector<Explained> ownCommands();
 
 QVector<Explained> exitCodes();
 QVector<Explained> environmentVariables();

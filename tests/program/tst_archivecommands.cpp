@@ -230,9 +230,10 @@ void tst_ArchiveCommands::dryRunOfAnImportNamesEveryFile()
     const Ended ended = run("import harbourpay.zip sdk --dry-run");
     QCOMPARE(ended.error, QByteArray());
     QCOMPARE(ended.output,
-             QByteArray("assets/harbourpay.json -> sdk/assets/harbourpay.json\n"
-                        "config.xml -> sdk/config.xml, which is replaced\n"
-                        "res/values/harbourpay_strings.xml -> sdk/res/values/harbourpay_strings.xml\n"
+             QByteArray("would import 'assets/harbourpay.json' to 'sdk/assets/harbourpay.json'\n"
+                        "would import 'config.xml' to 'sdk/config.xml', which is replaced\n"
+                        "would import 'res/values/harbourpay_strings.xml' to "
+                        "'sdk/res/values/harbourpay_strings.xml'\n"
                         "would import files: 3\n"));
     const QJsonObject json = run("import harbourpay.zip sdk --dry-run --json").json();
     QVERIFY2(QJsonDocument(json).toJson().contains("\"replaces\": true"), "no entry is replaced");

@@ -4,7 +4,16 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace {
+
+// Every letter beyond ASCII of our texts is as wide as two, but for the ellipsis.
+int columnsOf(const QString& text)
+{
+    const auto isWide = [](QChar letter) { return letter.unicode() > 0x2fff; };
+    return text.size() + static_cast<int>(std::count_if(text.cbegin(), text.cend(), isWide));
+}
 
 Ended quenzo(const char* line)
 {
@@ -20,6 +29,7 @@ class tst_HostCommandLine : public QObject {
 private Q_SLOTS:
     void helpIsGivenInEveryForm_data();
     void helpIsGivenInEveryForm();
+    void helpFitsTheTerminal();
     void versionIsGivenInEveryForm_data();
     void versionIsGivenInEveryForm();
     void wrongWordsAreNamed_data();
@@ -60,6 +70,30 @@ void tst_HostCommandLine::helpIsGivenInEveryForm()
     QCOMPARE(ended.error, QByteArray());
     QCOMPARE(ended.output.left(beginning.size()), beginning);
     QCOMPARE(ended.code, 0);
+}
+
+void tst_HostCommandLine::helpFitsTheTerminal()
+{
+    QStringList names{QString()};
+    const QString overview = QString::fromUtf8(quenzo("help").output);
+    auto commands = QRegularExpression(QStringLiteral("^  ([a-z-]+)  "), QRegularExpression::MultilineOption)
+                        .globalMatch(overview);
+    while (commands.hasNext())
+        names += commands.next().captured(1);
+    QVERIFY(names.contains(QStringLiteral("icons")) && names.contains(QStringLiteral("version")));
+    names.removeAll(QStringLiteral("version"));
+    for (const char* locale : {"C.UTF-8", "zh_CN.UTF-8"}) {
+        for (const QString& name : qAsConst(names)) {
+            QuenzoProcess process({QStringLiteral("help"), name});
+            if (name.isEmpty() || name == QLatin1String("help"))
+                process.setArguments({QStringLiteral("help")});
+            process.setVariable("LC_ALL", QString::fromLatin1(locale));
+            const QString text = QString::fromUtf8(process.end().output);
+            QVERIFY(text.size() > 100);
+            for (const QString& line : text.split(QLatin1Char('\n')))
+                QVERIFY2(columnsOf(line) < 80, qPrintable(line));
+        }
+    }
 }
 
 void tst_HostCommandLine::versionIsGivenInEveryForm_data()

@@ -323,12 +323,12 @@ void tst_IconCommands::dryRunTellsAllAndTouchesNothing()
     const QString folder = QDir(root()).canonicalPath() + QStringLiteral("/out/");
     QString expected;
     for (const char* line :
-         {"delete hollow", "delete old/inner/file", "write a/icon36x36.png", "replace a/icon48x48.png",
-          "replace a/icon72x72.png", "replace a/icon96x96.png", "replace a/icon144x144.png",
-          "replace a/icon192x192.png", "replace a/icon512x512.png"})
-        expected += QString(QLatin1String(line)).replace(QLatin1Char(' '), QLatin1Char(' ') + folder)
-            + QLatin1Char('\n');
-    expected += QStringLiteral("write sheet.png\nfiles to write: 8, to delete: 2\n");
+         {"remove '%1hollow'", "remove '%1old/inner/file'", "write '%1a/icon36x36.png'",
+          "write '%1a/icon48x48.png', which is replaced", "write '%1a/icon72x72.png', which is replaced",
+          "write '%1a/icon96x96.png', which is replaced", "write '%1a/icon144x144.png', which is replaced",
+          "write '%1a/icon192x192.png', which is replaced", "write '%1a/icon512x512.png', which is replaced"})
+        expected += QStringLiteral("would ") + QString::fromLatin1(line).arg(folder) + QLatin1Char('\n');
+    expected += QStringLiteral("would write 'sheet.png'\nwould write files: 8, and remove: 2\n");
     QCOMPARE(QString::fromUtf8(told.output), expected);
     QCOMPARE(filesBelow(root()), files);
     QVERIFY(QDir(out(QStringLiteral("hollow"))).exists());
@@ -347,7 +347,7 @@ void tst_IconCommands::dryRunOfAnAdditionDeletesNothing()
     for (const char* options : {"--keep", "--keep --sheet -", "--layout android-res"}) {
         const Ended told = icons(R"([{"folder": "a"}])", words(options) + words("--dry-run"));
         QCOMPARE(told.code, 0);
-        QVERIFY2(told.output.endsWith("files to write: 7, to delete: 0\n"), told.output.constData());
+        QVERIFY2(told.output.endsWith("would write files: 7, and remove: 0\n"), told.output.constData());
         QCOMPARE(filesBelow(out()), words("a/mine"));
     }
 }

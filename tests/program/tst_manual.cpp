@@ -21,13 +21,13 @@ struct Read {
     QByteArray complaints;
 };
 
-// As a reader sees a page, on lines that are long enough for everything.
-Read readPage(const QString& name)
+// As a reader sees a page, on lines that are long enough for everything if nothing else is said.
+Read readPage(const QString& name, int columns = 900)
 {
     QProcess groff;
     groff.start(QStringLiteral(GROFF),
                 {QStringLiteral("-ww"), QStringLiteral("-k"), QStringLiteral("-man"),
-                 QStringLiteral("-Tutf8"), QStringLiteral("-P-c"), QStringLiteral("-rLL=900n"),
+                 QStringLiteral("-Tutf8"), QStringLiteral("-P-c"), QStringLiteral("-rLL=%1n").arg(columns),
                  pageOf(name)});
     if (!groff.waitForFinished())
         return {{}, "groff: " + groff.errorString().toUtf8()};
@@ -75,6 +75,9 @@ class tst_Manual : public QObject {
 private Q_SLOTS:
     void pagesAreWellFormed_data();
     void pagesAreWellFormed();
+    void pagesFitTheTerminal_data();
+    void pagesFitTheTerminal();
+    void overviewListsWhatIsNoCommandOfTheTable();
     void everyCommandHasItsPage();
     void pageSaysWhatTheHelpSays_data();
     void pageSaysWhatTheHelpSays();
@@ -100,6 +103,29 @@ void tst_Manual::pagesAreWellFormed()
     QVERIFY2(mandoc.waitForFinished(), qPrintable(mandoc.errorString()));
     QCOMPARE(mandoc.readAllStandardOutput() + mandoc.readAllStandardError(), QByteArray());
     QCOMPARE(mandoc.exitCode(), 0);
+}
+
+void tst_Manual::pagesFitTheTerminal_data()
+{
+    pagesAreWellFormed_data();
+}
+
+void tst_Manual::pagesFitTheTerminal()
+{
+    QFETCH(QString, name);
+    const QString text = readPage(name, 79).text;
+    for (const QString& line : text.split(QLatin1Char('\n')))
+        QVERIFY2(line.size() < 80, qPrintable(line));
+}
+
+void tst_Manual::overviewListsWhatIsNoCommandOfTheTable()
+{
+    const QString page = readPage(QStringLiteral("quenzo")).text.simplified();
+    for (const char* words : {" quenzo help Tells of the program; help COMMAND of one command.",
+                              " quenzo version Prints the version.", " -h, --help Shows this help.",
+                              " -V, --version Prints the version."})
+        QVERIFY2(page.contains(QLatin1String(words)),
+                 qPrintable(QLatin1String(words) + QLatin1String(" is not in ") + page));
 }
 
 void tst_Manual::everyCommandHasItsPage()

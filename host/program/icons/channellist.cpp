@@ -140,11 +140,12 @@ QString ChannelList::formatHelp()
         "  \"folder\"  the channel's folder in the output folder (required)\n"
         "  \"name\"    what the sheet shows (the folder's name)\n"
         "  \"mark\"    the mark's folder in the marks' folder (none)\n"
-        "  \"corner\"  left-top, left-bottom, right-top, right-bottom, default, or 0 to 4 (default)\n"
+        "  \"corner\"  left-top, left-bottom, right-top, right-bottom, default,\n"
+        "            or 0 to 4 (default)\n"
         "  \"x\"       the mark's distance from the icon's left edge, in pixels\n"
         "  \"y\"       its height over the icon's top edge: -20 is 20 pixels below it\n"
-        "Without \"x\" or \"y\" the mark lies flush in its corner. With the corner \"default\" it\n"
-        "goes where --default-corner, --default-x and --default-y put it, or flush into that\n"
+        "Without \"x\" or \"y\" the mark lies flush in its corner. With the corner \"default\" it "
+        "goes where --default-corner, --default-x and --default-y put it, or flush into that "
         "corner. A mark's pictures are MARK/icon/left-top.png and so on.");
 }
 

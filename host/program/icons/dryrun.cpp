@@ -52,14 +52,16 @@ void reportDryRun(const IconJob& job, Console& console)
     if (!job.sheet.isEmpty() && job.sheet != QLatin1String("-"))
         written.append(job.sheet);
     for (const QString& path : deleted)
-        console.print(DryRun::tr("delete %1").arg(path));
+        console.print(DryRun::tr("would remove '%1'").arg(path));
     QJsonArray entries;
     for (const QString& path : qAsConst(written)) {
         const bool replaces = QFileInfo::exists(path);
-        console.print((replaces ? DryRun::tr("replace %1") : DryRun::tr("write %1")).arg(path));
+        const QString line =
+            replaces ? DryRun::tr("would write '%1', which is replaced") : DryRun::tr("would write '%1'");
+        console.print(line.arg(path));
         entries.append(QJsonObject{{QStringLiteral("target"), path}, {QStringLiteral("replaces"), replaces}});
     }
-    console.print(DryRun::tr("files to write: %1, to delete: %2").arg(written.size()).arg(deleted.size()));
+    console.say(DryRun::tr("would write files: %1, and remove: %2").arg(written.size()).arg(deleted.size()));
     console.set(QStringLiteral("dryRun"), true);
     console.set(QStringLiteral("entries"), entries);
     console.set(QStringLiteral("deleted"), QJsonArray::fromStringList(deleted));

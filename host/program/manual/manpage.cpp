@@ -58,10 +58,23 @@ public:
     /** @param text with what stands for itself escaped already */
     void paragraph(const QString& text) { m_text += text + QLatin1Char('\n'); }
 
-    // The lines are laid out, with columns and examples among them.
-    void asItStands(const QString& text)
+    // Paragraphs, a line each; lines that begin with a blank are laid out, with columns and examples.
+    void paragraphs(const QString& text)
     {
-        m_text += QLatin1String(".PP\n.nf\n") + plain(text.trimmed()) + QLatin1String("\n.fi\n");
+        constexpr int indent = 2; // of the help; a page has its own
+        bool isLaidOut = false;
+        const QStringList lines = text.split(QLatin1Char('\n'));
+        for (const QString& line : lines) {
+            const bool stands = line.startsWith(QLatin1Char(' '));
+            if (stands != isLaidOut)
+                m_text += stands ? QLatin1String(".nf\n") : QLatin1String(".fi\n");
+            if (!stands)
+                m_text += QLatin1String(".PP\n");
+            isLaidOut = stands;
+            m_text += plain(stands ? line.mid(indent) : line) + QLatin1Char('\n');
+        }
+        if (isLaidOut)
+            m_text += QLatin1String(".fi\n");
     }
 
     void entry(const QString& name, const QString& meaning)
@@ -126,7 +139,9 @@ QByteArray ManPage::overview(const QVector<Command>& commands, const QDate& date
     page.section("COMMANDS");
     for (const Command& command : commands)
         page.entry(bold(pageName(command)) + QLatin1String("(1)"), sentence(command.summary));
-    addOptions(page, commonOptions());
+    for (const Explained& own : ownCommands())
+        page.entry(bold(QStringLiteral("quenzo ") + own.name), sentence(own.meaning));
+    addOptions(page, commonOptions() + QList<QCommandLineOption>{versionOption()});
     page.entries("EXIT STATUS", exitCodes());
     page.entries("ENVIRONMENT", environmentVariables());
     page.entries("FILES", usedFiles());
@@ -145,7 +160,7 @@ QByteArray ManPage::of(const Command& command, const QDate& date)
     page.section("DESCRIPTION");
     page.paragraph(plain(sentence(command.summary)));
     if (!command.details.isEmpty())
-        page.asItStands(command.details);
+        page.paragraphs(command.details);
     if (!command.arguments.isEmpty())
         page.section("ARGUMENTS");
     for (const Argument& argument : command.arguments)

@@ -323,11 +323,11 @@ Command dbCommand()
         runDatabase,
         DBCommands::tr(
             "A row of the input whose values would not be kept as they are is refused, and nothing is "
-            "written:\n"
+            "written: "
             "one with a column given twice, an integer beyond 64 bits, or half a surrogate pair.\n"
             "JSON shows reals without a fraction as whole numbers, bytes as Base64, and integers beyond "
-            "2^53\n"
-            "and infinite numbers (9e999) as text. Inserted again, the latter are numbers in columns of a\n"
+            "2^53 "
+            "and infinite numbers (9e999) as text. Inserted again, the latter are numbers in columns of a "
             "numeric type, and text in others."),
         {{QStringLiteral("OPERATION"),
           {QStringLiteral("insert"), QStringLiteral("update"), QStringLiteral("delete"),

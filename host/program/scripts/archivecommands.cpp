@@ -86,14 +86,14 @@ ExitCode planImport(Console& console, const QVariantMap& parameters)
     for (const QString& name : qAsConst(words)) {
         const QString target = dest + QLatin1Char('/') + name;
         const bool replaces = QFileInfo::exists(target);
-        const QString line =
-            replaces ? ArchiveCommands::tr("%1 -> %2, which is replaced") : ArchiveCommands::tr("%1 -> %2");
+        const QString line = replaces ? ArchiveCommands::tr("would import '%1' to '%2', which is replaced")
+                                      : ArchiveCommands::tr("would import '%1' to '%2'");
         console.print(line.arg(Console::shown(name), Console::shown(target)));
         entries.append(QJsonObject{{QStringLiteral("source"), name},
                                    {QStringLiteral("target"), target},
                                    {QStringLiteral("replaces"), replaces}});
     }
-    console.print(ArchiveCommands::tr("would import files: %1").arg(words.size()));
+    console.say(ArchiveCommands::tr("would import files: %1").arg(words.size()));
     console.set(QStringLiteral("dest"), dest);
     console.set(QStringLiteral("dryRun"), true);
     console.set(QStringLiteral("entries"), entries);

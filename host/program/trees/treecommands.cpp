@@ -51,7 +51,10 @@ ExitCode tellPlan(const TreeScope& scope, const QByteArray& target, Console& con
 {
     const TreeCount count = reportPlan(scope, target, console);
     setCount(console, count);
-    console.say(TreeCommands::tr("Nothing was touched: %1").arg(summaryOf(count)));
+    QString text = scope.emptied ? TreeCommands::tr("would move %1") : TreeCommands::tr("would copy %1");
+    if (target.isEmpty())
+        text = TreeCommands::tr("would remove %1");
+    console.say(text.arg(summaryOf(count)));
     return ExitDone;
 }
 

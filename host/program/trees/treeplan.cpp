@@ -13,6 +13,15 @@ struct Plan {
     Q_DECLARE_TR_FUNCTIONS(TreePlan)
 };
 
+QString lineOf(const TreeScope& scope, bool replaces)
+{
+    if (scope.emptied)
+        return replaces ? Plan::tr("would move '%1' to '%2', which is replaced")
+                        : Plan::tr("would move '%1' to '%2'");
+    return replaces ? Plan::tr("would copy '%1' to '%2', which is replaced")
+                    : Plan::tr("would copy '%1' to '%2'");
+}
+
 } // namespace
 
 TreeCount reportPlan(const TreeScope& scope, const QByteArray& target, Console& console)
@@ -26,14 +35,13 @@ TreeCount reportPlan(const TreeScope& scope, const QByteArray& target, Console& 
         const QString from = QFile::decodeName(scope.top + '/' + entry.path);
         QJsonObject values{{QStringLiteral("source"), from}};
         if (target.isEmpty()) {
-            console.print(Console::shown(from));
+            console.print(Plan::tr("would remove '%1'").arg(Console::shown(from)));
         } else {
             const QByteArray path = target + '/' + entry.path;
             const QString to = QFile::decodeName(path);
             struct stat status { };
             const bool replaces = stat(path.constData(), &status) == 0;
-            const QString line = replaces ? Plan::tr("%1 -> %2, which is replaced") : Plan::tr("%1 -> %2");
-            console.print(line.arg(Console::shown(from), Console::shown(to)));
+            console.print(lineOf(scope, replaces).arg(Console::shown(from), Console::shown(to)));
             values.insert(QStringLiteral("target"), to);
             values.insert(QStringLiteral("replaces"), replaces);
         }
