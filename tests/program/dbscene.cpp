@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "dbscene.h"
 
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
+#include "databasefile.h"
+
 #include <QtTest>
 
 void DBScene::init()
@@ -16,16 +15,9 @@ void DBScene::init()
 QStringList DBScene::ask(const QString& sql) const
 {
     QStringList answers;
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("test"));
-        database.setDatabaseName(path());
-        QSqlQuery query(database.open() ? database : QSqlDatabase());
-        if (!query.exec(sql))
-            qFatal("%s: %s", qUtf8Printable(sql), qUtf8Printable(query.lastError().text()));
-        while (query.next())
-            answers.append(query.value(0).toString());
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("test"));
+    const QVariantList found = askDatabase(path(), sql);
+    for (const QVariant& answer : found)
+        answers.append(answer.toString());
     return answers;
 }
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "databasefile.h"
+
 #include <QProcess>
 #include <QRandomGenerator>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -26,7 +25,7 @@ private Q_SLOTS:
 
 private:
     QString path() const { return m_folder->filePath(QStringLiteral("records.db")); }
-    QVariant ask(const QString& sql) const;
+    QVariant ask(const QString& sql) const { return askDatabase(path(), sql).value(0); }
     void run(const QStringList& arguments, int timeLimitMs) const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -37,22 +36,6 @@ void tst_DBProcess::init()
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
     ask(QStringLiteral("CREATE TABLE bursts(burst, part, filling)"));
-}
-
-QVariant tst_DBProcess::ask(const QString& sql) const
-{
-    QVariant answer;
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("test"));
-        database.setDatabaseName(path());
-        QSqlQuery query(database.open() ? database : QSqlDatabase());
-        if (!query.exec(sql))
-            qFatal("%s: %s", qUtf8Printable(sql), qUtf8Printable(query.lastError().text()));
-        if (query.next())
-            answer = query.value(0);
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("test"));
-    return answer;
 }
 
 void tst_DBProcess::run(const QStringList& arguments, int timeLimitMs) const

@@ -6,7 +6,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <sys/mman.h>
 #include <unistd.h>
 
 namespace {
@@ -14,8 +13,6 @@ namespace {
 struct ScriptMessagesText {
     Q_DECLARE_TR_FUNCTIONS(ScriptMessages)
 };
-
-constexpr const char* variable = "QUENZO_MESSAGES";
 
 // docs/scripts.md lists the kinds.
 Failure failureOf(const QString& kind, const QString& text)
@@ -33,29 +30,13 @@ Failure failureOf(const QString& kind, const QString& text)
 
 } // namespace
 
-ScriptMessages::ScriptMessages()
-    : m_file(memfd_create("quenzo-messages", MFD_CLOEXEC))
-{
-    // Without a file the scripts write to the standard error.
-    if (m_file >= 0)
-        qputenv(variable, QByteArray::number(m_file));
-    else
-        qunsetenv(variable);
-}
-
-ScriptMessages::~ScriptMessages()
-{
-    qunsetenv(variable);
-    if (m_file >= 0)
-        close(m_file);
-}
-
 ScriptMessages::Told ScriptMessages::take()
 {
     Told told;
-    const qint64 end = m_file >= 0 ? lseek(m_file, 0, SEEK_END) : 0;
+    const int file = m_file.number();
+    const qint64 end = file >= 0 ? lseek(file, 0, SEEK_END) : 0;
     QByteArray lines(int(end - m_taken), Qt::Uninitialized);
-    if (lines.isEmpty() || pread(m_file, lines.data(), size_t(lines.size()), m_taken) != lines.size())
+    if (lines.isEmpty() || pread(file, lines.data(), size_t(lines.size()), m_taken) != lines.size())
         return told;
     m_taken = end;
     const auto all = lines.split('\n');

@@ -3,6 +3,7 @@
 #define SCRIPTMESSAGES_H
 
 #include "console/failure.h"
+#include "scripts/handedfile.h"
 
 #include <QStringList>
 
@@ -12,11 +13,6 @@
  */
 class ScriptMessages {
 public:
-    ScriptMessages();
-    ~ScriptMessages();
-    ScriptMessages(const ScriptMessages&) = delete;
-    ScriptMessages& operator=(const ScriptMessages&) = delete;
-
     struct Told {
         QStringList warnings;
         Failure failure; ///< the first; without a message when there is none
@@ -26,7 +22,8 @@ public:
     Told take();
 
 private:
-    const int m_file;
+    // Without a file the scripts write to the standard error.
+    const HandedFile m_file{"QUENZO_MESSAGES"};
     qint64 m_taken = 0;
 };
 

@@ -2,6 +2,8 @@
 #ifndef WORKCOUNT_H
 #define WORKCOUNT_H
 
+#include "scripts/handedfile.h"
+
 #include <QString>
 
 struct Progress;
@@ -12,11 +14,6 @@ struct Progress;
  */
 class WorkCount {
 public:
-    WorkCount();
-    ~WorkCount();
-    WorkCount(const WorkCount&) = delete;
-    WorkCount& operator=(const WorkCount&) = delete;
-
     Progress progress(const QString& doing) const;
 
     /** Asks the work to end and to leave what was there before; false when nobody counts, and would hear it.
@@ -24,7 +21,8 @@ public:
     bool stop();
 
 private:
-    int m_file;
+    // Without a file there is no count, and the work is done all the same.
+    const HandedFile m_file{"QUENZO_PROGRESS"};
 };
 
 #endif
