@@ -2,11 +2,13 @@
 """One small job for each command of the program, and a judge of what it has left, whatever it was told to do it in."""
 import json
 import os
+import re
 import sqlite3
 
 from attack import read, tree, write
-from support import APK, Raw, contents, parsed, raw_archive
+from support import APK, Raw, contents, raw_archive
 
+import encrypt
 from pictures import is_whole, png
 
 FILES = dict(("d%d/e/file%d" % (number % 3, number), "%d" % number * 2000) for number in range(12))
@@ -15,7 +17,12 @@ CHANNELS = ["one", "two"]
 
 
 class Job(object):
-    """A command in a folder: words() prepares it and gives its words, all paths whole; fault() judges."""
+    """A command in a folder: words() prepares it and gives its words, all paths whole; fault() judges.
+
+    environment is what the command needs beside the words, and says a text that it prints when it is done.
+    """
+    environment = {}
+    says = ""
 
     def __init__(self, folder):
         self.folder = folder
@@ -73,6 +80,21 @@ class Pack(Job):
         return contents(self.path("out.zip")) != FILES
 
 
+class PackLike(Pack):
+    """After the model of an archive that holds some of the files, one of them changed, and one that is gone."""
+    option = "--like"
+
+    def words(self):
+        base = [Raw(name, content if number else "other", 8) for number, (name, content) in
+                enumerate(sorted(FILES.items())[:5])]
+        raw_archive(self.path("base.zip"), base + ([Raw("gone", "x")] if self.option == "--like" else []))
+        return Pack(self.folder).words() + [self.option, self.path("base.zip")]
+
+
+class PackOnto(PackLike):
+    option = "--onto"
+
+
 class Unpack(Job):
     def words(self):
         raw_archive(self.path("in.zip"), [Raw(name, content, 8) for name, content in FILES.items()])
@@ -96,14 +118,120 @@ class Import(Job):
 
 
 class Encrypt(Job):
+    is_encrypted = False
+
     def words(self):
-        write(self.path("game.apk"), read(APK))
+        self.prepare()
+        return [self.__class__.__name__.lower(), "--key", self.path("key"), self.path("game.apk")]
+
+    def prepare(self):
         os.chmod(write(self.path("key"), "0" * 64), 0o600)
-        return ["encrypt", "--key", self.path("key"), self.path("game.apk")]
+        if encrypt.encryptApk(".", write(self.path("encrypted.apk"), read(APK)), self.path("key")) != 0:
+            raise RuntimeError("the sample cannot be encrypted")
+        write(self.path("game.apk"), read(self.path("encrypted.apk") if self.is_encrypted else APK))
 
     def fault(self, done):
-        names = [one.name for one in parsed(self.path("game.apk"))]
-        return not names or done == (read(self.path("game.apk")) == read(APK))
+        found = contents(self.path("game.apk"))
+        assets = [name for name in found if name.startswith("assets/")]
+        plain = contents(APK)
+        if sorted(found) != sorted(plain):
+            return sorted(found)
+        has_changed = any(found[name] != plain[name] for name in assets)
+        return has_changed != (done != self.is_encrypted) or (not has_changed and found != plain)
+
+
+class Decrypt(Encrypt):
+    is_encrypted = True
+
+
+class KeyNew(Job):
+    def words(self):
+        return ["key", "new", "--key", self.path("key")]
+
+    def fault(self, done):
+        if not os.path.lexists(self.path("key")):
+            return done
+        is_own = os.stat(self.path("key")).st_mode & 0o777 == 0o600
+        return not is_own or not re.match("[0-9a-f]{64}\n\\Z", read(self.path("key")))
+
+
+class KeyShow(Encrypt):
+    says = "fingerprint"
+
+    def words(self):
+        self.prepare()
+        return ["key", "show", "--key", self.path("key")]
+
+    def fault(self, done):
+        return read(self.path("key")) != "0" * 64 or Encrypt.fault(self, False)
+
+
+class KeyCheck(KeyShow):
+    is_encrypted = True
+    says = "\n"
+
+    def words(self):
+        self.prepare()
+        return ["key", "check", "--key", self.path("key"), self.path("game.apk")]
+
+
+class Sign(Job):
+    """Through a signer of its own, which adds to the file, takes its time and knows its own signature."""
+    SIGNER = """#!/bin/sh
+case $1 in
+sign)
+    while [ $# -gt 1 ]; do
+        case $1 in --out) out=$2 ;; --in) in=$2 ;; esac
+        shift
+    done
+    cat "$in" >"$out" && printf signed >>"$out" ;;
+verify)
+    while [ $# -gt 1 ]; do
+        [ "$1" = --in ] && in=$2
+        shift
+    done
+    [ "$(tail -c 6 "$in")" = signed ] ;;
+esac
+"""
+
+    def words(self):
+        write(self.path("game.apk"), read(APK))
+        os.chmod(write(self.path("bin", "apksigner"), self.SIGNER), 0o755)
+        self.environment = {"PATH": self.path("bin") + ":/usr/bin:/bin"}
+        return ["sign", "--keystore", write(self.path("store"), "k"), "--pass-file", write(self.path("pass"), "p"),
+                self.path("game.apk")]
+
+    def fault(self, done):
+        return read(self.path("game.apk")) != read(APK) + "signed" * bool(done)
+
+
+class Check(Job):
+    says = "com.quenzo.skyharbour"
+
+    def words(self):
+        return ["check", write(self.path("game.apk"), read(APK))]
+
+    def fault(self, done):
+        return read(self.path("game.apk")) != read(APK)
+
+
+class Run(Job):
+    SCRIPT = """import os
+def make(path):
+    with open(path + ".part", "w") as out:
+        out.write("made" * 1000)
+        out.flush()
+    os.rename(path + ".part", path)
+    return "param"
+"""
+
+    def words(self):
+        return ["run", write(self.path("script.py"), self.SCRIPT), "make", self.path("out")]
+
+    def fault(self, done):
+        if not os.path.exists(self.path("out")):
+            return done
+        return read(self.path("out")) != "made" * 1000
 
 
 class Export(Job):
@@ -130,15 +258,48 @@ class Icons(Job):
         return half or (done and len(icons) != 7 * len(CHANNELS))
 
 
-class Insert(Job):
-    queued = []
+class IconsLayout(Icons):
+    count = 2 * 7
+    layout = ["--layout", "android-res"]
+
+    def words(self):
+        return Icons.words(self) + self.layout
+
+    def fault(self, done):
+        icons = [content for name, content in tree(self.path("out")).items() if name.endswith(".png")]
+        return [one for one in icons if not is_whole(one)] or (done and len(icons) != self.count)
+
+
+class IconsAdaptive(IconsLayout):
+    count = 2 * 19
+    layout = ["--layout", "android-adaptive"]
+
+    def words(self):
+        words = IconsLayout.words(self)
+        return words + ["--background", write(self.path("background.png"), png(432, 432))]
+
+
+class IconsOnto(IconsLayout):
+    count = 2 * 4
+
+    def words(self):
+        return IconsLayout.words(self) + ["--onto", write(self.path("game.apk"), read(APK))]
+
+
+class Records(Job):
+    """A table t with a column a, of which there are rows before and, when it is done, after; direct is the other way."""
+    before, after = [], []
+    operation = []
+    direct = False
 
     def words(self):
         self.execute("CREATE TABLE t(a TEXT)")
-        return ["db"] + self.queued + ["--file", self.path("records.db"), "insert", "t", "a=x"]
+        for value in self.before:
+            self.execute("INSERT INTO t VALUES ('%s')" % value)
+        return ["db"] + ["--direct"] * self.direct + ["--file", self.path("records.db")] + self.operation
 
     def fault(self, done):
-        return self.execute("SELECT a FROM t") != ([("x",)] if done else [])
+        return self.execute("SELECT a FROM t") != [(value,) for value in (self.after if done else self.before)]
 
     def execute(self, statement):
         with sqlite3.connect(self.path("records.db")) as connection:
@@ -147,22 +308,83 @@ class Insert(Job):
         return found
 
 
+class Insert(Records):
+    after, operation = ["x"], ["insert", "t", "a=x"]
+
+
 class InsertDirectly(Insert):
-    queued = ["--direct"]
+    direct = True
 
 
-class Select(Job):
+class InsertEncoded(Records):
+    after, operation = ["GaVsbG8="], ["insert", "t", "a=hello", "--encode=a"]
+
+
+class Update(Records):
+    before, after = ["x", "y"], ["z", "y"]
+    operation = ["update", "t", "a=z", "--where", "A=x"]
+
+
+class UpdateDirectly(Update):
+    direct = True
+
+
+class Delete(Records):
+    before, after, operation = ["x", "y"], ["y"], ["delete", "t", "--where", "a=x"]
+
+
+class DeleteDirectly(Delete):
+    direct = True
+
+
+class Create(Records):
+    operation = ["create", "u", "b:text", "c:integer"]
+
+    def fault(self, done):
+        found = self.execute("SELECT count(*) FROM sqlite_master WHERE name = 'u'")
+        return found != [(int(done),)] or Records.fault(self, done)
+
+
+class CreateFile(Create):
+    operation = ["create", "t", "a:text", "--init"]
+
     def words(self):
-        insert = Insert(self.folder)
-        insert.words()
-        insert.execute("INSERT INTO t VALUES ('x')")
-        return ["db", "--file", self.path("records.db"), "select", "t"]
+        return ["db", "--file", self.path("records.db")] + self.operation
+
+    def fault(self, done):
+        if not os.path.exists(self.path("records.db")):
+            return done
+        found = self.execute("SELECT name FROM sqlite_master")
+        return found not in ([], [("t",)]) or (done and not found)
+
+
+class Select(Records):
+    before, after, operation = ["x"], ["x"], ["select", "t"]
+    says = "x"
+
+
+class SelectDecoded(Records):
+    before, after, operation = ["GaVsbG8="], ["GaVsbG8="], ["select", "t", "--decode=a"]
+    says = "hello"
+
+
+class Encode(Job):
+    word, says = "hello", "GaVsbG8="
+
+    def words(self):
+        return [self.__class__.__name__.lower(), self.word]
 
     def fault(self, done):
         return False
 
 
+class Decode(Encode):
+    word, says = "GaVsbG8=", "hello"
+
+
 class PackageName(Job):
+    says = "com.quenzo.skyharbour"
+
     def words(self):
         return ["package-name", APK]
 
@@ -170,5 +392,7 @@ class PackageName(Job):
         return False
 
 
-ALL = [Copy, Cut, Output, Remove, Pack, Unpack, Import, Encrypt, Export, Icons, Insert, InsertDirectly, Select,
+ALL = [Copy, Cut, Output, Remove, Pack, PackLike, PackOnto, Unpack, Import, Encrypt, Decrypt, KeyNew, KeyShow, KeyCheck,
+       Sign, Check, Run, Export, Icons, IconsLayout, IconsAdaptive, IconsOnto, Insert, InsertDirectly, InsertEncoded,
+       Update, UpdateDirectly, Delete, DeleteDirectly, Create, CreateFile, Select, SelectDecoded, Encode, Decode,
        PackageName]

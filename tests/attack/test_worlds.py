@@ -1,12 +1,13 @@
 # SPDX-License-Identifier: MIT
 """The commands of jobs.py in odd environments and at limits: done, or said why not, and never half of it in silence."""
+import contextlib
 import os
 import resource
 import signal
 import subprocess
 import unittest
 
-from attack import Attack, IS_ROOT, limited, mounted, of_command, prepared, read, write
+from attack import Attack, IS_ROOT, attempt, limited, mounted, of_command, prepared, read, wait_until, write
 import jobs
 
 # A user whom nobody else is, since the limit of threads counts all of a user's.
@@ -21,6 +22,27 @@ def threads(count):
             os.setuid(SOMEBODY)
         resource.setrlimit(resource.RLIMIT_NPROC, (count, count))
     return before
+
+
+@contextlib.contextmanager
+def control_group(limit, value):
+    """A group in the kernel's tree with such a limit; gives its folder, or None where none can be made."""
+    for top in ("/sys/fs/cgroup/pids", "/sys/fs/cgroup"):
+        folder = os.path.join(top, "quenzo-test-%d" % os.getpid())
+        if attempt(os.mkdir, folder):
+            has_limit = os.path.exists(os.path.join(folder, limit))
+            try:
+                if has_limit:
+                    write(os.path.join(folder, limit), value)
+                    yield folder
+                    return
+            finally:
+                wait_until(lambda: attempt(os.rmdir, folder))   # Those who were in it may have to be waited for.
+    yield None
+
+
+def entering(group):
+    return lambda: write(os.path.join(group, "cgroup.procs"), str(os.getpid()))
 
 
 def closed(*numbers):
@@ -64,13 +86,15 @@ class Worlds(Attack):
                     words = [word for word in words if word != "--yes"] + of_command("remove", "--yes")
                 if "NPROC" in world:
                     subprocess.call(["chmod", "-R", "a+rwX", self.folder])
-                    if words[0] == "encrypt":
-                        subprocess.call(["chmod", "600", self.path("key")])
+                    if os.path.exists(self.path("key")):
+                        os.chmod(self.path("key"), 0o600)
                         if IS_ROOT:
                             os.chown(self.path("key"), SOMEBODY, SOMEBODY)
-                ended = self.quenzo(*words, before=before, environment=environment)
+                ended = self.quenzo(*words, before=before, environment=dict(job.environment, **environment))
                 if ended.code not in (0, 1, 2) or (ended.code != 0 and says and not ended.error.strip()):
                     return ended
+                if ended.code == 0 and heard and job.says not in ended.output:
+                    return "nothing is said of success; %s" % ended
                 subprocess.call(["chmod", "-R", "u+rwX", self.folder])
                 fault = job.fault(ended.code == 0)
                 # What was done, but could not be told, is a failure, too.
@@ -112,6 +136,14 @@ class Worlds(Attack):
             return told
 
         self.rounds("tools at the limit of processes", run)
+
+    def test_limitOfProcessesOfAControlGroup(self):
+        """Such a limit holds for root, too, and for threads that a limit of the user's would allow."""
+        for count in range(1, 6):
+            with control_group("pids.max", str(count)) as group:
+                if not group:
+                    self.skipTest("no control group with a limit of processes can be made here")
+                self.under("pids.max %d" % count, entering(group))
 
     def test_limitOfFiles(self):
         for count in (8, 16, 24):
@@ -178,7 +210,7 @@ class Worlds(Attack):
                             with_filler = os.path.join(self.folder, "filler")
                             subprocess.call(["dd", "if=/dev/zero", "of=" + with_filler, "bs=1k"], stderr=nowhere)
                             subprocess.call(["truncate", "-s", "-%dk" % size, with_filler])
-                        ended = self.quenzo(*words)
+                        ended = self.quenzo(*words, environment=job.environment)
                         os.remove(with_filler)
                         if ended.code not in (0, 1) or (ended.code and not ended.error.strip()):
                             return ended

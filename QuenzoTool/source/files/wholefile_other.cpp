@@ -13,5 +13,5 @@ QString writeWholeFile(const QString& path, const QByteArray& content)
     QSaveFile file(path);
     file.setDirectWriteFallback(true);
     const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-    return written && file.commit() ? QString() : file.errorString();
+    return written && file.flush() && file.commit() ? QString() : file.errorString();
 }

@@ -252,7 +252,7 @@ bool writeSheet(const IconJob& job, Console& console)
         return true;
     }
     QSaveFile file(job.sheet);
-    if (file.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&file, "PNG")
+    if (file.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&file, "PNG") && file.flush()
         && file.commit()) {
         console.set(QStringLiteral("sheet"), job.sheet);
         return true;

@@ -11,6 +11,8 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
+#include <QProcess>
 #include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThread>
@@ -58,9 +60,23 @@ bool producePlain(const IconJob& job, FileTally& tally, Console& console)
     return runLibrary(job, icons, job.out, !job.keep, tally, console);
 }
 
+// Qt ends the process when a new thread gets no handle to be woken by.
+bool systemGivesHandles(int count)
+{
+    std::vector<std::unique_ptr<QFile>> files;
+    bool given = true;
+    while (given && static_cast<int>(files.size()) < count) {
+        files.push_back(std::make_unique<QFile>(QProcess::nullDevice()));
+        given = files.back()->open(QIODevice::ReadOnly);
+    }
+    return given;
+}
+
 // Pools of Qt wait for ever for threads that the system does not give.
 bool systemGivesThreads(int count)
 {
+    if (!systemGivesHandles(count))
+        return false;
     QSemaphore gate;
     std::vector<std::unique_ptr<QThread>> threads;
     bool given = true;

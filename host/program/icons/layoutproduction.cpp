@@ -188,7 +188,9 @@ void LayoutProduction::write(const QString& path, const QByteArray& content)
     if (there.exists() && !there.isFile())
         return complain(path, Production::tr("what is there is no regular file"));
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
+    // Flushed by itself: commit() names a file all the same when its last bytes find no room.
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush()
+        || !file.commit())
         complain(path, file.errorString());
 }
 
