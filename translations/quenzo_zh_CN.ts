@@ -1602,6 +1602,41 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     </message>
 </context>
 <context>
+    <name>JobCommands</name>
+    <message>
+        <source>&apos;%1&apos; is no folder that can be made</source>
+        <translation>&apos;%1&apos; 不是可以创建的文件夹</translation>
+    </message>
+    <message>
+        <source>wrote %1; quenzo build %1 makes the packages</source>
+        <translation>已写入 %1；quenzo build %1 生成安装包</translation>
+    </message>
+    <message>
+        <source>writes a job to begin with</source>
+        <translation>写出一个可供起步的任务</translation>
+    </message>
+    <message>
+        <source>where it is written; must be empty or missing</source>
+        <translation>写入的位置；必须为空或不存在</translation>
+    </message>
+    <message>
+        <source>Your own game&apos;s APK, instead of the sample game.</source>
+        <translation>您自己的游戏 APK，代替示例游戏。</translation>
+    </message>
+    <message>
+        <source>Your own icon, instead of the sample&apos;s.</source>
+        <translation>您自己的图标，代替示例图标。</translation>
+    </message>
+    <message>
+        <source>Your own folder of marks, instead of the sample&apos;s: each becomes a channel.</source>
+        <translation>您自己的角标文件夹，代替示例角标：每个角标成为一个渠道。</translation>
+    </message>
+    <message>
+        <source>The job, FOLDER/job.json, can be built as it stands, and comments in it tell what else it may say. Files of your own stay where they are: the job names them. The sample&apos;s are copied.</source>
+        <translation>任务 FOLDER/job.json 可以直接构建，其中的注释说明还可以写些什么。您自己的文件留在原处，由任务引用；示例文件会被复制。</translation>
+    </message>
+</context>
+<context>
     <name>JobFile</name>
     <message>
         <source>does not exist</source>
@@ -1875,6 +1910,53 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>package</source>
         <translation>安装包</translation>
+    </message>
+</context>
+<context>
+    <name>JobTemplate</name>
+    <message>
+        <source>A job of quenzo build. Paths are relative to this file.</source>
+        <translation>quenzo build 的任务。路径相对于本文件。</translation>
+    </message>
+    <message>
+        <source>quenzo build --check job.json looks at it and changes nothing; quenzo build job.json makes the packages.</source>
+        <translation>quenzo build --check job.json 检查它而不改动任何内容；quenzo build job.json 生成安装包。</translation>
+    </message>
+    <message>
+        <source>For signed packages: &quot;signing&quot;: {&quot;keystore&quot;: &quot;FILE&quot;, &quot;alias&quot;: &quot;NAME&quot;, &quot;password&quot;: {&quot;environment&quot;: &quot;NAME&quot;}}.</source>
+        <translation>要给安装包签名：&quot;signing&quot;: {&quot;keystore&quot;: &quot;FILE&quot;, &quot;alias&quot;: &quot;NAME&quot;, &quot;password&quot;: {&quot;environment&quot;: &quot;NAME&quot;}}。</translation>
+    </message>
+    <message>
+        <source>The game&apos;s icon, and a folder a mark with its picture for each corner.</source>
+        <translation>游戏的图标，以及角标文件夹：每个角标一个子文件夹，内有各个角的图片。</translation>
+    </message>
+    <message>
+        <source>SDK packages by names of your own: &quot;NAME&quot;: {&quot;package&quot;: &quot;FILE.zip&quot;, &quot;id&quot;: 7}; &quot;id&quot; is the number that the package has to bear.</source>
+        <translation>SDK 包，名称自定：&quot;NAME&quot;: {&quot;package&quot;: &quot;FILE.zip&quot;, &quot;id&quot;: 7}；&quot;id&quot; 是包中必须有的编号。</translation>
+    </message>
+    <message>
+        <source>What holds for every channel that does not say otherwise: mark, corner, x, y, sdks, files, settings, encrypt.</source>
+        <translation>适用于所有没有另行说明的渠道：mark、corner、x、y、sdks、files、settings、encrypt。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written: %2</source>
+        <translation>无法写入 %1：%2</translation>
+    </message>
+    <message>
+        <source>the folder %1 cannot be made</source>
+        <translation>无法创建文件夹 %1</translation>
+    </message>
+    <message>
+        <source>%1 cannot be put in its place</source>
+        <translation>无法将 %1 放到目标位置</translation>
+    </message>
+    <message>
+        <source>%1 is not a folder</source>
+        <translation>%1 不是文件夹</translation>
+    </message>
+    <message>
+        <source>the folder %1 is not empty</source>
+        <translation>文件夹 %1 不是空的</translation>
     </message>
 </context>
 <context>

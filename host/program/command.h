@@ -47,6 +47,7 @@ struct Command {
     std::function<QStringList(const QCommandLineParser&)> missing = {};
 };
 
+QVector<Command> jobCommands();
 QVector<Command> archiveCommands();
 QVector<Command> assetCommands();
 QVector<Command> apkCommands();

@@ -14,8 +14,8 @@ struct Table {
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
-    for (const auto& group : {archiveCommands, assetCommands, apkCommands, scriptCommands, treeCommands,
-                              dbCommands, iconCommands, deviceCommands})
+    for (const auto& group : {jobCommands, archiveCommands, assetCommands, apkCommands, scriptCommands,
+                              treeCommands, dbCommands, iconCommands, deviceCommands})
         commands += group();
     return commands;
 }

@@ -128,7 +128,7 @@ void tst_Completion::choiceIsShown_data()
     QTest::addColumn<QByteArray>("typed");
     QTest::addColumn<QByteArray>("expected");
     bothShells("commands", "quenzo ",
-               "import encrypt decrypt pack unpack run export copy cut output remove db "
+               "init import encrypt decrypt pack unpack run export copy cut output remove db "
                "encode decode icons devices package-name install uninstall help version");
     bothShells("options", "quenzo install --",
                "--help --json --progress --quiet --verbose --device --timeout --yes");

@@ -90,6 +90,8 @@ void tst_HostJson::outcomesAreOfTheSchema_data()
     row("help");
     row("version");
     row("copy --help");
+    row("init job");
+    row("init source", 1);
     row("import @/packages/harbourpay.zip sdk");
     row("import @/packages/damaged.zip sdk2", 1);
     row("import @/packages/another-sdk.zip sdk2 --sdk-id 7", 1);

@@ -41,20 +41,6 @@ const JobObject& giverOf(const QString& key, const JobObject& channel, const Job
     return channel.has(key) ? channel : defaults;
 }
 
-// The run itself keeps these in its work and output folders.
-bool isReserved(const QString& folder)
-{
-    const QStringList names{QStringLiteral("sdks"),
-                            QStringLiteral("icons"),
-                            QStringLiteral("slices"),
-                            QStringLiteral("records.db"),
-                            QStringLiteral("report.json"),
-                            QStringLiteral("report.html"),
-                            QStringLiteral("sheet-android.png"),
-                            QStringLiteral("sheet-ios.png")};
-    return folder.startsWith(QLatin1Char('.')) || names.contains(JobChannels::folded(folder));
-}
-
 QString recordNumberOf(const JobObject& channel)
 {
     static const QRegularExpression digits(QStringLiteral("^[0-9]{1,9}$"));
@@ -123,6 +109,19 @@ QString JobChannels::folded(const QString& name)
     return name.normalized(QString::NormalizationForm_C)
         .toCaseFolded()
         .normalized(QString::NormalizationForm_C);
+}
+
+bool JobChannels::isReserved(const QString& folder)
+{
+    const QStringList names{QStringLiteral("sdks"),
+                            QStringLiteral("icons"),
+                            QStringLiteral("slices"),
+                            QStringLiteral("records.db"),
+                            QStringLiteral("report.json"),
+                            QStringLiteral("report.html"),
+                            QStringLiteral("sheet-android.png"),
+                            QStringLiteral("sheet-ios.png")};
+    return folder.startsWith(QLatin1Char('.')) || names.contains(folded(folder));
 }
 
 void JobChannels::read(const JobObject& root)

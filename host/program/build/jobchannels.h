@@ -17,6 +17,9 @@ public:
     /** What two names have in common that some file system takes for one. */
     static QString folded(const QString& name);
 
+    /** Whether the run itself keeps something of that name in its work and output folders. */
+    static bool isReserved(const QString& folder);
+
 private:
     void readChannel(const JobObject& channel, const JobObject& defaults);
     void readShared(const JobObject& channel, const JobObject& defaults, JobChannel& read);

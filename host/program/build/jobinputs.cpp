@@ -14,50 +14,6 @@ struct Inputs {
     Q_DECLARE_TR_FUNCTIONS(JobInputs)
 };
 
-QString faultOfFile(const QString& path)
-{
-    const QFileInfo found(path);
-    if (!found.exists())
-        return Inputs::tr("names %1, which does not exist").arg(path);
-    if (!found.isFile()) // a pipe would be waited for
-        return Inputs::tr("names %1, which is not a regular file").arg(path);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return Inputs::tr("names %1, which cannot be read: %2").arg(path, file.errorString());
-    return {};
-}
-
-QString faultOfArchive(const QString& path)
-{
-    QString fault = faultOfFile(path);
-    if (!fault.isEmpty())
-        return fault;
-    QFile file(path);
-    const bool begins = file.open(QIODevice::ReadOnly) && file.read(4) == QByteArray("PK\3\4", 4);
-    return begins ? QString() : Inputs::tr("names %1, which is no APK").arg(path);
-}
-
-QString faultOfPicture(const QString& path)
-{
-    QString fault = faultOfFile(path);
-    if (!fault.isEmpty())
-        return fault;
-    const QString cause = PictureFault::ofIcon(path);
-    return cause.isEmpty() ? QString() : Inputs::tr("names %1, which is no picture: %2").arg(path, cause);
-}
-
-QString faultOfFolder(const QString& path)
-{
-    const QFileInfo found(path);
-    if (!found.exists())
-        return Inputs::tr("names %1, which does not exist").arg(path);
-    if (!found.isDir())
-        return Inputs::tr("names %1, which is not a folder").arg(path);
-    if (!found.isReadable() || !found.isExecutable())
-        return Inputs::tr("names %1, which cannot be read").arg(path);
-    return {};
-}
-
 bool liesIn(const QString& path, const QString& folder)
 {
     return path == folder || folder == QLatin1String("/") || path.startsWith(folder + QLatin1Char('/'));
@@ -176,4 +132,48 @@ void JobInputs::keepFromInputs(const JobObject& object, const QString& key, cons
             object.complain(
                 key, Inputs::tr("is %1, which lies in the folder that %2 names").arg(made, input.place));
     }
+}
+
+QString JobInputs::faultOfFile(const QString& path)
+{
+    const QFileInfo found(path);
+    if (!found.exists())
+        return Inputs::tr("names %1, which does not exist").arg(path);
+    if (!found.isFile()) // a pipe would be waited for
+        return Inputs::tr("names %1, which is not a regular file").arg(path);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Inputs::tr("names %1, which cannot be read: %2").arg(path, file.errorString());
+    return {};
+}
+
+QString JobInputs::faultOfArchive(const QString& path)
+{
+    QString fault = faultOfFile(path);
+    if (!fault.isEmpty())
+        return fault;
+    QFile file(path);
+    const bool begins = file.open(QIODevice::ReadOnly) && file.read(4) == QByteArray("PK\3\4", 4);
+    return begins ? QString() : Inputs::tr("names %1, which is no APK").arg(path);
+}
+
+QString JobInputs::faultOfPicture(const QString& path)
+{
+    QString fault = faultOfFile(path);
+    if (!fault.isEmpty())
+        return fault;
+    const QString cause = PictureFault::ofIcon(path);
+    return cause.isEmpty() ? QString() : Inputs::tr("names %1, which is no picture: %2").arg(path, cause);
+}
+
+QString JobInputs::faultOfFolder(const QString& path)
+{
+    const QFileInfo found(path);
+    if (!found.exists())
+        return Inputs::tr("names %1, which does not exist").arg(path);
+    if (!found.isDir())
+        return Inputs::tr("names %1, which is not a folder").arg(path);
+    if (!found.isReadable() || !found.isExecutable())
+        return Inputs::tr("names %1, which cannot be read").arg(path);
+    return {};
 }

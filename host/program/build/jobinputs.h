@@ -25,6 +25,12 @@ public:
     /** A folder that the run makes: its absolute path without links. */
     QString place(const JobObject& object, const QString& key);
 
+    /** Why something named is not what it should be, as in "names /a.apk, which does not exist". */
+    static QString faultOfFile(const QString& path);
+    static QString faultOfArchive(const QString& path);
+    static QString faultOfPicture(const QString& path);
+    static QString faultOfFolder(const QString& path);
+
     /** Notes where work and output lie in each other, or in the way of what the run reads. */
     void keepApart(const JobObject& object, const QString& work, const QString& output) const;
 
