@@ -2107,6 +2107,256 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     </message>
 </context>
 <context>
+    <name>Report</name>
+    <message>
+        <source>icon of %1</source>
+        <translation>%1 的图标</translation>
+    </message>
+    <message>
+        <source>no icon</source>
+        <translation>没有图标</translation>
+    </message>
+    <message>
+        <source>unsigned</source>
+        <translation>未签名</translation>
+    </message>
+    <message>
+        <source>signed</source>
+        <translation>已签名</translation>
+    </message>
+    <message>
+        <source>Package</source>
+        <translation>包</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>大小</translation>
+    </message>
+    <message>
+        <source>Entries</source>
+        <translation>条目</translation>
+    </message>
+    <message>
+        <source>%1 replaced</source>
+        <translation>替换 %1</translation>
+    </message>
+    <message>
+        <source>%1 added</source>
+        <translation>新增 %1</translation>
+    </message>
+    <message>
+        <source>From the base</source>
+        <translation>取自基础包</translation>
+    </message>
+    <message>
+        <source>taken over as is</source>
+        <translation>原样沿用</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>用时</translation>
+    </message>
+    <message>
+        <source>In the run that built it</source>
+        <translation>构建它的那次运行</translation>
+    </message>
+    <message>
+        <source>Step</source>
+        <translation>步骤</translation>
+    </message>
+    <message>
+        <source>Outcome</source>
+        <translation>结果</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>消息</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>文件</translation>
+    </message>
+    <message>
+        <source>Certificate, SHA-256</source>
+        <translation>证书 SHA-256</translation>
+    </message>
+    <message>
+        <source>Digest</source>
+        <translation>摘要</translation>
+    </message>
+    <message>
+        <source>Details</source>
+        <translation>详情</translation>
+    </message>
+    <message>
+        <source>Started</source>
+        <translation>开始时间</translation>
+    </message>
+    <message>
+        <source>Took</source>
+        <translation>用时</translation>
+    </message>
+    <message>
+        <source>Packages</source>
+        <translation>包</translation>
+    </message>
+    <message>
+        <source>Signature</source>
+        <translation>签名</translation>
+    </message>
+    <message>
+        <source>Slice</source>
+        <translation>份</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1/%2</translation>
+    </message>
+    <message>
+        <source>Job</source>
+        <translation>任务文件</translation>
+    </message>
+    <message>
+        <source>Output</source>
+        <translation>输出文件夹</translation>
+    </message>
+    <message>
+        <source>Build report</source>
+        <translation>构建报告</translation>
+    </message>
+    <message>
+        <source>Time of all channels, by step</source>
+        <translation>各步骤用时（全部渠道）</translation>
+    </message>
+    <message>
+        <source>the icons of all channels</source>
+        <translation>所有渠道的图标</translation>
+    </message>
+    <message>
+        <source>Contact sheets</source>
+        <translation>图标总览图</translation>
+    </message>
+    <message>
+        <source>interrupted</source>
+        <translation>已中断</translation>
+    </message>
+    <message>
+        <source>channel</source>
+        <translation>渠道</translation>
+    </message>
+    <message>
+        <source>outcome</source>
+        <translation>结果</translation>
+    </message>
+    <message>
+        <source>package</source>
+        <translation>安装包</translation>
+    </message>
+    <message>
+        <source>size</source>
+        <translation>大小</translation>
+    </message>
+    <message>
+        <source>time</source>
+        <translation>用时</translation>
+    </message>
+    <message>
+        <source>built</source>
+        <translation>已构建</translation>
+    </message>
+    <message>
+        <source>unchanged</source>
+        <translation>未变</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>not reached</source>
+        <translation>未执行</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>skipped</source>
+        <translation>跳过</translation>
+    </message>
+    <message>
+        <source>SDKs</source>
+        <translation>SDK</translation>
+    </message>
+    <message>
+        <source>icons</source>
+        <translation>图标</translation>
+    </message>
+    <message>
+        <source>encryption</source>
+        <translation>加密</translation>
+    </message>
+    <message>
+        <source>signature</source>
+        <translation>签名</translation>
+    </message>
+    <message>
+        <source>check</source>
+        <translation>检查</translation>
+    </message>
+    <message>
+        <source>output</source>
+        <translation>输出</translation>
+    </message>
+    <message>
+        <source>export</source>
+        <translation>导出</translation>
+    </message>
+    <message>
+        <source>%1 ms</source>
+        <translation>%1 毫秒</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
+        <source>%1 of %2 unsigned</source>
+        <translation>%1/%2 未签名</translation>
+    </message>
+    <message>
+        <source>interrupted: %1 of %2 channels are finished</source>
+        <translation>已中断：完成 %1/%2 个渠道</translation>
+    </message>
+    <message>
+        <source>%1 of %2 channels failed</source>
+        <translation>%1/%2 个渠道失败</translation>
+    </message>
+    <message>
+        <source>%1 of %2 channels were not reached</source>
+        <translation>%1/%2 个渠道未执行</translation>
+    </message>
+    <message>
+        <source>there was no channel to build</source>
+        <translation>没有要构建的渠道</translation>
+    </message>
+    <message>
+        <source>every channel is built</source>
+        <translation>所有渠道均已构建</translation>
+    </message>
+    <message>
+        <source>en</source>
+        <translation>zh-CN</translation>
+    </message>
+</context>
+<context>
+    <name>Reports</name>
+    <message>
+        <source>the report %1 cannot be written: %2</source>
+        <translation>无法写入报告 %1：%2</translation>
+    </message>
+</context>
+<context>
     <name>Scrambling</name>
     <message>
         <source>%1, column &apos;%2&apos;: &apos;%3&apos; could not be brought back once it is scrambled (null, less than four bytes, or a zero byte); --lossy writes it all the same</source>
