@@ -1824,6 +1824,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>is an unknown key</source>
         <translation>是未知的键</translation>
     </message>
+    <message>
+        <source>is longer than %1 bytes</source>
+        <translation>超过 %1 个字节</translation>
+    </message>
 </context>
 <context>
     <name>JobPlan</name>

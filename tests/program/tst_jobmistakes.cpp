@@ -54,6 +54,14 @@ void row(const char* name, Told told, const QByteArray& job, const char* fault)
     row(name, told, job, QStringList(QString::fromUtf8(fault)));
 }
 
+QByteArray manyTexts(int count)
+{
+    QByteArray texts;
+    for (int i = 0; i < count; ++i)
+        texts += (i > 0 ? ",\"" : "\"") + QByteArray::number(i) + '"';
+    return texts;
+}
+
 void outermostRows()
 {
     row("nothing", ByBoth, "{}",
@@ -88,9 +96,9 @@ void outermostRows()
     row("game that is a number", ByBoth, R"({"game": 5, "base": "game.apk", "channels": [{"folder": "a"}]})",
         "/game: is a number, not a text");
     row("leave", ByBoth, with(R"("leave": ["parts", "a/b", "parts", 5])"),
-        QStringList{QStringLiteral("/leave/2: is \"parts\", which stands here already"),
-                    QStringLiteral("/leave/3: is a number, not a text"),
-                    QStringLiteral("/leave/1: holds a slash, a backslash or a control character")});
+        QStringList{QStringLiteral("/leave/1: holds a slash, a backslash or a control character"),
+                    QStringLiteral("/leave/2: is \"parts\", which stands here already"),
+                    QStringLiteral("/leave/3: is a number, not a text")});
     row("leave that is a text", ByBoth, with(R"("leave": "parts")"), "/leave: is a text, not an array");
 }
 
@@ -264,6 +272,12 @@ void placeRows()
         "/work: names @/key, which is not a folder");
     row("work below a file", ByReader, with(R"("work": "key/below")"),
         "/work: names @/key/below, and @/key is not a folder");
+    row("work with a path beyond all paths", ByBoth,
+        with(R"("work": ")" + QByteArray("a/").repeated(500000) + "\""), "/work: is longer than 4095 bytes");
+    row("base with a path beyond all paths", ByReader,
+        R"({"game": "G", "base": ")" + QByteArray("\xC3\xA9/").repeated(1400)
+            + R"(", "channels": [{"folder": "a"}]})",
+        "/base: is longer than 4095 bytes");
     row("work without a name", ByBoth, with(R"("work": "")"), "/work: is empty");
 }
 
@@ -403,6 +417,8 @@ void tst_JobMistakes::hostileTextsEndInASentence_data()
             ": is not JSON: ");
     hostile("endless text", QByteArray("{\"game\": \"") + QByteArray(1000000, 'a'), ": is not JSON: ");
     hostile("endless key", with('"' + QByteArray(1000000, 'k') + "\": 1"), ": is an unknown key");
+    hostile("many SDKs that are none", channel(R"({"folder": "a", "sdks": [)" + manyTexts(50000) + "]}"),
+            "is \"0\", no SDK");
     hostile("endless number", with("\"work\": " + QByteArray(100000, '9')), ": is not JSON: illegal number");
     hostile("larger than any", QByteArray(64 * 1024 * 1024 + 1, ' '),
             ": is larger than a job can be, 67108864 bytes");

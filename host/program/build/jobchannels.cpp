@@ -219,13 +219,10 @@ void JobChannels::readMark(const JobObject& giver, JobChannel& read)
 
 QStringList JobChannels::sdksOf(const JobObject& giver) const
 {
-    QStringList names = giver.texts(sdksKey);
-    for (const QString& name : qAsConst(names)) {
+    return giver.texts(sdksKey, [this](const QString& name) {
         if (m_job.sdks.contains(name))
-            continue;
-        giver.complainOf(sdksKey, name,
-                         withSuggestion(Texts::tr("is %1, no SDK of this job").arg(JobObject::quoted(name)),
-                                        likelyMeant(name, m_job.sdks.keys())));
-    }
-    return names;
+            return QString();
+        return withSuggestion(Texts::tr("is %1, no SDK of this job").arg(JobObject::quoted(name)),
+                              likelyMeant(name, m_job.sdks.keys()));
+    });
 }

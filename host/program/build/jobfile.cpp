@@ -77,16 +77,14 @@ QVector<int> platformsOf(const JobObject& icons)
         return {IconSet::Android};
     if (icons.value(key).isArray() && icons.array(key).isEmpty())
         icons.complain(key, Texts::tr("is empty; the platforms are %1").arg(known.join(QLatin1String(", "))));
+    const QStringList names = icons.texts(key, [&known](const QString& name) {
+        return known.contains(name) ? QString()
+                                    : Texts::tr("is %1, and the platforms are %2")
+                                          .arg(JobObject::quoted(name), known.join(QLatin1String(", ")));
+    });
     QVector<int> platforms;
-    const QStringList names = icons.texts(key);
-    for (const QString& name : names) {
-        if (known.contains(name))
-            platforms.append(known.indexOf(name));
-        else
-            icons.complainOf(key, name,
-                             Texts::tr("is %1, and the platforms are %2")
-                                 .arg(JobObject::quoted(name), known.join(QLatin1String(", "))));
-    }
+    for (const QString& name : names)
+        platforms.append(known.indexOf(name));
     std::sort(platforms.begin(), platforms.end());
     return platforms;
 }
@@ -176,18 +174,6 @@ void readSigning(const JobObject& signing, JobInputs& inputs, Job& job)
     job.signing = read;
 }
 
-QStringList leftNames(const JobObject& root)
-{
-    const QString key = QStringLiteral("leave");
-    QStringList names = root.texts(key);
-    for (const QString& name : qAsConst(names)) {
-        const QString fault = ChannelList::faultOfName(name);
-        if (!fault.isEmpty())
-            root.complainOf(key, name, fault);
-    }
-    return names;
-}
-
 void readRoot(const JobObject& root, JobFaults& faults, Job& job)
 {
     root.allowKeys({QStringLiteral("$schema"), QStringLiteral("game"), QStringLiteral("base"),
@@ -203,7 +189,7 @@ void readRoot(const JobObject& root, JobFaults& faults, Job& job)
     JobChannels(inputs, faults, job).read(root);
     readEncryption(root.object(QStringLiteral("encryption")), inputs, job);
     readSigning(root.object(QStringLiteral("signing")), inputs, job);
-    job.leave = leftNames(root);
+    job.leave = root.texts(QStringLiteral("leave"), ChannelList::faultOfName);
     job.work = inputs.place(root, QStringLiteral("work"));
     job.output = inputs.place(root, QStringLiteral("output"));
     inputs.keepApart(root, job.work, job.output);

@@ -47,7 +47,7 @@ QString JobInputs::absolute(const QString& path) const
 
 QString JobInputs::checked(const JobObject& object, const QString& key, JobObject::Need need, Check check)
 {
-    QString path = absolute(object.text(key, need));
+    QString path = absolute(object.path(key, need));
     const QString place = object.at(key);
     if (path.isEmpty() || m_known.contains(place))
         return path;
@@ -91,7 +91,7 @@ void JobInputs::mark(const QString& path, const QString& place)
 
 QString JobInputs::place(const JobObject& object, const QString& key)
 {
-    const QString given = object.has(key) ? object.text(key) : key;
+    const QString given = object.has(key) ? object.path(key) : key;
     if (given.isEmpty())
         return {};
     QString made = placeOf(absolute(given));

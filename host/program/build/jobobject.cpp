@@ -103,15 +103,6 @@ void JobObject::complain(const QString& key, const QString& text) const
     m_faults->add(at(key), text);
 }
 
-void JobObject::complainOf(const QString& key, const QString& element, const QString& text) const
-{
-    const QJsonArray values = m_values.value(key).toArray();
-    for (int i = 0; i < values.size(); ++i) {
-        if (values.at(i) == QJsonValue(element))
-            return m_faults->add(JsonPlace::below(at(key), i), text);
-    }
-}
-
 QJsonValue JobObject::valueOf(const QString& key, QJsonValue::Type type, Need need) const
 {
     QJsonValue value = m_values.value(key);
@@ -131,6 +122,16 @@ QString JobObject::text(const QString& key, Need need) const
     if (!fault.isEmpty())
         complain(key, fault);
     return fault.isEmpty() ? value.toString() : QString();
+}
+
+QString JobObject::path(const QString& key, Need need) const
+{
+    constexpr int longest = 4095; // as the system takes them
+    QString path = text(key, need);
+    if (path.toUtf8().size() <= longest)
+        return path;
+    complain(key, JobText::tr("is longer than %1 bytes").arg(longest));
+    return {};
 }
 
 QString JobObject::folderName(const QString& key, Need need) const
@@ -175,21 +176,24 @@ QJsonObject JobObject::freeObject(const QString& key) const
     return free.m_values;
 }
 
-QStringList JobObject::texts(const QString& key) const
+QStringList JobObject::texts(const QString& key, const Check& faultOf) const
 {
     QStringList texts;
+    QSet<QString> known;
     const QJsonArray values = array(key);
     for (int i = 0; i < values.size(); ++i) {
-        const QString place = JsonPlace::below(at(key), i);
         const QString text = values.at(i).toString();
-        const QString fault =
+        QString fault =
             isText(values.at(i)) ? faultOfText(text) : wrongKind(values.at(i), kindOf(QJsonValue::String));
-        if (!fault.isEmpty())
-            m_faults->add(place, fault);
-        else if (texts.contains(text))
-            m_faults->add(place, JobText::tr("is %1, which stands here already").arg(quoted(text)));
-        else
+        if (fault.isEmpty() && known.contains(text))
+            fault = JobText::tr("is %1, which stands here already").arg(quoted(text));
+        if (fault.isEmpty() && faultOf)
+            fault = faultOf(text);
+        known.insert(text);
+        if (fault.isEmpty())
             texts.append(text);
+        else
+            m_faults->add(JsonPlace::below(at(key), i), fault);
     }
     return texts;
 }

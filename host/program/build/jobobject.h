@@ -8,6 +8,7 @@
 #include <QJsonObject>
 #include <QSet>
 
+#include <functional>
 #include <optional>
 
 /** The mistakes of a job, each once: what the defaults say wrong is met again with every channel. */
@@ -41,12 +42,11 @@ public:
     QJsonValue value(const QString& key) const { return m_values.value(key); }
     QString at(const QString& key) const; ///< the place of a value
     void complain(const QString& key, const QString& text) const;
-    /** Of a text in an array. */
-    void complainOf(const QString& key, const QString& element, const QString& text) const;
 
     /** The values as the job must give them; empty with a note when they are something else. Null is nothing
      * where a channel takes a default away. */
     QString text(const QString& key, Need need = Optional) const;
+    QString path(const QString& key, Need need = Optional) const; ///< as it stands
     QString folderName(const QString& key, Need need = Optional) const;
     std::optional<int> number(const QString& key, int least) const;
     bool flag(const QString& key) const;
@@ -54,8 +54,9 @@ public:
     JobObject object(const QString& key, Need need = Optional) const;
     QJsonObject freeObject(const QString& key) const;
 
-    /** Texts that differ from each other. */
-    QStringList texts(const QString& key) const;
+    /** Texts that differ from each other, and have no fault that is asked for. */
+    using Check = std::function<QString(const QString& text)>;
+    QStringList texts(const QString& key, const Check& faultOf = {}) const;
 
     /** Why a text is none that names or shows something; empty when it is one. */
     static QString faultOfText(const QString& text);
