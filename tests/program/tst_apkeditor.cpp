@@ -26,6 +26,7 @@ private Q_SLOTS:
     void newEntriesFollowByName();
     void equalContentIsTakenOver();
     void equalInputGivesEqualBytes();
+    void packagesOfOneEditorEqualThoseOfSeveral();
     void storedEntriesBeginWhereAndroidMapsThem();
     void signaturesAreDropped_data();
     void signaturesAreDropped();
@@ -163,7 +164,7 @@ void tst_ApkEditor::packagesEqualThoseOfTheScripts()
     QFETCH(const QByteArray, base);
     write("over/assets/channel.json", "{\"channel\": 1}\n");
     write("over/assets/text.txt", "other text, other text, other text");
-    write("over/assets/large.txt", QByteArray(700000, 'l') + noise(300000).toBase64());
+    write("over/assets/large.txt", QByteArray(8500000, 'l') + noise(300000).toBase64());
     write("over/assets/empty.txt", "");
     write("over/assets/.png", "a hidden file is no picture, no picture");
     write("over/assets/ARCHIVE.ZIP", "stored whatever its case, whatever its case");
@@ -268,6 +269,20 @@ void tst_ApkEditor::equalInputGivesEqualBytes()
     QVERIFY(read("one.apk") == read("two.apk"));
 }
 
+void tst_ApkEditor::packagesOfOneEditorEqualThoseOfSeveral()
+{
+    const QByteArray text = noise(40000).toHex();
+    ApkEditor editor;
+    QVERIFY(editor.open(path("foreign.apk")));
+    for (const char* last : {"a", "a", "b"}) {
+        const QVector<ApkChange> changes{
+            {"assets/text.txt", {}, text + last}, {"assets/new", {}, text}, {"new", {}, text}};
+        QVERIFY2(editor.write(path("one.apk"), changes), qPrintable(editor.error()));
+        make("foreign.apk", "two.apk", changes);
+        QVERIFY(read("one.apk") == read("two.apk"));
+    }
+}
+
 void tst_ApkEditor::storedEntriesBeginWhereAndroidMapsThem()
 {
     for (int length = 1; length < 9; ++length) {
@@ -320,13 +335,13 @@ void tst_ApkEditor::signaturesAreDropped()
 
 void tst_ApkEditor::largeContentGetsItsSizesIntoTheHeader()
 {
-    write("large.txt", noise(3000000).toHex());
+    write("large.txt", noise(4500000).toHex());
     make("foreign.apk", "out.apk",
          {{"assets/large.txt", path("large.txt"), {}}, {"assets/large.png", path("large.txt"), {}}});
     const QStringList lines = judged(path("out.apk"));
-    QVERIFY2(lines.contains(QLatin1String("'assets/large.txt' 8 0 1980 100644 6000000")),
+    QVERIFY2(lines.contains(QLatin1String("'assets/large.txt' 8 0 1980 100644 9000000")),
              qPrintable(lines.join(QLatin1Char('\n'))));
-    QVERIFY2(lines.contains(QLatin1String("'assets/large.png' 0 0 1980 100644 6000000")),
+    QVERIFY2(lines.contains(QLatin1String("'assets/large.png' 0 0 1980 100644 9000000")),
              qPrintable(lines.join(QLatin1Char('\n'))));
     QCOMPARE(printedBy(QStringLiteral(UNZIP), {QStringLiteral("-tq"), path("out.apk")}).left(2),
              QByteArray("0\n"));

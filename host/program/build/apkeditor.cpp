@@ -2,6 +2,7 @@
 #include "build/apkeditor.h"
 
 #include "build/archivefile.h"
+#include "build/deflatedcontents.h"
 #include "build/packagefile.h"
 #include "build/zipcontent.h"
 #include "build/zipdirectory.h"
@@ -113,6 +114,7 @@ struct ApkEditor::Base {
     ArchiveFile archive;
     ZipDirectory directory;
     QVector<ApkEntry> entries;
+    DeflatedContents contents;
     qint64 takenOver = 0;
 
     QString plan(const QVector<ApkChange>& changes, Changes& left) const;
@@ -208,7 +210,7 @@ bool ApkEditor::write(const QString& package, const QVector<ApkChange>& changes)
     Changes left;
     m_error = m_base->plan(changes, left);
     PackageFile out(package);
-    ZipWriter writer(out);
+    ZipWriter writer(out, m_base->contents);
     if (m_error.isEmpty() && out.open() && m_base->pack(writer, left, m_error) && out.flush()) {
         if (!m_base->archive.isUnchanged())
             m_error =

@@ -48,6 +48,7 @@ private:
     bool copyInKernel(qint64& length);
     void copyThroughBuffer(qint64 length);
     void writeBuffer();
+    void startFlush();
     bool takeRights();
     bool name();
     bool fail(int number);

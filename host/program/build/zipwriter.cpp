@@ -2,6 +2,7 @@
 #include "build/zipwriter.h"
 
 #include "build/archivefile.h"
+#include "build/deflatedcontents.h"
 #include "build/packagefile.h"
 #include "build/zipformat.h"
 #include "build/zipnames.h"
@@ -20,7 +21,6 @@ struct ZipWriterTexts {
     Q_DECLARE_TR_FUNCTIONS(ZipWriterTexts)
 };
 
-constexpr int level = 6; // 9 makes packages less than a hundredth smaller, in twice the time
 constexpr int blockSize = 1 << 18;
 
 /** Packs blocks, or hands them on as they are. */
@@ -31,8 +31,8 @@ public:
         , m_deflates(method == ZipEntry::Deflated)
     {
         if (m_deflates)
-            m_isReady =
-                deflateInit2(&m_stream, level, Z_DEFLATED, -MAX_WBITS, MAX_MEM_LEVEL - 1, Z_DEFAULT_STRATEGY)
+            m_isReady = deflateInit2(&m_stream, DeflatedContents::level, Z_DEFLATED, -MAX_WBITS,
+                                     MAX_MEM_LEVEL - 1, Z_DEFAULT_STRATEGY)
                 == Z_OK;
     }
 
@@ -97,29 +97,43 @@ void ZipWriter::takeOver(const ArchiveFile& archive, const ZipEntry& entry)
 bool ZipWriter::add(const ZipEntry& entry, QIODevice& content)
 {
     ZipEntry written = begun(entry);
-    m_out.append(localHeader(written));
-    const qint64 start = m_out.size();
-    if (!pack(written, content))
+    const bool isSmall = entry.method == ZipEntry::Deflated && entry.size <= DeflatedContents::largest;
+    if (!(isSmall ? packWhole(written, content) : pack(written, content)))
         return false;
-    written.packed = m_out.size() - start;
-    m_out.replace(written.header, localHeader(written));
     m_entries.append(written);
     m_content += written.size;
     return m_out.error().isEmpty();
 }
 
+bool ZipWriter::packWhole(ZipEntry& entry, QIODevice& content)
+{
+    const QByteArray bytes = content.read(entry.size + 1);
+    if (bytes.size() != entry.size)
+        return complain(entry, content, bytes.size() > entry.size || content.atEnd());
+    entry.crc = static_cast<quint32>(
+        crc32(0, reinterpret_cast<const Bytef*>(bytes.constData()), static_cast<uInt>(bytes.size())));
+    const QByteArray packed = m_contents.of(bytes);
+    if (packed.isEmpty())
+        return complain(entry, content, false);
+    entry.packed = packed.size();
+    m_out.append(localHeader(entry));
+    m_out.append(packed);
+    return true;
+}
+
+// Block by block: what the header says comes last.
 bool ZipWriter::pack(ZipEntry& entry, QIODevice& content)
 {
+    m_out.append(localHeader(entry));
+    const qint64 start = m_out.size();
     QByteArray block(blockSize, Qt::Uninitialized);
     Packer packer(entry.method, m_out);
     qint64 size = 0;
     bool isLast = !packer.isReady();
     while (!isLast && m_out.error().isEmpty()) {
         const qint64 length = content.read(block.data(), block.size());
-        if (length < 0) {
-            m_error = ZipWriterTexts::tr("'%1': %2").arg(ZipNames::shown(entry.name), content.errorString());
-            return false;
-        }
+        if (length < 0)
+            return complain(entry, content, false);
         isLast = length == 0;
         entry.crc = static_cast<quint32>(
             crc32(entry.crc, reinterpret_cast<const Bytef*>(block.constData()), static_cast<uInt>(length)));
@@ -127,8 +141,18 @@ bool ZipWriter::pack(ZipEntry& entry, QIODevice& content)
         packer.put(block.data(), length, isLast);
     }
     if (size != entry.size)
-        m_error = ZipWriterTexts::tr("'%1' changed while it was packed").arg(ZipNames::shown(entry.name));
-    return size == entry.size;
+        return complain(entry, content, true);
+    entry.packed = m_out.size() - start;
+    m_out.replace(entry.header, localHeader(entry));
+    return true;
+}
+
+bool ZipWriter::complain(const ZipEntry& entry, const QIODevice& content, bool isRead)
+{
+    const QString name = ZipNames::shown(entry.name);
+    m_error = isRead ? ZipWriterTexts::tr("'%1' changed while it was packed").arg(name)
+                     : ZipWriterTexts::tr("'%1': %2").arg(name, content.errorString());
+    return false;
 }
 
 bool ZipWriter::finish()

@@ -5,14 +5,17 @@
 #include "build/zipentry.h"
 
 class ArchiveFile;
+class DeflatedContents;
 class PackageFile;
 class QIODevice;
 
 /** Writes entries one after the other; after a failure, which error() or the file's tells, nothing counts. */
 class ZipWriter {
 public:
-    explicit ZipWriter(PackageFile& out)
+    /** Both have to outlive the object. */
+    ZipWriter(PackageFile& out, DeflatedContents& contents)
         : m_out(out)
+        , m_contents(contents)
     {
     }
 
@@ -31,9 +34,12 @@ public:
 
 private:
     ZipEntry begun(const ZipEntry& entry) const;
+    bool packWhole(ZipEntry& entry, QIODevice& content);
     bool pack(ZipEntry& entry, QIODevice& content);
+    bool complain(const ZipEntry& entry, const QIODevice& content, bool isRead);
 
     PackageFile& m_out;
+    DeflatedContents& m_contents;
     QVector<ZipEntry> m_entries;
     qint64 m_content = 0;
     qint64 m_takenOver = 0;
