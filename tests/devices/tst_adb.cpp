@@ -1,34 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "childsignal.h"
-#include "deviceemulator.h"
-#include "messagelog.h"
-#include "privateadb.h"
-#include "runroot.h"
-
-#include <installapk.h>
+#include "adbfixture.h"
 
 #include <QtTest>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <memory>
-
-// Generous: other work may load the machine.
-#define TRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, 60000)
-#define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, 60000)
-
 namespace {
-
-const QString package = QStringLiteral("org.example.emulated");
-
-// The protected operations, as a subclass of a host may call them.
-class Flow : public CInstallApk {
-public:
-    using CInstallApk::Install;
-    using CInstallApk::InstallReplace;
-    using CInstallApk::UnInstall;
-};
 
 struct Step {
     enum What {
@@ -54,52 +29,17 @@ Report refusal(const char* key)
     return {true, false, QString::fromUtf8(key)};
 }
 
-bool hasChild()
-{
-    siginfo_t info{};
-    return waitid(P_PGID, id_t(getpgrp()), &info, WEXITED | WNOHANG | WNOWAIT | __WALL) == 0;
-}
-
-// Whether the library has a child. Qt takes one that has ended away at once, and tells of it in the event
-// loop, where the next one may be begun: only a few turns without any tell that there is none.
-bool childAtWork()
-{
-    for (int turn = 0; turn < 20 && !hasChild(); ++turn)
-        QTest::qWait(1);
-    return hasChild();
-}
-
-QString toolPath(const QString& name)
-{
-    return RunRoot::path() + QStringLiteral("/tool/mac/") + name;
-}
-
-QString systemProgram(const char* name)
-{
-    return QStandardPaths::findExecutable(QLatin1String(name));
-}
-
 } // namespace
 
 Q_DECLARE_METATYPE(Step::What)
 Q_DECLARE_METATYPE(Report)
-Q_DECLARE_METATYPE(DeviceEmulator::Kind)
 Q_DECLARE_METATYPE(DeviceEmulator::Answers)
 
-// The library with the system's adb and aapt and with emulated devices, each with the plain program and with
-// our launcher in the tool folder.
-class tst_Adb : public QObject {
+// What the library makes of the answers of adb and aapt.
+class tst_Adb : public AdbFixture {
     Q_OBJECT
 
-public:
-    // Before Qt Test begins threads of its own.
-    tst_Adb() { maskChildSignal(SIG_BLOCK); }
-
 private Q_SLOTS:
-    void initTestCase();
-    void cleanupTestCase();
-    void init();
-    void cleanup();
     void packageNameIsReadByAapt_data();
     void packageNameIsReadByAapt();
     void packageNameOfTheSampleGameIsRead();
@@ -109,106 +49,9 @@ private Q_SLOTS:
     void outcomeIsReported();
     void removalGoesBeforeTheInstall_data();
     void removalGoesBeforeTheInstall();
-    void chosenDeviceAloneIsTouched_data();
-    void chosenDeviceAloneIsTouched();
-    void readyDeviceBesideAnOfflineOne_data();
-    void readyDeviceBesideAnOfflineOne();
-    void removalOnADeviceThatIsAway_data();
-    void removalOnADeviceThatIsAway();
-    void installOnAnUnknownDevice_data();
-    void installOnAnUnknownDevice();
     void largeApkArrivesWhole_data();
     void largeApkArrivesWhole();
-
-private:
-    void useTool(bool launcher);
-    QString makeApk(const QString& folder, int assetMiB = 0);
-    static void addTools();
-    static void addToolsAndKinds();
-
-    std::unique_ptr<PrivateAdb> m_adb;
-    std::unique_ptr<MessageLog> m_log;
-    QTemporaryDir m_folder;
-    QString m_apk;
 };
-
-void tst_Adb::initTestCase()
-{
-    maskChildSignal(SIG_UNBLOCK);
-    QVERIFY2(!systemProgram("adb").isEmpty() && !systemProgram("aapt").isEmpty(),
-             "adb and aapt are needed: scripts/dependencies.sh installs them");
-    m_adb = std::make_unique<PrivateAdb>();
-    QVERIFY(m_adb->start());
-    QVERIFY2(m_adb->devices().isEmpty(),
-             "a device is attached to this machine, which the tests must not touch");
-    // No test is to wait for long where the launcher waits for a device.
-    qputenv("QUENZO_ADB_WAIT", "1");
-    m_log = std::make_unique<MessageLog>();
-    m_apk = makeApk(m_folder.path());
-}
-
-void tst_Adb::cleanupTestCase()
-{
-    m_adb.reset();
-}
-
-void tst_Adb::init()
-{
-    RunRoot::clear();
-}
-
-void tst_Adb::cleanup()
-{
-    m_adb->disconnectAll();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY2(!childAtWork(), "a child of the library is left");
-    QCOMPARE(m_log->takeWarnings(), QStringList());
-}
-
-void tst_Adb::useTool(bool launcher)
-{
-    QVERIFY(QFile::link(systemProgram("aapt"), toolPath(QStringLiteral("aapt"))));
-    QVERIFY(QFile::link(PrivateAdb::program(),
-                        toolPath(launcher ? QStringLiteral("adb-program") : QStringLiteral("adb"))));
-    if (launcher)
-        QVERIFY(QFile::copy(QStringLiteral(QUENZO_ADB_LAUNCHER), toolPath(QStringLiteral("adb"))));
-}
-
-QString tst_Adb::makeApk(const QString& folder, int assetMiB)
-{
-    QDir().mkpath(folder + QStringLiteral("/assets"));
-    QFile manifest(folder + QStringLiteral("/AndroidManifest.xml"));
-    QFile asset(folder + QStringLiteral("/assets/pad.bin"));
-    if (!manifest.open(QIODevice::WriteOnly) || !asset.open(QIODevice::WriteOnly)
-        || !asset.resize(qint64(assetMiB) * 1024 * 1024))
-        return {};
-    manifest.write("<manifest package=\"" + package.toUtf8() + "\"/>\n");
-    manifest.close();
-    const QString apk = folder + QStringLiteral("/game.apk");
-    const int code =
-        QProcess::execute(systemProgram("aapt"),
-                          {QStringLiteral("package"), QStringLiteral("-f"), QStringLiteral("-M"),
-                           manifest.fileName(), QStringLiteral("-A"), folder + QStringLiteral("/assets"),
-                           QStringLiteral("-0"), QStringLiteral("bin"), QStringLiteral("-F"), apk});
-    return code == 0 ? apk : QString();
-}
-
-void tst_Adb::addTools()
-{
-    QTest::addColumn<bool>("launcher");
-    QTest::newRow("plain adb") << false;
-    QTest::newRow("launcher") << true;
-}
-
-void tst_Adb::addToolsAndKinds()
-{
-    QTest::addColumn<bool>("launcher");
-    QTest::addColumn<DeviceEmulator::Kind>("kind");
-    QTest::newRow("plain adb, streamed") << false << DeviceEmulator::Streaming;
-    QTest::newRow("plain adb, pushed") << false << DeviceEmulator::Pushing;
-    QTest::newRow("launcher, streamed") << true << DeviceEmulator::Streaming;
-    QTest::newRow("launcher, pushed") << true << DeviceEmulator::Pushing;
-}
 
 void tst_Adb::packageNameIsReadByAapt_data()
 {
@@ -425,123 +268,6 @@ void tst_Adb::removalGoesBeforeTheInstall()
             service = "shell,v2,raw" + service.mid(service.indexOf(':'));
     }
     QCOMPARE(services, kind == DeviceEmulator::Streaming ? streamed : pushed);
-}
-
-void tst_Adb::chosenDeviceAloneIsTouched_data()
-{
-    addToolsAndKinds();
-}
-
-void tst_Adb::chosenDeviceAloneIsTouched()
-{
-    QFETCH(const bool, launcher);
-    QFETCH(const DeviceEmulator::Kind, kind);
-    useTool(launcher);
-    DeviceEmulator first(kind);
-    DeviceEmulator second(kind);
-    QVERIFY(m_adb->connectTo(first));
-    QVERIFY(m_adb->connectTo(second));
-    Flow flow;
-    const QSignalSpy results(&flow, &CInstallApk::onResult);
-    const QSignalSpy choices(&flow, &CInstallApk::onGetMulitDevices);
-    flow.startTask(m_apk, true);
-    QCOMPARE(choices.count(), 1);
-    QVERIFY(choices.first().last().toStringList().contains(second.serial()));
-    flow.onSelectDeviceFinish(second.serial());
-    TRY_COMPARE(results.count(), 1);
-    QCOMPARE(results.first().first().toBool(), true);
-    QCOMPARE(first.services(), QByteArrayList());
-    QCOMPARE(second.receivedSize(), QFileInfo(m_apk).size());
-}
-
-void tst_Adb::readyDeviceBesideAnOfflineOne_data()
-{
-    addTools();
-}
-
-void tst_Adb::readyDeviceBesideAnOfflineOne()
-{
-    QFETCH(const bool, launcher);
-    useTool(launcher);
-    DeviceEmulator ready(DeviceEmulator::Streaming);
-    DeviceEmulator gone(DeviceEmulator::Streaming);
-    QVERIFY(m_adb->connectTo(gone));
-    QVERIFY(m_adb->connectTo(ready));
-    gone.drop();
-    QVERIFY(m_adb->waitFor(gone, QStringLiteral("offline")));
-    Flow flow;
-    QSignalSpy results(&flow, &CInstallApk::onResult);
-    flow.startTask(m_apk, false);
-    TRY_COMPARE(results.count(), 1);
-    // A false success of the plain program: it refuses to choose, on its error stream.
-    QCOMPARE(results.takeFirst().first().toBool(), true);
-    QCOMPARE(ready.services().isEmpty(), !launcher);
-
-    flow.startTask(m_apk, true);
-    TRY_VERIFY(!childAtWork());
-    QCOMPARE(results.count(), launcher ? 1 : 0);
-    QCOMPARE(ready.receivedSize(), launcher ? QFileInfo(m_apk).size() : 0);
-}
-
-void tst_Adb::removalOnADeviceThatIsAway_data()
-{
-    QTest::addColumn<bool>("launcher");
-    QTest::addColumn<bool>("unauthorized");
-    QTest::newRow("plain adb, offline") << false << false;
-    QTest::newRow("plain adb, unauthorized") << false << true;
-    QTest::newRow("launcher, offline") << true << false;
-    QTest::newRow("launcher, unauthorized") << true << true;
-}
-
-void tst_Adb::removalOnADeviceThatIsAway()
-{
-    QFETCH(const bool, launcher);
-    QFETCH(const bool, unauthorized);
-    useTool(launcher);
-    DeviceEmulator device(unauthorized ? DeviceEmulator::Unauthorized : DeviceEmulator::Streaming);
-    QVERIFY(
-        m_adb->connectTo(device, unauthorized ? QStringLiteral("unauthorized") : QStringLiteral("device")));
-    if (!unauthorized) {
-        device.drop();
-        QVERIFY(m_adb->waitFor(device, QStringLiteral("offline")));
-    }
-    Flow flow;
-    QSignalSpy results(&flow, &CInstallApk::onResult);
-    flow.startTask(m_apk, false);
-    QCOMPARE(results.takeFirst().at(1).toString(), QStringLiteral("Device unavailable!"));
-    flow.onSelectDeviceFinish(device.serial());
-    if (launcher) {
-        TRY_COMPARE(results.count(), 1);
-        QCOMPARE(results.first().first().toBool(), false);
-        return;
-    }
-    // The plain program waits for ever; only an install takes its place.
-    QVERIFY(!QTest::qWaitFor([] { return !childAtWork(); }, 1500));
-    flow.InstallReplace(device.serial());
-    QVERIFY(childAtWork());
-    flow.Install(device.serial());
-    TRY_VERIFY(!childAtWork());
-    QCOMPARE(results.count(), 0);
-}
-
-void tst_Adb::installOnAnUnknownDevice_data()
-{
-    addTools();
-}
-
-void tst_Adb::installOnAnUnknownDevice()
-{
-    QFETCH(const bool, launcher);
-    useTool(launcher);
-    Flow flow;
-    const QSignalSpy results(&flow, &CInstallApk::onResult);
-    flow.Install(QStringLiteral("nobody"));
-    TRY_VERIFY(!childAtWork());
-    QCOMPARE(results.count(), launcher ? 1 : 0);
-    if (launcher) {
-        const QString key = results.first().last().toString();
-        QVERIFY2(key.startsWith(QStringLiteral("ADB_FAILED: ")), qUtf8Printable(key));
-    }
 }
 
 void tst_Adb::largeApkArrivesWhole_data()

@@ -26,6 +26,21 @@ void IconScene::prepare()
         save(mark(side += 4, Qt::red), QStringLiteral("marks/red/icon/%1.png").arg(corner));
 }
 
+void IconScene::prepareLayouts()
+{
+    prepare();
+    if (!photograph(120, 60).save(path(QStringLiteral("back.png"))))
+        qFatal("cannot write back.png");
+}
+
+QStringList IconScene::layout(const QString& name)
+{
+    const QStringList words{QStringLiteral("--layout"), name};
+    return name == QLatin1String("android-adaptive")
+        ? words + QStringList{QStringLiteral("--background"), QStringLiteral("back.png")}
+        : words;
+}
+
 const QStringList& IconScene::cornerNames()
 {
     static const QStringList names{QStringLiteral("left-top"), QStringLiteral("left-bottom"),

@@ -18,6 +18,8 @@ class IconScene {
 public:
     /** Makes the folder anew. */
     void prepare();
+    /** The same, with a picture that layout() puts behind icons. */
+    void prepareLayouts();
 
     /** The words of a line, which blanks part. */
     static QStringList words(const char* line) { return QuenzoProcess::words(line); }
@@ -28,6 +30,15 @@ public:
     /** All files but that one, by their paths in the folder. */
     static QStringList filesBelow(const QString& folder);
     static void makePipe(const QString& path);
+
+    /** An icon that fits into a square. */
+    static QImage scaled(const QImage& icon, int side)
+    {
+        return icon.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    }
+
+    /** A list of one channel, with the mark. */
+    static inline const QByteArray oneChannel = R"([{"folder": "a", "mark": "red"}])";
 
     QString root() const { return m_folder->path(); }
     QString path(const QString& relative) const { return m_folder->filePath(relative); }
@@ -46,6 +57,8 @@ public:
     /** The arguments of its command icons, for Android if nothing else is said. */
     static QStringList arguments(const QStringList& further = {},
                                  const QString& outDir = QStringLiteral("out"));
+    /** The words that name a layout, and what it needs. */
+    static QStringList layout(const QString& name);
     /** Runs it with these arguments and this channel list. */
     Ended icons(const QByteArray& list, const QStringList& further = {},
                 const QString& outDir = QStringLiteral("out")) const;
