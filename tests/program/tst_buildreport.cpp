@@ -216,6 +216,8 @@ void tst_BuildReport::failedChannelsComeFirst()
     QVERIFY(places.first() > 0);
     QVERIFY2(std::is_sorted(places.cbegin(), places.cend()), page.constData());
     QVERIFY(page.contains("<details open>")); // how far it came
+    QCOMPARE(page.count("the key cannot be read"), 1);
+    QVERIFY2(!page.contains(">0 ms<"), "a skipped step took no time");
 }
 
 void tst_BuildReport::textsOfOthersAreOnlyTexts()
@@ -235,6 +237,7 @@ void tst_BuildReport::textsOfOthersAreOnlyTexts()
             step.message = step.message.isEmpty() ? QString() : text;
     }
     build.channels[0].steps[0].name = text;
+    build.channels[0].steps[1].message = text;
     const QByteArray page = BuildReport::toHtml(build);
     const PageContent content = contentOf(page);
     QCOMPARE(content.fault, QString());

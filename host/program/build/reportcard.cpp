@@ -93,19 +93,24 @@ QString timeFact(const ChannelOutcome& channel)
                 text(ReportText::stretch(ReportText::duration(channel))) + ReportMarkup::bar(steps));
 }
 
+// What the channel says already is not said again.
+QString stepRow(const BuildStep& step, const QString& said)
+{
+    const qint64 ms = ReportText::duration(step.start, step.end);
+    return QStringLiteral("<tr%1><th scope=\"row\">%2</th><td>%3</td><td>%4</td><td>%5</td></tr>\n")
+        .arg(step.outcome == BuildStep::Failed ? QStringLiteral(" class=\"bad\"") : QString(),
+             text(ReportText::stepName(step.name)), text(ReportText::stepOutcomeName(step.outcome)),
+             step.outcome == BuildStep::Skipped ? QString() : text(ReportText::stretch(ms)),
+             step.message == said ? QString() : text(step.message));
+}
+
 QString stepTable(const ChannelOutcome& channel)
 {
     if (channel.steps.isEmpty())
         return {};
     QString rows;
-    for (const BuildStep& step : channel.steps) {
-        rows +=
-            QStringLiteral("<tr%1><th scope=\"row\">%2</th><td>%3</td><td>%4</td><td>%5</td></tr>\n")
-                .arg(step.outcome == BuildStep::Failed ? QStringLiteral(" class=\"bad\"") : QString(),
-                     text(ReportText::stepName(step.name)), text(ReportText::stepOutcomeName(step.outcome)),
-                     text(ReportText::stretch(ReportText::duration(step.start, step.end))),
-                     text(step.message));
-    }
+    for (const BuildStep& step : channel.steps)
+        rows += stepRow(step, channel.message);
     const QString caption = channel.outcome == ChannelOutcome::Unchanged
         ? QStringLiteral("<caption>%1</caption>").arg(text(Card::tr("In the run that built it")))
         : QString();

@@ -19,10 +19,6 @@ struct Page {
 
 const auto& text = ReportMarkup::text;
 
-// Groups in the order in which people look for them.
-constexpr std::array<ChannelOutcome::Outcome, 4> groups{ChannelOutcome::Failed, ChannelOutcome::NotReached,
-                                                        ChannelOutcome::Built, ChannelOutcome::Unchanged};
-
 QString head(const QString& title)
 {
     // Nothing is fetched, whatever a text might try. The language is that of these texts.
@@ -94,6 +90,8 @@ QString timeByStep(const ReportSums& sums)
 {
     QString entries;
     for (const auto& step : sums.steps) {
+        if (step.second == 0)
+            continue;
         entries += QStringLiteral("<li><span class=\"swatch %1\"></span>%2 <b>%3</b></li>\n")
                        .arg(ReportMarkup::colourOf(step.first), text(ReportText::stepName(step.first)),
                             text(ReportText::stretch(step.second)));
@@ -153,9 +151,9 @@ QByteArray BuildReport::toHtml(const BuildOutcome& build)
     const ReportSums sums(build);
     QString page = head(QStringLiteral("%1: %2").arg(build.game, ReportText::verdict(build, sums)));
     page += summary(build, sums);
-    for (const ChannelOutcome::Outcome outcome : groups)
-        page += groupOf(build, sums, outcome);
+    page += groupOf(build, sums, ChannelOutcome::Failed) + groupOf(build, sums, ChannelOutcome::NotReached);
     page += timeByStep(sums);
+    page += groupOf(build, sums, ChannelOutcome::Built) + groupOf(build, sums, ChannelOutcome::Unchanged);
     page += sheets(build);
     page += QStringLiteral("</main>\n</body>\n</html>\n");
     return page.toUtf8();
