@@ -2,9 +2,11 @@
 #include "build/jobplan.h"
 #include "console/console.h"
 #include "jobscene.h"
+#include "jsonschema.h"
 
 #include <QDirIterator>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QtTest>
 
 namespace {
@@ -37,6 +39,8 @@ private Q_SLOTS:
     void planTellsEachChannel();
     void leastPlanTellsWhatIsLeftOut();
     void machinesGetTheSame();
+    void planIsOfTheSchema_data();
+    void planIsOfTheSchema();
     void checkingChangesNothing();
     void wrongJobFails();
     void signingNeedsTheSigner();
@@ -45,6 +49,7 @@ private:
     Job fullJob();
 
     JobScene m_scene;
+    JsonSchema m_schema{QStringLiteral("output.schema.json"), QStringLiteral("jobPlan")};
 };
 
 Job tst_JobPlan::fullJob()
@@ -115,6 +120,29 @@ void tst_JobPlan::machinesGetTheSame()
         {QStringLiteral("packageName"), QStringLiteral("com.g.yun")},
         {QStringLiteral("package"), m_scene.path(QStringLiteral("output/yun/yun.apk"))}};
     QCOMPARE(channels.at(1).toObject(), expected);
+}
+
+void tst_JobPlan::planIsOfTheSchema_data()
+{
+    QTest::addColumn<QJsonObject>("plan");
+    QTest::addColumn<bool>("isSound");
+    const QJsonObject full = JobPlan::toJson(fullJob());
+    QTest::newRow("full") << full << true;
+    const QByteArray least = R"({"game": "G", "base": "game.apk", "channels": [{"folder": "a"}]})";
+    QTest::newRow("least") << JobPlan::toJson(m_scene.read(least)) << true;
+    for (const QString& key : full.keys()) {
+        QJsonObject without = full;
+        without.remove(key);
+        QTest::newRow(qPrintable(key)) << without << false;
+    }
+}
+
+void tst_JobPlan::planIsOfTheSchema()
+{
+    QFETCH(QJsonObject, plan);
+    QFETCH(bool, isSound);
+    const QByteArray verdict = m_schema.verdictOn(QJsonDocument(plan).toJson(QJsonDocument::Compact));
+    QVERIFY2(isSound ? verdict == "valid" : verdict.startsWith('$'), verdict.constData());
 }
 
 void tst_JobPlan::checkingChangesNothing()

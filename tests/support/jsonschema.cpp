@@ -10,8 +10,9 @@ constexpr int timeLimitMs = 60000;
 
 } // namespace
 
-JsonSchema::JsonSchema(const QString& name)
+JsonSchema::JsonSchema(const QString& name, const QString& definition)
     : m_path(QStringLiteral(SOURCE_DIR "/docs/") + name)
+    , m_definition(definition)
 {
 }
 
@@ -38,8 +39,10 @@ QByteArray JsonSchema::verdictOn(const QByteArray& json)
 
 bool JsonSchema::start()
 {
-    m_validator.start(QStringLiteral(PYTHON3),
-                      {QStringLiteral(SOURCE_DIR "/tests/support/validate.py"), m_path});
+    QStringList arguments{QStringLiteral(SOURCE_DIR "/tests/support/validate.py"), m_path};
+    if (!m_definition.isEmpty())
+        arguments.append(m_definition);
+    m_validator.start(QStringLiteral(PYTHON3), arguments);
     return answer() == "ready";
 }
 

@@ -9,8 +9,11 @@
 /** One of the schemas in docs, asked through a validator that shares no code with us. */
 class JsonSchema {
 public:
-    /** @param name of the file in docs */
-    explicit JsonSchema(const QString& name);
+    /**
+     * @param name of the file in docs
+     * @param definition the one of its definitions that is meant; the whole schema when it is empty
+     */
+    explicit JsonSchema(const QString& name, const QString& definition = {});
     ~JsonSchema();
     JsonSchema(const JsonSchema&) = delete;
     JsonSchema& operator=(const JsonSchema&) = delete;
@@ -26,6 +29,7 @@ private:
     QByteArray answer();
 
     const QString m_path;
+    const QString m_definition;
     QProcess m_validator;
 };
 

@@ -1,5 +1,8 @@
 # SPDX-License-Identifier: MIT
-"""Answers each line of the standard input, a JSON text, with a line: "valid", or what the schema forbids in it."""
+"""Answers each line of the standard input, a JSON text, with a line: "valid", or what the schema forbids in it.
+
+A second argument names the one of the schema's definitions that is meant.
+"""
 import json
 import sys
 
@@ -7,6 +10,8 @@ import jsonschema
 
 with open(sys.argv[1], encoding="utf-8") as schema:
     schema = json.load(schema)
+if len(sys.argv) > 2:
+    schema = {"$ref": "#/$defs/" + sys.argv[2], "$defs": schema["$defs"]}
 jsonschema.Draft202012Validator.check_schema(schema)
 validator = jsonschema.Draft202012Validator(schema)
 print("ready", flush=True)
