@@ -222,18 +222,18 @@ void tst_JobInit::wrongFilesAreNamedTogether()
 
 void tst_JobInit::failureLeavesNothing_data()
 {
-    QTest::addColumn<bool>("exists");
-    QTest::newRow("missing folder") << false;
-    QTest::newRow("empty folder") << true;
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("missing folder") << QStringLiteral("new");
+    QTest::newRow("deep folder") << QStringLiteral("empty/a/b/new");
+    QTest::newRow("empty folder") << QStringLiteral("empty");
 }
 
 void tst_JobInit::failureLeavesNothing()
 {
-    QFETCH(bool, exists);
-    if (exists)
-        QVERIFY(QDir().mkdir(path(QStringLiteral("new"))));
+    QFETCH(QString, folder);
+    QVERIFY(QDir().mkdir(path(QStringLiteral("empty"))));
     const QStringList before = everythingIn(m_folder->path());
-    QuenzoProcess program({QStringLiteral("init"), QStringLiteral("new")}, m_folder->path());
+    QuenzoProcess program({QStringLiteral("init"), folder}, m_folder->path());
     program.before = [] {
         const rlimit small{100000, 100000}; // the icon is larger
         setrlimit(RLIMIT_FSIZE, &small);

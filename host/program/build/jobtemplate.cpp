@@ -204,6 +204,23 @@ QString moveInto(const QString& from, const QString& folder)
     return {};
 }
 
+// Makes everything beside its place, or in it where that is there already, and puts it there.
+QString place(const QString& near, const QString& folder, const JobTemplate::OwnFiles& own)
+{
+    QTemporaryDir making(near + QStringLiteral("/.quenzo-init-XXXXXX"));
+    if (!making.isValid())
+        return cannotWrite(folder, making.errorString());
+    // A folder inside: the outer one is for nobody else's eyes.
+    const QString whole = making.filePath(QStringLiteral("whole"));
+    QString fault = writeAll(whole, folder, own);
+    if (!fault.isEmpty())
+        return fault;
+    if (near == folder)
+        return moveInto(whole, folder);
+    return QDir().rename(whole, folder) ? QString()
+                                        : Template::tr("%1 cannot be put in its place").arg(folder);
+}
+
 } // namespace
 
 QString JobTemplate::objectionTo(const QString& folder)
@@ -218,20 +235,15 @@ QString JobTemplate::objectionTo(const QString& folder)
 
 QString JobTemplate::write(const QString& folder, const OwnFiles& own)
 {
-    const bool isThere = QFileInfo::exists(folder);
-    const QString near = isThere ? folder : QFileInfo(folder).path();
-    if (!QDir().mkpath(near))
-        return Template::tr("the folder %1 cannot be made").arg(near);
-    QTemporaryDir making(near + QStringLiteral("/.quenzo-init-XXXXXX"));
-    if (!making.isValid())
-        return cannotWrite(folder, making.errorString());
-    // A folder inside: the outer one is for nobody else's eyes.
-    const QString whole = making.filePath(QStringLiteral("whole"));
-    QString fault = writeAll(whole, folder, own);
-    if (!fault.isEmpty())
-        return fault;
-    if (isThere)
-        return moveInto(whole, folder);
-    return QDir().rename(whole, folder) ? QString()
-                                        : Template::tr("%1 cannot be put in its place").arg(folder);
+    const QString near = QFileInfo::exists(folder) ? folder : QFileInfo(folder).path();
+    QString above = near;
+    while (!QFileInfo::exists(above))
+        above = QFileInfo(above).path();
+    QString fault = QDir().mkpath(near) ? place(near, folder, own)
+                                        : Template::tr("the folder %1 cannot be made").arg(near);
+    if (!fault.isEmpty()) {
+        for (QString made = near; made != above && QDir().rmdir(made);)
+            made = QFileInfo(made).path();
+    }
+    return fault;
 }
