@@ -11,7 +11,8 @@ build=(g++ make cmake pkg-config qtbase5-dev qttools5-dev-tools libqt5sql5-sqlit
         pngcheck unzip zsh mandoc groff-base qt5-qmake meson python3-jsonschema fonts-dejavu-core fonts-wqy-microhei)
 checks=(clang clang-format clang-tidy clangd python3-minimal)
 package=(lintian dpkg-dev)
-bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev zip p7zip-full)
+bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev zip p7zip-full time
+        default-jdk-headless libandroid-zipflinger-java)
 android=(apksigner zipalign default-jre-headless)
 # Python 2.7 left Debian with release 11. These packages, and nothing else, come from there.
 python=(libpython2.7-dev libpython2.7 libpython2.7-stdlib libpython2.7-minimal python2.7 python2.7-minimal
