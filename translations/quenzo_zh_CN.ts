@@ -507,6 +507,53 @@
     </message>
 </context>
 <context>
+    <name>BuildRecords</name>
+    <message>
+        <source>%1, and %2 more</source>
+        <translation>%1，另有 %2 个错误</translation>
+    </message>
+    <message>
+        <source>no thread could be started for the build records</source>
+        <translation>无法为构建记录启动线程</translation>
+    </message>
+    <message>
+        <source>no build records are open</source>
+        <translation>没有打开的构建记录</translation>
+    </message>
+    <message>
+        <source>the build records &apos;%1&apos; are not complete: %2</source>
+        <translation>构建记录 &apos;%1&apos; 不完整：%2</translation>
+    </message>
+    <message>
+        <source>the build records &apos;%1&apos; are locked by another program</source>
+        <translation>构建记录 &apos;%1&apos; 被其他程序锁定</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is no file of build records, or a damaged one: %2</source>
+        <translation>&apos;%1&apos; 不是构建记录文件，或已损坏：%2</translation>
+    </message>
+    <message>
+        <source>the build records &apos;%1&apos; cannot be used: %2</source>
+        <translation>构建记录 &apos;%1&apos; 无法使用：%2</translation>
+    </message>
+    <message>
+        <source>the build records &apos;%1&apos; are of a newer version of this program</source>
+        <translation>构建记录 &apos;%1&apos; 来自本程序的更新版本</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; holds no build records</source>
+        <translation>&apos;%1&apos; 不含构建记录</translation>
+    </message>
+    <message>
+        <source>the build records &apos;%1&apos; are no file</source>
+        <translation>构建记录 &apos;%1&apos; 不是文件</translation>
+    </message>
+    <message>
+        <source>the folder &apos;%1&apos; of the build records cannot be made</source>
+        <translation>无法创建构建记录的文件夹 &apos;%1&apos;</translation>
+    </message>
+</context>
+<context>
     <name>Channels</name>
     <message>
         <source>channel %1</source>

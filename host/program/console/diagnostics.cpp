@@ -15,6 +15,9 @@ QBasicMutex mutex;
 QStringList& texts = *new QStringList;
 QStringList& stepTexts = *new QStringList;
 std::function<void(const QString&)>& stepFollower = *new std::function<void(const QString&)>;
+QByteArray& divertedCategory = *new QByteArray;
+std::function<void(QtMsgType, const QString&)>& divertedTo =
+    *new std::function<void(QtMsgType, const QString&)>;
 QtMessageHandler handlerBefore = nullptr;
 QLoggingCategory::CategoryFilter filterBefore = nullptr;
 
@@ -27,6 +30,20 @@ bool isFollowed()
 {
     const QMutexLocker locker(&mutex);
     return stepFollower != nullptr;
+}
+
+// Whether somebody has taken a message for himself.
+bool isDiverted(QtMsgType type, const char* category, const QString& text)
+{
+    std::function<void(QtMsgType, const QString&)> taker;
+    {
+        const QMutexLocker locker(&mutex);
+        if (divertedTo && divertedCategory == category)
+            taker = divertedTo;
+    }
+    if (taker)
+        taker(type, text);
+    return bool(taker);
 }
 
 // Rules in the environment or in files come before this, and cannot take away what outcomes are told by.
@@ -46,6 +63,8 @@ void keep(QtMsgType type, const QMessageLogContext& context, const QString& text
     if (text.startsWith(QLatin1String("QStandardPaths:")))
         return;
     const bool isDescribed = type == QtDebugMsg && qstrncmp(context.file, "QuenzoTool/source/", 18) == 0;
+    if (isDiverted(type, context.category, text))
+        return;
     if (isOfTheLibrary(context.category)) {
         std::function<void(const QString&)> follower;
         {
@@ -85,6 +104,13 @@ void Diagnostics::followSteps(const std::function<void(const QString&)>& followe
         stepFollower = follower;
     }
     QLoggingCategory::installFilter(switchOn); // asks again for every category
+}
+
+void Diagnostics::divert(const char* category, const std::function<void(QtMsgType, const QString&)>& taker)
+{
+    const QMutexLocker locker(&mutex);
+    divertedCategory = category;
+    divertedTo = taker;
 }
 
 QStringList Diagnostics::steps()

@@ -28,6 +28,12 @@ QString take();
  */
 void followSteps(const std::function<void(const QString&)>& follower);
 
+/**
+ * Hands what one category says ("quenzo.records") to somebody instead of keeping it, on whatever thread; to
+ * nobody when it is empty. For who works beside others that take what is kept.
+ */
+void divert(const char* category, const std::function<void(QtMsgType, const QString&)>& taker);
+
 /** What the library said it does, step by step (its messages at info level), since the program began. */
 QStringList steps();
 

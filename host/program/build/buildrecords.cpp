@@ -1,0 +1,299 @@
+// SPDX-License-Identifier: MIT
+#include "build/buildrecords.h"
+
+#include "build/job.h"
+#include "build/outcomejson.h"
+#include "build/recordsfile.h"
+#include "console/diagnostics.h"
+
+#include <dbhelper.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QMutex>
+#include <QTimer>
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+namespace {
+
+struct RecordsTexts {
+    Q_DECLARE_TR_FUNCTIONS(BuildRecords)
+};
+
+const char* const category = "quenzo.records";
+const QLatin1String endTag("end of build records");
+
+} // namespace
+
+/** What the library has said of the records: failures, and whether the last commit is through. */
+class RecordsLog {
+public:
+    void add(QtMsgType type, const QString& line)
+    {
+        const QMutexLocker locker(&m_mutex);
+        if (line.endsWith(QLatin1String("no transaction is active"))) {
+            return; // a failure has ended it, which was told
+        }
+        if (line.startsWith(QLatin1String("cannot commit: "))) {
+            m_uncommitted = line;
+        } else if (line == QLatin1String("committed at last")) {
+            m_uncommitted.clear();
+        } else if (type != QtInfoMsg) {
+            ++m_failures;
+            if (m_first.isEmpty())
+                m_first = line;
+        }
+    }
+
+    // What is committed from now on takes what failed to be with it.
+    void forgetCommits()
+    {
+        const QMutexLocker locker(&m_mutex);
+        m_uncommitted.clear();
+    }
+
+    bool isCommitted()
+    {
+        const QMutexLocker locker(&m_mutex);
+        return m_uncommitted.isEmpty();
+    }
+
+    // The first failure since the last call; of a file that is in trouble all others say the same.
+    QString take()
+    {
+        const QMutexLocker locker(&m_mutex);
+        QString first = std::exchange(m_first, QString());
+        if (first.isEmpty())
+            first = m_uncommitted;
+        const int more = std::exchange(m_failures, 0) - 1;
+        if (more > 0)
+            first = RecordsTexts::tr("%1, and %2 more").arg(first, QString::number(more));
+        return first;
+    }
+
+private:
+    QMutex m_mutex;
+    QString m_first;
+    QString m_uncommitted;
+    int m_failures = 0;
+};
+
+BuildRecords::BuildRecords() = default;
+
+BuildRecords::~BuildRecords()
+{
+    close();
+}
+
+void BuildRecords::close()
+{
+    if (!m_isOpen)
+        return;
+    flush();
+    DBHelper::getInstance()->closeDB();
+    DBHelper::removeDatabase();
+    Diagnostics::divert(category, {});
+    m_isOpen = false;
+}
+
+bool BuildRecords::open(const QString& file)
+{
+    close();
+    m_file = file;
+    m_build = 0;
+    m_error = RecordsFile::prepare(file);
+    if (!m_error.isEmpty())
+        return false;
+    m_log = std::make_shared<RecordsLog>();
+    Diagnostics::divert(category,
+                        [log = m_log](QtMsgType type, const QString& line) { log->add(type, line); });
+    DBHelper& database = *DBHelper::getInstance();
+    m_isOpen = database.initDatabase(file);
+    if (m_isOpen) {
+        database.StartThread();
+        // The class's own isRunning() tells of its commands.
+        if (database.QThread::isRunning())
+            return true;
+        m_error = RecordsTexts::tr("no thread could be started for the build records");
+        close();
+        return false;
+    }
+    m_error = m_log->take();
+    Diagnostics::divert(category, {});
+    return false;
+}
+
+QHash<QString, EarlierBuild> BuildRecords::earlier(const QString& game)
+{
+    if (!flush())
+        return {};
+    return RecordsFile::earlier(m_file, game, m_error);
+}
+
+QVector<ListedBuild> BuildRecords::builds()
+{
+    if (!flush())
+        return {};
+    return RecordsFile::builds(m_file, m_error);
+}
+
+void BuildRecords::queue(const QString& table, QVariantMap row)
+{
+    m_hasQueued = true;
+    DBHelper::getInstance()->threadToDatabase(DB_INSERT, table, row, QString(), QVariant(), false, QString());
+}
+
+void BuildRecords::queue(const QString& table, QList<QVariant> rows)
+{
+    m_hasQueued = true;
+    DBHelper::getInstance()->threadToDatabase(DB_INSERT, table, rows, QString(), QVariant(), false,
+                                              QString());
+}
+
+void BuildRecords::begin(const Job& job, const BuildOutcome& build)
+{
+    m_game = build.game;
+    m_build = 0;
+    m_refusal.clear();
+    if (!m_isOpen)
+        m_refusal = RecordsTexts::tr("no build records are open");
+    else if (flush())
+        m_build = RecordsFile::begin(m_file, build, m_refusal);
+    else
+        m_refusal = m_error;
+    if (m_build == 0)
+        return;
+    queue(QStringLiteral("game"),
+          QVariantMap{{QStringLiteral("name"), m_game},
+                      {QStringLiteral("job"), job.path},
+                      {QStringLiteral("base"), job.base}});
+    QList<QVariant> channels;
+    for (const JobChannel& channel : job.channels) {
+        channels.append(QVariantMap{{QStringLiteral("game"), m_game},
+                                    {QStringLiteral("folder"), channel.folder},
+                                    {QStringLiteral("name"), channel.name},
+                                    {QStringLiteral("number"), channel.number}});
+    }
+    queue(QStringLiteral("channel"), channels);
+    QList<QVariant> sdks;
+    for (const JobSdk& sdk : job.sdks) {
+        sdks.append(QVariantMap{{QStringLiteral("game"), m_game},
+                                {QStringLiteral("name"), sdk.name},
+                                {QStringLiteral("package"), sdk.package},
+                                {QStringLiteral("id"), sdk.id}});
+    }
+    queue(QStringLiteral("sdk"), sdks);
+}
+
+void BuildRecords::add(const QString& folder, const BuildStep& step)
+{
+    if (m_build == 0)
+        return;
+    queue(QStringLiteral("step"),
+          QVariantMap{{QStringLiteral("build"), m_build},
+                      {QStringLiteral("channel"), folder},
+                      {QStringLiteral("name"), step.name},
+                      {QStringLiteral("started"), RecordsFile::timeText(step.start)},
+                      {QStringLiteral("ended"), RecordsFile::timeText(step.end)},
+                      {QStringLiteral("outcome"), RecordsFile::word(step.outcome)},
+                      {QStringLiteral("message"), step.message}});
+}
+
+void BuildRecords::finish(const ChannelOutcome& channel)
+{
+    if (m_build == 0)
+        return;
+    const QString outcome = RecordsFile::word(channel.outcome);
+    queue(QStringLiteral("result"),
+          QVariantMap{{QStringLiteral("build"), m_build},
+                      {QStringLiteral("channel"), channel.folder},
+                      {QStringLiteral("name"), channel.name},
+                      {QStringLiteral("outcome"), outcome},
+                      {QStringLiteral("message"), channel.message}});
+    if (channel.outcome != ChannelOutcome::Built && channel.outcome != ChannelOutcome::Unchanged)
+        return;
+    queue(QStringLiteral("package"),
+          QVariantMap{{QStringLiteral("game"), m_game},
+                      {QStringLiteral("channel"), channel.folder},
+                      {QStringLiteral("name"), channel.name},
+                      {QStringLiteral("build"), m_build},
+                      {QStringLiteral("made"), RecordsFile::timeText(QDateTime::currentDateTimeUtc())},
+                      {QStringLiteral("outcome"), outcome},
+                      {QStringLiteral("size"), channel.size},
+                      {QStringLiteral("inputs"), channel.inputs},
+                      {QStringLiteral("digest"), channel.digest},
+                      {QStringLiteral("detail"), OutcomeJson::textOf(channel)}});
+}
+
+void BuildRecords::end(const BuildOutcome& build)
+{
+    if (m_build == 0)
+        return;
+    const auto count = [&](ChannelOutcome::Outcome outcome) {
+        return int(std::count_if(build.channels.cbegin(), build.channels.cend(),
+                                 [&](const ChannelOutcome& channel) { return channel.outcome == outcome; }));
+    };
+    const int failed = count(ChannelOutcome::Failed);
+    const bool done = failed + count(ChannelOutcome::NotReached) == 0;
+    const QString outcome = build.interrupted ? QStringLiteral("interrupted")
+        : done                                ? QStringLiteral("done")
+                                              : QStringLiteral("failed");
+    QVariantMap row{{QStringLiteral("ended"), RecordsFile::timeText(build.end)},
+                    {QStringLiteral("outcome"), outcome},
+                    {QStringLiteral("built"), count(ChannelOutcome::Built)},
+                    {QStringLiteral("unchanged"), count(ChannelOutcome::Unchanged)},
+                    {QStringLiteral("failed"), failed}};
+    m_hasQueued = true;
+    DBHelper::getInstance()->threadToDatabase(DB_UPDATE, QStringLiteral("build"), row,
+                                              QStringLiteral("number"), m_build, false, QString());
+}
+
+void BuildRecords::waitUntilDrained()
+{
+    constexpr int intervalMs = 10;
+    constexpr int lateCommitMs = 10000; // another program may read the file for a while
+    DBHelper& database = *DBHelper::getInstance();
+    std::atomic<bool> ended{false};
+    const QObject receiver;
+    QObject::connect(
+        &database, &DBHelper::onSelectFinish, &receiver,
+        [&](const QString&, const QVariantList&, const QString& tag) {
+            if (tag != endTag)
+                return;
+            m_log->forgetCommits();
+            ended = true;
+        },
+        Qt::DirectConnection);
+    QEventLoop loop;
+    QTimer timer;
+    QElapsedTimer late;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        // The flag stays true from the last command to the commit of its burst.
+        if (!ended || database.isRunning())
+            return;
+        if (!late.isValid())
+            late.start();
+        if (m_log->isCommitted() || late.elapsed() > lateCommitMs)
+            loop.quit();
+    });
+    // Queued commands report nothing, but a select's rows come in their turn: these say that all have run.
+    database.threadToDatabase(DB_SELECT, QStringLiteral("(SELECT 1)"), false, endTag);
+    timer.start(intervalMs);
+    loop.exec();
+}
+
+bool BuildRecords::flush()
+{
+    m_error = m_refusal;
+    if (m_isOpen && std::exchange(m_hasQueued, false)) {
+        waitUntilDrained();
+        const QString failure = m_log->take();
+        if (!failure.isEmpty())
+            m_error = RecordsTexts::tr("the build records '%1' are not complete: %2").arg(m_file, failure);
+    }
+    return m_error.isEmpty();
+}
