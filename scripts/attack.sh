@@ -22,17 +22,17 @@ fi
 place=$(mktemp -d)
 failed=0
 
-# attack NAME PROGRAM: the program's table is NAME, and what failed is in NAME-THEME.
+# attack NAME PROGRAM [VARIABLE...]: the program's table is NAME, and what failed is in NAME-THEME.
 attack() {
     local theme
     touch "$place/$1"
     for theme in "${themes[@]}"; do
-        QUENZO=$2 QUENZO_ATTACK_ROUNDS=$rounds QUENZO_ATTACK_TABLE="$place/$1" \
+        env "${@:3}" QUENZO="$2" QUENZO_ATTACK_ROUNDS=$rounds QUENZO_ATTACK_TABLE="$place/$1" \
             python2.7 -B "tests/attack/test_$theme.py" >"$place/$1-$theme" 2>&1 && rm "$place/$1-$theme" || failed=1
     done
 }
 
-[ -z "${BEFORE-}" ] || attack before "$(realpath "$BEFORE")"
+[ -z "${BEFORE-}" ] || attack before "$(realpath "$BEFORE")" QUENZO_ATTACK_EARLIER=1
 failed=0
 attack now "$(realpath "${QUENZO:-build/debug/bin/quenzo}")"
 touch "$place/before"

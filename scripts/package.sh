@@ -29,6 +29,14 @@ mkdir -p "$out"
 mv "$out"/work/*.deb "$out"
 rm -rf "$out/work" "$out/cpack.log"
 cp scripts/dependencies.sh "$out"
+# What is shipped is hardened, whatever has been built with.
+unpacked=$(mktemp -d)
+trap 'rm -rf "$unpacked"' EXIT
+for package in "$out"/*.deb; do
+    dpkg-deb -x "$package" "$unpacked"
+done
+mapfile -t binaries < <(find "$unpacked" -type f -exec grep -lP '\A\x7fELF' {} +)
+python2.7 -B tests/hardening/check.py "${binaries[@]}"
 lintian --fail-on error --allow-root --tag-display-limit 0 "$out"/*.deb
 printf 'package: in %s:\n' "$out"
 (cd "$out" && sha256sum -- *.deb)

@@ -3,6 +3,7 @@
 
 QUENZO is the program to attack, QUENZO_ATTACK_ROUNDS how often each race is run (a few times by default), and
 QUENZO_ATTACK_TABLE a file that gets a line for each race: theme, race, rounds, rounds that showed a fault.
+QUENZO_ATTACK_EARLIER is set where the program is an earlier version, which may lack commands and options.
 """
 import contextlib
 import json

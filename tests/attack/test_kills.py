@@ -76,7 +76,7 @@ class Kills(Attack):
                            if name.endswith(".png") and not is_whole(content)]
                 return ("%d damaged: %s" % (len(damaged), damaged[:3])) if damaged else None
 
-            self.rounds("icons --keep, signal %d" % number, run, tries=12)
+            self.rounds("icons --keep, signal %d" % number, run, tries=30)
 
     def scattered(self, race, words, prepare, judge):
         """Kills a command at moments from its begin to its end."""
@@ -129,6 +129,7 @@ class Kills(Attack):
             self.folder = subfolder
             self.scattered(command, (command, "source", "target"), prepare, judge)
 
+    @unittest.skipIf("QUENZO_ATTACK_EARLIER" in os.environ, "earlier versions lack many of the commands")
     def test_everyCommandIsDoneOrNotBegun(self):
         """What a job leaves when it is killed is what it leaves when it is done, or when it fails."""
         for kind in jobs.ALL:
@@ -146,7 +147,7 @@ class Kills(Attack):
                 self.killed(words, random.random() * whole, environment=job.environment)
                 return job.fault(True) and job.fault(False)
 
-            self.rounds("%s, small" % name, run, tries=3)
+            self.rounds("%s, small" % name, run)
 
     def test_rightsComeBackAfterSignals(self):
         for number in (signal.SIGQUIT, signal.SIGUSR1, signal.SIGALRM):
