@@ -273,10 +273,6 @@
         <translation>导入渠道 SDK 包</translation>
     </message>
     <message>
-        <source>the package file</source>
-        <translation>SDK 包文件</translation>
-    </message>
-    <message>
         <source>the folder to fill</source>
         <translation>要写入的文件夹</translation>
     </message>
@@ -343,6 +339,10 @@
     <message>
         <source>would import &apos;%1&apos; to &apos;%2&apos;</source>
         <translation>将把 &apos;%1&apos; 导入到 &apos;%2&apos;</translation>
+    </message>
+    <message>
+        <source>the package file; - is the standard input</source>
+        <translation>包文件；- 表示标准输入</translation>
     </message>
 </context>
 <context>

@@ -20,6 +20,8 @@ private Q_SLOTS:
     void packingRefusals();
     void archivesGoThroughPipes_data();
     void archivesGoThroughPipes();
+    void packageComesThroughAPipe();
+    void onlyFilesCanBeCheckedAndEncrypted();
     void failuresGiveNoArchive_data();
     void failuresGiveNoArchive();
     void terminalsGetAndGiveNoArchive_data();
@@ -157,6 +159,30 @@ void tst_ArchiveCommands::archivesGoThroughPipes()
 
     const QJsonObject result = run("unpack - third --json", piped.output).result();
     QCOMPARE(result.value(QStringLiteral("folder")).toString(), QStringLiteral("third"));
+}
+
+void tst_ArchiveCommands::packageComesThroughAPipe()
+{
+    const QByteArray package = read("harbourpay.zip");
+    const Ended planned = run("import - sdk --dry-run", package);
+    QVERIFY2(planned.output.endsWith("would import files: 3\n"), planned.error.constData());
+    const Ended imported = run("import - sdk", package);
+    QCOMPARE(imported.error, QByteArray());
+    QCOMPARE(imported.output, QByteArray("imported the standard input into sdk\n"));
+    QCOMPARE(read("sdk/config.xml").isEmpty(), false);
+    QCOMPARE(run("import - other", "no archive").code, 1);
+    QCOMPARE(filesOnTheWay(), QStringList());
+}
+
+void tst_ArchiveCommands::onlyFilesCanBeCheckedAndEncrypted()
+{
+    for (const char* command : {"check", "encrypt", "decrypt"}) {
+        const Ended ended = run(QByteArray(command) + " -", read("base.apk"));
+        QCOMPARE(
+            ended.error,
+            QByteArray("quenzo: '-' does not exist (- stands for no file here; one of this name is ./-)\n"));
+        QCOMPARE(ended.code, 1);
+    }
 }
 
 void tst_ArchiveCommands::failuresGiveNoArchive_data()

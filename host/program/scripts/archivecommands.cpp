@@ -38,6 +38,30 @@ ExitCode failWords(Console& console, const QString& text)
     return ExitUsage;
 }
 
+/** An archive to be read, which may come from the standard input. */
+struct GivenArchive {
+    QString path;
+    QString name; ///< for people
+    std::optional<ArchiveStream> stream;
+};
+
+// What ends the command if the archive cannot be read, which has been reported; nothing else.
+std::optional<ExitCode> failureToOpen(GivenArchive& archive, Console& console)
+{
+    archive.name = archive.path;
+    if (archive.path != standardStream)
+        return pathExists(console, archive.path) ? std::nullopt : std::optional<ExitCode>(ExitFailed);
+    if (StandardStreams::inputIsTerminal())
+        return failWords(console,
+                         ArchiveCommands::tr("no archive can be typed: lead one to the standard input"));
+    archive.name = ArchiveCommands::tr("the standard input");
+    archive.stream.emplace(console);
+    if (!archive.stream->isReady() || !archive.stream->takeInput())
+        return ExitFailed;
+    archive.path = archive.stream->path();
+    return std::nullopt;
+}
+
 // What the library's task would report of the answer.
 QString importText(int answer)
 {
@@ -102,9 +126,9 @@ ExitCode planImport(Console& console, const QVariantMap& parameters)
 
 ExitCode importPackage(const QCommandLineParser& parser, Console& console)
 {
-    const QString package = parser.positionalArguments().at(1);
+    GivenArchive package{parser.positionalArguments().at(1), {}, {}};
     const QString dest = parser.positionalArguments().at(2);
-    QVariantMap parameters{{QStringLiteral("src"), package}, {QStringLiteral("dest"), dest}};
+    QVariantMap parameters{{QStringLiteral("dest"), dest}};
     if (parser.isSet(sdkOption)) {
         bool isNumber = false;
         const int id = parser.value(sdkOption).toInt(&isNumber);
@@ -115,8 +139,9 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
         }
         parameters.insert(QStringLiteral("idSDK"), id);
     }
-    if (!pathExists(console, package))
-        return ExitFailed;
+    if (const auto failure = failureToOpen(package, console))
+        return *failure;
+    parameters.insert(QStringLiteral("src"), package.path);
     if (parser.isSet(dryRunOption))
         return planImport(console, parameters);
     const ScriptOutcome outcome =
@@ -124,7 +149,7 @@ ExitCode importPackage(const QCommandLineParser& parser, Console& console)
     if (!outcome.succeeded)
         return failImport(console, outcome.values.value(QStringLiteral("error_code"), -1).toInt(),
                           outcome.values.value(QStringLiteral("error_str")).toString(), outcome);
-    console.say(ArchiveCommands::tr("imported %1 into %2").arg(package, dest));
+    console.say(ArchiveCommands::tr("imported %1 into %2").arg(package.name, dest));
     console.set(QStringLiteral("dest"), dest);
     return ExitDone;
 }
@@ -218,28 +243,16 @@ ExitCode packFolder(const QCommandLineParser& parser, Console& console)
 
 ExitCode unpackArchive(const QCommandLineParser& parser, Console& console)
 {
-    QString archive = parser.positionalArguments().at(1);
+    GivenArchive archive{parser.positionalArguments().at(1), {}, {}};
     const QString folder = parser.positionalArguments().at(2);
-    QString name = archive;
-    std::optional<ArchiveStream> stream;
-    if (archive == standardStream) {
-        if (StandardStreams::inputIsTerminal())
-            return failWords(console,
-                             ArchiveCommands::tr("no archive can be typed: lead one to the standard input"));
-        name = ArchiveCommands::tr("the standard input");
-        stream.emplace(console);
-        if (!stream->isReady() || !stream->takeInput())
-            return ExitFailed;
-        archive = stream->path();
-    } else if (!pathExists(console, archive)) {
-        return ExitFailed;
-    }
-    const QVariantMap parameters{{QStringLiteral("src"), archive}, {QStringLiteral("dest"), folder}};
+    if (const auto failure = failureToOpen(archive, console))
+        return *failure;
+    const QVariantMap parameters{{QStringLiteral("src"), archive.path}, {QStringLiteral("dest"), folder}};
     const ScriptOutcome outcome =
         runTask(console, PYTHON_TOOL_UNZIP, parameters, ArchiveCommands::tr("unpacking"));
     if (!outcome.diagnostics.isEmpty() || !QFileInfo(folder).isDir())
         return failTask(console, ArchiveCommands::tr("unpacking failed"), outcome);
-    console.say(ArchiveCommands::tr("unpacked %1 into %2").arg(name, folder));
+    console.say(ArchiveCommands::tr("unpacked %1 into %2").arg(archive.name, folder));
     console.set(QStringLiteral("folder"), folder);
     return ExitDone;
 }
@@ -254,7 +267,7 @@ QVector<Command> archiveCommands()
     return {
         {QStringLiteral("import"),
          ArchiveCommands::tr("imports a channel SDK package"),
-         {{QStringLiteral("PACKAGE"), ArchiveCommands::tr("the package file")},
+         {{QStringLiteral("PACKAGE"), ArchiveCommands::tr("the package file; - is the standard input")},
           {QStringLiteral("DEST"), ArchiveCommands::tr("the folder to fill")}},
          {{sdkOption, ArchiveCommands::tr("Refuses a package of another SDK number."), QStringLiteral("N")},
           {{QStringLiteral("n"), dryRunOption},

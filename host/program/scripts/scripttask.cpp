@@ -130,6 +130,7 @@ bool pathExists(Console& console, const QString& path)
 {
     if (QFileInfo::exists(path))
         return true;
-    console.error({Failure::NotFound, ScriptTasks::tr("'%1' does not exist").arg(path)});
+    console.error(
+        {Failure::NotFound, ScriptTasks::tr("'%1' does not exist").arg(path), {}, objectionToStream(path)});
     return false;
 }
