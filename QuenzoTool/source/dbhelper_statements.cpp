@@ -2,6 +2,7 @@
 #include "dbhelper.h"
 
 #include "messages.h"
+#include "quenzotool.h"
 #include "records/dbstatement.h"
 #include "records/keptstatements.h"
 
@@ -13,6 +14,15 @@ using StatementText::Shape;
 Conversion encodedIf(bool bEncode)
 {
     return bEncode ? Conversion::Encode : Conversion::None;
+}
+
+// A select decodes its conditions where the others encode them.
+Row decoded(const Row& conditions)
+{
+    Row all = conditions;
+    for (QVariant& value : all)
+        value = QuenzoTool::ckDecode(value.toString());
+    return all;
 }
 
 // An empty key has a placeholder, too: a bare colon.
@@ -181,10 +191,9 @@ QList<QVariant> DBHelper::selectFromDatabase(QString tableName, QString key, int
 QList<QVariant> DBHelper::selectFromDatabase(QString tableName, QMap<QString, QVariant>& mapValue,
                                              bool bEncode)
 {
-    DBStatement statement(m_db, *m_kept, {Shape::Select, tableName, {}},
-                          bEncode ? Conversion::Decode : Conversion::None);
+    DBStatement statement(m_db, *m_kept, {Shape::Select, tableName, {}}, Conversion::None);
     QList<QVariant> rows;
-    if (!statement.select(mapValue, rows)) {
+    if (!statement.select(bEncode ? decoded(mapValue) : mapValue, rows)) {
         reportFailure(statement, selection, tableName, m_bTransaction, 562,
                       "class QList<class QVariant> __cdecl DBHelper::selectFromDatabase(class QString,class "
                       "QMap<class QString,class QVariant> &,bool)");

@@ -72,12 +72,14 @@ bool DBStatement::runOrRollBack(const QList<QVariant>& rows, const QMap<QString,
 bool DBStatement::select(const QMap<QString, QVariant>& conditions, QList<QVariant>& rows)
 {
     const ConnectionLock lock;
-    if (!execute(conditions))
-        return false;
-    m_error.reset();
-    fetch(rows);
+    const bool done = execute(conditions);
+    if (done) {
+        m_error.reset();
+        fetch(conditions, rows);
+    }
+    rest();
     m_query.reset();
-    return true;
+    return done;
 }
 
 std::optional<bool> DBStatement::isInTransaction() const
@@ -149,8 +151,8 @@ SqliteDirect::Outcome DBStatement::runReady(const QMap<QString, QVariant>& row)
     using SqliteDirect::Outcome;
     const Outcome outcome =
         m_ready->run({row, m_conversion, m_shape.key.isNull() ? nullptr : &m_key}, m_error);
-    // What was compiled anew may by now mean another table.
-    if (outcome != Outcome::Done || (m_ready != m_own.get() && m_ready->wasCompiledAnew()))
+    // What was compiled anew may by now mean another table. A select has yet to be read.
+    if (outcome != Outcome::Done || (!isSelect() && m_ready != m_own.get() && m_ready->wasCompiledAnew()))
         dropReady();
     if (outcome == Outcome::Failed) {
         takeText(row);
@@ -192,7 +194,7 @@ bool DBStatement::prepareAndRun(const QMap<QString, QVariant>& row)
     const bool done = prepared && m_query->exec();
     if (!done)
         m_error = m_query->lastError();
-    else if (m_shape.kind != StatementText::Shape::Select)
+    else if (!isSelect())
         keep(row.keys());
     return done;
 }
@@ -210,13 +212,32 @@ void DBStatement::keep(const QStringList& columns)
         m_own = std::make_unique<RowStatement>(std::move(statement));
 }
 
-void DBStatement::fetch(QList<QVariant>& rows)
+void DBStatement::fetch(const QMap<QString, QVariant>& conditions, QList<QVariant>& rows)
 {
-    const QStringList names = namesOf(m_query->record());
-    if (m_kept.sharesSqlite(*m_query->driver())
-        && SqliteDirect::read(*m_query, names, rows, m_error) != SqliteDirect::Outcome::NotTried)
+    if (m_ready != nullptr) {
+        m_ready->read(rows, m_error);
+        if (m_error)
+            takeText(conditions);
+        if (m_ready->wasCompiledAnew())
+            dropReady();
         return;
-    const RowPattern pattern(names);
+    }
+    const QSqlDriver& driver = *m_query->driver();
+    sqlite3_stmt* const statement = m_kept.sharesSqlite(driver) && SqliteDirect::readsAs(driver)
+        ? SqliteDirect::statementOf(*m_query)
+        : nullptr;
+    if (statement == nullptr) {
+        fetchByQt(rows);
+        return;
+    }
+    SqliteDirect::read(statement, rows, m_error);
+    m_query->finish();
+    keep(conditions.keys());
+}
+
+void DBStatement::fetchByQt(QList<QVariant>& rows)
+{
+    const RowPattern pattern(namesOf(m_query->record()));
     while (m_query->next()) {
         QMap<QString, QVariant> row = pattern.row;
         auto value = row.begin();

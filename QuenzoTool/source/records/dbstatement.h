@@ -78,7 +78,9 @@ private:
     void keep(const QStringList& columns);
     void dropReady();
     void rest();
-    void fetch(QList<QVariant>& rows);
+    void fetch(const QMap<QString, QVariant>& conditions, QList<QVariant>& rows);
+    void fetchByQt(QList<QVariant>& rows);
+    bool isSelect() const { return m_shape.kind == StatementText::Shape::Select; }
     bool isOpen() const;
     void learnOfFailedPreparation();
     void takeText(const QMap<QString, QVariant>& row);

@@ -78,7 +78,7 @@ bool RowStatement::fits(const QMap<QString, QVariant>& row) const
 bool RowStatement::wake()
 {
     const QSqlDriver* const driver = m_query->driver();
-    if (driver == nullptr || !driver->isOpen())
+    if (driver == nullptr || !driver->isOpen() || (isSelect() && !SqliteDirect::readsAs(*driver)))
         return false;
     if (m_sharesSqlite)
         m_statement = SqliteDirect::statementOf(*m_query);
@@ -90,7 +90,8 @@ SqliteDirect::Outcome RowStatement::run(const RowValues& values, std::optional<Q
 {
     using SqliteDirect::Outcome;
     if (m_statement != nullptr) {
-        const Outcome outcome = SqliteDirect::run(m_statement, values, m_buffers, error);
+        const Outcome outcome = isSelect() ? SqliteDirect::start(m_statement, values, m_buffers, error)
+                                           : SqliteDirect::run(m_statement, values, m_buffers, error);
         if (outcome != Outcome::NotTried)
             return outcome;
     }
@@ -99,6 +100,11 @@ SqliteDirect::Outcome RowStatement::run(const RowValues& values, std::optional<Q
         error = m_query->lastError();
     forgetBoundValues();
     return done ? Outcome::Done : Outcome::Failed;
+}
+
+void RowStatement::read(QList<QVariant>& rows, std::optional<QSqlError>& error)
+{
+    SqliteDirect::read(m_statement, rows, error);
 }
 
 void RowStatement::rest()

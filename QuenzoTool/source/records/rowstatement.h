@@ -35,7 +35,8 @@ public:
     /**
      * Makes it ready for runs, up to rest() or to the end of the lock.
      *
-     * @return false when the connection has been closed since, which ends its statements
+     * @return false when the connection has been closed since, which ends its statements, or when a select
+     * is to be read by Qt
      */
     bool wake();
 
@@ -44,6 +45,9 @@ public:
 
     SqliteDirect::Outcome run(const RowValues& values, std::optional<QSqlError>& error);
 
+    /** Appends the rows of a select that has run. */
+    void read(QList<QVariant>& rows, std::optional<QSqlError>& error);
+
     /** Lets go of the values of the last run. */
     void rest();
 
@@ -51,6 +55,7 @@ public:
     bool wasCompiledAnew() const { return SqliteDirect::wasCompiledAnew(m_statement); }
 
 private:
+    bool isSelect() const { return m_shape.kind == StatementText::Shape::Select; }
     bool runByQt(const RowValues& values);
     void forgetBoundValues();
 

@@ -5,15 +5,7 @@
 
 QVariant converted(const QVariant& value, Conversion conversion)
 {
-    switch (conversion) {
-    case Conversion::Encode:
-        return QuenzoTool::ckEncode(value.toString());
-    case Conversion::Decode:
-        return QuenzoTool::ckDecode(value.toString());
-    case Conversion::None:
-        break;
-    }
-    return value;
+    return conversion == Conversion::Encode ? QuenzoTool::ckEncode(value.toString()) : value;
 }
 
 RowPattern::RowPattern(const QStringList& names)

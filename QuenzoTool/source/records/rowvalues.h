@@ -9,7 +9,7 @@
 #include <QVector>
 
 /** What becomes of a row's values before they are bound. */
-enum class Conversion { None, Encode, Decode };
+enum class Conversion { None, Encode };
 
 /** The values that one run of a statement binds, in order. */
 struct RowValues {

@@ -7,7 +7,6 @@
 #include <QList>
 #include <QSqlError>
 #include <QString>
-#include <QStringList>
 #include <QVariant>
 
 #include <optional>
@@ -58,6 +57,13 @@ sqlite3_stmt* statementOf(const QSqlQuery& query);
 Outcome run(sqlite3_stmt* statement, const RowValues& values, TextBuffers& buffers,
             std::optional<QSqlError>& error);
 
+/**
+ * The same for a select, up to its first row, from where read() goes on. One that has failed is at rest
+ * again.
+ */
+Outcome start(sqlite3_stmt* statement, const RowValues& values, TextBuffers& buffers,
+              std::optional<QSqlError>& error);
+
 /** Takes the values off a statement that has run, and gives back what long texts have needed. */
 void forgetValues(sqlite3_stmt* statement, TextBuffers& buffers);
 
@@ -70,14 +76,17 @@ bool isLasting(const QSqlQuery& query, const QString& table);
 /** Whether a change of the schema had the statement compiled anew since its preparation. */
 bool wasCompiledAnew(sqlite3_stmt* statement);
 
+/** Whether read() gives the values that the driver would: a host may have asked it for reals in another form.
+ */
+bool readsAs(const QSqlDriver& driver);
+
 /**
- * Appends the rows of a select that Qt has just run, and ends it.
+ * Appends the rows of a select that has just been run, and ends it. Of fields with the same name the last one
+ * counts.
  *
- * @param names the fields as Qt names them; of fields with the same name the last one counts
  * @param error set when the reading failed on the way; the rows before are appended
  */
-Outcome read(const QSqlQuery& query, const QStringList& names, QList<QVariant>& rows,
-             std::optional<QSqlError>& error);
+void read(sqlite3_stmt* statement, QList<QVariant>& rows, std::optional<QSqlError>& error);
 
 /** Whether the connection is in a transaction; nothing when that cannot be told. */
 std::optional<bool> isInTransaction(const QSqlDriver& driver);

@@ -13,6 +13,12 @@ SqliteDirect::Outcome SqliteDirect::run(sqlite3_stmt* /*statement*/, const RowVa
     return Outcome::NotTried;
 }
 
+SqliteDirect::Outcome SqliteDirect::start(sqlite3_stmt* /*statement*/, const RowValues& /*values*/,
+                                          TextBuffers& /*buffers*/, std::optional<QSqlError>& /*error*/)
+{
+    return Outcome::NotTried;
+}
+
 void SqliteDirect::forgetValues(sqlite3_stmt* /*statement*/, TextBuffers& /*buffers*/) { }
 
 bool SqliteDirect::isLasting(const QSqlQuery& /*query*/, const QString& /*table*/)
@@ -25,10 +31,14 @@ bool SqliteDirect::wasCompiledAnew(sqlite3_stmt* /*statement*/)
     return false;
 }
 
-SqliteDirect::Outcome SqliteDirect::read(const QSqlQuery& /*query*/, const QStringList& /*names*/,
-                                         QList<QVariant>& /*rows*/, std::optional<QSqlError>& /*error*/)
+bool SqliteDirect::readsAs(const QSqlDriver& /*driver*/)
 {
-    return Outcome::NotTried;
+    return false;
+}
+
+void SqliteDirect::read(sqlite3_stmt* /*statement*/, QList<QVariant>& /*rows*/,
+                        std::optional<QSqlError>& /*error*/)
+{
 }
 
 std::optional<bool> SqliteDirect::isInTransaction(const QSqlDriver& /*driver*/)

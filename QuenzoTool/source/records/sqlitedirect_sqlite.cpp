@@ -180,11 +180,16 @@ QMap<QString, QVariant> rowOf(sqlite3_stmt* statement, const RowPattern& pattern
     return row;
 }
 
-// A host may have asked for numbers in another form.
-bool readsRealsAsTheyAre(const QSqlDriver& driver)
+// As the driver names the fields.
+QStringList namesOf(sqlite3_stmt* statement)
 {
-    const QSql::NumericalPrecisionPolicy policy = driver.numericalPrecisionPolicy();
-    return policy == QSql::LowPrecisionDouble || policy == QSql::HighPrecision;
+    QStringList names;
+    const int count = sqlite3_column_count(statement);
+    for (int i = 0; i < count; ++i) {
+        const auto* const name = static_cast<const QChar*>(sqlite3_column_name16(statement, i));
+        names.append(QString(name).remove(QLatin1Char('"')));
+    }
+    return names;
 }
 
 } // namespace
@@ -198,17 +203,26 @@ sqlite3_stmt* SqliteDirect::statementOf(const QSqlQuery& query)
 SqliteDirect::Outcome SqliteDirect::run(sqlite3_stmt* statement, const RowValues& values,
                                         TextBuffers& buffers, std::optional<QSqlError>& error)
 {
+    const Outcome outcome = start(statement, values, buffers, error);
+    if (outcome == Outcome::Done)
+        sqlite3_reset(statement);
+    return outcome;
+}
+
+SqliteDirect::Outcome SqliteDirect::start(sqlite3_stmt* statement, const RowValues& values,
+                                          TextBuffers& buffers, std::optional<QSqlError>& error)
+{
     const auto count = static_cast<std::size_t>(values.count());
     if (buffers.size() != count)
         buffers.resize(count);
     if (sqlite3_bind_parameter_count(statement) != values.count() || !bindAll(statement, values, buffers))
         return Outcome::NotTried;
     const int result = sqlite3_step(statement);
-    const bool done = result == SQLITE_DONE || result == SQLITE_ROW;
-    if (!done)
-        error = errorOf(statement);
+    if (result == SQLITE_DONE || result == SQLITE_ROW)
+        return Outcome::Done;
+    error = errorOf(statement);
     sqlite3_reset(statement);
-    return done ? Outcome::Done : Outcome::Failed;
+    return Outcome::Failed;
 }
 
 void SqliteDirect::forgetValues(sqlite3_stmt* statement, TextBuffers& buffers)
@@ -231,22 +245,22 @@ bool SqliteDirect::wasCompiledAnew(sqlite3_stmt* statement)
     return statement != nullptr && sqlite3_stmt_status(statement, SQLITE_STMTSTATUS_REPREPARE, 0) != 0;
 }
 
-SqliteDirect::Outcome SqliteDirect::read(const QSqlQuery& query, const QStringList& names,
-                                         QList<QVariant>& rows, std::optional<QSqlError>& error)
+bool SqliteDirect::readsAs(const QSqlDriver& driver)
 {
-    sqlite3_stmt* const statement = statementOf(query);
-    if (statement == nullptr || sqlite3_column_count(statement) != names.size()
-        || !readsRealsAsTheyAre(*query.driver()))
-        return Outcome::NotTried;
-    const RowPattern pattern(names);
-    // Qt has read up to the first row, or to the end when there is none.
+    const QSql::NumericalPrecisionPolicy policy = driver.numericalPrecisionPolicy();
+    return policy == QSql::LowPrecisionDouble || policy == QSql::HighPrecision;
+}
+
+void SqliteDirect::read(sqlite3_stmt* statement, QList<QVariant>& rows, std::optional<QSqlError>& error)
+{
+    const RowPattern pattern(namesOf(statement));
+    // It has been run up to the first row, or to the end when there is none.
     int result = sqlite3_stmt_busy(statement) != 0 ? SQLITE_ROW : SQLITE_DONE;
     for (; result == SQLITE_ROW; result = sqlite3_step(statement))
         rows.append(rowOf(statement, pattern));
     if (result != SQLITE_DONE)
         error = errorOf(statement);
     sqlite3_reset(statement);
-    return result == SQLITE_DONE ? Outcome::Done : Outcome::Failed;
 }
 
 std::optional<bool> SqliteDirect::isInTransaction(const QSqlDriver& driver)
