@@ -849,6 +849,10 @@ JSON shows reals without a fraction as whole numbers, bytes as Base64, and integ
         <translation>输入中若有某行的值无法原样保存，则拒绝该行，且不写入任何内容：同一列给出两次、整数超出 64 位，或只有半个代理对。
 JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64，超出 2^53 的整数和无穷大（9e999）显示为文本。再次插入时，后者在数值类型的列中仍是数字，在其他列中则是文本。</translation>
     </message>
+    <message>
+        <source>reading rows</source>
+        <translation>正在读取行</translation>
+    </message>
 </context>
 <context>
     <name>DBRequestTexts</name>
@@ -938,6 +942,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>no thread could be started for the work; nothing was done</source>
         <translation>无法启动工作线程；没有做任何事</translation>
+    </message>
+    <message>
+        <source>writing rows</source>
+        <translation>正在写入行</translation>
     </message>
 </context>
 <context>

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void selectPrintsCsv();
     void selectPrintsOneJsonObject();
     void terminalShowsATable();
+    void rowsAreCountedWhileTheyAreRead();
     void directCallsDoTheSame();
 };
 
@@ -213,6 +214,27 @@ void tst_DBCommands::terminalShowsATable()
     const QByteArray intoAPipe = db(words("select shown")).output;
     QCOMPARE(intoAPipe.count('\n'), 2);
     QVERIFY(!intoAPipe.contains("rows: "));
+}
+
+void tst_DBCommands::rowsAreCountedWhileTheyAreRead()
+{
+    constexpr int many = 5000;
+    QByteArray lines;
+    for (int i = 0; i < many; ++i)
+        lines += "{\"id\": " + QByteArray::number(i) + "}\n";
+    const Ended read = db(words("insert channel --progress=json"), lines);
+    QCOMPARE(read.code, 0);
+    const QByteArray size = QByteArray::number(lines.size());
+    QVERIFY2(read.error.contains("{\"progress\":{\"doing\":\"reading rows\",\"done\":"),
+             read.error.constData());
+    QVERIFY2(read.error.contains(",\"total\":" + size + ",\"unit\":\"bytes\"}}\n"), read.error.constData());
+
+    const Ended written = db(words("update channel --direct --where id=1 --progress=json"),
+                             QByteArray("{\"name\": 1}\n").repeated(20));
+    QCOMPARE(written.code, 0);
+    QVERIFY2(written.error.contains(
+                 "{\"progress\":{\"doing\":\"writing rows\",\"done\":16,\"total\":20,\"unit\":\"rows\"}}\n"),
+             written.error.constData());
 }
 
 void tst_DBCommands::directCallsDoTheSame()

@@ -2,6 +2,7 @@
 #ifndef SPINNER_H
 #define SPINNER_H
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 #include <functional>
@@ -22,6 +23,22 @@ private:
     Console& m_console;
     const std::function<Progress()> m_progress;
     QTimer m_timer;
+};
+
+/** The same for work that keeps the event loop from running: shows what it is given, several times a second
+ * at most. */
+class PacedProgress {
+public:
+    explicit PacedProgress(Console& console);
+    ~PacedProgress();
+    PacedProgress(const PacedProgress&) = delete;
+    PacedProgress& operator=(const PacedProgress&) = delete;
+
+    void show(const Progress& progress);
+
+private:
+    Console& m_console;
+    QElapsedTimer m_sinceShown;
 };
 
 #endif

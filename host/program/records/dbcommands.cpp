@@ -2,6 +2,8 @@
 #include "command.h"
 
 #include "console/console.h"
+#include "console/progress.h"
+#include "console/spinner.h"
 #include "console/standardstreams.h"
 #include "records/dbrequest.h"
 #include "records/dbsession.h"
@@ -144,6 +146,18 @@ ExitCode tellStructure(const QCommandLineParser& parser, Console& console)
     return ExitDone;
 }
 
+QVariantList readRows(const DBRequest& request, Console& console, QString& error)
+{
+    QByteArray lines = StandardStreams::readInput(error);
+    QBuffer input(&lines);
+    if (!error.isEmpty() || !input.open(QIODevice::ReadOnly))
+        return {};
+    PacedProgress progress(console);
+    return DBRequests::rowsFromJsonLines(input, request, error, [&](qint64 done) {
+        progress.show({DBCommands::tr("reading rows"), Progress::Bytes, done, lines.size()});
+    });
+}
+
 ExitCode runRows(const QCommandLineParser& parser, Console& console)
 {
     QString error;
@@ -154,10 +168,7 @@ ExitCode runRows(const QCommandLineParser& parser, Console& console)
     if (!QFileInfo(request.file).isFile())
         return fail(console, noFile(request.file), Failure::NotFound);
     if (request.writes() && request.rows.isEmpty()) {
-        QByteArray lines = StandardStreams::readInput(error);
-        QBuffer input(&lines);
-        if (error.isEmpty() && input.open(QIODevice::ReadOnly))
-            request.rows = DBRequests::rowsFromJsonLines(input, request, error);
+        request.rows = readRows(request, console, error);
         if (!error.isEmpty())
             return fail(console, error, Failure::BadInput);
     }

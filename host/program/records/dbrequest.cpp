@@ -169,13 +169,17 @@ DBRequest DBRequests::fromCommandLine(const QCommandLineParser& parser, QString&
     return request;
 }
 
-QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, const DBRequest& request, QString& error)
+QVariantList DBRequests::rowsFromJsonLines(QIODevice& input, const DBRequest& request, QString& error,
+                                           const std::function<void(qint64)>& follow)
 {
+    constexpr int linesAStep = 1024;
     QVariantList rows;
     for (int number = 1; !input.atEnd(); ++number) {
         const QByteArray text = input.readLine();
         if (text.isEmpty())
             break; // what cannot be read has no end
+        if (number % linesAStep == 0)
+            follow(input.pos());
         const QByteArray line = text.trimmed();
         if (line.isEmpty())
             continue;

@@ -8,6 +8,8 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+#include <functional>
+
 QT_BEGIN_NAMESPACE
 class QCommandLineParser;
 class QIODevice;
@@ -55,8 +57,10 @@ QStringList withEncodeValues(const QStringList& words);
  *
  * @param request whose condition's column a row must not have, and whose scrambled ones it must
  * @param[out] error why a line is no row; there are no rows then
+ * @param follow told now and then how many bytes are read
  */
-QVariantList rowsFromJsonLines(QIODevice& input, const DBRequest& request, QString& error);
+QVariantList rowsFromJsonLines(QIODevice& input, const DBRequest& request, QString& error,
+                               const std::function<void(qint64)>& follow);
 
 } // namespace DBRequests
 

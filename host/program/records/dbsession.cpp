@@ -88,17 +88,28 @@ bool writeRow(DBHelper& database, const DBRequest& request, QVariantMap row)
 }
 
 // Row by row: a list's failure does not tell how far it came.
-void runDirectly(DBHelper& database, DBRequest& request, DBOutcome& outcome)
+int writeRows(DBHelper& database, const DBRequest& request, Console& console)
+{
+    constexpr int rowsAStep = 16;
+    PacedProgress progress(console);
+    int written = 0;
+    for (const QVariant& row : request.rows) {
+        if (!writeRow(database, request, row.toMap()))
+            break;
+        if (++written % rowsAStep == 0)
+            progress.show({DBSession::tr("writing rows"), Progress::Rows, written, request.rows.size()});
+    }
+    return written;
+}
+
+void runDirectly(DBHelper& database, DBRequest& request, Console& console, DBOutcome& outcome)
 {
     if (request.command == DB_SELECT) {
         outcome.rows = database.selectFromDatabase(request.table, request.conditions, request.encode);
     } else if (request.command == DB_DELETE) {
         database.deleteFromDatabase(request.table, request.conditions, request.encode);
     } else {
-        const auto failed =
-            std::find_if(request.rows.cbegin(), request.rows.cend(),
-                         [&](const QVariant& row) { return !writeRow(database, request, row.toMap()); });
-        outcome.written = int(failed - request.rows.cbegin());
+        outcome.written = writeRows(database, request, console);
     }
     QVariantMap none;
     outcome.changed = changedRows(database.selectFromDatabase(lastChanges, none, false));
@@ -156,7 +167,7 @@ DBOutcome runRequest(DBRequest request, Console& console)
     }
     bool started = true;
     if (request.direct) {
-        runDirectly(database, request, outcome);
+        runDirectly(database, request, console, outcome);
     } else {
         queueRequest(database, request);
         started = waitUntilDrained(database, console, outcome);
