@@ -4,6 +4,7 @@
 #include "console/standardstreams.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QGuiApplication>
 #include <QLocale>
 #include <QTranslator>
@@ -13,6 +14,7 @@
 #include <cstdlib>
 #include <langinfo.h>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -83,6 +85,19 @@ int firstNoText(int argc, char** argv)
     return 0;
 }
 
+// Qt ends the process where there are none for its event loops: the program's, the worker's, and a tool's.
+bool areHandlesLeft()
+{
+    constexpr int needed = 4;
+    std::vector<std::unique_ptr<QFile>> files;
+    for (int i = 0; i < needed; ++i) {
+        files.push_back(std::make_unique<QFile>(QStringLiteral("/dev/null")));
+        if (!files.back()->open(QIODevice::ReadOnly))
+            return false;
+    }
+    return true;
+}
+
 // What a command has done is of no use to a caller that gets only half of the answer.
 ExitCode checkedForOutput(ExitCode code)
 {
@@ -103,6 +118,11 @@ int main(int argc, char* argv[])
     const QStringList languages = wantedLanguages();
     ensureUtf8Locale();
     Diagnostics::install();
+    if (!areHandlesLeft()) { // and so none for translations, either
+        StandardStreams::writeDiagnostic(
+            QStringLiteral("quenzo: too few files may be open at the same time\n"));
+        return ExitFailed;
+    }
     QStringList words;
     for (int i = 1; i < argc; ++i)
         words.append(QString::fromLocal8Bit(argv[i]));

@@ -146,7 +146,7 @@ class Worlds(Attack):
                 self.under("pids.max %d" % count, entering(group))
 
     def test_limitOfFiles(self):
-        for count in (8, 16, 24):
+        for count in (4, 6, 7, 8, 16, 24):
             self.under("NOFILE %d" % count, limited(resource.RLIMIT_NOFILE, count))
 
     def test_limitOfSizes(self):
