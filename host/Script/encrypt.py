@@ -26,7 +26,7 @@ CIPHER_FAILED = 6       # openssl is missing or failed
 NOT_AUTHENTIC = 7       # altered assets, another key, or a result that failed its own verification
 REFUSED = 8             # hostile or too large archive, or any other failure
 
-_ENCRYPTION_PASSES, _DECRYPTION_PASSES = 4, 3  # how often the assets are read between the two checks of everything
+_ENCRYPTION_PASSES, _DECRYPTION_PASSES = 5, 3  # how often the assets are read between the two checks of everything
 
 
 def encryptApk(runPath, apkFile, keyFile=None, *excluded):

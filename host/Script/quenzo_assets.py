@@ -5,8 +5,8 @@ import hashlib
 import hmac
 import os
 
-from quenzo_cipher import (MAGIC, NO_FINGERPRINT, SALT_BYTES, STREAM_HEAD_BYTES, STREAM_MAGIC, TAG_BYTES, Header, Keys,
-                           NotAuthentic, fingerprint_of, padded)
+from quenzo_cipher import (MAGIC, NO_FINGERPRINT, STREAM_MAGIC, TAG_BYTES, Header, Keys, NotAuthentic, fingerprint_of,
+                           padded, salt_of)
 from quenzo_files import BLOCK, open_new, remove
 from quenzo_zipread import checked
 
@@ -83,15 +83,12 @@ class EncryptedAssets(object):
     def __init__(self, archive, secret, work, left):
         plain = os.path.join(work, "plain")
         self._path = os.path.join(work, "cipher")
-        self._keys = Keys(secret, os.urandom(SALT_BYTES), left)
+        # Those left as they are count: equal salts under other tags would tell that they alone have changed.
+        self._keys = Keys(secret, salt_of(secret, content_digests(archive, ())), left)
         self._fingerprint = fingerprint_of(secret)
         self._headers = self._write_plain(assets_of(archive, left), archive, plain)
-        self._keys.encrypt(plain, self._path)
+        self._begin = self._keys.encrypt(plain, self._path)
         remove(plain)
-        with open(self._path, "rb", BLOCK) as stream:
-            stream_salt = stream.read(STREAM_HEAD_BYTES)[len(STREAM_MAGIC):]
-        for header in self._headers.itervalues():
-            header.stream_salt = stream_salt
 
     def size(self, name):
         return Header.SIZE + self._headers[name].length + TAG_BYTES
@@ -102,7 +99,7 @@ class EncryptedAssets(object):
         tag = self._keys.tag(name, header)
         yield header.pack()
         with open(self._path, "rb", BLOCK) as stream:
-            for block in _slice(stream, STREAM_HEAD_BYTES + header.offset, header.length):
+            for block in _slice(stream, self._begin + header.offset, header.length):
                 tag.update(block)
                 yield block
         yield tag.digest()
@@ -115,7 +112,7 @@ class EncryptedAssets(object):
                 for block in archive.blocks(entry):
                     stream.write(block)
                 stream.write("\0" * (padded(entry.size) - entry.size))
-                headers[entry.name] = Header(self._keys.salt, "", offset, entry.size, 0, entry.method,
+                headers[entry.name] = Header(self._keys.salt, self._keys.stream_salt, offset, entry.size, 0, entry.method,
                                              self._fingerprint)
                 offset += padded(entry.size)
         for header in headers.itervalues():

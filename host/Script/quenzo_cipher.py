@@ -5,6 +5,7 @@ The secret never shows in the process list or the environment: openssl gets a ph
 pipe that was filled before openssl started. The pipe's reading end stays open here meanwhile, so no write can
 meet a closed pipe, which would end a host whose SIGPIPE has its default action.
 """
+import binascii
 import hashlib
 import hmac
 import os
@@ -22,10 +23,12 @@ NO_FINGERPRINT = "\0" * FINGERPRINT_BYTES    # what packages of the first versio
 TAG_BYTES = 32
 BLOCK_BYTES = 16                # assets begin at a multiple of it, so that each can be decrypted alone
 STREAM_MAGIC = "Salted__"       # openssl's own head of a stream, followed by its salt
+STREAM_SALT_BYTES = 8
 STREAM_HEAD_BYTES = 16
 _ITERATIONS = "1000"            # the phrase is random already; this many satisfies every policy
 _HEADER = struct.Struct("<8s16s8sQQQB7s")
 _MAX_FILES_TO_CLOSE = 1 << 20
+_UNWRITTEN = "openssl did not write what it should have"
 
 
 class CipherFailure(ToolError):
@@ -73,6 +76,15 @@ def fingerprint_of(secret):
     return hmac.new(secret, "quenzo key fingerprint", hashlib.sha256).digest()[:FINGERPRINT_BYTES]
 
 
+def salt_of(secret, contents):
+    """The salt for an APK of these contents: the same ones give the same form, and others never share a salt.
+
+    contents: digests by name.
+    """
+    named = "".join(_sized(name) + contents[name] for name in sorted(contents))
+    return hmac.new(secret, "quenzo salt" + named, hashlib.sha256).digest()[:SALT_BYTES]
+
+
 class Keys(object):
     """What one APK is encrypted and authenticated with, derived from the secret and a salt of its own.
 
@@ -85,15 +97,25 @@ class Keys(object):
         self._phrase = hmac.new(secret, "quenzo asset encryption" + salt, hashlib.sha256).hexdigest()
         self._tag_key = hmac.new(secret, "quenzo asset authentication" + salt, hashlib.sha256).digest()
 
+    @property
+    def stream_salt(self):
+        """The salt for openssl, which follows from the other one."""
+        return hashlib.sha256(self.salt).digest()[:STREAM_SALT_BYTES]
+
     def encrypt(self, source, target):
-        """Encrypts file source into file target of the same folder: openssl's head, then as many bytes as source has."""
-        _run("-e", source, target, self._phrase)
-        _check_size(target, os.path.getsize(source) + STREAM_HEAD_BYTES)
+        """Encrypts file source into file target of the same folder; gives where in it the bytes begin."""
+        _run("-e", source, target, self._phrase, "-S", binascii.hexlify(self.stream_salt))
+        # With a salt from outside, openssl 1.1 writes its head, and openssl 3 leaves it out.
+        head = max(0, _size(target) - os.path.getsize(source))
+        if head not in (0, STREAM_HEAD_BYTES) or _size(target) != head + os.path.getsize(source):
+            raise CipherFailure(_UNWRITTEN)
+        return head
 
     def decrypt(self, source, target):
-        """The way back."""
+        """The way back, of a file that has openssl's head."""
         _run("-d", source, target, self._phrase)
-        _check_size(target, os.path.getsize(source) - STREAM_HEAD_BYTES)
+        if _size(target) != os.path.getsize(source) - STREAM_HEAD_BYTES:
+            raise CipherFailure(_UNWRITTEN)
 
     def tag(self, name, header):
         """Begins the tag of an asset: over its name and header, then its encrypted bytes by update()."""
@@ -111,15 +133,14 @@ def padded(length):
     return length + -length % BLOCK_BYTES
 
 
-def _check_size(path, wanted):
+def _size(path):
     # Where a host ignores SIGCHLD the exit code is lost and reads as 0: look at what was made.
-    if not os.path.exists(path) or os.path.getsize(path) != wanted:
-        raise CipherFailure("openssl did not write what it should have")
+    return os.path.getsize(path) if os.path.exists(path) else -1
 
 
-def _run(direction, source, target, phrase):
+def _run(direction, source, target, phrase, *further):
     command = [PROGRAM, "enc", "-aes-256-ctr", "-pbkdf2", "-md", "sha256", "-iter", _ITERATIONS, "-pass", "stdin",
-               direction, "-in", os.path.basename(source), "-out", os.path.basename(target)]
+               direction] + list(further) + ["-in", os.path.basename(source), "-out", os.path.basename(target)]
     reader, writer = os.pipe()
     try:
         try:
