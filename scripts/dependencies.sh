@@ -13,7 +13,8 @@ checks=(clang clang-format clang-tidy clangd python3-minimal)
 package=(lintian dpkg-dev)
 bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev zip p7zip-full time
         default-jdk-headless libandroid-zipflinger-java)
-android=(apksigner zipalign default-jre-headless)
+android=(apksigner zipalign apktool default-jre-headless)
+farm=(slurmctld slurmd slurm-client munge)
 # Python 2.7 left Debian with release 11. These packages, and nothing else, come from there.
 python=(libpython2.7-dev libpython2.7 libpython2.7-stdlib libpython2.7-minimal python2.7 python2.7-minimal
         libssl1.1 libffi7)
@@ -44,8 +45,9 @@ for group in "$@"; do
         checks) packages+=("${checks[@]}") ;;
         bench) packages+=("${bench[@]}") ;;
         android) packages+=("${android[@]}") ;;
+        farm) packages+=("${farm[@]}") ;;
         package) packages+=("${package[@]}") ;;
-        *) die "unknown group '$group' (known: checks, bench, package, android; python only by itself)" ;;
+        *) die "unknown group '$group' (known: checks, bench, package, android, farm; python only by itself)" ;;
     esac
 done
 

@@ -183,6 +183,41 @@
     </message>
 </context>
 <context>
+    <name>ApkTool</name>
+    <message>
+        <source>the program apktool is missing, and the job changes manifests</source>
+        <translation>缺少程序 apktool，而该任务要修改清单</translation>
+    </message>
+    <message>
+        <source>on Debian &quot;apt-get install apktool&quot; brings it</source>
+        <translation>在 Debian 上用 &quot;apt-get install apktool&quot; 安装</translation>
+    </message>
+    <message>
+        <source>%1 failed: %2</source>
+        <translation>%1失败：%2</translation>
+    </message>
+    <message>
+        <source>%1 failed</source>
+        <translation>%1失败</translation>
+    </message>
+    <message>
+        <source>decoding the base</source>
+        <translation>解码基础包</translation>
+    </message>
+    <message>
+        <source>apktool gave no manifest</source>
+        <translation>apktool 没有给出清单</translation>
+    </message>
+    <message>
+        <source>building the manifest</source>
+        <translation>构建清单</translation>
+    </message>
+    <message>
+        <source>apktool built no manifest</source>
+        <translation>apktool 没有构建出清单</translation>
+    </message>
+</context>
+<context>
     <name>ArchiveCommands</name>
     <message>
         <source>The imported file is not this SDK</source>
@@ -390,10 +425,6 @@
         <translation>--exclude 需要一个名称模式</translation>
     </message>
     <message>
-        <source>encrypting</source>
-        <translation>正在加密</translation>
-    </message>
-    <message>
         <source>encrypted %1</source>
         <translation>已加密 %1</translation>
     </message>
@@ -507,6 +538,110 @@
     </message>
 </context>
 <context>
+    <name>AssetEncryption</name>
+    <message>
+        <source>encrypting</source>
+        <translation>正在加密</translation>
+    </message>
+</context>
+<context>
+    <name>BuildCommands</name>
+    <message>
+        <source>--install removes a package and its data: --yes is needed where nobody can be asked</source>
+        <translation>--install 会移除应用包及其数据：无人可问时需要 --yes</translation>
+    </message>
+    <message>
+        <source>--install: there is no channel &apos;%1&apos; to be built</source>
+        <translation>--install：没有要构建的渠道 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>--jobs takes a number from 1 to %1</source>
+        <translation>--jobs 需要 1 到 %1 的数字</translation>
+    </message>
+    <message>
+        <source>--share takes words like 1/4</source>
+        <translation>--share 需要形如 1/4 的词</translation>
+    </message>
+    <message>
+        <source>makes every channel&apos;s package of a job</source>
+        <translation>为任务的每个渠道制作安装包</translation>
+    </message>
+    <message>
+        <source>The job&apos;s file, JSON.</source>
+        <translation>任务文件，JSON 格式。</translation>
+    </message>
+    <message>
+        <source>Reads and checks the job, prints what would be done, and does nothing.</source>
+        <translation>读取并检查任务，列出将要做的事，不做任何改动。</translation>
+    </message>
+    <message>
+        <source>Builds the channels whose inputs have not changed, too.</source>
+        <translation>输入没有变化的渠道也重新构建。</translation>
+    </message>
+    <message>
+        <source>How many processes build channels at once.</source>
+        <translation>同时构建渠道的进程数。</translation>
+    </message>
+    <message>
+        <source>Builds one of N parts of the channels, the first of which is 1.</source>
+        <translation>构建渠道的 N 个部分之一，第一个是 1。</translation>
+    </message>
+    <message>
+        <source>How many parts there are, where the environment tells which one.</source>
+        <translation>部分的总数，由环境说明是哪一个时使用。</translation>
+    </message>
+    <message>
+        <source>Makes one report of those of all parts.</source>
+        <translation>把各部分的报告合成一份。</translation>
+    </message>
+    <message>
+        <source>Installs this channel&apos;s package on a device afterwards.</source>
+        <translation>之后把这个渠道的安装包装到设备上。</translation>
+    </message>
+    <message>
+        <source>The device of --install, by its serial.</source>
+        <translation>--install 的设备，用序列号指定。</translation>
+    </message>
+    <message>
+        <source>Does not ask before --install removes the installed package.</source>
+        <translation>--install 移除已装的应用包之前不询问。</translation>
+    </message>
+    <message>
+        <source>Each channel&apos;s package comes from the job&apos;s base: with the channel&apos;s icons, its SDKs, its own files and a description of it, encrypted and signed where the job says so. Everything finished is in the job&apos;s output folder, with report.html and report.json. What has not changed since the last run is not built again, and a run that was interrupted goes on where it stood.</source>
+        <translation>每个渠道的安装包都来自任务的基础包：带有该渠道的图标、SDK、自己的文件和说明，并按任务的要求加密和签名。完成的内容都在任务的输出文件夹中，包括 report.html 和 report.json。自上次运行以来没有变化的内容不再构建，被中断的运行从中断处继续。</translation>
+    </message>
+</context>
+<context>
+    <name>BuildInputs</name>
+    <message>
+        <source>asking tools for their versions</source>
+        <translation>正在查询工具的版本</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be read: %2</source>
+        <translation>无法读取 &apos;%1&apos;：%2</translation>
+    </message>
+</context>
+<context>
+    <name>BuildPreparation</name>
+    <message>
+        <source>the folder &apos;%1&apos; cannot be made</source>
+        <translation>无法创建文件夹 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>importing</source>
+        <translation>正在导入</translation>
+    </message>
+    <message>
+        <source>the SDK &apos;%1&apos; cannot be imported: %2</source>
+        <translation>无法导入 SDK &apos;%1&apos;：%2</translation>
+    </message>
+    <message>
+        <source>the icon &apos;%1&apos; was not written: %2</source>
+        <translation>图标 &apos;%1&apos; 没有写入：%2</translation>
+    </message>
+</context>
+<context>
     <name>BuildRecords</name>
     <message>
         <source>%1, and %2 more</source>
@@ -551,6 +686,139 @@
     <message>
         <source>the folder &apos;%1&apos; of the build records cannot be made</source>
         <translation>无法创建构建记录的文件夹 &apos;%1&apos;</translation>
+    </message>
+</context>
+<context>
+    <name>BuildRun</name>
+    <message>
+        <source>preparing</source>
+        <translation>正在准备</translation>
+    </message>
+    <message>
+        <source>another run of this job is at work in &apos;%1&apos;</source>
+        <translation>该任务的另一次运行正在 &apos;%1&apos; 中工作</translation>
+    </message>
+    <message>
+        <source>building</source>
+        <translation>正在构建</translation>
+    </message>
+    <message>
+        <source>the folder &apos;%1&apos; cannot be made</source>
+        <translation>无法创建文件夹 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>the base &apos;%1&apos; has no icon that is a PNG file</source>
+        <translation>基础包 &apos;%1&apos; 没有 PNG 格式的图标</translation>
+    </message>
+    <message>
+        <source>the base shows %1 as its icon, too, which stays as it is</source>
+        <translation>基础包还把 %1 作为图标，它保持不变</translation>
+    </message>
+    <message>
+        <source>importing SDKs</source>
+        <translation>导入 SDK</translation>
+    </message>
+    <message>
+        <source>decoding the base</source>
+        <translation>解码基础包</translation>
+    </message>
+    <message>
+        <source>drawing icons</source>
+        <translation>绘制图标</translation>
+    </message>
+    <message>
+        <source>channel &apos;%1&apos; failed: %2</source>
+        <translation>渠道 &apos;%1&apos; 失败：%2</translation>
+    </message>
+    <message>
+        <source>%1: built, %2</source>
+        <translation>%1：已构建，%2</translation>
+    </message>
+    <message>
+        <source>%1: unchanged</source>
+        <translation>%1：没有变化</translation>
+    </message>
+    <message>
+        <source>writing the report</source>
+        <translation>写报告</translation>
+    </message>
+    <message>
+        <source>interrupted; the same command goes on with the rest</source>
+        <translation>已中断；同样的命令会继续其余部分</translation>
+    </message>
+    <message>
+        <source>failed: %1 of %2 channels</source>
+        <translation>失败：%2 个渠道中的 %1 个</translation>
+    </message>
+    <message>
+        <source>not every channel was reached</source>
+        <translation>并非每个渠道都已处理</translation>
+    </message>
+</context>
+<context>
+    <name>BuildWorkers</name>
+    <message>
+        <source>&apos;%1&apos; cannot be written: %2</source>
+        <translation>无法写入 &apos;%1&apos;：%2</translation>
+    </message>
+    <message>
+        <source>a process of the build ended early: %1</source>
+        <translation>构建的一个进程提前结束：%1</translation>
+    </message>
+</context>
+<context>
+    <name>ChannelBuild</name>
+    <message>
+        <source>the folder &apos;%1&apos; cannot be made</source>
+        <translation>无法创建文件夹 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>the run was interrupted</source>
+        <translation>运行被中断</translation>
+    </message>
+    <message>
+        <source>there are no icons for %1</source>
+        <translation>没有 %1 的图标</translation>
+    </message>
+    <message>
+        <source>the icon &apos;%1&apos; cannot be moved</source>
+        <translation>无法移动图标 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>the manifest &apos;%1&apos; cannot be moved</source>
+        <translation>无法移动清单 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be removed</source>
+        <translation>无法删除 &apos;%1&apos;</translation>
+    </message>
+    <message>
+        <source>the assets cannot be encrypted</source>
+        <translation>无法加密资源</translation>
+    </message>
+    <message>
+        <source>the package cannot be signed: %1</source>
+        <translation>无法签名安装包：%1</translation>
+    </message>
+    <message>
+        <source>the package calls itself %1, version %2, and not %3, version %4</source>
+        <translation>安装包自称 %1，版本 %2，而不是 %3，版本 %4</translation>
+    </message>
+    <message>
+        <source>the package shows other icons than the base</source>
+        <translation>安装包显示的图标与基础包不同</translation>
+    </message>
+    <message>
+        <source>exporting</source>
+        <translation>正在导出</translation>
+    </message>
+    <message>
+        <source>the developer record %1 cannot be exported</source>
+        <translation>无法导出开发者记录 %1</translation>
+    </message>
+    <message>
+        <source>not everything could be moved from &apos;%1&apos;</source>
+        <translation>未能移走 &apos;%1&apos; 中的全部内容</translation>
     </message>
 </context>
 <context>
@@ -2068,6 +2336,40 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     </message>
 </context>
 <context>
+    <name>Manifest</name>
+    <message>
+        <source>it is nested too deep</source>
+        <translation>嵌套过深</translation>
+    </message>
+    <message>
+        <source>the decoded manifest cannot be read: %1</source>
+        <translation>无法读取解码后的清单：%1</translation>
+    </message>
+    <message>
+        <source>the decoded manifest has no application with a package&apos;s name</source>
+        <translation>解码后的清单中没有带包名的 application</translation>
+    </message>
+    <message>
+        <source>the config.xml of the SDK &apos;%1&apos; cannot be read: %2</source>
+        <translation>无法读取 SDK &apos;%1&apos; 的 config.xml：%2</translation>
+    </message>
+    <message>
+        <source>the SDK &apos;%1&apos; wants another %2 &apos;%3&apos; than the manifest has</source>
+        <translation>SDK &apos;%1&apos; 要的 %2 &apos;%3&apos; 与清单中的不同</translation>
+    </message>
+</context>
+<context>
+    <name>PackageFacts</name>
+    <message>
+        <source>reading the manifest</source>
+        <translation>正在读取清单</translation>
+    </message>
+    <message>
+        <source>aapt cannot read the package &apos;%1&apos;: %2</source>
+        <translation>aapt 无法读取安装包 &apos;%1&apos;：%2</translation>
+    </message>
+</context>
+<context>
     <name>PackageFileTexts</name>
     <message>
         <source>%1: a folder, link or device is in the way</source>
@@ -2099,6 +2401,33 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>the package &apos;%1&apos; has no icon that is a PNG file</source>
         <translation>包 &apos;%1&apos; 没有 PNG 格式的图标</translation>
+    </message>
+</context>
+<context>
+    <name>PackageParts</name>
+    <message>
+        <source>&apos;%1&apos; is neither a file nor a folder</source>
+        <translation>&apos;%1&apos; 既不是文件也不是文件夹</translation>
+    </message>
+    <message>
+        <source>SDK &apos;%1&apos;: %2</source>
+        <translation>SDK &apos;%1&apos;：%2</translation>
+    </message>
+    <message>
+        <source>SDK &apos;%1&apos;: files that packages do not take: %2</source>
+        <translation>SDK &apos;%1&apos;：安装包不采用的文件数：%2</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is written by the build, and no other part may bring it</source>
+        <translation>&apos;%1&apos; 由构建写入，其他部分不得带来它</translation>
+    </message>
+    <message>
+        <source>the SDKs &apos;%1&apos; and &apos;%2&apos; bring different files &apos;%3&apos;</source>
+        <translation>SDK &apos;%1&apos; 和 &apos;%2&apos; 带来了不同的文件 &apos;%3&apos;</translation>
+    </message>
+    <message>
+        <source>SDK &apos;%1&apos; replaces &apos;%2&apos; of the base</source>
+        <translation>SDK &apos;%1&apos; 替换了基础包的 &apos;%2&apos;</translation>
     </message>
 </context>
 <context>
@@ -2152,6 +2481,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>%1 left</source>
         <translation>剩余 %1</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 个渠道</translation>
     </message>
 </context>
 <context>
@@ -2533,6 +2866,17 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <message>
         <source>- stands for no file here; one of this name is ./-</source>
         <translation>此处 - 不代表任何文件；这个名称的文件写作 ./-</translation>
+    </message>
+</context>
+<context>
+    <name>Sheets</name>
+    <message>
+        <source>%1, channels: %2</source>
+        <translation>%1，渠道数：%2</translation>
+    </message>
+    <message>
+        <source>the sheet &apos;%1&apos; cannot be written: %2</source>
+        <translation>无法写入图样表 &apos;%1&apos;：%2</translation>
     </message>
 </context>
 <context>

@@ -48,6 +48,7 @@ struct Command {
 };
 
 QVector<Command> jobCommands();
+QVector<Command> buildCommands();
 QVector<Command> archiveCommands();
 QVector<Command> assetCommands();
 QVector<Command> apkCommands();

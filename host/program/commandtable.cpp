@@ -14,8 +14,8 @@ struct Table {
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
-    for (const auto& group : {jobCommands, archiveCommands, assetCommands, apkCommands, scriptCommands,
-                              treeCommands, dbCommands, iconCommands, deviceCommands})
+    for (const auto& group : {jobCommands, buildCommands, archiveCommands, assetCommands, apkCommands,
+                              scriptCommands, treeCommands, dbCommands, iconCommands, deviceCommands})
         commands += group();
     return commands;
 }
@@ -38,6 +38,16 @@ QList<QCommandLineOption> commonOptions()
 QCommandLineOption versionOption()
 {
     return {{QStringLiteral("V"), QStringLiteral("version")}, Table::tr("Prints the version.")};
+}
+
+QList<QCommandLineOption> shownOptions(const Command& command)
+{
+    QList<QCommandLineOption> shown = commonOptions();
+    for (const QCommandLineOption& option : command.options) {
+        if ((option.flags() & QCommandLineOption::HiddenFromHelp) == 0)
+            shown.append(option);
+    }
+    return shown;
 }
 
 QString syntaxOf(const Argument& argument)

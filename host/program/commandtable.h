@@ -10,6 +10,9 @@ QVector<Command> allCommands();
 /** The options that every command has. */
 QList<QCommandLineOption> commonOptions();
 
+/** Those, and its own that people are told of. */
+QList<QCommandLineOption> shownOptions(const Command& command);
+
 /** The option that stands in the place of a command. */
 QCommandLineOption versionOption();
 

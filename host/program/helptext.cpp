@@ -80,7 +80,7 @@ int widthOf(const QVector<Explained>& entries)
 QVector<Explained> optionsOf(const Command& command)
 {
     QVector<Explained> options;
-    for (const QCommandLineOption& option : commonOptions() + command.options) {
+    for (const QCommandLineOption& option : shownOptions(command)) {
         if ((option.flags() & QCommandLineOption::HiddenFromHelp) != 0)
             continue;
         QStringList names;

@@ -68,7 +68,7 @@ void ensureUtf8Locale()
 // and gets none of the words: some of ours, like --platform, are options of its own.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, const QStringList& words)
 {
-    if (words.value(0) != QLatin1String("icons"))
+    if (words.value(0) != QLatin1String("icons") && words.value(0) != QLatin1String("build"))
         return std::make_unique<QCoreApplication>(argc, argv);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     argc = 1;

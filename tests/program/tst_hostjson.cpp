@@ -92,6 +92,11 @@ void tst_HostJson::outcomesAreOfTheSchema_data()
     row("copy --help");
     row("init job");
     row("init source", 1);
+    row("build job/job.json --check");
+    row("build job/job.json");
+    row("build job/job.json --jobs 0", 2);
+    row("build job/job.json --collect", 1);
+    row("build script.py", 1);
     row("import @/packages/harbourpay.zip sdk");
     row("import @/packages/damaged.zip sdk2", 1);
     row("import @/packages/another-sdk.zip sdk2 --sdk-id 7", 1);

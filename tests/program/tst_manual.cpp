@@ -153,7 +153,7 @@ void tst_Manual::pageSaysWhatTheHelpSays()
     QStringList texts{command.details, command.summary.mid(1)};
     for (const Argument& argument : command.arguments)
         texts += {syntaxOf(argument), argument.description};
-    for (const QCommandLineOption& option : commonOptions() + command.options)
+    for (const QCommandLineOption& option : shownOptions(command))
         texts +=
             {QStringLiteral("--") + option.names().constLast(), option.valueName(), option.description()};
     const QString page = readPage(QStringLiteral("quenzo-") + command.name).text.simplified();
@@ -197,7 +197,7 @@ void tst_Manual::everyValueHasAKind()
             if (kindOf(command, argument).type == ValueKind::Unknown)
                 unknown += command.name + QLatin1Char(' ') + argument.name;
         }
-        for (const QCommandLineOption& option : commonOptions() + command.options) {
+        for (const QCommandLineOption& option : shownOptions(command)) {
             if (!option.valueName().isEmpty() && kindOf(command, option).type == ValueKind::Unknown)
                 unknown += command.name + QStringLiteral(" --") + option.names().constLast();
         }

@@ -37,7 +37,7 @@ struct ChannelOutcome {
     int added = 0;
     qint64 takenOver = 0; ///< bytes of the base that were taken as they were
     QString inputs; ///< digest of everything that the package follows from
-    QString digest; ///< SHA-256 of the package
+    QString digest; ///< tells packages apart by their size and their entries' checksums
 };
 
 /** One run of a job. */

@@ -96,6 +96,8 @@ bool Console::isInteractive()
 
 bool Console::showsProgress() const
 {
+    if (m_style.mute)
+        return false;
     if (m_style.progress == ConsoleStyle::JsonLines)
         return true;
     // Steps would come in between.
@@ -107,6 +109,13 @@ bool Console::outputIsTerminal()
     return StandardStreams::outputIsTerminal();
 }
 
+// A terminal that shows results is the one of the diagnostics.
+int Console::outputColumns()
+{
+    constexpr int wide = 120; // for files and pipes
+    return outputIsTerminal() ? terminalWidth() : wide;
+}
+
 void Console::print(const QString& line)
 {
     printText(outputIsTerminal() ? shown(line) : line);
@@ -114,7 +123,7 @@ void Console::print(const QString& line)
 
 void Console::printText(const QString& text)
 {
-    if (m_style.json)
+    if (m_style.json || m_style.mute)
         return;
     clearProgress();
     if (!m_outputIsFree)
@@ -164,6 +173,8 @@ void Console::step(const QString& text)
 
 void Console::writeDiagnostic(const QStringList& lines, Colour colour)
 {
+    if (m_style.mute)
+        return;
     clearProgress();
     QString whole = QStringLiteral("quenzo: ");
     if (colour != Plain && takesColour())
@@ -221,6 +232,14 @@ void Console::clearProgress()
         return;
     StandardStreams::writeDiagnostic(QStringLiteral("\r\033[K"));
     m_progressShown = false;
+}
+
+QStringList Console::warnings() const
+{
+    QStringList texts;
+    for (const auto& warning : m_warnings)
+        texts.append(warning.toString());
+    return texts;
 }
 
 void Console::finish(bool ok)

@@ -19,6 +19,7 @@ struct ConsoleStyle {
     bool json = false; ///< one JSON object in the place of the result's text
     bool quiet = false; ///< only results and errors
     bool verbose = false; ///< steps, and causes in full
+    bool mute = false; ///< nothing: what is said is kept for whoever asks for it
     ProgressForm progress = Terminal;
 };
 
@@ -54,6 +55,9 @@ public:
 
     /** Whether a person reads the results. */
     static bool outputIsTerminal();
+
+    /** How many columns a table of the result may have. */
+    static int outputColumns();
 
     /**
      * A line of the result; nothing with JSON. A terminal gets it without anything that would steer it, and
@@ -97,6 +101,10 @@ public:
      */
     void showProgress(const Progress& progress);
     void clearProgress();
+
+    /** What was said so far, for a report that tells it in other words. */
+    const Failure& failure() const { return m_failure; }
+    QStringList warnings() const;
 
     /** Ends the report: prints the JSON object, if wanted. */
     void finish(bool ok);

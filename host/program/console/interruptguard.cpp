@@ -23,6 +23,7 @@ QVector<InterruptGuard*>& guards()
 
 sigset_t outside; // what was blocked before the oldest
 std::atomic<bool> guarded{false}; // whether there is any
+int holds = 0; // of those signals that a step under way must not see
 
 void setMaskFromOutside()
 {
@@ -64,7 +65,7 @@ InterruptGuard::InterruptGuard(std::function<void()> putInOrder, const QVector<i
             sigaddset(&m_signals, signal);
     }
     pthread_sigmask(SIG_BLOCK, &m_signals, &m_before);
-    if (guards().isEmpty())
+    if (guards().isEmpty() && holds == 0)
         outside = m_before;
     guards().append(this);
     guarded = true;
@@ -77,12 +78,14 @@ InterruptGuard::~InterruptGuard()
 {
     look();
     guards().removeLast();
-    guarded = !guards().isEmpty();
+    guarded = holds > 0 || !guards().isEmpty();
     pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
 }
 
 void InterruptGuard::look()
 {
+    if (holds > 0)
+        return;
     sigset_t pending{};
     sigpending(&pending);
     for (const int signal : m_numbers) {
@@ -93,4 +96,35 @@ void InterruptGuard::look()
         // The signal waits, and takes its course.
         setMaskFromOutside();
     }
+}
+
+InterruptHold::InterruptHold()
+{
+    freeChildren();
+    sigset_t signals{};
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        if (!isIgnored(signal))
+            sigaddset(&signals, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &signals, &m_before);
+    if (guards().isEmpty())
+        outside = m_before;
+    guarded = true;
+    ++holds;
+}
+
+InterruptHold::~InterruptHold()
+{
+    --holds;
+    guarded = holds > 0 || !guards().isEmpty();
+    pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+}
+
+bool InterruptHold::isInterrupted() const
+{
+    sigset_t pending{};
+    sigpending(&pending);
+    return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1
+        || sigismember(&pending, SIGHUP) == 1;
 }

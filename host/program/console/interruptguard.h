@@ -35,4 +35,22 @@ private:
     QTimer m_timer;
 };
 
+/**
+ * While it lives, an InterruptGuard made after it keeps its signals waiting: work of several steps ends
+ * behind the one at hand. Whoever has made it asks between the steps, and lets it go.
+ */
+class InterruptHold {
+public:
+    InterruptHold();
+    ~InterruptHold();
+    InterruptHold(const InterruptHold&) = delete;
+    InterruptHold& operator=(const InterruptHold&) = delete;
+
+    /** Whether a signal of a person, or of the system that ends its programs, is waiting. */
+    bool isInterrupted() const;
+
+private:
+    sigset_t m_before{};
+};
+
 #endif

@@ -25,6 +25,8 @@ QString counted(Progress::Unit unit, qint64 number)
         return sizeText(number);
     case Progress::Rows:
         return ProgressText::tr("%1 rows").arg(text);
+    case Progress::Channels:
+        return ProgressText::tr("%1 channels").arg(text);
     case Progress::None:
         break;
     }
@@ -108,6 +110,8 @@ QJsonValue unitName(Progress::Unit unit)
         return QStringLiteral("bytes");
     case Progress::Rows:
         return QStringLiteral("rows");
+    case Progress::Channels:
+        return QStringLiteral("channels");
     case Progress::None:
         break;
     }

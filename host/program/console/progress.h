@@ -7,7 +7,7 @@
 
 /** The state of work that takes a while. */
 struct Progress {
-    enum Unit { None, Files, Bytes, Rows };
+    enum Unit { None, Files, Bytes, Rows, Channels };
 
     QString doing; ///< what is being done, for a person: "copying"
     Unit unit = None; ///< with None there is nothing to count

@@ -57,7 +57,7 @@ QString bashKind(const ValueKind& kind)
 
 QString bashCase(const Command& command)
 {
-    const QList<QCommandLineOption> options = commonOptions() + command.options;
+    const QList<QCommandLineOption> options = shownOptions(command);
     QString valued;
     for (const QCommandLineOption& option : options) {
         if (option.valueName().isEmpty())
@@ -153,7 +153,7 @@ QString zshOptions(const Command& command, const QCommandLineOption& option)
 QString zshCase(const Command& command)
 {
     QString text = QStringLiteral("    (%1)\n        _arguments -S :").arg(command.name);
-    for (const QCommandLineOption& option : commonOptions() + command.options)
+    for (const QCommandLineOption& option : shownOptions(command))
         text += zshOptions(command, option);
     int number = 0;
     for (const Argument& argument : command.arguments) {

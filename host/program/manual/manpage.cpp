@@ -165,7 +165,7 @@ QByteArray ManPage::of(const Command& command, const QDate& date)
         page.section("ARGUMENTS");
     for (const Argument& argument : command.arguments)
         page.entry(italic(argument.name), argument.description);
-    addOptions(page, commonOptions() + command.options);
+    addOptions(page, shownOptions(command));
     page.section("SEE ALSO");
     page.paragraph(bold(QStringLiteral("quenzo"))
                    + Manual::tr("(1) tells of exit codes, variables and files."));

@@ -2,14 +2,12 @@
 #include "command.h"
 
 #include "console/console.h"
-#include "scripts/scripttask.h"
+#include "scripts/assetencryption.h"
 
 #include <pythonforqt.h>
-#include <quenzobase.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFile>
 
 namespace {
 
@@ -38,25 +36,8 @@ bool takeKey(const QCommandLineParser& parser, Console& console)
         console.error({Failure::Usage, QStringLiteral("--key: ") + objection});
         return false;
     }
-    qputenv("QUENZO_KEY", QFile::encodeName(key)); // the interpreter reads it when it starts
+    useKey(key);
     return true;
-}
-
-void takeAnswer(PythonForQt& python, ScriptOutcome& outcome)
-{
-    const int answer = python.getResultAsInt();
-    outcome.succeeded = answer == 0;
-    outcome.values.insert(QStringLiteral("result"), answer);
-}
-
-ScriptOutcome callOnAssets(Console& console, const QString& function, const QString& apk,
-                           const QStringList& excluded, const QString& doing)
-{
-    ScriptCall call{
-        QStringLiteral("encrypt.py"), function, {QuenzoBase::getRunPath(), apk, QString::fromLatin1("")}};
-    for (const QString& pattern : excluded)
-        call.arguments.append(pattern);
-    return runCall(console, call, doing, takeAnswer);
 }
 
 ExitCode reportWork(Console& console, const QString& apk, const ScriptOutcome& outcome, const QString& done,
@@ -82,11 +63,7 @@ ExitCode encryptApk(const QCommandLineParser& parser, Console& console)
         return ExitUsage;
     if (!pathExists(console, apk))
         return ExitFailed;
-    const QString doing = AssetCommands::tr("encrypting");
-    // The library's task knows no exceptions.
-    const ScriptOutcome outcome = excluded.isEmpty()
-        ? runTask(console, PYTHON_TOOL_ENCRYPT, {{QStringLiteral("apkfile"), apk}}, doing)
-        : callOnAssets(console, QStringLiteral("encryptApk"), apk, excluded, doing);
+    const ScriptOutcome outcome = encryptAssets(console, apk, excluded);
     return reportWork(console, apk, outcome, AssetCommands::tr("encrypted %1"),
                       AssetCommands::tr("encryption failed with answer %1"));
 }

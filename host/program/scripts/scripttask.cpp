@@ -24,11 +24,19 @@ struct ScriptTasks {
     Q_DECLARE_TR_FUNCTIONS(ScriptTask)
 };
 
-/** How the scripts of one call are heard and spoken to. */
+/** How the scripts of this process are heard and spoken to, one call at a time. */
 struct Channels {
     WorkCount count;
     ScriptMessages messages;
 };
+
+// The interpreter learns of them once, when it starts, and may write to them until the process ends.
+Channels& channelsOfTheProcess()
+{
+    static auto* const channels = new Channels;
+    channels->count.begin();
+    return *channels;
+}
 
 Failure tellWarnings(ScriptMessages& messages, Console& console)
 {
@@ -84,7 +92,7 @@ ScriptOutcome runTask(Console& console, PYTHON_TOOL_OPERATE operate, const QVari
                              outcome.values = *values;
                      });
     thread.StartOperate(operate, parameters);
-    Channels channels;
+    Channels& channels = channelsOfTheProcess();
     runHeard(thread, console, channels, doing, outcome);
     return outcome;
 }
@@ -100,7 +108,7 @@ ScriptOutcome runCall(Console& console, const ScriptCall& call, const QString& d
                           call.function, call.arguments, true);
         read(python, outcome);
     }));
-    Channels channels;
+    Channels& channels = channelsOfTheProcess();
     runHeard(*worker, console, channels, doing, outcome);
     return outcome;
 }

@@ -23,6 +23,12 @@ bool read(int file, Numbers& numbers)
 
 } // namespace
 
+void WorkCount::begin()
+{
+    if (m_file.number() >= 0 && ftruncate(m_file.number(), 0) != 0)
+        qWarning("the count of earlier work stays");
+}
+
 Progress WorkCount::progress(const QString& doing) const
 {
     Numbers numbers{};

@@ -14,6 +14,9 @@ struct Progress;
  */
 class WorkCount {
 public:
+    /** Other work begins, of which nothing is known so far. */
+    void begin();
+
     Progress progress(const QString& doing) const;
 
     /** Asks the work to end and to leave what was there before; false when nobody counts, and would hear it.

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#ifndef BUILDINPUTS_H
+#define BUILDINPUTS_H
+
+#include <QHash>
+#include <QString>
+
+class Console;
+struct Job;
+struct JobChannel;
+
+/** Tells by a digest whether a channel's package would become another one: contents, settings and tools go
+ * into it. */
+class BuildInputs {
+public:
+    BuildInputs(const Job& job, Console& console);
+
+    /** The digest for a channel; empty with error() when something cannot be read. */
+    QString digestOf(const JobChannel& channel);
+
+    const QString& error() const { return m_error; }
+
+private:
+    QByteArray fileDigest(const QString& path);
+    QByteArray folderDigest(const QString& folder);
+    QByteArray commonDigest();
+
+    const Job& m_job;
+    QHash<QString, QByteArray> m_digests; ///< of files and folders, by path
+    QByteArray m_tools;
+    QByteArray m_common;
+    QString m_error;
+};
+
+#endif

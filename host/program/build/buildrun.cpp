@@ -1,0 +1,347 @@
+// SPDX-License-Identifier: MIT
+#include "build/buildrun.h"
+
+#include "build/apktool.h"
+#include "build/buildinputs.h"
+#include "build/buildpreparation.h"
+#include "build/buildrecords.h"
+#include "build/buildreport.h"
+#include "build/buildworkers.h"
+#include "build/channelbuild.h"
+#include "build/sheets.h"
+#include "console/console.h"
+#include "console/figures.h"
+#include "console/progress.h"
+#include "console/spinner.h"
+#include "console/standardstreams.h"
+#include "icons/iconset.h"
+#include "scripts/apksigner.h"
+#include "scripts/assetencryption.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+
+#include <algorithm>
+
+namespace {
+
+struct Run {
+    Q_DECLARE_TR_FUNCTIONS(BuildRun)
+};
+
+} // namespace
+
+BuildPlaces BuildRun::placesOf(const Job& job, const Slice& slice)
+{
+    BuildPlaces places{job.work, job.output, job.output};
+    if (slice.isWhole())
+        return places;
+    const QString part = QStringLiteral("/slices/%1-of-%2").arg(slice.index + 1).arg(slice.count);
+    places.work += part;
+    places.reports += part;
+    return places;
+}
+
+BuildRun::BuildRun(const Job& job, const BuildWishes& wishes, Console& console)
+    : m_job(job)
+    , m_wishes(wishes)
+    , m_places(placesOf(job, wishes.slice))
+    , m_console(console)
+    , m_doing(Run::tr("preparing"))
+{
+}
+
+BuildRun::~BuildRun() = default;
+
+ExitCode BuildRun::fail(const QString& message)
+{
+    m_console.error(message);
+    return ExitFailed;
+}
+
+ExitCode BuildRun::run()
+{
+    if (!begin())
+        return ExitFailed;
+    QLockFile lock(m_places.work + QStringLiteral("/.lock"));
+    lock.setStaleLockTime(0);
+    if (!lock.tryLock())
+        return fail(Run::tr("another run of this job is at work in '%1'").arg(m_places.work));
+    BuildRecords records;
+    if (!records.open(m_places.records()))
+        return fail(records.error());
+    if (!readBase())
+        return ExitFailed;
+    const Spinner spinner(m_console, [this] {
+        return Progress{Run::tr("building"), Progress::Channels, m_finished, m_pending.size(), m_doing};
+    });
+    findWork(records);
+    records.begin(m_job, m_outcome);
+    for (const ChannelOutcome& channel : qAsConst(m_outcome.channels)) {
+        if (channel.outcome == ChannelOutcome::Unchanged)
+            records.finish(channel);
+    }
+    prepareAndBuild(records);
+    m_outcome.interrupted = m_hold.isInterrupted();
+    m_outcome.end = QDateTime::currentDateTimeUtc();
+    return report(records);
+}
+
+// Sees to it that the run can begin at all; false with the error told.
+bool BuildRun::begin()
+{
+    m_outcome.job = m_job.path;
+    m_outcome.game = m_job.game;
+    m_outcome.output = m_job.output;
+    m_outcome.slice = m_wishes.slice.index;
+    m_outcome.slices = m_wishes.slice.count;
+    m_outcome.start = QDateTime::currentDateTimeUtc();
+    if (m_job.signing && !ApkSigner().isInstalled()) {
+        m_console.error(ApkSigner::missing());
+        return false;
+    }
+    const bool renames = std::any_of(m_job.channels.cbegin(), m_job.channels.cend(),
+                                     [](const JobChannel& channel) { return !channel.package.isEmpty(); });
+    if (renames && !ApkTool({}).isInstalled()) {
+        m_console.error(ApkTool::missing());
+        return false;
+    }
+    for (const QString& folder : {m_places.work, m_places.output, m_places.reports}) {
+        if (!QDir().mkpath(folder)) {
+            m_console.error(Run::tr("the folder '%1' cannot be made").arg(folder));
+            return false;
+        }
+    }
+    if (!m_job.key.isEmpty())
+        useKey(m_job.key);
+    return true;
+}
+
+bool BuildRun::readBase()
+{
+    QString fault;
+    ConsoleStyle style;
+    style.mute = true;
+    Console mute(style);
+    if (!m_editor.open(m_job.base))
+        fault = m_editor.error();
+    else
+        fault = ApkEditor::objectionTo(m_job.base);
+    if (fault.isEmpty() && !PackageFacts::read(m_job.base, mute, m_base, fault))
+        Q_ASSERT(!fault.isEmpty());
+    if (fault.isEmpty() && !m_job.icon.isEmpty() && m_job.platforms.contains(IconSet::Android)
+        && m_base.icons.pictures.isEmpty())
+        fault = Run::tr("the base '%1' has no icon that is a PNG file").arg(m_job.base);
+    if (!fault.isEmpty())
+        m_console.error({Failure::BadInput, fault});
+    for (const QString& other : qAsConst(m_base.icons.others))
+        m_console.warn(Run::tr("the base shows %1 as its icon, too, which stays as it is").arg(other));
+    return fault.isEmpty();
+}
+
+// Finds the channels of the slice, and which of them have to be built.
+void BuildRun::findWork(BuildRecords& records)
+{
+    ConsoleStyle style;
+    style.mute = true;
+    Console mute(style);
+    BuildInputs inputs(m_job, mute);
+    const QHash<QString, EarlierBuild> earlier = records.earlier(m_job.game);
+    for (int i = 0; i < m_job.channels.size(); ++i) {
+        if (!m_wishes.slice.takes(i))
+            continue;
+        const JobChannel& channel = m_job.channels.at(i);
+        const QString digest = inputs.digestOf(channel);
+        m_inputs.insert(channel.folder, digest);
+        ChannelOutcome outcome;
+        const auto known = earlier.constFind(channel.folder);
+        if (!m_wishes.force && known != earlier.cend() && !digest.isEmpty() && known->inputs == digest
+            && !known->digest.isEmpty()
+            && digestOfPackage(m_places.finishedPackage(channel.folder)) == known->digest) {
+            outcome = known->outcome;
+            outcome.outcome = ChannelOutcome::Unchanged;
+            outcome.steps.clear();
+            tell(outcome);
+        } else {
+            outcome.folder = channel.folder;
+            outcome.name = channel.name;
+            m_pending.append(channel);
+        }
+        outcome.index = i;
+        outcome.inputs = digest;
+        m_outcome.channels.append(outcome);
+    }
+}
+
+void BuildRun::prepareAndBuild(BuildRecords& records)
+{
+    if (m_pending.isEmpty() || m_hold.isInterrupted())
+        return;
+    BuildPreparation preparation(m_job, m_places, m_base);
+    m_doing = Run::tr("importing SDKs");
+    preparation.importSdks(m_pending);
+    QString commonFault;
+    m_doing = Run::tr("decoding the base");
+    const bool decoded = preparation.decodeBase(m_pending, commonFault);
+    m_doing = Run::tr("drawing icons");
+    if (decoded && !m_job.icon.isEmpty())
+        preparation.makeIcons(m_pending, commonFault);
+    QVector<JobChannel> possible;
+    for (const JobChannel& channel : qAsConst(m_pending)) {
+        ChannelOutcome outcome;
+        outcome.message = commonFault.isEmpty() ? preparation.faultOf(channel) : commonFault;
+        if (outcome.message.isEmpty()) {
+            possible.append(channel);
+            continue;
+        }
+        outcome.folder = channel.folder;
+        outcome.name = channel.name;
+        outcome.outcome = ChannelOutcome::Failed;
+        removeFolder(m_places.finished(channel.folder)); // it came from other inputs
+        finish(outcome, records);
+    }
+    m_pending = possible;
+    m_finished = 0;
+    if (m_wishes.processes > 1 && m_pending.size() > 1)
+        buildInProcesses(records);
+    else
+        buildHere(records);
+}
+
+void BuildRun::buildHere(BuildRecords& records)
+{
+    ChannelBuild build(m_job, m_places, m_editor, m_base, [this] { return m_hold.isInterrupted(); });
+    QString folder;
+    build.onBegin = [&](const QString& step) {
+        m_doing = QStringLiteral("%1: %2").arg(folder, step);
+        m_console.step(m_doing);
+    };
+    build.onEnd = [](const BuildStep&) {};
+    for (const JobChannel& channel : qAsConst(m_pending)) {
+        if (m_hold.isInterrupted())
+            return;
+        folder = channel.folder;
+        finish(build.run(channel), records);
+    }
+}
+
+void BuildRun::buildInProcesses(BuildRecords& records)
+{
+    BuildWorkers workers(m_job, m_wishes.slice, m_places);
+    workers.onBegin = [this](const QString& doing) {
+        m_doing = doing;
+        m_console.step(doing);
+    };
+    workers.onDone = [&](const ChannelOutcome& outcome) { finish(outcome, records); };
+    const QString fault =
+        workers.run(m_pending, m_wishes.processes, [this] { return m_hold.isInterrupted(); });
+    if (!fault.isEmpty())
+        m_console.error(fault);
+}
+
+// A channel has come to its end.
+void BuildRun::finish(ChannelOutcome outcome, BuildRecords& records)
+{
+    outcome.inputs = m_inputs.value(outcome.folder);
+    const auto place =
+        std::find_if(m_outcome.channels.begin(), m_outcome.channels.end(),
+                     [&outcome](const ChannelOutcome& channel) { return channel.folder == outcome.folder; });
+    outcome.index = place->index;
+    *place = outcome;
+    for (const BuildStep& step : qAsConst(outcome.steps))
+        records.add(outcome.folder, step);
+    records.finish(outcome);
+    ++m_finished;
+    tell(outcome);
+}
+
+// A line a channel, where no line of a terminal shows how far the run is.
+void BuildRun::tell(const ChannelOutcome& channel)
+{
+    switch (channel.outcome) {
+    case ChannelOutcome::Failed:
+        m_console.warn(Run::tr("channel '%1' failed: %2").arg(channel.folder, channel.message));
+        break;
+    case ChannelOutcome::Built:
+        m_console.step(Run::tr("%1: built, %2").arg(channel.folder, sizeText(channel.size)));
+        break;
+    case ChannelOutcome::Unchanged:
+        m_console.step(Run::tr("%1: unchanged").arg(channel.folder));
+        break;
+    case ChannelOutcome::NotReached:
+        break;
+    }
+}
+
+ExitCode BuildRun::report(BuildRecords& records)
+{
+    m_doing = Run::tr("writing the report");
+    drawSheets(m_job, m_outcome, m_places.reports, m_console);
+    records.end(m_outcome);
+    bool good = true;
+    if (!records.flush()) {
+        m_console.error(records.error());
+        good = false;
+    }
+    const QString fault = BuildReport::write(m_outcome, m_places.reports);
+    if (!fault.isEmpty()) {
+        m_console.error(fault);
+        good = false;
+    }
+    good &= tellBuild(m_outcome, m_console);
+    if (m_outcome.interrupted)
+        m_console.finish(false); // the signal takes its course behind this
+    return good ? ExitDone : ExitFailed;
+}
+
+bool tellBuild(const BuildOutcome& build, Console& console)
+{
+    for (const QString& line : BuildReport::toTable(build, Console::outputColumns()))
+        console.say(line);
+    console.set(QStringLiteral("report"), BuildReport::toJson(build));
+    const auto failed =
+        std::count_if(build.channels.cbegin(), build.channels.cend(), [](const ChannelOutcome& channel) {
+            return channel.outcome == ChannelOutcome::Failed;
+        });
+    if (build.interrupted)
+        console.error({Failure::Interrupted, Run::tr("interrupted; the same command goes on with the rest")});
+    else if (failed > 0)
+        console.error(Run::tr("failed: %1 of %2 channels").arg(failed).arg(build.channels.size()));
+    else if (!build.succeeded())
+        console.error(Run::tr("not every channel was reached"));
+    return build.succeeded();
+}
+
+ExitCode BuildRun::serve(const Job& job, const Slice& slice, int share, int shares)
+{
+    const InterruptHold hold;
+    const BuildPlaces places = placesOf(job, slice);
+    if (!job.key.isEmpty())
+        useKey(job.key);
+    ConsoleStyle style;
+    style.mute = true;
+    Console mute(style);
+    ApkEditor editor;
+    PackageFacts base;
+    QString fault;
+    if (!editor.open(job.base) || !PackageFacts::read(job.base, mute, base, fault)) {
+        StandardStreams::writeDiagnostic((fault.isEmpty() ? editor.error() : fault) + QLatin1Char('\n'));
+        return ExitFailed;
+    }
+    ChannelBuild build(job, places, editor, base, [&hold] { return hold.isInterrupted(); });
+    QString folder;
+    build.onBegin = [&folder](const QString& step) { BuildWorkers::tellBegin(folder, step); };
+    build.onEnd = [](const BuildStep&) {};
+    for (const QString& name : BuildWorkers::shareOf(places, share, shares)) {
+        const auto channel = std::find_if(job.channels.cbegin(), job.channels.cend(),
+                                          [&name](const JobChannel& one) { return one.folder == name; });
+        if (channel == job.channels.cend() || hold.isInterrupted())
+            continue;
+        folder = name;
+        BuildWorkers::tellDone(job, build.run(*channel));
+    }
+    return ExitDone;
+}

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#ifndef BUILDRUN_H
+#define BUILDRUN_H
+
+#include "build/apkeditor.h"
+#include "build/buildoutcome.h"
+#include "build/buildplaces.h"
+#include "build/job.h"
+#include "build/packagefacts.h"
+#include "build/slice.h"
+#include "command.h"
+#include "console/interruptguard.h"
+
+#include <QHash>
+
+class BuildPreparation;
+class BuildRecords;
+
+/** What the words of the command line ask of a run. */
+struct BuildWishes {
+    Slice slice;
+    bool force = false; ///< builds what has not changed, too
+    int processes = 1;
+};
+
+/** One run over a job's channels, or a slice of them: prepares, builds, records and reports. */
+class BuildRun {
+public:
+    BuildRun(const Job& job, const BuildWishes& wishes, Console& console);
+    ~BuildRun();
+
+    /** Does it; what it came to is told. */
+    ExitCode run();
+
+    /** Builds one share of what another process has prepared, and tells that process of it. */
+    static ExitCode serve(const Job& job, const Slice& slice, int share, int shares);
+
+    static BuildPlaces placesOf(const Job& job, const Slice& slice);
+
+private:
+    bool begin();
+    bool readBase();
+    void findWork(BuildRecords& records);
+    void prepareAndBuild(BuildRecords& records);
+    void buildHere(BuildRecords& records);
+    void buildInProcesses(BuildRecords& records);
+    void finish(ChannelOutcome outcome, BuildRecords& records);
+    ExitCode report(BuildRecords& records);
+    ExitCode fail(const QString& message);
+    void tell(const ChannelOutcome& channel);
+
+    const Job& m_job;
+    const BuildWishes m_wishes;
+    const BuildPlaces m_places;
+    Console& m_console;
+    const InterruptHold m_hold;
+    ApkEditor m_editor;
+    PackageFacts m_base;
+    BuildOutcome m_outcome;
+    QVector<JobChannel> m_pending; ///< channels to be built, in the job's order
+    QHash<QString, QString> m_inputs; ///< digests by folder
+    QString m_doing; ///< what a person reads of the work at hand
+    int m_finished = 0; ///< of the channels to be built
+};
+
+/** Tells what a run came to: the table, the object for machines, and how many failed; false when it did not
+ * succeed. */
+bool tellBuild(const BuildOutcome& build, Console& console);
+
+#endif

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#ifndef BUILDWORKERS_H
+#define BUILDWORKERS_H
+
+#include "build/buildoutcome.h"
+#include "build/buildplaces.h"
+
+#include <QStringList>
+#include <QVector>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class ToolChild;
+struct Job;
+struct JobChannel;
+struct Slice;
+
+/** Builds channels in several processes of this program: the interpreter serves one thread at a time. */
+class BuildWorkers {
+public:
+    BuildWorkers(const Job& job, const Slice& slice, const BuildPlaces& places);
+    ~BuildWorkers();
+    BuildWorkers(const BuildWorkers&) = delete;
+    BuildWorkers& operator=(const BuildWorkers&) = delete;
+
+    std::function<void(const QString& doing)> onBegin;
+    std::function<void(const ChannelOutcome& channel)> onDone;
+
+    /**
+     * Builds channels whose common parts are prepared, and lets the event loop run meanwhile.
+     *
+     * @param isInterrupted once it is, every process ends behind its step at hand
+     * @return a fault in one sentence when a process did not do its share
+     */
+    QString run(const QVector<JobChannel>& channels, int processes,
+                const std::function<bool()>& isInterrupted);
+
+    /** The folders of the channels that a share of several has, as run() has left them for its processes. */
+    static QStringList shareOf(const BuildPlaces& places, int share, int shares);
+
+    /** What a process tells of its work. */
+    static void tellBegin(const QString& folder, const QString& step);
+    static void tellDone(const Job& job, const ChannelOutcome& channel);
+
+private:
+    struct Worker;
+    void start(int share, int shares);
+    void read(Worker& worker);
+    void take(const QByteArray& line);
+
+    const Job& m_job;
+    const Slice& m_slice;
+    const BuildPlaces m_places;
+    std::vector<std::unique_ptr<Worker>> m_workers;
+};
+
+#endif

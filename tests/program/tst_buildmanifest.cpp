@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "buildscene.h"
+
+#include <QProcess>
+#include <QStandardPaths>
+#include <QtTest>
+
+// Packages whose manifest is not the base's.
+class tst_BuildManifest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void packageOfItsOwnIsNamed();
+    void fragmentsOfSdksAreMerged();
+    void clashingFragmentFailsItsChannelOnly();
+    void missingApktoolIsToldBeforeAnythingIsBuilt();
+    void processesGiveTheSameBytes();
+
+private:
+    bool addFragment(const QByteArray& fragment) const;
+    QByteArray badgingOf(const QString& channel) const;
+    QByteArray manifestOf(const QString& channel) const;
+
+    std::unique_ptr<BuildScene> m_scene;
+};
+
+void tst_BuildManifest::init()
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("apktool")).isEmpty())
+        QSKIP("apktool is not installed (group android)");
+    m_scene = std::make_unique<BuildScene>();
+    QVERIFY(m_scene->isValid());
+}
+
+// Makes the job's SDK one that wants something of the manifest.
+bool tst_BuildManifest::addFragment(const QByteArray& fragment) const
+{
+    return m_scene->write(QStringLiteral("sdk/config.xml"),
+                          "<sdk id=\"7\" name=\"Pay\" version=\"1\"><manifest "
+                          "xmlns:android=\"http://schemas.android.com/apk/res/android\">"
+                              + fragment + "</manifest><files><file>assets/pay.txt</file></files></sdk>")
+        && m_scene->write(QStringLiteral("sdk/assets/pay.txt"), "pay")
+        && QuenzoProcess(QuenzoProcess::words("pack sdk pay.zip"), m_scene->path({})).end().code == 0;
+}
+
+QByteArray tst_BuildManifest::badgingOf(const QString& channel) const
+{
+    QProcess aapt;
+    aapt.start(QStringLiteral("aapt"),
+               {QStringLiteral("dump"), QStringLiteral("badging"),
+                m_scene->path(QStringLiteral("output/%1/%1.apk").arg(channel))});
+    return aapt.waitForFinished() ? aapt.readAllStandardOutput() : QByteArray();
+}
+
+QByteArray tst_BuildManifest::manifestOf(const QString& channel) const
+{
+    QProcess aapt;
+    aapt.start(QStringLiteral("aapt"),
+               {QStringLiteral("dump"), QStringLiteral("xmltree"),
+                m_scene->path(QStringLiteral("output/%1/%1.apk").arg(channel)),
+                QStringLiteral("AndroidManifest.xml")});
+    return aapt.waitForFinished() ? aapt.readAllStandardOutput() : QByteArray();
+}
+
+void tst_BuildManifest::packageOfItsOwnIsNamed()
+{
+    QJsonObject channel = m_scene->channel(1);
+    channel.insert(QStringLiteral("package"), QStringLiteral("com.quenzo.skyharbour.harbor"));
+    m_scene->setChannel(1, channel);
+    const Ended ended = m_scene->run("--json");
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QCOMPARE(
+        BuildScene::reportOf(ended, QStringLiteral("harbor")).value(QStringLiteral("packageName")).toString(),
+        QStringLiteral("com.quenzo.skyharbour.harbor"));
+    const QByteArray badging = badgingOf(QStringLiteral("harbor"));
+    QVERIFY2(badging.startsWith("package: name='com.quenzo.skyharbour.harbor'"), badging.constData());
+    QVERIFY2(badging.contains("application-label:'Sky Harbour'"), badging.constData());
+    QVERIFY(badgingOf(QStringLiteral("plain")).startsWith("package: name='com.quenzo.skyharbour'"));
+    QVERIFY(!QFileInfo::exists(m_scene->path(QStringLiteral("output/harbor/decoded"))));
+}
+
+void tst_BuildManifest::fragmentsOfSdksAreMerged()
+{
+    QVERIFY(
+        addFragment("<uses-permission android:name=\"android.permission.CAMERA\"/><application><provider "
+                    "android:name=\"pay.P\" android:authorities=\"${applicationId}.pay\"/></application>"));
+    const Ended ended = m_scene->run();
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QVERIFY(badgingOf(QStringLiteral("harbor")).contains("android.permission.CAMERA"));
+    QVERIFY(!badgingOf(QStringLiteral("plain")).contains("android.permission.CAMERA"));
+    const QByteArray manifest = manifestOf(QStringLiteral("harbor"));
+    QVERIFY2(manifest.contains("\"com.quenzo.skyharbour.pay\""), manifest.constData());
+}
+
+void tst_BuildManifest::clashingFragmentFailsItsChannelOnly()
+{
+    QVERIFY(
+        addFragment("<application><activity android:name=\"android.app.NativeActivity\"/></application>"));
+    const Ended ended = m_scene->run("--json");
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(BuildScene::outcomes(ended).value(QStringLiteral("plain")), QStringLiteral("built"));
+    QCOMPARE(
+        BuildScene::reportOf(ended, QStringLiteral("harbor")).value(QStringLiteral("message")).toString(),
+        QStringLiteral(
+            "the SDK 'pay' wants another activity 'android.app.NativeActivity' than the manifest has"));
+}
+
+void tst_BuildManifest::missingApktoolIsToldBeforeAnythingIsBuilt()
+{
+    QJsonObject channel = m_scene->channel(1);
+    channel.insert(QStringLiteral("package"), QStringLiteral("com.quenzo.skyharbour.harbor"));
+    m_scene->setChannel(1, channel);
+    const auto process = m_scene->process("--json");
+    process->setVariable("PATH", m_scene->path({}));
+    const Ended ended = process->end();
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.failure().value(QStringLiteral("code")).toString(), QStringLiteral("no-tool"));
+    QVERIFY(m_scene->finished().isEmpty());
+}
+
+void tst_BuildManifest::processesGiveTheSameBytes()
+{
+    QVERIFY(addFragment("<uses-permission android:name=\"android.permission.CAMERA\"/>"));
+    QCOMPARE(m_scene->run().code, 0);
+    const auto alone = m_scene->finished();
+    const Ended ended = m_scene->run("--force --jobs 2");
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QVERIFY(m_scene->finished() == alone);
+}
+
+QTEST_GUILESS_MAIN(tst_BuildManifest)
+#include "tst_buildmanifest.moc"
