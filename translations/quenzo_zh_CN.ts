@@ -954,10 +954,6 @@ Without &quot;x&quot; or &quot;y&quot; the mark lies flush in its corner. With t
         <translation>%1: 未知选项 &apos;%2&apos;</translation>
     </message>
     <message>
-        <source>see quenzo %1</source>
-        <translation>参见 quenzo %1</translation>
-    </message>
-    <message>
         <source>--quiet and --verbose exclude each other</source>
         <translation>--quiet 与 --verbose 不能同时使用</translation>
     </message>
@@ -983,6 +979,10 @@ Without &quot;x&quot; or &quot;y&quot; the mark lies flush in its corner. With t
     <message>
         <source>called off; nothing was changed</source>
         <translation>已取消；没有任何改动</translation>
+    </message>
+    <message>
+        <source>see quenzo %1</source>
+        <translation>参见 quenzo %1</translation>
     </message>
 </context>
 <context>

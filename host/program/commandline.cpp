@@ -119,8 +119,7 @@ int commonWords(const QString& word)
 ExitCode objectTo(const QStringList& words, const QString& text, const QString& command = {})
 {
     Console console({asksForJson(words)}, command);
-    const QString help = command.isEmpty() ? QStringLiteral("--help") : command + QStringLiteral(" --help");
-    console.error(Failure{Failure::Usage, text, {}, Line::tr("see quenzo %1").arg(help)});
+    console.error({Failure::Usage, text});
     console.finish(false);
     return ExitUsage;
 }

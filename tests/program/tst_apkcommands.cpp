@@ -156,7 +156,8 @@ void tst_ApkCommands::passwordComesFromOnePlace()
     QFETCH(const QString, line);
     QFETCH(const QString, text);
     const Ended ended = run(line.toLatin1().constData());
-    QVERIFY2(ended.error.startsWith("quenzo: " + text.toLatin1() + '\n'), ended.error.constData());
+    QCOMPARE(QString::fromUtf8(ended.error),
+             QStringLiteral("quenzo: ") + text + QStringLiteral(" (see quenzo sign --help)\n"));
     QCOMPARE(ended.code, 2);
 }
 

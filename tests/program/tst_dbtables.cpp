@@ -66,7 +66,8 @@ void tst_DBTables::tablesThatCannotBeAreRefused()
 void tst_DBTables::mistypedTypeIsGuessed()
 {
     const Ended ended = db(words("create game name:txet"));
-    QVERIFY2(ended.error.endsWith("; did you mean 'text'?\n"), ended.error.constData());
+    QVERIFY2(ended.error.endsWith("; did you mean 'text'? (see quenzo db --help)\n"),
+             ended.error.constData());
 }
 
 QTEST_GUILESS_MAIN(tst_DBTables)

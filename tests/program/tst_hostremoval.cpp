@@ -174,7 +174,7 @@ void tst_HostRemoval::removeNeedsYesWhereNobodyCanBeAsked()
     QCOMPARE(
         QString::fromUtf8(outcome.error),
         QStringLiteral("quenzo: this removes '%1/source' with all in it: --yes is needed where nobody can be "
-                       "asked\n")
+                       "asked (see quenzo remove --help)\n")
             .arg(folder()));
     QVERIFY(exists(m_root + "/source/file"));
 }

@@ -217,7 +217,9 @@ void tst_HostStreams::wordsThatAreNoTextAreRefused()
 void tst_HostStreams::negativeSdkNumbersAreRefused()
 {
     const Ended ended = QuenzoProcess(words("import script.py target --sdk-id -1"), m_folder.path()).end();
-    QCOMPARE(ended.error, QByteArray("quenzo: --sdk-id takes a whole number that is not negative\n"));
+    QCOMPARE(ended.error,
+             QByteArray(
+                 "quenzo: --sdk-id takes a whole number that is not negative (see quenzo import --help)\n"));
     QCOMPARE(ended.code, 2);
     QVERIFY(!QFile::exists(m_folder.filePath(QStringLiteral("target"))));
 }

@@ -380,7 +380,7 @@ void tst_IconLayouts::wrongWordsAreRefused()
     QFETCH(const QByteArray, error);
     const Ended ended = icons(oneChannel, options);
     QCOMPARE(ended.code, 2);
-    QCOMPARE(ended.error, "quenzo: " + error + '\n');
+    QCOMPARE(ended.error, "quenzo: " + error + " (see quenzo icons --help)\n");
     QVERIFY(!QFileInfo::exists(out()));
 }
 

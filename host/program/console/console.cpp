@@ -143,8 +143,14 @@ void Console::set(const QString& key, const QJsonValue& value)
     m_result.insert(key, value);
 }
 
-void Console::error(const Failure& failure)
+void Console::error(const Failure& told)
 {
+    Failure failure = told;
+    if (failure.code == Failure::Usage && failure.hint.isEmpty()) {
+        const QString help = QStringLiteral("--help");
+        failure.hint = ConsoleText::tr("see quenzo %1")
+                           .arg(m_command.isEmpty() ? help : m_command + QLatin1Char(' ') + help);
+    }
     if (m_hasFailed)
         m_failure.causes += QStringList(failure.message) + failure.causes;
     else

@@ -79,8 +79,8 @@ public:
     void set(const QString& key, const QJsonValue& value);
 
     /** What kept the command from its end. Of several failures the first is the one that machines get; the
-     * others are among its causes. */
-    void error(const Failure& failure);
+     * others are among its causes. Wrong words get the hint where the right ones are told. */
+    void error(const Failure& told);
 
     /** The same for a failure of the work itself. */
     void error(const QString& text, const QStringList& causes = {});
