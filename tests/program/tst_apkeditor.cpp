@@ -28,6 +28,8 @@ private Q_SLOTS:
     void equalInputGivesEqualBytes();
     void packagesOfOneEditorEqualThoseOfSeveral();
     void storedEntriesBeginWhereAndroidMapsThem();
+    void damageIsFoundWhereItIsLookedFor_data();
+    void damageIsFoundWhereItIsLookedFor();
     void signaturesAreDropped_data();
     void signaturesAreDropped();
     void largeContentGetsItsSizesIntoTheHeader();
@@ -301,6 +303,35 @@ void tst_ApkEditor::storedEntriesBeginWhereAndroidMapsThem()
     write("unaligned.apk", foreignBase().bytes());
     const QString objection = ApkEditor::objectionTo(path("unaligned.apk"));
     QVERIFY2(objection.endsWith(QLatin1String(" is not aligned")), qPrintable(objection));
+}
+
+void tst_ApkEditor::damageIsFoundWhereItIsLookedFor_data()
+{
+    QTest::addColumn<QByteArray>("damaged");
+    QTest::addColumn<bool>("isChanged");
+    QTest::newRow("replaced entry") << QByteArray("lib/arm64-v8a/libgame.so") << true;
+    QTest::newRow("new entry") << QByteArray("lib/x86/libnew.so") << true;
+    QTest::newRow("entry of the base") << QByteArray("res/icon.png") << false;
+}
+
+void tst_ApkEditor::damageIsFoundWhereItIsLookedFor()
+{
+    QFETCH(const QByteArray, damaged);
+    QFETCH(const bool, isChanged);
+    const QVector<ApkChange> changes{{"lib/arm64-v8a/libgame.so", {}, noise(50000)},
+                                     {"lib/x86/libnew.so", {}, noise(30000)},
+                                     {"META-INF/OLD.SF", {}, "dropped"}};
+    make("foreign.apk", "out.apk", changes);
+    QCOMPARE(ApkEditor::objectionTo(path("out.apk"), changes), QString());
+
+    QByteArray package = read("out.apk");
+    const int padding = damaged.endsWith(".so") ? 1 << 14 : 4; // at most
+    const int place = package.indexOf(damaged) + damaged.size() + padding + 1000;
+    package[place] = static_cast<char>(~package.at(place));
+    write("out.apk", package);
+    const QString whole = ApkEditor::objectionTo(path("out.apk"));
+    QVERIFY2(whole.contains(QString::fromLatin1(damaged)), qPrintable(whole));
+    QCOMPARE(ApkEditor::objectionTo(path("out.apk"), changes), isChanged ? whole : QString());
 }
 
 void tst_ApkEditor::signaturesAreDropped_data()

@@ -2,6 +2,9 @@
 #include "buildscene.h"
 
 #include <QLockFile>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QtTest>
 
 // What goes wrong in a run, and what is left then.
@@ -21,8 +24,11 @@ private Q_SLOTS:
     void termEndsBehindTheStepAndTheNextRunGoesOn_data();
     void termEndsBehindTheStepAndTheNextRunGoesOn();
     void killedRunsAreTakenUp();
+    void damagedContentOfARunWithoutAnEndIsBuiltAgain();
 
 private:
+    void takeEndOfRuns() const;
+
     std::unique_ptr<BuildScene> m_scene;
 };
 
@@ -198,6 +204,37 @@ void tst_BuildFailures::killedRunsAreTakenUp()
         QVERIFY2(again.code == 0, again.error.constData());
         QVERIFY2(m_scene->finished() == undisturbed, qPrintable(QString::number(round)));
     }
+}
+
+// As it is when the machine goes down during a run.
+void tst_BuildFailures::takeEndOfRuns() const
+{
+    {
+        QSqlDatabase records = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("test"));
+        records.setDatabaseName(m_scene->path(QStringLiteral("output/records.db")));
+        QVERIFY(records.open());
+        QSqlQuery query(records);
+        QVERIFY2(query.exec(QStringLiteral("UPDATE build SET ended = NULL, outcome = NULL")),
+                 qPrintable(query.lastError().text()));
+        QVERIFY(query.numRowsAffected() > 0);
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("test"));
+}
+
+void tst_BuildFailures::damagedContentOfARunWithoutAnEndIsBuiltAgain()
+{
+    QCOMPARE(m_scene->run().code, 0);
+    const auto undisturbed = m_scene->finished();
+    takeEndOfRuns();
+    QByteArray package = m_scene->read(QStringLiteral("output/harbor/harbor.apk"));
+    const int place = package.indexOf("horn.wav") + 1000; // in a stored entry; the directory stays as it is
+    package[place] = static_cast<char>(~package.at(place));
+    QVERIFY(m_scene->write(QStringLiteral("output/harbor/harbor.apk"), package));
+    const QMap<QString, QString> expected{{QStringLiteral("plain"), QStringLiteral("unchanged")},
+                                          {QStringLiteral("harbor"), QStringLiteral("built")},
+                                          {QStringLiteral("meadow"), QStringLiteral("unchanged")}};
+    QCOMPARE(BuildScene::outcomes(m_scene->run("--json")), expected);
+    QVERIFY(m_scene->finished() == undisturbed);
 }
 
 QTEST_GUILESS_MAIN(tst_BuildFailures)

@@ -15,8 +15,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMap>
+#include <QSet>
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -119,6 +121,7 @@ struct ApkEditor::Base {
 
     QString plan(const QVector<ApkChange>& changes, Changes& left) const;
     bool pack(ZipWriter& writer, Changes left, QString& error) const;
+    QString objection(const std::function<bool(const ZipEntry&)>& isRead) const;
 };
 
 ApkEditor::ApkEditor() = default;
@@ -225,21 +228,45 @@ bool ApkEditor::write(const QString& package, const QVector<ApkChange>& changes)
     return m_error.isEmpty();
 }
 
+QString ApkEditor::Base::objection(const std::function<bool(const ZipEntry&)>& isRead) const
+{
+    for (const ZipEntry& entry : directory.entries) {
+        if (!isRead(entry))
+            continue;
+        ZipContent content(archive, entry);
+        while (!content.next().isEmpty()) { }
+        if (!content.error().isEmpty())
+            return ApkEditorTexts::tr("%1: %2").arg(archive.path(), content.error());
+    }
+    for (const ZipEntry& entry : directory.entries) {
+        if (entry.method == ZipEntry::Stored && entry.data % ZipFormat::alignmentOf(entry.name) != 0)
+            return ApkEditorTexts::tr("%1: '%2' is not aligned")
+                .arg(archive.path(), ZipNames::shown(entry.name));
+    }
+    return {};
+}
+
 QString ApkEditor::objectionTo(const QString& package)
 {
     ApkEditor editor;
     if (!editor.open(package))
         return editor.error();
-    const Base& base = *editor.m_base;
-    for (const ZipEntry& entry : base.directory.entries) {
-        ZipContent content(base.archive, entry);
-        while (!content.next().isEmpty()) { }
-        if (!content.error().isEmpty())
-            return ApkEditorTexts::tr("%1: %2").arg(package, content.error());
+    return editor.m_base->objection([](const ZipEntry&) { return true; });
+}
+
+QString ApkEditor::objectionTo(const QString& package, const QVector<ApkChange>& changes)
+{
+    ApkEditor editor;
+    if (!editor.open(package))
+        return editor.error();
+    QSet<QByteArray> missing;
+    for (const ApkChange& change : changes) {
+        if (!ZipNames::isSignature(change.name))
+            missing.insert(change.name);
     }
-    for (const ZipEntry& entry : base.directory.entries) {
-        if (entry.method == ZipEntry::Stored && entry.data % ZipFormat::alignmentOf(entry.name) != 0)
-            return ApkEditorTexts::tr("%1: '%2' is not aligned").arg(package, ZipNames::shown(entry.name));
-    }
-    return {};
+    const QString objection =
+        editor.m_base->objection([&missing](const ZipEntry& entry) { return missing.remove(entry.name); });
+    if (!objection.isEmpty() || missing.isEmpty())
+        return objection;
+    return ApkEditorTexts::tr("%1: there is no '%2'").arg(package, ZipNames::shown(*missing.cbegin()));
 }

@@ -64,6 +64,12 @@ public:
      */
     static QString objectionTo(const QString& package);
 
+    /**
+     * The same of a package of this base, which has been looked at as a whole: of the contents only those
+     * that changed.
+     */
+    static QString objectionTo(const QString& package, const QVector<ApkChange>& changes);
+
     /** One line: what failed, on which archive or entry, why. */
     const QString& error() const;
 

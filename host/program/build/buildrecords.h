@@ -16,6 +16,7 @@ class RecordsLog;
 struct EarlierBuild {
     QString inputs; ///< digest of what it followed from
     QString digest; ///< of the package
+    bool isFlushed = false; ///< whether its run has come to its end, behind which all is on the disk
     ChannelOutcome outcome;
 };
 

@@ -25,6 +25,9 @@
 #include <QLockFile>
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -142,6 +145,15 @@ bool BuildRun::readBase()
     return fault.isEmpty();
 }
 
+// Whether what an earlier run has built from the same inputs still stands.
+bool BuildRun::stands(const EarlierBuild& earlier, const QString& package)
+{
+    if (earlier.digest.isEmpty() || digestOfPackage(package) != earlier.digest)
+        return false;
+    // Of a run without an end, which a power cut may have been, not every content may have reached the disk.
+    return earlier.isFlushed || ApkEditor::objectionTo(package).isEmpty();
+}
+
 // Finds the channels of the slice, and which of them have to be built.
 void BuildRun::findWork(BuildRecords& records)
 {
@@ -159,8 +171,7 @@ void BuildRun::findWork(BuildRecords& records)
         ChannelOutcome outcome;
         const auto known = earlier.constFind(channel.folder);
         if (!m_wishes.force && known != earlier.cend() && !digest.isEmpty() && known->inputs == digest
-            && !known->digest.isEmpty()
-            && digestOfPackage(m_places.finishedPackage(channel.folder)) == known->digest) {
+            && stands(*known, m_places.finishedPackage(channel.folder))) {
             outcome = known->outcome;
             outcome.outcome = ChannelOutcome::Unchanged;
             outcome.steps.clear();
@@ -276,12 +287,28 @@ void BuildRun::tell(const ChannelOutcome& channel)
     }
 }
 
+// Once for all packages; a run whose output may not be on the disk has no end in the records.
+bool BuildRun::flushOutput()
+{
+    const int folder =
+        ::open(QFile::encodeName(m_places.output).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool done = folder >= 0 && syncfs(folder) == 0;
+    const QString reason = qt_error_string(errno);
+    if (folder >= 0)
+        ::close(folder);
+    if (!done)
+        m_console.error(
+            Run::tr("the output '%1' cannot be brought to the disk: %2").arg(m_places.output, reason));
+    return done;
+}
+
 ExitCode BuildRun::report(BuildRecords& records)
 {
     m_doing = Run::tr("writing the report");
     drawSheets(m_job, m_outcome, m_places.reports, m_console);
-    records.end(m_outcome);
-    bool good = true;
+    bool good = flushOutput();
+    if (good)
+        records.end(m_outcome);
     if (!records.flush()) {
         m_console.error(records.error());
         good = false;

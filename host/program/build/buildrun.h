@@ -15,6 +15,7 @@
 
 class BuildPreparation;
 class BuildRecords;
+struct EarlierBuild;
 
 /** What the words of the command line ask of a run. */
 struct BuildWishes {
@@ -45,6 +46,8 @@ private:
     void buildHere(BuildRecords& records);
     void buildInProcesses(BuildRecords& records);
     void finish(ChannelOutcome outcome, BuildRecords& records);
+    static bool stands(const EarlierBuild& earlier, const QString& package);
+    bool flushOutput();
     ExitCode report(BuildRecords& records);
     ExitCode fail(const QString& message);
     void tell(const ChannelOutcome& channel);

@@ -291,7 +291,9 @@ QString ChannelBuild::sign()
 // Holds the package against what was wanted, as those who take it will.
 QString ChannelBuild::check()
 {
-    const QString objection = ApkEditor::objectionTo(packageFile());
+    // The base has been read as a whole; encrypting changes other entries than ours.
+    const QString objection = m_channel->encrypt ? ApkEditor::objectionTo(packageFile())
+                                                 : ApkEditor::objectionTo(packageFile(), m_changes);
     if (!objection.isEmpty())
         return objection;
     Console console = muteConsole();

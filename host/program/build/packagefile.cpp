@@ -196,7 +196,7 @@ bool PackageFile::finish()
 {
     if (!flush())
         return false;
-    if (!takeRights() || fsync(m_handle) != 0)
+    if (!takeRights())
         return fail(errno);
     return name();
 }

@@ -37,7 +37,7 @@ public:
     /** Writes what has not been written yet. */
     bool flush();
 
-    /** Gives the file its name; what it holds is on the disk then. */
+    /** Gives the file its name; what it holds may reach the disk later. */
     bool finish();
 
     const QString& error() const { return m_error; }

@@ -185,6 +185,7 @@ DatedBuild datedBuild(const QSqlQuery& row)
     found.made = row.value(6).toString();
     found.build.inputs = row.value(4).toString();
     found.build.digest = row.value(5).toString();
+    found.build.isFlushed = row.value(8).toBool();
     ChannelOutcome& outcome = found.build.outcome;
     outcome.folder = row.value(0).toString();
     outcome.name = row.value(1).toString();
@@ -202,13 +203,14 @@ void takeEarlier(const QString& file, const QString& game, QHash<QString, DatedB
     error = objectionToReading(file, connection);
     if (!error.isEmpty())
         return;
-    connection.read(
-        "SELECT channel, name, outcome, size, inputs, digest, made, detail FROM package WHERE game = ?",
-        {game}, [&](const QSqlQuery& row) {
-            const auto known = latest.constFind(row.value(0).toString());
-            if (known == latest.cend() || known->made < row.value(6).toString())
-                latest.insert(row.value(0).toString(), datedBuild(row));
-        });
+    connection.read("SELECT channel, name, outcome, size, inputs, digest, made, detail,"
+                    " EXISTS(SELECT 1 FROM build WHERE number = package.build AND ended IS NOT NULL)"
+                    " FROM package WHERE game = ?",
+                    {game}, [&](const QSqlQuery& row) {
+                        const auto known = latest.constFind(row.value(0).toString());
+                        if (known == latest.cend() || known->made < row.value(6).toString())
+                            latest.insert(row.value(0).toString(), datedBuild(row));
+                    });
     if (!connection.error().isEmpty())
         error = sentence(file, connection.error());
 }
