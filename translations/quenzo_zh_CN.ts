@@ -2499,6 +2499,97 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     </message>
 </context>
 <context>
+    <name>RecordCommands</name>
+    <message>
+        <source>there is no file &apos;%1&apos;</source>
+        <translation>没有文件“%1”</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>interrupted</source>
+        <translation>已中断</translation>
+    </message>
+    <message>
+        <source>running or killed</source>
+        <translation>运行中或被终止</translation>
+    </message>
+    <message>
+        <source>run</source>
+        <translation>运行</translation>
+    </message>
+    <message>
+        <source>start</source>
+        <translation>开始</translation>
+    </message>
+    <message>
+        <source>time</source>
+        <translation>用时</translation>
+    </message>
+    <message>
+        <source>outcome</source>
+        <translation>结果</translation>
+    </message>
+    <message>
+        <source>built</source>
+        <translation>已构建</translation>
+    </message>
+    <message>
+        <source>unchanged</source>
+        <translation>未变</translation>
+    </message>
+    <message>
+        <source>slice</source>
+        <translation>份</translation>
+    </message>
+    <message>
+        <source>there was no run yet</source>
+        <translation>还没有运行过</translation>
+    </message>
+    <message>
+        <source>%1, run %2, %3: %4</source>
+        <translation>%1，第 %2 次运行，%3：%4</translation>
+    </message>
+    <message>
+        <source>there is no run %1</source>
+        <translation>没有第 %1 次运行</translation>
+    </message>
+    <message>
+        <source>several records have a run %1</source>
+        <translation>多个记录文件都有第 %1 次运行</translation>
+    </message>
+    <message>
+        <source>name one of these files instead of the job</source>
+        <translation>请指定其中一个文件，而不是任务</translation>
+    </message>
+    <message>
+        <source>--build takes a run&apos;s number</source>
+        <translation>--build 需要一次运行的编号</translation>
+    </message>
+    <message>
+        <source>lists the past runs of a job, the latest first</source>
+        <translation>列出任务以往的运行，最近的在前</translation>
+    </message>
+    <message>
+        <source>The job&apos;s file, or a file of build records.</source>
+        <translation>任务文件，或构建记录文件。</translation>
+    </message>
+    <message>
+        <source>Lists the channels of this run, and their steps.</source>
+        <translation>列出这次运行的渠道及其步骤。</translation>
+    </message>
+    <message>
+        <source>Of a job the runs of its slices are listed, too. A run without an end is still at work, or was killed; its channels are those that it has finished.</source>
+        <translation>对于任务，其各份的运行也会列出。没有结束时间的运行仍在进行，或已被终止；其渠道是它已完成的那些。</translation>
+    </message>
+</context>
+<context>
     <name>Report</name>
     <message>
         <source>icon of %1</source>

@@ -49,6 +49,7 @@ struct Command {
 
 QVector<Command> jobCommands();
 QVector<Command> buildCommands();
+QVector<Command> buildRecordCommands();
 QVector<Command> archiveCommands();
 QVector<Command> assetCommands();
 QVector<Command> apkCommands();

@@ -14,8 +14,9 @@ struct Table {
 QVector<Command> allCommands()
 {
     QVector<Command> commands;
-    for (const auto& group : {jobCommands, buildCommands, archiveCommands, assetCommands, apkCommands,
-                              scriptCommands, treeCommands, dbCommands, iconCommands, deviceCommands})
+    for (const auto& group :
+         {jobCommands, buildCommands, buildRecordCommands, archiveCommands, assetCommands, apkCommands,
+          scriptCommands, treeCommands, dbCommands, iconCommands, deviceCommands})
         commands += group();
     return commands;
 }

@@ -86,6 +86,7 @@ void tst_Completion::wordIsCompleted_data()
     bothShells("a list of channels", "quenzo icons c", "<icons><channels.json>");
     bothShells("a folder", "quenzo copy b", "<copy><build/>");
     bothShells("a second folder", "quenzo import sdk.zip b", "<import><sdk.zip><build/>");
+    bothShells("a job or its records", "quenzo builds channels", "<builds><channels.json>");
     bothShells("no folder", "quenzo copy ch", "<copy><ch>");
     bothShells("any file", "quenzo encrypt --key no", "<encrypt><--key><notes.txt>");
     bothShells("a value of a list", "quenzo icons --platform an", "<icons><--platform><android>");
@@ -128,7 +129,7 @@ void tst_Completion::choiceIsShown_data()
     QTest::addColumn<QByteArray>("typed");
     QTest::addColumn<QByteArray>("expected");
     bothShells("commands", "quenzo ",
-               "init import encrypt decrypt pack unpack run export copy cut output remove db "
+               "init build builds import encrypt decrypt pack unpack run export copy cut output remove db "
                "encode decode icons devices package-name install uninstall help version");
     bothShells("options", "quenzo install --",
                "--help --json --progress --quiet --verbose --device --timeout --yes");

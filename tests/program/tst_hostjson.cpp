@@ -97,6 +97,12 @@ void tst_HostJson::outcomesAreOfTheSchema_data()
     row("build job/job.json --jobs 0", 2);
     row("build job/job.json --collect", 1);
     row("build script.py", 1);
+    row("builds job/job.json");
+    row("builds job/output/records.db --build 1");
+    row("builds job/job.json --build 2", 1);
+    row("builds job/job.json --build x", 2);
+    row("builds script.py", 1);
+    row("builds records.db", 1);
     row("import @/packages/harbourpay.zip sdk");
     row("import @/packages/damaged.zip sdk2", 1);
     row("import @/packages/another-sdk.zip sdk2 --sdk-id 7", 1);

@@ -24,6 +24,8 @@ struct EarlierBuild {
 struct ListedBuild {
     qint64 number = 0;
     QString game;
+    int slice = 0; ///< from 0
+    int slices = 1;
     QDateTime start;
     QDateTime end; ///< invalid for a run that did not come to its end
     QString outcome; ///< "done", "failed", "interrupted", "running or killed"

@@ -55,30 +55,6 @@ QString packageText(const Job& job, const JobChannel& channel)
     return words.join(QStringLiteral(", "));
 }
 
-QString padded(const QString& text, int width)
-{
-    return text + QString(std::max(0, width - columnsOf(text)), QLatin1Char(' '));
-}
-
-// Columns as wide as what is in them, but for the last one.
-QStringList tabulated(const QVector<QStringList>& rows)
-{
-    QVector<int> widths;
-    for (const QStringList& row : rows) {
-        widths.resize(row.size());
-        for (int i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths.at(i), columnsOf(row.at(i)));
-    }
-    QStringList lines;
-    for (const QStringList& row : rows) {
-        QString line;
-        for (int i = 0; i + 1 < row.size(); ++i)
-            line += padded(row.at(i), widths.at(i) + 2);
-        lines.append(line + row.last());
-    }
-    return lines;
-}
-
 QStringList headOf(const Job& job)
 {
     const QString signing =

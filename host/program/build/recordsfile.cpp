@@ -279,7 +279,7 @@ QVector<ListedBuild> RecordsFile::builds(const QString& file, QString& error)
         return found;
     // A run without an end has counted nothing: its channels are.
     connection.read(
-        "SELECT number, game, started, ended, outcome,"
+        "SELECT number, game, slice, slices, started, ended, outcome,"
         " coalesce(built, (SELECT count(*) FROM result WHERE build = number AND outcome = 'built')),"
         " coalesce(unchanged, (SELECT count(*) FROM result WHERE build = number AND outcome = 'unchanged')),"
         " coalesce(failed, (SELECT count(*) FROM result WHERE build = number AND outcome = 'failed'))"
@@ -288,13 +288,15 @@ QVector<ListedBuild> RecordsFile::builds(const QString& file, QString& error)
             ListedBuild build;
             build.number = row.value(0).toLongLong();
             build.game = row.value(1).toString();
-            build.start = timeOf(row.value(2));
-            build.end = timeOf(row.value(3));
+            build.slice = row.value(2).toInt();
+            build.slices = row.value(3).toInt();
+            build.start = timeOf(row.value(4));
+            build.end = timeOf(row.value(5));
             build.outcome =
-                build.end.isValid() ? row.value(4).toString() : QStringLiteral("running or killed");
-            build.built = row.value(5).toInt();
-            build.unchanged = row.value(6).toInt();
-            build.failed = row.value(7).toInt();
+                build.end.isValid() ? row.value(6).toString() : QStringLiteral("running or killed");
+            build.built = row.value(7).toInt();
+            build.unchanged = row.value(8).toInt();
+            build.failed = row.value(9).toInt();
             found.append(build);
         });
     if (!connection.error().isEmpty())

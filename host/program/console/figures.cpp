@@ -3,7 +3,6 @@
 
 #include <QCoreApplication>
 #include <QLocale>
-#include <QVector>
 
 #include <algorithm>
 #include <cwchar>
@@ -50,4 +49,25 @@ int columnsOf(const QString& text)
     for (const uint letter : text.toUcs4())
         columns += std::max(0, wcwidth(static_cast<wchar_t>(letter)));
     return columns;
+}
+
+QStringList tabulated(const QVector<QStringList>& rows)
+{
+    constexpr int gap = 2;
+    QVector<int> widths;
+    for (const QStringList& row : rows) {
+        widths.resize(row.size());
+        for (int i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths.at(i), columnsOf(row.at(i)));
+    }
+    QStringList lines;
+    for (const QStringList& row : rows) {
+        QString line;
+        for (int i = 0; i < row.size(); ++i)
+            line += row.at(i) + QString(widths.at(i) + gap - columnsOf(row.at(i)), QLatin1Char(' '));
+        while (line.endsWith(QLatin1Char(' ')))
+            line.chop(1);
+        lines.append(line);
+    }
+    return lines;
 }
