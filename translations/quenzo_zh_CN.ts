@@ -154,6 +154,10 @@
         <source>%1: &apos;%2&apos; is not aligned</source>
         <translation>%1: &apos;%2&apos; 未对齐</translation>
     </message>
+    <message>
+        <source>%1: there is no &apos;%2&apos;</source>
+        <translation>%1: 没有 &apos;%2&apos;</translation>
+    </message>
 </context>
 <context>
     <name>ApkSigner</name>
@@ -753,6 +757,10 @@
     <message>
         <source>not every channel was reached</source>
         <translation>并非每个渠道都已处理</translation>
+    </message>
+    <message>
+        <source>the output &apos;%1&apos; cannot be brought to the disk: %2</source>
+        <translation>输出 &apos;%1&apos; 无法写入磁盘：%2</translation>
     </message>
 </context>
 <context>
@@ -2502,7 +2510,7 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
     <name>RecordCommands</name>
     <message>
         <source>there is no file &apos;%1&apos;</source>
-        <translation>没有文件“%1”</translation>
+        <translation>没有文件 &apos;%1&apos;</translation>
     </message>
     <message>
         <source>done</source>
