@@ -22,6 +22,7 @@ private Q_SLOTS:
     void slicesGiveTheSameBytes();
     void encryptedPackagesHaveTheSameBytesEachTime();
     void namesThatTheJobLeavesStayInTheWorkFolder();
+    void outputOnAnotherFileSystemIsTheSame();
     void developerRecordsAreExported();
     void signedPackagesVerify();
     void reportsAreWritten();
@@ -225,6 +226,22 @@ void tst_Build::namesThatTheJobLeavesStayInTheWorkFolder()
     QVERIFY(!QFileInfo::exists(m_scene->path(QStringLiteral("output/harbor/icons"))));
     QVERIFY(QFileInfo::exists(m_scene->path(QStringLiteral("output/harbor/harbor.apk"))));
     QVERIFY(QFileInfo::exists(m_scene->path(QStringLiteral("work/channels/harbor/icons/android"))));
+}
+
+void tst_Build::outputOnAnotherFileSystemIsTheSame()
+{
+    QCOMPARE(m_scene->run().code, 0);
+    const auto beside = m_scene->finished();
+    QVERIFY(QDir(m_scene->path(QStringLiteral("output"))).removeRecursively());
+    // Where the system has none in memory it is the same one, and the packages get new names there, too.
+    const QString memory = QStringLiteral("/dev/shm");
+    const QTemporaryDir elsewhere((QFileInfo(memory).isWritable() ? memory : QDir::tempPath())
+                                  + QLatin1String("/quenzo-XXXXXX"));
+    QVERIFY(QFile::link(elsewhere.path(), m_scene->path(QStringLiteral("output"))));
+    const Ended ended = m_scene->run();
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QVERIFY(m_scene->finished() == beside);
+    QVERIFY(QDir(m_scene->path(QStringLiteral("work/channels"))).isEmpty());
 }
 
 void tst_Build::developerRecordsAreExported()

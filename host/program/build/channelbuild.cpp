@@ -23,6 +23,7 @@
 #include <QJsonDocument>
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 namespace {
@@ -327,19 +328,32 @@ QString ChannelBuild::exportRecord()
     return because(Build::tr("the developer record %1 cannot be exported").arg(m_channel->number), outcome);
 }
 
-QString ChannelBuild::output()
+// Moves what is finished, but for some names.
+QString ChannelBuild::cutForOutput(const QStringList& left)
 {
-    const QString fault = makeFolder(m_places.output);
-    if (!fault.isEmpty())
-        return fault;
     Console console = muteConsole();
     TreeOperation operation(OPERATE_CUT_OUTPUT,
                             {m_places.channel(m_channel->folder), m_places.finished(m_channel->folder)},
-                            m_job.leave);
+                            left);
     if (!operation.run(console))
         return sentenceOf(console.failure());
     if (operation.left().files > 0)
         return Build::tr("not everything could be moved from '%1'").arg(m_places.channel(m_channel->folder));
+    return {};
+}
+
+QString ChannelBuild::output()
+{
+    QString fault = makeFolder(m_places.output);
+    if (fault.isEmpty())
+        fault = cutForOutput(m_job.leave + QStringList(QFileInfo(packageFile()).fileName()));
+    // A cut copies. What is large gets its new name instead, unless it goes to another file system.
+    const QByteArray finished = QFile::encodeName(m_places.finishedPackage(m_channel->folder));
+    if (fault.isEmpty()
+        && std::rename(QFile::encodeName(packageFile()).constData(), finished.constData()) != 0)
+        fault = cutForOutput(m_job.leave);
+    if (!fault.isEmpty())
+        return fault;
     m_outcome.package = m_places.finishedPackage(m_channel->folder);
     for (const int platform : m_job.platforms) {
         const QString icon = m_places.finished(m_channel->folder)

@@ -47,6 +47,8 @@ private:
     QString exportRecord();
     QString output();
 
+    QString cutForOutput(const QStringList& left);
+
     QByteArray channelContent() const;
     QString packageFile() const;
     QString channelFile(const QString& name) const;
