@@ -71,7 +71,9 @@ ExitCode BuildRun::run()
         return ExitFailed;
     QLockFile lock(m_places.work + QStringLiteral("/.lock"));
     lock.setStaleLockTime(0);
-    if (!lock.tryLock())
+    // What a run that was killed had just started may hold its lock a moment longer.
+    constexpr int patienceMs = 1000;
+    if (!lock.tryLock(patienceMs))
         return fail(Run::tr("another run of this job is at work in '%1'").arg(m_places.work));
     BuildRecords records;
     if (!records.open(m_places.records()))
