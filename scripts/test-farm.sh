@@ -97,12 +97,12 @@ wait_for() {
 }
 nodes_are_idle() { [ "$(sinfo -h -N -o %t | grep -c idle)" = 2 ]; }
 is_over() { [ -z "$(squeue -h -j "$1")" ]; }
-has_records() { [ -s "$farm/array/output/slices/2-of-4/records.db" ]; }
+has_package() { [ -s "$farm/array/output/c02/c02.apk" ]; }
 wait_for nodes_are_idle
 
 cd "$farm/array"
 first=$(sbatch --parsable --array=1-4 --chdir="$farm/array" --output="$farm/task-%a.log" "$example" "$farm/array/job.json")
-wait_for has_records
+wait_for has_package
 scancel --signal=KILL --full "${first}_2"
 wait_for is_over "$first"
 printf 'test-farm: of c02, c06, c10, … finished when their task was killed: %s\n' \
