@@ -122,6 +122,7 @@ private Q_SLOTS:
     void runsAreListedTheLatestFirst();
     void earlierIsTheLastCompleteBuildOfEachChannel();
     void earlierComesBackAsItWasFinished();
+    void aDetailThatIsNoChannelCountsForNothing();
     void earlierFindsWhatOtherSlicesMade();
     void manyChannelsKeepTheirOrderAndLeaveTheEventLoopFree();
     void aKilledRunLeavesWholeRowsAndIsToldSo();
@@ -321,6 +322,19 @@ void tst_BuildRecords::earlierComesBackAsItWasFinished()
     QCOMPARE(found.takenOver, channel.takenOver);
     QCOMPARE(found.inputs, channel.inputs);
     QCOMPARE(found.digest, channel.digest);
+}
+
+void tst_BuildRecords::aDetailThatIsNoChannelCountsForNothing()
+{
+    BuildRecords records;
+    QVERIFY2(records.open(path()), qPrintable(records.error()));
+    QVERIFY(runAll(records,
+                   {channelOutcome(0, ChannelOutcome::Built), channelOutcome(1, ChannelOutcome::Built)}));
+    rows(QStringLiteral("UPDATE package SET detail = '{\"steps\": 1}' WHERE channel = '%1'").arg(folder(0)));
+    const QHash<QString, EarlierBuild> earlier = records.earlier(game);
+    QVERIFY(records.error().isEmpty());
+    QCOMPARE(earlier.value(folder(0)).digest, QString());
+    QCOMPARE(earlier.value(folder(1)).digest, QStringLiteral("digest 1"));
 }
 
 void tst_BuildRecords::earlierFindsWhatOtherSlicesMade()

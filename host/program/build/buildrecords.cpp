@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QJsonDocument>
 #include <QMutex>
 #include <QTimer>
 
@@ -199,7 +200,7 @@ void BuildRecords::add(const QString& folder, const BuildStep& step)
                       {QStringLiteral("name"), step.name},
                       {QStringLiteral("started"), RecordsFile::timeText(step.start)},
                       {QStringLiteral("ended"), RecordsFile::timeText(step.end)},
-                      {QStringLiteral("outcome"), RecordsFile::word(step.outcome)},
+                      {QStringLiteral("outcome"), OutcomeJson::word(step.outcome)},
                       {QStringLiteral("message"), step.message}});
 }
 
@@ -207,7 +208,7 @@ void BuildRecords::finish(const ChannelOutcome& channel)
 {
     if (m_build == 0)
         return;
-    const QString outcome = RecordsFile::word(channel.outcome);
+    const QString outcome = OutcomeJson::word(channel.outcome);
     queue(QStringLiteral("result"),
           QVariantMap{{QStringLiteral("build"), m_build},
                       {QStringLiteral("channel"), channel.folder},
@@ -216,6 +217,8 @@ void BuildRecords::finish(const ChannelOutcome& channel)
                       {QStringLiteral("message"), channel.message}});
     if (channel.outcome != ChannelOutcome::Built && channel.outcome != ChannelOutcome::Unchanged)
         return;
+    const QString detail =
+        QString::fromUtf8(QJsonDocument(OutcomeJson::object(channel)).toJson(QJsonDocument::Compact));
     queue(QStringLiteral("package"),
           QVariantMap{{QStringLiteral("game"), m_game},
                       {QStringLiteral("channel"), channel.folder},
@@ -226,7 +229,7 @@ void BuildRecords::finish(const ChannelOutcome& channel)
                       {QStringLiteral("size"), channel.size},
                       {QStringLiteral("inputs"), channel.inputs},
                       {QStringLiteral("digest"), channel.digest},
-                      {QStringLiteral("detail"), OutcomeJson::textOf(channel)}});
+                      {QStringLiteral("detail"), detail}});
 }
 
 void BuildRecords::end(const BuildOutcome& build)

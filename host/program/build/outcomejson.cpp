@@ -1,84 +1,98 @@
 // SPDX-License-Identifier: MIT
 #include "build/outcomejson.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "build/jsonreader.h"
 
 namespace {
 
-// What is kept as text, and under which key.
 struct TextField {
-    QLatin1String key;
+    const char* key;
     QString ChannelOutcome::*member;
 };
+constexpr std::array<TextField, 8> textFields{{
+    {"folder", &ChannelOutcome::folder},
+    {"name", &ChannelOutcome::name},
+    {"message", &ChannelOutcome::message},
+    {"packageName", &ChannelOutcome::packageName},
+    {"versionName", &ChannelOutcome::versionName},
+    {"signer", &ChannelOutcome::signer},
+    {"inputs", &ChannelOutcome::inputs},
+    {"digest", &ChannelOutcome::digest},
+}};
 
-const TextField textFields[] = {
-    {QLatin1String("message"), &ChannelOutcome::message},
-    {QLatin1String("package"), &ChannelOutcome::package},
-    {QLatin1String("packageName"), &ChannelOutcome::packageName},
-    {QLatin1String("versionName"), &ChannelOutcome::versionName},
-    {QLatin1String("signer"), &ChannelOutcome::signer},
-};
-
-QStringList textsOf(const QJsonValue& value)
+BuildStep stepOf(const JsonReader& reader)
 {
-    QStringList texts;
-    for (const QJsonValue& text : value.toArray())
-        texts.append(text.toString());
-    return texts;
-}
-
-QJsonArray stepsOf(const QVector<BuildStep>& steps)
-{
-    QJsonArray array;
-    for (const BuildStep& step : steps) {
-        array.append(QJsonArray{step.name, step.start.toMSecsSinceEpoch(), step.end.toMSecsSinceEpoch(),
-                                int(step.outcome), step.message});
-    }
-    return array;
-}
-
-QVector<BuildStep> stepsFrom(const QJsonValue& value)
-{
-    const auto time = [](const QJsonValue& ms) {
-        return QDateTime::fromMSecsSinceEpoch(qint64(ms.toDouble()), Qt::UTC);
-    };
-    QVector<BuildStep> steps;
-    for (const QJsonValue& element : value.toArray()) {
-        const QJsonArray step = element.toArray();
-        steps.append(
-            {step.at(0).toString(), time(step.at(1)), time(step.at(2)),
-             BuildStep::Outcome(qBound(int(BuildStep::Done), step.at(3).toInt(), int(BuildStep::Skipped))),
-             step.at(4).toString()});
-    }
-    return steps;
+    BuildStep step;
+    step.name = reader.text("name");
+    step.start = reader.time("start");
+    step.end = reader.time("end");
+    step.outcome = BuildStep::Outcome(reader.choice("outcome", OutcomeJson::stepWords));
+    step.message = reader.text("message");
+    return step;
 }
 
 } // namespace
 
-QString OutcomeJson::textOf(const ChannelOutcome& channel)
+QString OutcomeJson::word(ChannelOutcome::Outcome outcome)
 {
-    QJsonObject object{{QStringLiteral("steps"), stepsOf(channel.steps)},
+    return QLatin1String(channelWords.at(size_t(outcome)));
+}
+
+QString OutcomeJson::word(BuildStep::Outcome outcome)
+{
+    return QLatin1String(stepWords.at(size_t(outcome)));
+}
+
+QJsonValue OutcomeJson::time(const QDateTime& time)
+{
+    return time.isValid() ? QJsonValue(time.toUTC().toString(Qt::ISODateWithMs)) : QJsonValue();
+}
+
+QJsonObject OutcomeJson::object(const BuildStep& step)
+{
+    return {{QStringLiteral("name"), step.name},
+            {QStringLiteral("start"), time(step.start)},
+            {QStringLiteral("end"), time(step.end)},
+            {QStringLiteral("outcome"), word(step.outcome)},
+            {QStringLiteral("message"), step.message}};
+}
+
+QJsonObject OutcomeJson::object(const ChannelOutcome& channel)
+{
+    QJsonArray steps;
+    for (const BuildStep& step : channel.steps)
+        steps.append(object(step));
+    QJsonObject values{{QStringLiteral("index"), channel.index},
+                       {QStringLiteral("outcome"), word(channel.outcome)},
+                       {QStringLiteral("steps"), steps},
                        {QStringLiteral("notes"), QJsonArray::fromStringList(channel.notes)},
                        {QStringLiteral("icons"), QJsonArray::fromStringList(channel.icons)},
+                       {QStringLiteral("package"), channel.package},
+                       {QStringLiteral("size"), channel.size},
                        {QStringLiteral("replaced"), channel.replaced},
                        {QStringLiteral("added"), channel.added},
                        {QStringLiteral("takenOver"), channel.takenOver}};
     for (const TextField& field : textFields)
-        object.insert(field.key, channel.*field.member);
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+        values.insert(QLatin1String(field.key), channel.*field.member);
+    return values;
 }
 
-void OutcomeJson::read(const QString& text, ChannelOutcome& channel)
+ChannelOutcome OutcomeJson::channel(const QJsonValue& value, bool& isSound)
 {
-    const QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
-    channel.steps = stepsFrom(object.value(QLatin1String("steps")));
-    channel.notes = textsOf(object.value(QLatin1String("notes")));
-    channel.icons = textsOf(object.value(QLatin1String("icons")));
-    channel.replaced = object.value(QLatin1String("replaced")).toInt();
-    channel.added = object.value(QLatin1String("added")).toInt();
-    channel.takenOver = qint64(object.value(QLatin1String("takenOver")).toDouble());
+    const JsonReader reader(value, isSound);
+    ChannelOutcome channel;
+    channel.index = reader.count("index");
+    channel.outcome = ChannelOutcome::Outcome(reader.choice("outcome", channelWords));
     for (const TextField& field : textFields)
-        channel.*field.member = object.value(field.key).toString();
+        channel.*field.member = reader.text(field.key);
+    for (const QJsonValue step : reader.array("steps"))
+        channel.steps.append(stepOf(JsonReader(step, isSound)));
+    channel.notes = reader.texts("notes");
+    channel.icons = reader.texts("icons");
+    channel.package = reader.text("package");
+    channel.size = reader.number("size");
+    channel.replaced = reader.count("replaced");
+    channel.added = reader.count("added");
+    channel.takenOver = reader.number("takenOver");
+    return channel;
 }

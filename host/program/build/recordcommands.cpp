@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "build/job.h"
 #include "build/jobplan.h"
+#include "build/outcomejson.h"
 #include "build/recordsfile.h"
 #include "build/reporttext.h"
 #include "command.h"
@@ -146,19 +147,19 @@ QStringList linesOf(const QVector<FoundBuild>& builds)
     return tabulated(rows);
 }
 
-QJsonValue timeValue(const QDateTime& time)
-{
-    return time.isValid() ? QJsonValue(RecordsFile::timeText(time).toString()) : QJsonValue();
-}
-
 QJsonObject objectOf(const FoundBuild& found)
 {
     const ListedBuild& build = found.build;
-    return {{QStringLiteral("records"), found.file},       {QStringLiteral("number"), build.number},
-            {QStringLiteral("game"), build.game},          {QStringLiteral("slice"), build.slice},
-            {QStringLiteral("slices"), build.slices},      {QStringLiteral("start"), timeValue(build.start)},
-            {QStringLiteral("end"), timeValue(build.end)}, {QStringLiteral("outcome"), build.outcome},
-            {QStringLiteral("built"), build.built},        {QStringLiteral("unchanged"), build.unchanged},
+    return {{QStringLiteral("records"), found.file},
+            {QStringLiteral("number"), build.number},
+            {QStringLiteral("game"), build.game},
+            {QStringLiteral("slice"), build.slice},
+            {QStringLiteral("slices"), build.slices},
+            {QStringLiteral("start"), OutcomeJson::time(build.start)},
+            {QStringLiteral("end"), OutcomeJson::time(build.end)},
+            {QStringLiteral("outcome"), build.outcome},
+            {QStringLiteral("built"), build.built},
+            {QStringLiteral("unchanged"), build.unchanged},
             {QStringLiteral("failed"), build.failed}};
 }
 
@@ -199,16 +200,11 @@ QJsonArray arrayOf(const QVector<ChannelOutcome>& channels)
     QJsonArray list;
     for (const ChannelOutcome& channel : channels) {
         QJsonArray steps;
-        for (const BuildStep& step : channel.steps) {
-            steps.append(QJsonObject{{QStringLiteral("name"), step.name},
-                                     {QStringLiteral("start"), timeValue(step.start)},
-                                     {QStringLiteral("end"), timeValue(step.end)},
-                                     {QStringLiteral("outcome"), RecordsFile::word(step.outcome)},
-                                     {QStringLiteral("message"), step.message}});
-        }
+        for (const BuildStep& step : channel.steps)
+            steps.append(OutcomeJson::object(step));
         list.append(QJsonObject{{QStringLiteral("folder"), channel.folder},
                                 {QStringLiteral("name"), channel.name},
-                                {QStringLiteral("outcome"), RecordsFile::word(channel.outcome)},
+                                {QStringLiteral("outcome"), OutcomeJson::word(channel.outcome)},
                                 {QStringLiteral("message"), channel.message},
                                 {QStringLiteral("steps"), steps}});
     }

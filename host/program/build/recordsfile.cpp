@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonDocument>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -140,15 +141,11 @@ QDateTime timeOf(const QVariant& value)
     return QDateTime::fromString(value.toString(), Qt::ISODateWithMs);
 }
 
-const QLatin1String stepWords[] = {QLatin1String("done"), QLatin1String("failed"), QLatin1String("skipped")};
-const QLatin1String channelWords[] = {QLatin1String("built"), QLatin1String("unchanged"),
-                                      QLatin1String("failed"), QLatin1String("not reached")};
-
 template <typename Outcome, std::size_t count>
-Outcome outcomeOf(const QVariant& value, const QLatin1String (&words)[count], Outcome otherwise)
+Outcome outcomeOf(const QVariant& value, const std::array<const char*, count>& words, Outcome otherwise)
 {
     for (std::size_t i = 0; i < count; ++i) {
-        if (value.toString() == words[i])
+        if (value.toString() == QLatin1String(words.at(i)))
             return Outcome(i);
     }
     return otherwise;
@@ -179,21 +176,20 @@ struct DatedBuild {
     EarlierBuild build;
 };
 
+// Without what tells packages apart, for a row whose detail is no channel: it is built again.
 DatedBuild datedBuild(const QSqlQuery& row)
 {
     DatedBuild found;
-    found.made = row.value(6).toString();
-    found.build.inputs = row.value(4).toString();
-    found.build.digest = row.value(5).toString();
-    found.build.isFlushed = row.value(8).toBool();
-    ChannelOutcome& outcome = found.build.outcome;
-    outcome.folder = row.value(0).toString();
-    outcome.name = row.value(1).toString();
-    outcome.outcome = outcomeOf(row.value(2), channelWords, ChannelOutcome::Built);
-    outcome.size = row.value(3).toLongLong();
-    outcome.inputs = found.build.inputs;
-    outcome.digest = found.build.digest;
-    OutcomeJson::read(row.value(7).toString(), outcome);
+    found.made = row.value(3).toString();
+    bool isSound = true;
+    ChannelOutcome outcome =
+        OutcomeJson::channel(QJsonDocument::fromJson(row.value(4).toString().toUtf8()).object(), isSound);
+    if (!isSound)
+        return found;
+    found.build.inputs = row.value(1).toString();
+    found.build.digest = row.value(2).toString();
+    found.build.isFlushed = row.value(5).toBool();
+    found.build.outcome = outcome;
     return found;
 }
 
@@ -203,12 +199,12 @@ void takeEarlier(const QString& file, const QString& game, QHash<QString, DatedB
     error = objectionToReading(file, connection);
     if (!error.isEmpty())
         return;
-    connection.read("SELECT channel, name, outcome, size, inputs, digest, made, detail,"
+    connection.read("SELECT channel, inputs, digest, made, detail,"
                     " EXISTS(SELECT 1 FROM build WHERE number = package.build AND ended IS NOT NULL)"
                     " FROM package WHERE game = ?",
                     {game}, [&](const QSqlQuery& row) {
                         const auto known = latest.constFind(row.value(0).toString());
-                        if (known == latest.cend() || known->made < row.value(6).toString())
+                        if (known == latest.cend() || known->made < row.value(3).toString())
                             latest.insert(row.value(0).toString(), datedBuild(row));
                     });
     if (!connection.error().isEmpty())
@@ -222,16 +218,6 @@ QVariant RecordsFile::timeText(const QDateTime& time)
     if (!time.isValid())
         return QVariant(QVariant::String);
     return time.toUTC().toString(Qt::ISODateWithMs);
-}
-
-QString RecordsFile::word(BuildStep::Outcome outcome)
-{
-    return stepWords[outcome];
-}
-
-QString RecordsFile::word(ChannelOutcome::Outcome outcome)
-{
-    return channelWords[outcome];
 }
 
 QString RecordsFile::prepare(const QString& file)
@@ -325,7 +311,8 @@ QVector<ChannelOutcome> RecordsFile::channels(const QString& file, qint64 build,
                     {build}, [&](const QSqlQuery& row) {
                         ChannelOutcome& outcome = channel(row.value(0).toString());
                         outcome.name = row.value(1).toString();
-                        outcome.outcome = outcomeOf(row.value(2), channelWords, ChannelOutcome::NotReached);
+                        outcome.outcome =
+                            outcomeOf(row.value(2), OutcomeJson::channelWords, ChannelOutcome::NotReached);
                         outcome.message = row.value(3).toString();
                     });
     connection.read(
@@ -333,7 +320,7 @@ QVector<ChannelOutcome> RecordsFile::channels(const QString& file, qint64 build,
         {build}, [&](const QSqlQuery& row) {
             channel(row.value(0).toString())
                 .steps.append({row.value(1).toString(), timeOf(row.value(2)), timeOf(row.value(3)),
-                               outcomeOf(row.value(4), stepWords, BuildStep::Failed),
+                               outcomeOf(row.value(4), OutcomeJson::stepWords, BuildStep::Failed),
                                row.value(5).toString()});
         });
     if (!connection.error().isEmpty())

@@ -13,10 +13,6 @@ namespace RecordsFile {
 /** How times stand in the file: ISO 8601, UTC, with milliseconds; null for an invalid one. */
 QVariant timeText(const QDateTime& time);
 
-/** The words by which the file knows outcomes, in the order of the enumerations. */
-QString word(BuildStep::Outcome outcome);
-QString word(ChannelOutcome::Outcome outcome);
-
 /** Makes what is missing; empty when the file can be written. Nothing is changed otherwise. */
 QString prepare(const QString& file);
 

@@ -1,38 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "build/buildreport.h"
 
+#include "build/jsonreader.h"
+#include "build/outcomejson.h"
+
 #include <QDir>
 #include <QJsonArray>
-
-#include <array>
-#include <limits>
 
 namespace {
 
 constexpr int formatVersion = 1;
-
-const std::array<const char*, 4> channelOutcomes{"built", "unchanged", "failed", "not reached"};
-const std::array<const char*, 3> stepOutcomes{"done", "failed", "skipped"};
-
-struct TextField {
-    const char* key;
-    QString ChannelOutcome::*member;
-};
-const std::array<TextField, 8> textFields{{
-    {"folder", &ChannelOutcome::folder},
-    {"name", &ChannelOutcome::name},
-    {"message", &ChannelOutcome::message},
-    {"packageName", &ChannelOutcome::packageName},
-    {"versionName", &ChannelOutcome::versionName},
-    {"signer", &ChannelOutcome::signer},
-    {"inputs", &ChannelOutcome::inputs},
-    {"digest", &ChannelOutcome::digest},
-}};
-
-QJsonValue timeValue(const QDateTime& time)
-{
-    return time.isValid() ? QJsonValue(time.toUTC().toString(Qt::ISODateWithMs)) : QJsonValue();
-}
 
 // Turns paths below a folder into relative ones, and back.
 class Places {
@@ -53,12 +30,12 @@ public:
         return path.isEmpty() || QDir::isAbsolutePath(path) ? path : m_root + path;
     }
 
-    QJsonArray relative(const QStringList& paths) const
+    QStringList relative(const QStringList& paths) const
     {
-        QJsonArray array;
+        QStringList result;
         for (const QString& path : paths)
-            array.append(relative(path));
-        return array;
+            result.append(relative(path));
+        return result;
     }
 
     QStringList absolute(const QStringList& paths) const
@@ -73,144 +50,18 @@ private:
     const QString m_root;
 };
 
-QJsonObject stepObject(const BuildStep& step)
+QJsonObject channelObject(ChannelOutcome channel, const Places& places)
 {
-    return {{QStringLiteral("name"), step.name},
-            {QStringLiteral("start"), timeValue(step.start)},
-            {QStringLiteral("end"), timeValue(step.end)},
-            {QStringLiteral("outcome"), QLatin1String(stepOutcomes.at(size_t(step.outcome)))},
-            {QStringLiteral("message"), step.message}};
+    channel.icons = places.relative(channel.icons);
+    channel.package = places.relative(channel.package);
+    return OutcomeJson::object(channel);
 }
 
-QJsonObject channelObject(const ChannelOutcome& channel, const Places& places)
+ChannelOutcome channelOf(const QJsonValue& value, const Places& places, bool& isSound)
 {
-    QJsonArray steps;
-    for (const BuildStep& step : channel.steps)
-        steps.append(stepObject(step));
-    QJsonObject object{
-        {QStringLiteral("index"), channel.index},
-        {QStringLiteral("outcome"), QLatin1String(channelOutcomes.at(size_t(channel.outcome)))},
-        {QStringLiteral("steps"), steps},
-        {QStringLiteral("notes"), QJsonArray::fromStringList(channel.notes)},
-        {QStringLiteral("icons"), places.relative(channel.icons)},
-        {QStringLiteral("package"), places.relative(channel.package)},
-        {QStringLiteral("size"), channel.size},
-        {QStringLiteral("replaced"), channel.replaced},
-        {QStringLiteral("added"), channel.added},
-        {QStringLiteral("takenOver"), channel.takenOver}};
-    for (const TextField& field : textFields)
-        object.insert(QLatin1String(field.key), channel.*field.member);
-    return object;
-}
-
-// Takes values out of an object, and remembers whether each was there in its shape.
-class Reader {
-public:
-    Reader(const QJsonValue& value, bool& isSound)
-        : m_object(value.toObject())
-        , m_isSound(isSound)
-    {
-        require(value.isObject());
-    }
-
-    QJsonValue value(const char* key) const { return m_object.value(QLatin1String(key)); }
-
-    QString text(const char* key) const
-    {
-        require(value(key).isString());
-        return value(key).toString();
-    }
-
-    bool flag(const char* key) const
-    {
-        require(value(key).isBool());
-        return value(key).toBool();
-    }
-
-    qint64 number(const char* key, qint64 least = 0, qint64 most = qint64(1) << 53) const
-    {
-        const double number = value(key).toDouble(-1);
-        const bool fits = number >= double(least) && number <= double(most);
-        require(fits && double(qint64(number)) == number);
-        return fits ? qint64(number) : least;
-    }
-
-    int count(const char* key, int least = 0) const
-    {
-        return int(number(key, least, std::numeric_limits<int>::max()));
-    }
-
-    QDateTime time(const char* key) const
-    {
-        if (value(key).isNull())
-            return {};
-        const QDateTime time = QDateTime::fromString(text(key), Qt::ISODateWithMs);
-        require(time.isValid());
-        return time.toUTC();
-    }
-
-    QStringList texts(const char* key) const
-    {
-        QStringList texts;
-        for (const QJsonValue text : array(key)) {
-            require(text.isString());
-            texts.append(text.toString());
-        }
-        return texts;
-    }
-
-    QJsonArray array(const char* key) const
-    {
-        require(value(key).isArray());
-        return value(key).toArray();
-    }
-
-    // The number of one of these words.
-    template <size_t Count> int choice(const char* key, const std::array<const char*, Count>& words) const
-    {
-        const QString word = text(key);
-        for (size_t i = 0; i < Count; ++i) {
-            if (word == QLatin1String(words.at(i)))
-                return int(i);
-        }
-        require(false);
-        return 0;
-    }
-
-private:
-    void require(bool holds) const { m_isSound = m_isSound && holds; }
-
-    const QJsonObject m_object;
-    bool& m_isSound;
-};
-
-BuildStep stepOf(const Reader& reader)
-{
-    BuildStep step;
-    step.name = reader.text("name");
-    step.start = reader.time("start");
-    step.end = reader.time("end");
-    step.outcome = BuildStep::Outcome(reader.choice("outcome", stepOutcomes));
-    step.message = reader.text("message");
-    return step;
-}
-
-ChannelOutcome channelOf(const Reader& reader, const Places& places, bool& isSound)
-{
-    ChannelOutcome channel;
-    channel.index = reader.count("index");
-    channel.outcome = ChannelOutcome::Outcome(reader.choice("outcome", channelOutcomes));
-    for (const TextField& field : textFields)
-        channel.*field.member = reader.text(field.key);
-    for (const QJsonValue step : reader.array("steps"))
-        channel.steps.append(stepOf(Reader(step, isSound)));
-    channel.notes = reader.texts("notes");
-    channel.icons = places.absolute(reader.texts("icons"));
-    channel.package = places.absolute(reader.text("package"));
-    channel.size = reader.number("size");
-    channel.replaced = reader.count("replaced");
-    channel.added = reader.count("added");
-    channel.takenOver = reader.number("takenOver");
+    ChannelOutcome channel = OutcomeJson::channel(value, isSound);
+    channel.icons = places.absolute(channel.icons);
+    channel.package = places.absolute(channel.package);
     return channel;
 }
 
@@ -228,11 +79,11 @@ QJsonObject BuildReport::toJson(const BuildOutcome& build)
             {QStringLiteral("output"), build.output},
             {QStringLiteral("slice"), build.slice},
             {QStringLiteral("slices"), build.slices},
-            {QStringLiteral("start"), timeValue(build.start)},
-            {QStringLiteral("end"), timeValue(build.end)},
+            {QStringLiteral("start"), OutcomeJson::time(build.start)},
+            {QStringLiteral("end"), OutcomeJson::time(build.end)},
             {QStringLiteral("interrupted"), build.interrupted},
             {QStringLiteral("succeeded"), build.succeeded()},
-            {QStringLiteral("sheets"), places.relative(build.sheets)},
+            {QStringLiteral("sheets"), QJsonArray::fromStringList(places.relative(build.sheets))},
             {QStringLiteral("channels"), channels}};
 }
 
@@ -240,7 +91,7 @@ bool BuildReport::fromJson(const QJsonObject& object, BuildOutcome& build)
 {
     build = {};
     bool isSound = object.value(QLatin1String("report")).toInt() == formatVersion;
-    const Reader reader(object, isSound);
+    const JsonReader reader(object, isSound);
     BuildOutcome read;
     read.game = reader.text("game");
     read.job = reader.text("job");
@@ -253,7 +104,7 @@ bool BuildReport::fromJson(const QJsonObject& object, BuildOutcome& build)
     const Places places(read.output);
     read.sheets = places.absolute(reader.texts("sheets"));
     for (const QJsonValue channel : reader.array("channels"))
-        read.channels.append(channelOf(Reader(channel, isSound), places, isSound));
+        read.channels.append(channelOf(channel, places, isSound));
     if (!isSound || read.slice >= read.slices)
         return false;
     build = read;
