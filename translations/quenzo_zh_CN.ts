@@ -216,10 +216,6 @@
         <source>building the manifest</source>
         <translation>构建清单</translation>
     </message>
-    <message>
-        <source>apktool built no manifest</source>
-        <translation>apktool 没有构建出清单</translation>
-    </message>
 </context>
 <context>
     <name>ArchiveCommands</name>
@@ -711,14 +707,6 @@
         <translation>无法创建文件夹 &apos;%1&apos;</translation>
     </message>
     <message>
-        <source>the base &apos;%1&apos; has no icon that is a PNG file</source>
-        <translation>基础包 &apos;%1&apos; 没有 PNG 格式的图标</translation>
-    </message>
-    <message>
-        <source>the base shows %1 as its icon, too, which stays as it is</source>
-        <translation>基础包还把 %1 作为图标，它保持不变</translation>
-    </message>
-    <message>
         <source>importing SDKs</source>
         <translation>导入 SDK</translation>
     </message>
@@ -762,6 +750,14 @@
         <source>the output &apos;%1&apos; cannot be brought to the disk: %2</source>
         <translation>输出 &apos;%1&apos; 无法写入磁盘：%2</translation>
     </message>
+    <message>
+        <source>the base&apos;s icon &apos;%1&apos; is no PNG file and stays as it is</source>
+        <translation>基础包的图标 &apos;%1&apos; 不是 PNG 文件，保持不变</translation>
+    </message>
+    <message>
+        <source>the base shows no icon, and the packages do not show one either</source>
+        <translation>基础包没有图标，生成的包也没有图标</translation>
+    </message>
 </context>
 <context>
     <name>BuildWorkers</name>
@@ -791,10 +787,6 @@
     <message>
         <source>the icon &apos;%1&apos; cannot be moved</source>
         <translation>无法移动图标 &apos;%1&apos;</translation>
-    </message>
-    <message>
-        <source>the manifest &apos;%1&apos; cannot be moved</source>
-        <translation>无法移动清单 &apos;%1&apos;</translation>
     </message>
     <message>
         <source>&apos;%1&apos; cannot be removed</source>
@@ -827,6 +819,18 @@
     <message>
         <source>not everything could be moved from &apos;%1&apos;</source>
         <translation>未能移走 &apos;%1&apos; 中的全部内容</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be written: %2</source>
+        <translation>无法写入 &apos;%1&apos;：%2</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; has no entry &apos;%2&apos;</source>
+        <translation>&apos;%1&apos; 中没有条目 &apos;%2&apos;</translation>
+    </message>
+    <message>
+        <source>the icon &apos;%1&apos; is no PNG file and stays that of the base</source>
+        <translation>图标 &apos;%1&apos; 不是 PNG 文件，保持基础包原样</translation>
     </message>
 </context>
 <context>

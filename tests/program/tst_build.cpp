@@ -3,6 +3,7 @@
 
 #include <QImage>
 #include <QJsonDocument>
+#include <QProcess>
 #include <QtTest>
 
 // Whole runs of a job: what comes out, and what is built again.
@@ -27,6 +28,9 @@ private Q_SLOTS:
     void signedPackagesVerify();
     void reportsAreWritten();
     void jobWithoutIconsLeavesThoseOfTheBase();
+    void unalignedBaseGivesAlignedPackages();
+    void iconsThatAreNoPngFilesStayAndAreNamed_data();
+    void iconsThatAreNoPngFilesStayAndAreNamed();
 
 private:
     using Outcomes = QMap<QString, QString>;
@@ -317,6 +321,85 @@ void tst_Build::jobWithoutIconsLeavesThoseOfTheBase()
     QVERIFY2(ended.code == 0, ended.error.constData());
     const QString icon = QStringLiteral("res/drawable-xhdpi-v4/icon.png");
     QCOMPARE(m_scene->entry(QStringLiteral("plain"), icon), m_scene->read(QStringLiteral("before/") + icon));
+}
+
+void tst_Build::unalignedBaseGivesAlignedPackages()
+{
+    QCOMPARE(QuenzoProcess({QStringLiteral("unpack"), QStringLiteral("base.apk"), QStringLiteral("game")},
+                           m_scene->path({}))
+                 .end()
+                 .code,
+             0);
+    QVERIFY(QFile::remove(m_scene->path(QStringLiteral("base.apk"))));
+    QVERIFY(m_scene->write(QStringLiteral("zip.py"),
+                           "import zipfile, os\n"
+                           "apk = zipfile.ZipFile('base.apk', 'w')\n"
+                           "apk.writestr('assets/odd', 'x')\n"
+                           "for folder, _, names in os.walk('game'):\n"
+                           "    for name in sorted(names):\n"
+                           "        path = os.path.join(folder, name)\n"
+                           "        apk.write(path, os.path.relpath(path, 'game'))\n"
+                           "apk.close()\n"));
+    QProcess zip;
+    zip.setWorkingDirectory(m_scene->path({}));
+    zip.start(QStringLiteral(PYTHON2), {QStringLiteral("zip.py")});
+    QVERIFY2(zip.waitForFinished() && zip.exitCode() == 0, zip.readAllStandardError().constData());
+    const auto check = [this](const QString& package) {
+        return QuenzoProcess({QStringLiteral("check"), package}, m_scene->path({})).end();
+    };
+    const Ended before = check(QStringLiteral("base.apk"));
+    const QByteArray told = before.output + before.error;
+    QVERIFY2(told.contains("align"), told.constData());
+    const Ended ended = m_scene->run();
+    QVERIFY2(ended.code == 0, ended.error.constData());
+}
+
+void tst_Build::iconsThatAreNoPngFilesStayAndAreNamed_data()
+{
+    QTest::addColumn<QString>("icon");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("warning");
+    QTest::newRow("adaptive") << QStringLiteral("drawable/icon.xml") << QByteArray("<layers/>")
+                              << QByteArray("the base's icon 'res/drawable/icon.xml' is no PNG file");
+    QTest::newRow("webp") << QStringLiteral("drawable/icon.webp") << QByteArray("RIFF    WEBPVP8 ")
+                          << QByteArray("the base's icon 'res/drawable/icon.webp' is no PNG file");
+    QTest::newRow("none") << QString() << QByteArray() << QByteArray("the base shows no icon");
+}
+
+void tst_Build::iconsThatAreNoPngFilesStayAndAreNamed()
+{
+    QFETCH(const QString, icon);
+    QFETCH(const QByteArray, content);
+    QFETCH(const QByteArray, warning);
+    const QByteArray shown = icon.isEmpty() ? QByteArray() : " android:icon=\"@drawable/icon\"";
+    QVERIFY(m_scene->write(QStringLiteral("game/AndroidManifest.xml"),
+                           "<manifest xmlns:android=\"http://schemas.android.com/apk/res/android\" "
+                           "package=\"com.a.game\"><application"
+                               + shown + "/></manifest>"));
+    QVERIFY(m_scene->write(QStringLiteral("game/res/values/texts.xml"),
+                           "<resources><string name=\"title\">Game</string></resources>"));
+    if (!icon.isEmpty())
+        QVERIFY(m_scene->write(QStringLiteral("game/res/") + icon, content));
+    for (const QString& words :
+         {QStringLiteral("package -f -x -F framework.apk -M %1/AndroidManifest.xml -S %1/res")
+              .arg(QStringLiteral(SAMPLE "/framework")),
+          QStringLiteral(
+              "package -f -M game/AndroidManifest.xml -S game/res -I framework.apk -F base.apk")}) {
+        QProcess aapt;
+        aapt.setWorkingDirectory(m_scene->path({}));
+        aapt.start(QStringLiteral("aapt"), words.split(QLatin1Char(' ')));
+        QVERIFY2(aapt.waitForFinished() && aapt.exitCode() == 0, aapt.readAllStandardError().constData());
+    }
+    const Ended ended = m_scene->run();
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QVERIFY2(ended.error.contains(warning), ended.error.constData());
+    if (!icon.isEmpty())
+        QCOMPARE(m_scene->entry(QStringLiteral("harbor"), QStringLiteral("res/") + icon),
+                 m_scene->entry(QStringLiteral("plain"), QStringLiteral("res/") + icon));
+    QVERIFY(QFileInfo::exists(
+        m_scene->path(QStringLiteral("output/harbor/icons/android/res/mipmap-xhdpi/ic_launcher.png"))));
+    QVERIFY(!m_scene->entry(QStringLiteral("harbor"), QStringLiteral("res/mipmap-xhdpi/ic_launcher.png"))
+                 .contains("PNG"));
 }
 
 QTEST_GUILESS_MAIN(tst_Build)

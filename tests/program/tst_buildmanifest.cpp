@@ -12,6 +12,7 @@ class tst_BuildManifest : public QObject {
 private Q_SLOTS:
     void init();
     void packageOfItsOwnIsNamed();
+    void baseWithFilesOfAnyKindIsRenamed();
     void fragmentsOfSdksAreMerged();
     void clashingFragmentFailsItsChannelOnly();
     void missingApktoolIsToldBeforeAnythingIsBuilt();
@@ -78,6 +79,30 @@ void tst_BuildManifest::packageOfItsOwnIsNamed()
     QVERIFY2(badging.contains("application-label:'Sky Harbour'"), badging.constData());
     QVERIFY(badgingOf(QStringLiteral("plain")).startsWith("package: name='com.quenzo.skyharbour'"));
     QVERIFY(!QFileInfo::exists(m_scene->path(QStringLiteral("output/harbor/decoded"))));
+}
+
+// Files beside assets and classes, as libraries leave them in a package.
+void tst_BuildManifest::baseWithFilesOfAnyKindIsRenamed()
+{
+    QVERIFY(m_scene->write(QStringLiteral("more/library.properties"), "version=1\n"));
+    QVERIFY(m_scene->write(QStringLiteral("more/kotlin/probes.bin"), "probes"));
+    QCOMPARE(QuenzoProcess(QuenzoProcess::words("pack more more.apk --onto base.apk"), m_scene->path({}))
+                 .end()
+                 .code,
+             0);
+    m_scene->job.insert(QStringLiteral("base"), QStringLiteral("more.apk"));
+    QJsonObject channel = m_scene->channel(1);
+    channel.insert(QStringLiteral("package"), QStringLiteral("com.quenzo.skyharbour.harbor"));
+    m_scene->setChannel(1, channel);
+    const Ended ended = m_scene->run();
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    const QByteArray badging = badgingOf(QStringLiteral("harbor"));
+    QVERIFY2(badging.startsWith(
+                 "package: name='com.quenzo.skyharbour.harbor' versionCode='12' versionName='1.2.0'"),
+             badging.constData());
+    QVERIFY2(badging.contains("sdkVersion:'23'\ntargetSdkVersion:'33'\n"), badging.constData());
+    QCOMPARE(m_scene->entry(QStringLiteral("harbor"), QStringLiteral("library.properties")),
+             QByteArray("version=1\n"));
 }
 
 void tst_BuildManifest::fragmentsOfSdksAreMerged()

@@ -16,6 +16,7 @@ private Q_SLOTS:
     void renamedPackageKeepsItsClasses_data();
     void renamedPackageKeepsItsClasses();
     void renamedPackageServesAuthoritiesOfItsOwn();
+    void renamedPackageDeclaresPermissionsOfItsOwn();
     void damagedTextsAreRefused_data();
     void damagedTextsAreRefused();
     void configWithoutAFragmentAddsNothing();
@@ -132,6 +133,22 @@ void tst_Manifest::renamedPackageServesAuthoritiesOfItsOwn()
                               "</application></manifest>"));
     m_manifest.rename(QStringLiteral("com.b"));
     QVERIFY2(text().contains("android:authorities=\"com.b;com.b.files;com.a.gamers;o.c\""), text());
+}
+
+void tst_Manifest::renamedPackageDeclaresPermissionsOfItsOwn()
+{
+    QVERIFY(m_manifest.read(start
+                            + "<permission android:name=\"com.a.game.P\"/>"
+                              "<uses-permission android:name=\"com.a.game.P\"/>"
+                              "<uses-permission android:name=\"com.a.game.OTHERS\"/>"
+                              "<application><service android:name=\"x.S\" "
+                              "android:permission=\"com.a.game.P\"/></application></manifest>"));
+    m_manifest.rename(QStringLiteral("com.b"));
+    QVERIFY2(text().contains("<permission android:name=\"com.b.P\"/>"
+                             "<uses-permission android:name=\"com.b.P\"/>"
+                             "<uses-permission android:name=\"com.a.game.OTHERS\"/>"),
+             text());
+    QVERIFY2(text().contains("android:permission=\"com.b.P\""), text());
 }
 
 void tst_Manifest::damagedTextsAreRefused_data()

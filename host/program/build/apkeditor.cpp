@@ -121,6 +121,7 @@ struct ApkEditor::Base {
 
     QString plan(const QVector<ApkChange>& changes, Changes& left) const;
     bool pack(ZipWriter& writer, Changes left, QString& error) const;
+    QString damage(const std::function<bool(const ZipEntry&)>& isRead) const;
     QString objection(const std::function<bool(const ZipEntry&)>& isRead) const;
 };
 
@@ -228,7 +229,7 @@ bool ApkEditor::write(const QString& package, const QVector<ApkChange>& changes)
     return m_error.isEmpty();
 }
 
-QString ApkEditor::Base::objection(const std::function<bool(const ZipEntry&)>& isRead) const
+QString ApkEditor::Base::damage(const std::function<bool(const ZipEntry&)>& isRead) const
 {
     for (const ZipEntry& entry : directory.entries) {
         if (!isRead(entry))
@@ -238,12 +239,25 @@ QString ApkEditor::Base::objection(const std::function<bool(const ZipEntry&)>& i
         if (!content.error().isEmpty())
             return ApkEditorTexts::tr("%1: %2").arg(archive.path(), content.error());
     }
+    return {};
+}
+
+QString ApkEditor::Base::objection(const std::function<bool(const ZipEntry&)>& isRead) const
+{
+    const QString found = damage(isRead);
+    if (!found.isEmpty())
+        return found;
     for (const ZipEntry& entry : directory.entries) {
         if (entry.method == ZipEntry::Stored && entry.data % ZipFormat::alignmentOf(entry.name) != 0)
             return ApkEditorTexts::tr("%1: '%2' is not aligned")
                 .arg(archive.path(), ZipNames::shown(entry.name));
     }
     return {};
+}
+
+QString ApkEditor::objectionToContents() const
+{
+    return m_base->damage([](const ZipEntry&) { return true; });
 }
 
 QString ApkEditor::objectionTo(const QString& package)

@@ -59,6 +59,12 @@ public:
     bool write(const QString& package, const QVector<ApkChange>& changes);
 
     /**
+     * Holds the content of each of the base's entries against its checksum. How they are aligned does not
+     * matter: packages have them aligned anew.
+     */
+    QString objectionToContents() const;
+
+    /**
      * Holds a package against what Android wants of it: every entry's content against its checksum, no name
      * twice, stored entries aligned. Empty when it is sound, otherwise what is not.
      */

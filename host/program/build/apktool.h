@@ -7,8 +7,9 @@
 #include <QString>
 
 class Console;
+struct PackageFacts;
 
-/** The program apktool, as the search path has it: it turns a package's manifest into text and back. */
+/** Turns a package's manifest into text with apktool, as the search path has it, and back with aapt. */
 class ApkTool {
 public:
     /** @param store folder for what it keeps between its runs, instead of the person's home */
@@ -26,17 +27,17 @@ public:
      */
     QString decode(const QString& apk, const QString& folder, Console& console) const;
 
-    /** Builds such a folder again; the manifest as packages have it is then manifestIn(). */
-    QString build(const QString& folder, Console& console) const;
-
-    static QString manifestIn(const QString& folder)
-    {
-        return folder + QStringLiteral("/build/apk/AndroidManifest.xml");
-    }
+    /**
+     * Makes an archive that holds the manifest as packages have it. What the text refers to is looked up in
+     * the base: its resources need not be built again, which not those of every package can be.
+     *
+     * @param manifest the text, under the name that the base's resources have for their package
+     * @param package the name that it gets instead
+     */
+    QString build(const QString& manifest, const QString& package, const QString& base,
+                  const PackageFacts& facts, const QString& archive, Console& console) const;
 
 private:
-    QString run(const QStringList& words, const QString& doing, Console& console) const;
-
     const QString m_program;
     const QString m_store;
 };

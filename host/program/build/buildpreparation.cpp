@@ -114,6 +114,7 @@ bool BuildPreparation::makeIconsFor(int platform, const QVector<JobChannel>& cha
     icons.layout.platform = platform;
     if (platform == IconSet::Android) {
         icons.layout.arrangement = IconLayout::AndroidRes;
+        icons.layout.name = icons.layout.usualName(); // of use where the base has no pictures
         icons.layout.base = m_base.icons.pictures;
         icons.base = m_job.base;
     }

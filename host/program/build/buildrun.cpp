@@ -134,16 +134,13 @@ bool BuildRun::readBase()
     if (!m_editor.open(m_job.base))
         fault = m_editor.error();
     else
-        fault = ApkEditor::objectionTo(m_job.base);
+        fault = m_editor.objectionToContents();
     if (fault.isEmpty() && !PackageFacts::read(m_job.base, mute, m_base, fault))
         Q_ASSERT(!fault.isEmpty());
-    if (fault.isEmpty() && !m_job.icon.isEmpty() && m_job.platforms.contains(IconSet::Android)
-        && m_base.icons.pictures.isEmpty())
-        fault = Run::tr("the base '%1' has no icon that is a PNG file").arg(m_job.base);
     if (!fault.isEmpty())
         m_console.error({Failure::BadInput, fault});
-    for (const QString& other : qAsConst(m_base.icons.others))
-        m_console.warn(Run::tr("the base shows %1 as its icon, too, which stays as it is").arg(other));
+    else if (!m_job.icon.isEmpty() && m_job.platforms.contains(IconSet::Android))
+        tellIconsThatStay();
     return fault.isEmpty();
 }
 
@@ -154,6 +151,15 @@ bool BuildRun::stands(const EarlierBuild& earlier, const QString& package)
         return false;
     // Of a run without an end, which a power cut may have been, not every content may have reached the disk.
     return earlier.isFlushed || ApkEditor::objectionTo(package).isEmpty();
+}
+
+// The drawn icons replace PNG files alone; a person who sees the old one on a device should know why.
+void BuildRun::tellIconsThatStay()
+{
+    for (const QString& other : qAsConst(m_base.icons.others))
+        m_console.warn(Run::tr("the base's icon '%1' is no PNG file and stays as it is").arg(other));
+    if (m_base.icons.pictures.isEmpty() && m_base.icons.others.isEmpty())
+        m_console.warn(Run::tr("the base shows no icon, and the packages do not show one either"));
 }
 
 // Finds the channels of the slice, and which of them have to be built.

@@ -41,6 +41,7 @@ public:
 private:
     bool begin();
     bool readBase();
+    void tellIconsThatStay();
     void findWork(BuildRecords& records);
     void prepareAndBuild(BuildRecords& records);
     void buildHere(BuildRecords& records);

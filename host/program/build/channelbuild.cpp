@@ -3,9 +3,12 @@
 
 #include "build/apkeditor.h"
 #include "build/apktool.h"
+#include "build/archivefile.h"
 #include "build/job.h"
 #include "build/manifest.h"
 #include "build/packageparts.h"
+#include "build/zipcontent.h"
+#include "build/zipdirectory.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
 #include "icons/iconset.h"
@@ -51,6 +54,35 @@ QByteArray configOf(const QString& sdk)
 {
     QFile config(sdk + QStringLiteral("/config.xml"));
     return config.open(QIODevice::ReadOnly) ? config.readAll() : QByteArray();
+}
+
+QString writeFile(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush())
+        return {};
+    return Build::tr("'%1' cannot be written: %2").arg(path, file.errorString());
+}
+
+// The content of one entry of an archive.
+QByteArray contentOf(const QString& path, const QByteArray& name, QString& fault)
+{
+    ArchiveFile archive;
+    ZipDirectory directory;
+    fault = archive.open(path) ? directory.read(archive) : archive.error();
+    for (const ZipEntry& entry : qAsConst(directory.entries)) {
+        if (!fault.isEmpty() || entry.name != name)
+            continue;
+        ZipContent content(archive, entry);
+        QByteArray whole;
+        for (QByteArray block = content.next(); !block.isEmpty(); block = content.next())
+            whole += block;
+        fault = content.error();
+        return whole;
+    }
+    if (fault.isEmpty())
+        fault = Build::tr("'%1' has no entry '%2'").arg(path, QString::fromUtf8(name));
+    return {};
 }
 
 QString makeFolder(const QString& folder)
@@ -196,34 +228,38 @@ QString ChannelBuild::gatherIcons()
 // Merges what SDKs want into the base's manifest, and has it built again.
 QString ChannelBuild::makeManifest()
 {
-    const QString folder = channelFile(QStringLiteral("decoded"));
-    Console console = muteConsole();
-    TreeOperation copy(OPERATE_COPY, {m_places.decoded(), folder}, {});
-    if (!copy.run(console))
-        return sentenceOf(console.failure());
-    QFile file(folder + QStringLiteral("/AndroidManifest.xml"));
+    QFile file(m_places.decoded() + QStringLiteral("/AndroidManifest.xml"));
     Manifest manifest;
     if (!file.open(QIODevice::ReadOnly) || !manifest.read(file.readAll()))
         return file.isOpen() ? manifest.error() : file.errorString();
-    file.close();
-    if (!m_channel->package.isEmpty())
-        manifest.rename(m_channel->package);
+    // A base that was renamed itself has resources that go by another name still.
+    const QString ofResources = manifest.package();
+    manifest.setPackage(m_base.name);
+    if (packageName() != ofResources)
+        manifest.rename(packageName());
     for (const QString& sdk : m_channel->sdks) {
         if (!manifest.add(sdk, configOf(m_places.sdk(sdk))))
             return manifest.error();
     }
-    const QByteArray text = manifest.text();
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush())
-        return file.errorString();
-    file.close();
-    const QString fault = ApkTool(m_places.decodingStore()).build(folder, console);
-    const QString built = channelFile(QStringLiteral("AndroidManifest.xml"));
+    manifest.setPackage(ofResources);
+    const QString text = channelFile(QStringLiteral("AndroidManifest.xml"));
+    QString fault = writeFile(text, manifest.text());
     if (!fault.isEmpty())
         return fault;
-    if (!QFile::rename(ApkTool::manifestIn(folder), built))
-        return Build::tr("the manifest '%1' cannot be moved").arg(ApkTool::manifestIn(folder));
-    QFile::remove(folder + QStringLiteral("-built.apk"));
-    return removeFolder(folder);
+    Console console = muteConsole();
+    const QString archive = channelFile(QStringLiteral("manifest.apk"));
+    fault =
+        ApkTool(m_places.decodingStore()).build(text, packageName(), m_job.base, m_base, archive, console);
+    if (!fault.isEmpty())
+        return fault;
+    const QByteArray built = contentOf(archive, QByteArrayLiteral("AndroidManifest.xml"), fault);
+    QFile::remove(archive);
+    return fault.isEmpty() ? writeFile(text, built) : fault;
+}
+
+QString ChannelBuild::packageName() const
+{
+    return m_channel->package.isEmpty() ? m_base.name : m_channel->package;
 }
 
 QByteArray ChannelBuild::channelContent() const
@@ -239,7 +275,8 @@ QByteArray ChannelBuild::channelContent() const
 QString ChannelBuild::makePackage()
 {
     PackageParts parts(m_editor.entries());
-    if (!m_job.icon.isEmpty() && m_job.platforms.contains(IconSet::Android)) {
+    const bool newIcons = !m_job.icon.isEmpty() && m_job.platforms.contains(IconSet::Android);
+    if (newIcons) {
         QStringList paths;
         for (const PackageIcon& icon : m_base.icons.pictures)
             paths.append(icon.path);
@@ -265,6 +302,11 @@ QString ChannelBuild::makePackage()
     if (changed && !QFile::remove(manifest))
         return Build::tr("'%1' cannot be removed").arg(manifest);
     m_outcome.notes = parts.notes();
+    if (newIcons) {
+        for (const QString& other : m_base.icons.others)
+            m_outcome.notes +=
+                Build::tr("the icon '%1' is no PNG file and stays that of the base").arg(other);
+    }
     m_outcome.replaced = parts.replaced();
     m_outcome.added = parts.added();
     m_outcome.takenOver = m_editor.takenOver();
@@ -302,7 +344,7 @@ QString ChannelBuild::check()
     QString fault;
     if (!PackageFacts::read(packageFile(), console, facts, fault))
         return fault;
-    const QString name = m_channel->package.isEmpty() ? m_base.name : m_channel->package;
+    const QString name = packageName();
     if (facts.name != name || facts.versionCode != m_base.versionCode)
         return Build::tr("the package calls itself %1, version %2, and not %3, version %4")
             .arg(facts.name, facts.versionCode, name, m_base.versionCode);

@@ -50,6 +50,7 @@ private:
     QString cutForOutput(const QStringList& left);
 
     QByteArray channelContent() const;
+    QString packageName() const;
     QString packageFile() const;
     QString channelFile(const QString& name) const;
 

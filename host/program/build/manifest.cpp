@@ -99,6 +99,17 @@ void nameInFull(XmlElement& element, const QString& package)
         nameInFull(child, package);
 }
 
+// Two packages on one device may not declare the same permission either, wherever it is named.
+void renameValue(XmlElement& element, const QString& before, const QString& after)
+{
+    for (XmlElement::Attribute& attribute : element.attributes) {
+        if (attribute.value == before)
+            attribute.value = after;
+    }
+    for (XmlElement& child : element.children)
+        renameValue(child, before, after);
+}
+
 // Two packages on one device may not serve the same authority.
 void renameAuthorities(XmlElement& element, const QString& before, const QString& after)
 {
@@ -158,12 +169,25 @@ QString Manifest::package() const
     return m_root.value(packageAttribute);
 }
 
+void Manifest::setPackage(const QString& package)
+{
+    m_root.set(packageAttribute, package);
+}
+
 void Manifest::rename(const QString& package)
 {
     const QString before = this->package();
     nameInFull(m_root, before);
     renameAuthorities(m_root, before, package);
-    m_root.set(packageAttribute, package);
+    QStringList permissions;
+    for (const XmlElement& child : qAsConst(m_root.children)) {
+        const QString name = child.value(nameAttribute);
+        if (child.name == QLatin1String("permission") && name.startsWith(before + QLatin1Char('.')))
+            permissions.append(name);
+    }
+    for (const QString& permission : qAsConst(permissions))
+        renameValue(m_root, permission, package + permission.mid(before.size()));
+    setPackage(package);
 }
 
 bool Manifest::hasFragment(const QByteArray& config)

@@ -44,6 +44,7 @@ public:
 
     QByteArray text() const;
     QString package() const;
+    void setPackage(const QString& package);
     const QString& error() const { return m_error; }
 
     /** Whether an SDK wants anything of manifests. */

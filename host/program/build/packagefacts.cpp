@@ -14,6 +14,14 @@ struct Facts {
     Q_DECLARE_TR_FUNCTIONS(PackageFacts)
 };
 
+// The value of a line that has nothing else.
+QString valueOf(const QString& badging, const QString& key)
+{
+    const QRegularExpression line(QStringLiteral("^%1:'([^']*)'").arg(key),
+                                  QRegularExpression::MultilineOption);
+    return line.match(badging).captured(1);
+}
+
 } // namespace
 
 bool PackageFacts::read(const QString& apk, Console& console, PackageFacts& facts, QString& fault)
@@ -29,6 +37,12 @@ bool PackageFacts::read(const QString& apk, Console& console, PackageFacts& fact
                     .arg(apk, run.error.section(QLatin1Char('\n'), 0, 0));
         return false;
     }
-    facts = {match.captured(1), match.captured(3), match.captured(2), parseBadging(run.output)};
+    facts = {match.captured(1),
+             match.captured(3),
+             match.captured(2),
+             valueOf(run.output, QStringLiteral("sdkVersion")),
+             valueOf(run.output, QStringLiteral("targetSdkVersion")),
+             valueOf(run.output, QStringLiteral("maxSdkVersion")),
+             parseBadging(run.output)};
     return true;
 }

@@ -13,6 +13,9 @@ struct PackageFacts {
     QString name; ///< "com.quenzo.skyharbour"
     QString versionName;
     QString versionCode;
+    QString minSdk; ///< empty where the package names none, like the next two
+    QString targetSdk;
+    QString maxSdk;
     PackageIcons icons;
 
     /** Reads them; false with a fault in one sentence. */
