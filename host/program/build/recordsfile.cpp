@@ -11,6 +11,8 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+#include <array>
+
 namespace {
 
 struct RecordsTexts {
@@ -20,7 +22,7 @@ struct RecordsTexts {
 constexpr int version = 1;
 
 // The queue inserts alone: what is known already is replaced by what the tables say of conflicts.
-const char* const tables[] = {
+const std::array<const char*, 8> tables{
     "CREATE TABLE game(name TEXT PRIMARY KEY ON CONFLICT REPLACE, job TEXT, base TEXT)",
     "CREATE TABLE channel(game TEXT, folder TEXT, name TEXT, number TEXT,"
     " PRIMARY KEY(game, folder) ON CONFLICT REPLACE)",
@@ -39,7 +41,7 @@ const char* const tables[] = {
 };
 
 // Finds a column missing that a file of our version has.
-const char* const probes[] = {
+const std::array<const char*, 7> probes{
     "SELECT name, job, base FROM game",
     "SELECT game, folder, name, number FROM channel",
     "SELECT game, name, package, id FROM sdk",
@@ -128,7 +130,7 @@ QString objectionTo(const QString& file, Connection& connection)
 // The same for a reader, who makes no file and no tables.
 QString objectionToReading(const QString& file, Connection& connection)
 {
-    const QString objection = objectionTo(file, connection);
+    QString objection = objectionTo(file, connection);
     if (!objection.isEmpty())
         return objection;
     if (connection.value("PRAGMA user_version").toInt() == version)
@@ -216,7 +218,7 @@ void takeEarlier(const QString& file, const QString& game, QHash<QString, DatedB
 QVariant RecordsFile::timeText(const QDateTime& time)
 {
     if (!time.isValid())
-        return QVariant(QVariant::String);
+        return {QVariant::String};
     return time.toUTC().toString(Qt::ISODateWithMs);
 }
 
@@ -231,7 +233,7 @@ QString RecordsFile::prepare(const QString& file)
     Connection connection(file);
     // The right to write is asked for: who could only read would notice at the first row.
     connection.run("BEGIN IMMEDIATE");
-    const QString objection = objectionTo(file, connection);
+    QString objection = objectionTo(file, connection);
     if (!objection.isEmpty())
         return objection;
     if (connection.value("PRAGMA user_version").toInt() < version) {
