@@ -278,7 +278,7 @@ QString ApkEditor::objectionTo(const QString& package, const QVector<ApkChange>&
         if (!ZipNames::isSignature(change.name))
             missing.insert(change.name);
     }
-    const QString objection =
+    QString objection =
         editor.m_base->objection([&missing](const ZipEntry& entry) { return missing.remove(entry.name); });
     if (!objection.isEmpty() || missing.isEmpty())
         return objection;

@@ -209,7 +209,7 @@ QString ChannelBuild::clear()
 QString ChannelBuild::gatherIcons()
 {
     const QString own = channelFile(QStringLiteral("icons"));
-    const QString fault = makeFolder(own);
+    QString fault = makeFolder(own);
     if (!fault.isEmpty())
         return fault;
     for (const int platform : m_job.platforms) {
@@ -335,8 +335,8 @@ QString ChannelBuild::sign()
 QString ChannelBuild::check()
 {
     // The base has been read as a whole; encrypting changes other entries than ours.
-    const QString objection = m_channel->encrypt ? ApkEditor::objectionTo(packageFile())
-                                                 : ApkEditor::objectionTo(packageFile(), m_changes);
+    QString objection = m_channel->encrypt ? ApkEditor::objectionTo(packageFile())
+                                           : ApkEditor::objectionTo(packageFile(), m_changes);
     if (!objection.isEmpty())
         return objection;
     Console console = muteConsole();
