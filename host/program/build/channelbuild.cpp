@@ -198,7 +198,7 @@ QString ChannelBuild::clear()
 {
     for (const QString& folder :
          {m_places.channel(m_channel->folder), m_places.finished(m_channel->folder)}) {
-        const QString fault = removeFolder(folder);
+        QString fault = removeFolder(folder);
         if (!fault.isEmpty())
             return fault;
     }
