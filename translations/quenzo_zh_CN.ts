@@ -691,6 +691,18 @@
 <context>
     <name>BuildRun</name>
     <message>
+        <source>&apos;%1&apos; changed during the run</source>
+        <translation>&apos;%1&apos; 在运行期间发生了变化</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be opened: %2</source>
+        <translation>无法打开 &apos;%1&apos;：%2</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be locked (%2): see to it that one run alone is at work there</source>
+        <translation>无法锁定 &apos;%1&apos;（%2）：请确保那里只有一次运行在工作</translation>
+    </message>
+    <message>
         <source>preparing</source>
         <translation>正在准备</translation>
     </message>
@@ -772,6 +784,10 @@
 </context>
 <context>
     <name>ChannelBuild</name>
+    <message>
+        <source>&apos;%1&apos; cannot be removed: %2</source>
+        <translation>无法删除 &apos;%1&apos;：%2</translation>
+    </message>
     <message>
         <source>the folder &apos;%1&apos; cannot be made</source>
         <translation>无法创建文件夹 &apos;%1&apos;</translation>

@@ -9,6 +9,9 @@
 #include <QXmlStreamReader>
 #include <QtTest>
 
+#include <csignal>
+#include <sys/resource.h>
+
 #include <clocale>
 #include <cmath>
 #include <sys/stat.h>
@@ -120,6 +123,7 @@ private Q_SLOTS:
     void sumsStandBelow();
     void reportsAreWrittenWhole();
     void failuresAreTold();
+    void limitOfFilesLeavesTheReportThatWas();
 
 private:
     QString picture(const char* name, const QSize& size, bool isNoise = false) const;
@@ -524,6 +528,26 @@ void tst_BuildReport::failuresAreTold()
     QVERIFY2(fault.startsWith(
                  QStringLiteral("the report %1/report.html cannot be written: ").arg(m_folder->path())),
              qUtf8Printable(fault));
+}
+
+// The last bytes wait in a buffer until the file is closed, and are no less wanted.
+void tst_BuildReport::limitOfFilesLeavesTheReportThatWas()
+{
+    const BuildOutcome before;
+    QCOMPARE(BuildReport::write(before, m_folder->path()), QString());
+    rlimit was{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &was), 0);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit low{100, was.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &low), 0);
+    const QString fault = BuildReport::write(ReportScene::run(), m_folder->path());
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &was), 0);
+    QVERIFY2(fault.startsWith(
+                 QStringLiteral("the report %1/report.json cannot be written: ").arg(m_folder->path())),
+             qUtf8Printable(fault));
+    QFile file(m_folder->filePath(QStringLiteral("report.json")));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(QJsonDocument::fromJson(file.readAll()).object(), BuildReport::toJson(before));
 }
 
 QTEST_GUILESS_MAIN(tst_BuildReport)

@@ -16,6 +16,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QSet>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -89,12 +90,18 @@ QByteArray BuildInputs::folderDigest(const QString& folder)
         return *known;
     QStringList files;
     QDirIterator entries(folder, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
-    while (entries.hasNext())
-        files.append(entries.next());
+    QSet<QString> others; // no package takes them, and a pipe would be waited for
+    while (entries.hasNext()) {
+        const QString path = entries.next();
+        files.append(path);
+        if (!entries.fileInfo().isFile() || entries.fileInfo().isSymLink())
+            others.insert(path);
+    }
     std::sort(files.begin(), files.end());
     QByteArray text;
     for (const QString& file : qAsConst(files))
-        text += file.mid(folder.size()).toUtf8() + '\0' + fileDigest(file) + '\n';
+        text += file.mid(folder.size()).toUtf8() + '\0' + (others.contains(file) ? "other" : fileDigest(file))
+            + '\n';
     return *m_digests.insert(folder, digestOfText(text));
 }
 

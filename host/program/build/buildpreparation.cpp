@@ -140,8 +140,11 @@ bool BuildPreparation::makeIconsFor(int platform, const QVector<JobChannel>& cha
     }
     causes = Diagnostics::takeAll() + causes;
     const QStringList missing = tally.missing();
-    if (!missing.isEmpty())
-        fault = Preparation::tr("the icon '%1' was not written: %2").arg(missing.first(), causes.value(0));
+    if (!missing.isEmpty()) {
+        const QStringList own = causes.filter(missing.first());
+        fault = Preparation::tr("the icon '%1' was not written: %2")
+                    .arg(missing.first(), own.isEmpty() ? causes.value(0) : own.first());
+    }
     return fault.isEmpty();
 }
 

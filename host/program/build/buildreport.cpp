@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "build/buildreport.h"
 
+#include "wholesave.h"
+
 #include <QCoreApplication>
 #include <QJsonDocument>
-#include <QSaveFile>
 
 namespace {
 
@@ -13,10 +14,8 @@ struct Reports {
 
 QString writeWhole(const QString& path, const QByteArray& content)
 {
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit())
-        return {};
-    return Reports::tr("the report %1 cannot be written: %2").arg(path, file.errorString());
+    const QString fault = saveWhole(path, content);
+    return fault.isEmpty() ? QString() : Reports::tr("the report %1 cannot be written: %2").arg(path, fault);
 }
 
 } // namespace

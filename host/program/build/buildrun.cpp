@@ -10,6 +10,7 @@
 #include "build/channelbuild.h"
 #include "build/sheets.h"
 #include "console/console.h"
+#include "console/diagnostics.h"
 #include "console/figures.h"
 #include "console/progress.h"
 #include "console/spinner.h"
@@ -20,13 +21,16 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
+#include <QThread>
 
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -34,6 +38,20 @@ namespace {
 struct Run {
     Q_DECLARE_TR_FUNCTIONS(BuildRun)
 };
+
+// Which file it is, and in which state.
+QString identityOf(const QString& path)
+{
+    struct stat found { };
+    if (stat(QFile::encodeName(path).constData(), &found) != 0)
+        return {};
+    return QStringLiteral("%1:%2:%3:%4.%5")
+        .arg(found.st_dev)
+        .arg(found.st_ino)
+        .arg(found.st_size)
+        .arg(found.st_mtim.tv_sec)
+        .arg(found.st_mtim.tv_nsec);
+}
 
 } // namespace
 
@@ -67,14 +85,12 @@ ExitCode BuildRun::fail(const QString& message)
 
 ExitCode BuildRun::run()
 {
+    Diagnostics::followSteps({}); // a run's steps are its channels'; every file's would bury them
     if (!begin())
         return ExitFailed;
-    QLockFile lock(m_places.work + QStringLiteral("/.lock"));
-    lock.setStaleLockTime(0);
-    // What a run that was killed had just started may hold its lock a moment longer.
-    constexpr int patienceMs = 1000;
-    if (!lock.tryLock(patienceMs))
-        return fail(Run::tr("another run of this job is at work in '%1'").arg(m_places.work));
+    QFile lock(m_places.work + QStringLiteral("/.lock"));
+    if (!takeLock(lock))
+        return ExitFailed;
     BuildRecords records;
     if (!records.open(m_places.records()))
         return fail(records.error());
@@ -125,12 +141,41 @@ bool BuildRun::begin()
     return true;
 }
 
+// Keeps other runs out of the work folder. The kernel's lock ends with its process, on whatever machine that
+// was; a file that names the process would outlive a machine, and a container whose process is always
+// number 1.
+bool BuildRun::takeLock(QFile& file)
+{
+    if (!file.open(QIODevice::ReadWrite)) {
+        m_console.error(Run::tr("'%1' cannot be opened: %2").arg(file.fileName(), file.errorString()));
+        return false;
+    }
+    // What a run that was killed had just started may hold its lock a moment longer.
+    constexpr int patienceMs = 1000;
+    constexpr int intervalMs = 20;
+    QElapsedTimer waiting;
+    waiting.start();
+    while (flock(file.handle(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK
+           && !waiting.hasExpired(patienceMs))
+        QThread::msleep(intervalMs);
+    if (flock(file.handle(), LOCK_EX | LOCK_NB) == 0)
+        return true;
+    if (errno == EWOULDBLOCK) {
+        m_console.error(Run::tr("another run of this job is at work in '%1'").arg(m_places.work));
+        return false;
+    }
+    m_console.warn(Run::tr("'%1' cannot be locked (%2): see to it that one run alone is at work there")
+                       .arg(m_places.work, qt_error_string(errno)));
+    return true;
+}
+
 bool BuildRun::readBase()
 {
     QString fault;
     ConsoleStyle style;
     style.mute = true;
     Console mute(style);
+    m_baseFile = identityOf(m_job.base); // before it is opened: whatever comes later differs
     if (!m_editor.open(m_job.base))
         fault = m_editor.error();
     else
@@ -204,8 +249,12 @@ void BuildRun::prepareAndBuild(BuildRecords& records)
     preparation.importSdks(m_pending);
     QString commonFault;
     m_doing = Run::tr("decoding the base");
+    if (m_hold.isInterrupted())
+        return;
     const bool decoded = preparation.decodeBase(m_pending, commonFault);
     m_doing = Run::tr("drawing icons");
+    if (m_hold.isInterrupted())
+        return;
     if (decoded && !m_job.icon.isEmpty())
         preparation.makeIcons(m_pending, commonFault);
     QVector<JobChannel> possible;
@@ -219,7 +268,9 @@ void BuildRun::prepareAndBuild(BuildRecords& records)
         outcome.folder = channel.folder;
         outcome.name = channel.name;
         outcome.outcome = ChannelOutcome::Failed;
-        removeFolder(m_places.finished(channel.folder)); // it came from other inputs
+        const QString fault = clearFinished(m_places, channel.folder); // it came from other inputs
+        if (!fault.isEmpty())
+            outcome.message += QStringLiteral("; ") + fault;
         finish(outcome, records);
     }
     m_pending = possible;
@@ -249,12 +300,19 @@ void BuildRun::buildHere(BuildRecords& records)
 
 void BuildRun::buildInProcesses(BuildRecords& records)
 {
-    BuildWorkers workers(m_job, m_wishes.slice, m_places);
-    workers.onBegin = [this](const QString& doing) {
-        m_doing = doing;
-        m_console.step(doing);
+    BuildWorkers workers(m_job, m_wishes.slice, m_places, m_baseFile);
+    QMap<QString, QString> atWork;
+    const auto show = [this, &atWork] { m_doing = atWork.values().join(QStringLiteral(", ")); };
+    workers.onBegin = [&](const QString& folder, const QString& step) {
+        atWork.insert(folder, QStringLiteral("%1: %2").arg(folder, step));
+        show();
+        m_console.step(atWork.value(folder));
     };
-    workers.onDone = [&](const ChannelOutcome& outcome) { finish(outcome, records); };
+    workers.onDone = [&](const ChannelOutcome& outcome) {
+        atWork.remove(outcome.folder);
+        show();
+        finish(outcome, records);
+    };
     const QString fault =
         workers.run(m_pending, m_wishes.processes, [this] { return m_hold.isInterrupted(); });
     if (!fault.isEmpty())
@@ -285,10 +343,10 @@ void BuildRun::tell(const ChannelOutcome& channel)
         m_console.warn(Run::tr("channel '%1' failed: %2").arg(channel.folder, channel.message));
         break;
     case ChannelOutcome::Built:
-        m_console.step(Run::tr("%1: built, %2").arg(channel.folder, sizeText(channel.size)));
+        m_console.stage(Run::tr("%1: built, %2").arg(channel.folder, sizeText(channel.size)));
         break;
     case ChannelOutcome::Unchanged:
-        m_console.step(Run::tr("%1: unchanged").arg(channel.folder));
+        m_console.stage(Run::tr("%1: unchanged").arg(channel.folder));
         break;
     case ChannelOutcome::NotReached:
         break;
@@ -362,7 +420,10 @@ ExitCode BuildRun::serve(const Job& job, const Slice& slice, int share, int shar
     ApkEditor editor;
     PackageFacts base;
     QString fault;
-    if (!editor.open(job.base) || !PackageFacts::read(job.base, mute, base, fault)) {
+    if (!editor.open(job.base) || !PackageFacts::read(job.base, mute, base, fault)
+        || BuildWorkers::baseOf(places) != identityOf(job.base)) {
+        if (fault.isEmpty() && editor.error().isEmpty())
+            fault = Run::tr("'%1' changed during the run").arg(job.base);
         StandardStreams::writeDiagnostic((fault.isEmpty() ? editor.error() : fault) + QLatin1Char('\n'));
         return ExitFailed;
     }

@@ -15,6 +15,7 @@
 
 class BuildPreparation;
 class BuildRecords;
+class QFile;
 struct EarlierBuild;
 
 /** What the words of the command line ask of a run. */
@@ -40,6 +41,7 @@ public:
 
 private:
     bool begin();
+    bool takeLock(QFile& file);
     bool readBase();
     void tellIconsThatStay();
     void findWork(BuildRecords& records);
@@ -63,6 +65,7 @@ private:
     BuildOutcome m_outcome;
     QVector<JobChannel> m_pending; ///< channels to be built, in the job's order
     QHash<QString, QString> m_inputs; ///< digests by folder
+    QString m_baseFile; ///< tells whether another process has opened the same base
     QString m_doing; ///< what a person reads of the work at hand
     int m_finished = 0; ///< of the channels to be built
 };

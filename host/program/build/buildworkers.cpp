@@ -6,6 +6,7 @@
 #include "build/slice.h"
 #include "console/standardstreams.h"
 #include "scripts/toolchild.h"
+#include "wholesave.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -13,7 +14,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QTimer>
 
 #include <algorithm>
@@ -30,6 +30,15 @@ QString listOf(const BuildPlaces& places)
     return places.work + QStringLiteral("/pending.json");
 }
 
+const QString baseKey = QStringLiteral("base");
+const QString foldersKey = QStringLiteral("channels");
+
+QJsonObject pendingOf(const BuildPlaces& places)
+{
+    QFile list(listOf(places));
+    return list.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(list.readAll()).object() : QJsonObject();
+}
+
 void tell(const QJsonObject& object)
 {
     StandardStreams::writeResult(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
@@ -42,10 +51,11 @@ struct BuildWorkers::Worker {
     int read = 0; ///< bytes of its output that have been taken
 };
 
-BuildWorkers::BuildWorkers(const Job& job, const Slice& slice, const BuildPlaces& places)
+BuildWorkers::BuildWorkers(const Job& job, const Slice& slice, const BuildPlaces& places, const QString& base)
     : m_job(job)
     , m_slice(slice)
     , m_places(places)
+    , m_base(base)
 {
 }
 
@@ -57,9 +67,10 @@ QString BuildWorkers::run(const QVector<JobChannel>& channels, int processes,
     QJsonArray folders;
     for (const JobChannel& channel : channels)
         folders.append(channel.folder);
-    QSaveFile list(listOf(m_places));
-    if (!list.open(QIODevice::WriteOnly) || list.write(QJsonDocument(folders).toJson()) < 0 || !list.commit())
-        return Workers::tr("'%1' cannot be written: %2").arg(listOf(m_places), list.errorString());
+    const QJsonObject pending{{baseKey, m_base}, {foldersKey, folders}};
+    const QString fault = saveWhole(listOf(m_places), QJsonDocument(pending).toJson());
+    if (!fault.isEmpty())
+        return Workers::tr("'%1' cannot be written: %2").arg(listOf(m_places), fault);
 
     const int shares = std::min(processes, channels.size());
     QEventLoop loop;
@@ -124,9 +135,9 @@ void BuildWorkers::read(Worker& worker)
 void BuildWorkers::take(const QByteArray& line)
 {
     const QJsonObject told = QJsonDocument::fromJson(line).object();
-    const QString doing = told.value(QStringLiteral("begin")).toString();
-    if (!doing.isEmpty())
-        onBegin(doing);
+    const QString folder = told.value(QStringLiteral("folder")).toString();
+    if (!folder.isEmpty())
+        onBegin(folder, told.value(QStringLiteral("begin")).toString());
     BuildOutcome build;
     build.output = m_job.output;
     if (BuildReport::fromJson(told.value(QStringLiteral("done")).toObject(), build)) {
@@ -135,13 +146,15 @@ void BuildWorkers::take(const QByteArray& line)
     }
 }
 
+QString BuildWorkers::baseOf(const BuildPlaces& places)
+{
+    return pendingOf(places).value(baseKey).toString();
+}
+
 QStringList BuildWorkers::shareOf(const BuildPlaces& places, int share, int shares)
 {
-    QFile list(listOf(places));
     QStringList folders;
-    if (!list.open(QIODevice::ReadOnly))
-        return folders;
-    const QJsonArray all = QJsonDocument::fromJson(list.readAll()).array();
+    const QJsonArray all = pendingOf(places).value(foldersKey).toArray();
     for (int i = share; i < all.size(); i += shares)
         folders.append(all.at(i).toString());
     return folders;
@@ -149,7 +162,7 @@ QStringList BuildWorkers::shareOf(const BuildPlaces& places, int share, int shar
 
 void BuildWorkers::tellBegin(const QString& folder, const QString& step)
 {
-    tell({{QStringLiteral("begin"), QStringLiteral("%1: %2").arg(folder, step)}});
+    tell({{QStringLiteral("folder"), folder}, {QStringLiteral("begin"), step}});
 }
 
 void BuildWorkers::tellDone(const Job& job, const ChannelOutcome& channel)

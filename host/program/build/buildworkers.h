@@ -20,12 +20,13 @@ struct Slice;
 /** Builds channels in several processes of this program: the interpreter serves one thread at a time. */
 class BuildWorkers {
 public:
-    BuildWorkers(const Job& job, const Slice& slice, const BuildPlaces& places);
+    /** @param base what baseOf() gives to the processes */
+    BuildWorkers(const Job& job, const Slice& slice, const BuildPlaces& places, const QString& base);
     ~BuildWorkers();
     BuildWorkers(const BuildWorkers&) = delete;
     BuildWorkers& operator=(const BuildWorkers&) = delete;
 
-    std::function<void(const QString& doing)> onBegin;
+    std::function<void(const QString& folder, const QString& step)> onBegin;
     std::function<void(const ChannelOutcome& channel)> onDone;
 
     /**
@@ -40,6 +41,9 @@ public:
     /** The folders of the channels that a share of several has, as run() has left them for its processes. */
     static QStringList shareOf(const BuildPlaces& places, int share, int shares);
 
+    /** Which base it was that the run has read. */
+    static QString baseOf(const BuildPlaces& places);
+
     /** What a process tells of its work. */
     static void tellBegin(const QString& folder, const QString& step);
     static void tellDone(const Job& job, const ChannelOutcome& channel);
@@ -53,6 +57,7 @@ private:
     const Job& m_job;
     const Slice& m_slice;
     const BuildPlaces m_places;
+    const QString m_base;
     std::vector<std::unique_ptr<Worker>> m_workers;
 };
 

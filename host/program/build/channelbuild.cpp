@@ -101,6 +101,21 @@ QString removeFolder(const QString& folder)
     return removal.error();
 }
 
+QString clearFinished(const BuildPlaces& places, const QString& folder)
+{
+    const QString package = places.finishedPackage(folder);
+    QFile file(package);
+    if ((QFileInfo::exists(package) || QFileInfo(package).isSymLink()) && !file.remove())
+        return Build::tr("'%1' cannot be removed: %2").arg(package, file.errorString());
+    for (const char* const made : {"/icons", "/develop"}) {
+        QString fault = removeFolder(places.finished(folder) + QLatin1String(made));
+        if (!fault.isEmpty())
+            return fault;
+    }
+    QDir().rmdir(places.finished(folder)); // unless something else is in it
+    return {};
+}
+
 bool changesManifest(const JobChannel& channel, const BuildPlaces& places)
 {
     return !channel.package.isEmpty()
@@ -196,13 +211,10 @@ QString ChannelBuild::packageFile() const
 // What an earlier run has left, finished or not: it came from other inputs.
 QString ChannelBuild::clear()
 {
-    for (const QString& folder :
-         {m_places.channel(m_channel->folder), m_places.finished(m_channel->folder)}) {
-        QString fault = removeFolder(folder);
-        if (!fault.isEmpty())
-            return fault;
-    }
-    return makeFolder(m_places.channel(m_channel->folder));
+    QString fault = clearFinished(m_places, m_channel->folder);
+    if (fault.isEmpty())
+        fault = removeFolder(m_places.channel(m_channel->folder));
+    return fault.isEmpty() ? makeFolder(m_places.channel(m_channel->folder)) : fault;
 }
 
 // Takes the channel's icons out of those of all channels.

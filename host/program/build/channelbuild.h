@@ -70,6 +70,9 @@ bool changesManifest(const JobChannel& channel, const BuildPlaces& places);
 /** What removes a folder with all in it; a fault in one sentence. */
 QString removeFolder(const QString& folder);
 
+/** What removes a channel's package and all else that builds finish there; files of others stay. */
+QString clearFinished(const BuildPlaces& places, const QString& folder);
+
 /** Tells packages apart by their size and every entry's checksum; empty for what is none. */
 QString digestOfPackage(const QString& package);
 

@@ -6,6 +6,7 @@
 #include "fileidentity.h"
 #include "icons/channellist.h"
 #include "icons/iconset.h"
+#include "wholesave.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -13,7 +14,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QSaveFile>
 #include <QSet>
 #include <QTemporaryDir>
 
@@ -170,10 +170,8 @@ QString writeFile(const QString& path, const QByteArray& content)
     const QString folder = QFileInfo(path).path();
     if (!QDir().mkpath(folder))
         return Template::tr("the folder %1 cannot be made").arg(folder);
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit())
-        return {};
-    return cannotWrite(path, file.errorString());
+    const QString fault = saveWhole(path, content);
+    return fault.isEmpty() ? QString() : cannotWrite(path, fault);
 }
 
 // Everything in a folder whose place is another one.

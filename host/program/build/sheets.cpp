@@ -48,7 +48,7 @@ void drawSheets(const Job& job, BuildOutcome& build, const QString& folder, Cons
         QSaveFile file(path);
         const QString title = Sheets::tr("%1, channels: %2").arg(job.game).arg(entries.size());
         if (file.open(QIODevice::WriteOnly) && drawContactSheet(title, entries).save(&file, "PNG")
-            && file.commit())
+            && file.flush() && file.commit())
             build.sheets.append(path);
         else
             console.warn(Sheets::tr("the sheet '%1' cannot be written: %2").arg(path, file.errorString()));

@@ -171,6 +171,12 @@ void Console::warn(const QString& text, const QStringList& lines)
         writeDiagnostic(QStringList(text) + lines, Yellow);
 }
 
+void Console::stage(const QString& text)
+{
+    if (!m_style.quiet && !m_style.json && !showsProgress())
+        writeDiagnostic({text});
+}
+
 void Console::step(const QString& text)
 {
     if (m_style.verbose)

@@ -88,6 +88,9 @@ public:
     /** A diagnostic that leaves the operation's success alone; machines get its text beside the result. */
     void warn(const QString& text, const QStringList& lines = {});
 
+    /** A stage that work of many has reached, for who reads along where nothing else shows how far it is. */
+    void stage(const QString& text);
+
     /** A step on the way, for who wants to know them. */
     void step(const QString& text);
 

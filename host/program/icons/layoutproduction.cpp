@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "icons/layoutproduction.h"
 
+#include "wholesave.h"
+
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
@@ -9,7 +11,6 @@
 #include <QImageReader>
 #include <QMutexLocker>
 #include <QPainter>
-#include <QSaveFile>
 #include <QThreadPool>
 
 #include <cmath>
@@ -187,11 +188,9 @@ void LayoutProduction::write(const QString& path, const QByteArray& content)
     const QFileInfo there(path);
     if (there.exists() && !there.isFile())
         return complain(path, Production::tr("what is there is no regular file"));
-    QSaveFile file(path);
-    // Flushed by itself: commit() names a file all the same when its last bytes find no room.
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush()
-        || !file.commit())
-        complain(path, file.errorString());
+    const QString cause = saveWhole(path, content);
+    if (!cause.isEmpty())
+        complain(path, cause);
 }
 
 void LayoutProduction::complain(const QString& path, const QString& cause)
