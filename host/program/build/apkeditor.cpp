@@ -244,7 +244,7 @@ QString ApkEditor::Base::damage(const std::function<bool(const ZipEntry&)>& isRe
 
 QString ApkEditor::Base::objection(const std::function<bool(const ZipEntry&)>& isRead) const
 {
-    const QString found = damage(isRead);
+    QString found = damage(isRead);
     if (!found.isEmpty())
         return found;
     for (const ZipEntry& entry : directory.entries) {

@@ -40,7 +40,7 @@ QJsonValue number(const std::optional<int>& pixels)
 // The files that count besides those of the job, as far as there are any.
 QString personalKey()
 {
-    const QString named = qEnvironmentVariable("QUENZO_KEY");
+    QString named = qEnvironmentVariable("QUENZO_KEY");
     if (!named.isEmpty())
         return named;
     const QString data = qEnvironmentVariable("XDG_DATA_HOME");

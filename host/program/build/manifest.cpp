@@ -206,13 +206,14 @@ bool Manifest::add(const QString& sdk, const QByteArray& config)
         return false;
     }
     const XmlElement* const fragment = root.child(manifestElement);
-    if (fragment == nullptr)
-        return true;
+    XmlElement* const application = m_root.child(applicationElement);
+    if (fragment == nullptr || application == nullptr) // read() refuses a manifest without one
+        return fragment == nullptr;
     XmlElement wanted = *fragment;
     replaceAll(wanted, QStringLiteral("${applicationId}"), package());
     for (const XmlElement& child : qAsConst(wanted.children)) {
         const bool isApplication = child.name == applicationElement;
-        XmlElement& into = isApplication ? *m_root.child(applicationElement) : m_root;
+        XmlElement& into = isApplication ? *application : m_root;
         const QVector<XmlElement> elements = isApplication ? child.children : QVector<XmlElement>{child};
         for (const XmlElement& element : elements) {
             if (!merge(sdk, into, element))
