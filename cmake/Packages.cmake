@@ -46,9 +46,10 @@ library are built with.")
 set(CPACK_DEBIAN_HOST_PACKAGE_NAME quenzo)
 set(CPACK_DEBIAN_HOST_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_HOST_PACKAGE_DEPENDS "${same_version}, adb, aapt, openssl")
+set(CPACK_DEBIAN_HOST_PACKAGE_SUGGESTS "apksigner, apktool") # for jobs that sign, or change manifests
 set(CPACK_COMPONENT_HOST_DESCRIPTION "packaging work of a mobile game tool - command-line program.
-Imports channel SDKs, encrypts, unpacks and packs APKs, makes every channel's
-launcher icons and installs on devices.
+Builds every channel's package of a game; imports channel SDKs, encrypts,
+unpacks and packs APKs, makes launcher icons and installs on devices.
 ${about_python}")
 set(CPACK_DEBIAN_HOST_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/prerm")
 

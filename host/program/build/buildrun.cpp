@@ -97,6 +97,8 @@ ExitCode BuildRun::run()
     if (!readBase())
         return ExitFailed;
     const Spinner spinner(m_console, [this] {
+        if (m_pending.isEmpty()) // nothing is known to be built, so far or at all
+            return Progress{m_doing};
         return Progress{Run::tr("building"), Progress::Channels, m_finished, m_pending.size(), m_doing};
     });
     findWork(records);
