@@ -229,6 +229,8 @@ void tst_TreeMoves::folderThatIsExchangedLeavesOthersTheirRights()
     const CategoryOn trees("quenzo.trees");
     QVERIFY(transfer(CutForOutput));
     QVERIFY(FaultyCalls::wasHit());
+    if (exchanged == "left/link") // what the cut leaves lets nobody but root look behind it
+        setMode(m_source + "/left", 0755);
     QCOMPARE(TreeFiles::mode(outside), 0755);
     QCOMPARE(content(outside), Tree({{"file", "file others'"}}));
     const QString reason = QStringLiteral("it is no longer the folder that was copied");
