@@ -60,9 +60,7 @@ void BuildPreparation::importSdks(const QVector<JobChannel>& channels)
             m_faults.insert(sdk.name, fault);
             continue;
         }
-        ConsoleStyle style;
-        style.mute = true;
-        Console console(style);
+        Console console = muteConsole();
         QVariantMap parameters{{QStringLiteral("src"), sdk.package},
                                {QStringLiteral("dest"), m_places.sdk(sdk.name)}};
         if (sdk.id >= 0)
@@ -88,9 +86,7 @@ bool BuildPreparation::decodeBase(const QVector<JobChannel>& channels, QString& 
         fault = sentenceOf(ApkTool::missing());
     if (fault.isEmpty())
         fault = removeFolder(m_places.decoded());
-    ConsoleStyle style;
-    style.mute = true;
-    Console console(style);
+    Console console = muteConsole();
     if (fault.isEmpty())
         fault = tool.decode(m_job.base, m_places.decoded(), console);
     return fault.isEmpty();
@@ -128,9 +124,7 @@ bool BuildPreparation::makeIconsFor(int platform, const QVector<JobChannel>& cha
         fault = Preparation::tr("the folder '%1' cannot be made").arg(icons.out);
     if (!fault.isEmpty())
         return false;
-    ConsoleStyle style;
-    style.mute = true;
-    Console console(style);
+    Console console = muteConsole();
     FileTally tally(icons.files());
     QStringList causes;
     Diagnostics::takeAll();

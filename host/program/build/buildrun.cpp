@@ -174,9 +174,7 @@ bool BuildRun::takeLock(QFile& file)
 bool BuildRun::readBase()
 {
     QString fault;
-    ConsoleStyle style;
-    style.mute = true;
-    Console mute(style);
+    Console mute = muteConsole();
     m_baseFile = identityOf(m_job.base); // before it is opened: whatever comes later differs
     if (!m_editor.open(m_job.base))
         fault = m_editor.error();
@@ -212,9 +210,7 @@ void BuildRun::tellIconsThatStay()
 // Finds the channels of the slice, and which of them have to be built.
 void BuildRun::findWork(BuildRecords& records)
 {
-    ConsoleStyle style;
-    style.mute = true;
-    Console mute(style);
+    Console mute = muteConsole();
     BuildInputs inputs(m_job, mute);
     const QHash<QString, EarlierBuild> earlier = records.earlier(m_job.game);
     for (int i = 0; i < m_job.channels.size(); ++i) {
@@ -416,9 +412,7 @@ ExitCode BuildRun::serve(const Job& job, const Slice& slice, int share, int shar
     const BuildPlaces places = placesOf(job, slice);
     if (!job.key.isEmpty())
         useKey(job.key);
-    ConsoleStyle style;
-    style.mute = true;
-    Console mute(style);
+    Console mute = muteConsole();
     ApkEditor editor;
     PackageFacts base;
     QString fault;

@@ -35,14 +35,6 @@ struct Build {
     Q_DECLARE_TR_FUNCTIONS(ChannelBuild)
 };
 
-// What the parts of a build say is told by its report.
-Console muteConsole()
-{
-    ConsoleStyle style;
-    style.mute = true;
-    return Console(style);
-}
-
 QString because(const QString& what, const ScriptOutcome& outcome)
 {
     const QString cause =
@@ -91,6 +83,13 @@ QString makeFolder(const QString& folder)
 }
 
 } // namespace
+
+Console muteConsole()
+{
+    ConsoleStyle style;
+    style.mute = true;
+    return Console(style);
+}
 
 QString removeFolder(const QString& folder)
 {

@@ -9,6 +9,7 @@
 #include <functional>
 
 class ApkEditor;
+class Console;
 struct ApkChange;
 struct Failure;
 struct Job;
@@ -75,6 +76,9 @@ QString clearFinished(const BuildPlaces& places, const QString& folder);
 
 /** Tells packages apart by their size and every entry's checksum; empty for what is none. */
 QString digestOfPackage(const QString& package);
+
+/** For the parts of a run: what they say is told by its report. */
+Console muteConsole();
 
 /** A failure in one sentence. */
 QString sentenceOf(const Failure& failure);
