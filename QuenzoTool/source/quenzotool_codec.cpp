@@ -121,7 +121,7 @@ template <typename Unit> using Shares = std::array<std::array<Places<Unit>, 256>
 template <typename Unit> constexpr Shares<Unit> makeShares()
 {
     Shares<Unit> shares{};
-    for (int letter = 0; letter < groupLetters; ++letter) {
+    for (std::size_t letter = 0; letter < groupLetters; ++letter) {
         for (Places<Unit>& share : shares[letter])
             share = atPlace<Unit>(wrongPlace, 0x80);
         for (unsigned i = 0; i < alphabet.size(); ++i) {
