@@ -15,8 +15,9 @@ refresh() {
     shift
     mapfile -t sources < <(find "$@" -path host/program/manual -prune -o \( -name '*.h' -o -name '*.cpp' \) -print | LC_ALL=C sort)
     for sheet in "$sheets/$name"_*.ts; do
-        "$lupdate" -silent -no-obsolete -locations none -source-language en "${@/#/-I}" "${sources[@]}" -ts "$sheet"
+        "$lupdate" -silent -no-obsolete -locations none -source-language en -I. "${@/#/-I}" "${sources[@]}" -ts "$sheet"
     done
 }
 refresh quenzotool QuenzoTool/source QuenzoTool/include
 refresh quenzo host/program
+refresh quenzo-window window

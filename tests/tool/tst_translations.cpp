@@ -67,7 +67,7 @@ QString shown(const Message& message)
 
 } // namespace
 
-// The sheets of translated texts, of the library and of the program.
+// The sheets of translated texts, of the library, the program and the window.
 class tst_Translations : public QObject {
     Q_OBJECT
 
@@ -96,13 +96,14 @@ void tst_Translations::sheets()
     QTest::addColumn<QString>("name");
     QTest::newRow("library") << QStringLiteral("quenzotool");
     QTest::newRow("program") << QStringLiteral("quenzo");
+    QTest::newRow("window") << QStringLiteral("quenzo-window");
 }
 
 void tst_Translations::sheetsHaveTheTextsOfTheSources()
 {
     QFETCH(const QString, name);
     QTemporaryDir folder;
-    for (const char* const each : {"quenzotool", "quenzo"}) {
+    for (const char* const each : {"quenzotool", "quenzo", "quenzo-window"}) {
         const QString from = sheet(QLatin1String(each));
         QVERIFY(QFile::copy(from, folder.filePath(QFileInfo(from).fileName())));
     }
