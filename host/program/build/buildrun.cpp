@@ -8,6 +8,7 @@
 #include "build/buildreport.h"
 #include "build/buildworkers.h"
 #include "build/channelbuild.h"
+#include "build/outcomejson.h"
 #include "build/sheets.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
@@ -71,7 +72,8 @@ BuildRun::BuildRun(const Job& job, const BuildWishes& wishes, Console& console)
     , m_wishes(wishes)
     , m_places(placesOf(job, wishes.slice))
     , m_console(console)
-    , m_doing(Run::tr("preparing"))
+    , m_stage(Run::tr("preparing"))
+    , m_pace(console)
 {
 }
 
@@ -96,11 +98,7 @@ ExitCode BuildRun::run()
         return fail(records.error());
     if (!readBase())
         return ExitFailed;
-    const Spinner spinner(m_console, [this] {
-        if (m_pending.isEmpty()) // nothing is known to be built, so far or at all
-            return Progress{m_doing};
-        return Progress{Run::tr("building"), Progress::Channels, m_finished, m_pending.size(), m_doing};
-    });
+    const Spinner spinner(m_console, [this] { return progress(); });
     findWork(records);
     records.begin(m_job, m_outcome);
     for (const ChannelOutcome& channel : qAsConst(m_outcome.channels)) {
@@ -111,6 +109,32 @@ ExitCode BuildRun::run()
     m_outcome.interrupted = m_hold.isInterrupted();
     m_outcome.end = QDateTime::currentDateTimeUtc();
     return report(records);
+}
+
+Progress BuildRun::progress() const
+{
+    if (m_pending.isEmpty()) // nothing is known to be built, so far or at all
+        return Progress{m_stage};
+    QStringList atWork;
+    for (auto step = m_atWork.cbegin(); step != m_atWork.cend(); ++step)
+        atWork.append(QStringLiteral("%1: %2").arg(step.key(), step.value()));
+    return Progress{m_stage, Progress::Channels, m_finished, m_pending.size(),
+                    atWork.join(QStringLiteral(", "))};
+}
+
+void BuildRun::enter(const QString& stage)
+{
+    m_stage = stage;
+    m_console.showProgress(progress());
+}
+
+void BuildRun::beginStep(const QString& folder, const QString& step)
+{
+    m_atWork.insert(folder, step);
+    m_console.step(QStringLiteral("%1: %2").arg(folder, step));
+    m_console.event(QStringLiteral("channel"),
+                    {{QStringLiteral("folder"), folder}, {QStringLiteral("step"), step}});
+    m_pace.show(progress());
 }
 
 // Sees to it that the run can begin at all; false with the error told.
@@ -243,14 +267,14 @@ void BuildRun::prepareAndBuild(BuildRecords& records)
     if (m_pending.isEmpty() || m_hold.isInterrupted())
         return;
     BuildPreparation preparation(m_job, m_places, m_base);
-    m_doing = Run::tr("importing SDKs");
+    enter(Run::tr("importing SDKs"));
     preparation.importSdks(m_pending);
     QString commonFault;
-    m_doing = Run::tr("decoding the base");
+    enter(Run::tr("decoding the base"));
     if (m_hold.isInterrupted())
         return;
     const bool decoded = preparation.decodeBase(m_pending, commonFault);
-    m_doing = Run::tr("drawing icons");
+    enter(Run::tr("drawing icons"));
     if (m_hold.isInterrupted())
         return;
     if (decoded && !m_job.icon.isEmpty())
@@ -273,6 +297,7 @@ void BuildRun::prepareAndBuild(BuildRecords& records)
     }
     m_pending = possible;
     m_finished = 0;
+    enter(Run::tr("building"));
     if (m_wishes.processes > 1 && m_pending.size() > 1)
         buildInProcesses(records);
     else
@@ -283,10 +308,7 @@ void BuildRun::buildHere(BuildRecords& records)
 {
     ChannelBuild build(m_job, m_places, m_editor, m_base, [this] { return m_hold.isInterrupted(); });
     QString folder;
-    build.onBegin = [&](const QString& step) {
-        m_doing = QStringLiteral("%1: %2").arg(folder, step);
-        m_console.step(m_doing);
-    };
+    build.onBegin = [&](const QString& step) { beginStep(folder, step); };
     build.onEnd = [](const BuildStep&) {};
     for (const JobChannel& channel : qAsConst(m_pending)) {
         if (m_hold.isInterrupted())
@@ -299,18 +321,8 @@ void BuildRun::buildHere(BuildRecords& records)
 void BuildRun::buildInProcesses(BuildRecords& records)
 {
     BuildWorkers workers(m_job, m_wishes.slice, m_places, m_baseFile);
-    QMap<QString, QString> atWork;
-    const auto show = [this, &atWork] { m_doing = atWork.values().join(QStringLiteral(", ")); };
-    workers.onBegin = [&](const QString& folder, const QString& step) {
-        atWork.insert(folder, QStringLiteral("%1: %2").arg(folder, step));
-        show();
-        m_console.step(atWork.value(folder));
-    };
-    workers.onDone = [&](const ChannelOutcome& outcome) {
-        atWork.remove(outcome.folder);
-        show();
-        finish(outcome, records);
-    };
+    workers.onBegin = [this](const QString& folder, const QString& step) { beginStep(folder, step); };
+    workers.onDone = [&](const ChannelOutcome& outcome) { finish(outcome, records); };
     const QString fault =
         workers.run(m_pending, m_wishes.processes, [this] { return m_hold.isInterrupted(); });
     if (!fault.isEmpty())
@@ -330,12 +342,18 @@ void BuildRun::finish(ChannelOutcome outcome, BuildRecords& records)
         records.add(outcome.folder, step);
     records.finish(outcome);
     ++m_finished;
+    m_atWork.remove(outcome.folder);
     tell(outcome);
+    m_console.showProgress(progress());
 }
 
 // A line a channel, where no line of a terminal shows how far the run is.
 void BuildRun::tell(const ChannelOutcome& channel)
 {
+    m_console.event(QStringLiteral("channel"),
+                    {{QStringLiteral("folder"), channel.folder},
+                     {QStringLiteral("outcome"), OutcomeJson::word(channel.outcome)},
+                     {QStringLiteral("message"), channel.message}});
     switch (channel.outcome) {
     case ChannelOutcome::Failed:
         m_console.warn(Run::tr("channel '%1' failed: %2").arg(channel.folder, channel.message));
@@ -368,7 +386,7 @@ bool BuildRun::flushOutput()
 
 ExitCode BuildRun::report(BuildRecords& records)
 {
-    m_doing = Run::tr("writing the report");
+    enter(Run::tr("writing the report"));
     drawSheets(m_job, m_outcome, m_places.reports, m_console);
     bool good = flushOutput();
     if (good)

@@ -10,13 +10,16 @@
 #include "build/slice.h"
 #include "command.h"
 #include "console/interruptguard.h"
+#include "console/spinner.h"
 
 #include <QHash>
+#include <QMap>
 
 class BuildPreparation;
 class BuildRecords;
 class QFile;
 struct EarlierBuild;
+struct Progress;
 
 /** What the words of the command line ask of a run. */
 struct BuildWishes {
@@ -54,6 +57,9 @@ private:
     ExitCode report(BuildRecords& records);
     ExitCode fail(const QString& message);
     void tell(const ChannelOutcome& channel);
+    Progress progress() const;
+    void enter(const QString& stage);
+    void beginStep(const QString& folder, const QString& step);
 
     const Job& m_job;
     const BuildWishes m_wishes;
@@ -66,8 +72,10 @@ private:
     QVector<JobChannel> m_pending; ///< channels to be built, in the job's order
     QHash<QString, QString> m_inputs; ///< digests by folder
     QString m_baseFile; ///< tells whether another process has opened the same base
-    QString m_doing; ///< what a person reads of the work at hand
+    QString m_stage; ///< what a person reads of the work at hand
+    QMap<QString, QString> m_atWork; ///< the steps at hand, by the channels' folders
     int m_finished = 0; ///< of the channels to be built
+    PacedProgress m_pace;
 };
 
 /** Tells what a run came to: the table, the object for machines, and how many failed; false when it did not

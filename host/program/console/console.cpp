@@ -246,6 +246,12 @@ void Console::clearProgress()
     m_progressShown = false;
 }
 
+void Console::event(const QString& kind, const QJsonObject& values)
+{
+    if (m_style.progress == ConsoleStyle::JsonLines && !m_style.mute)
+        StandardStreams::writeDiagnostic(jsonLine({{kind, values}}) + QLatin1Char('\n'));
+}
+
 QStringList Console::warnings() const
 {
     QStringList texts;

@@ -105,6 +105,10 @@ public:
     void showProgress(const Progress& progress);
     void clearProgress();
 
+    /** Tells a machine that follows the progress what has just happened: a line {"KIND": {...}}. Others get
+     * nothing. */
+    void event(const QString& kind, const QJsonObject& values);
+
     /** What was said so far, for a report that tells it in other words. */
     const Failure& failure() const { return m_failure; }
     QStringList warnings() const;
