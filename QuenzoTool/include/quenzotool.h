@@ -131,6 +131,7 @@ public:
      * move out of one is a copy. They take nothing (false).
      * - The name filters of @p source hold for what is directly in it.
      * - A tree too deep for the thread's stack ends the operation (false), on Linux.
+     * - QThread::requestInterruption() of the calling thread ends the operation between two files (false).
      *
      * Blocks the calling thread.
      *

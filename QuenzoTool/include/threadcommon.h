@@ -59,6 +59,9 @@ enum THREAD_OPERATE : int {
  * - A file that cannot be copied is written to the tool's log, by QuenzoBase::Log, and ends the operation. So
  * is one, of several perhaps, whose copy could not be brought to the disk.
  *
+ * QThread::requestInterruption() ends an operation between two files, some thousands of small ones later at
+ * the latest: the result is false, and what was done by then stays, as with any failure.
+ *
  * Threads: driven from the thread that made it; run() is on the worker. StartOperate() and getResult() are
  * not to be called while it runs.
  *

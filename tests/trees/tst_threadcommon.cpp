@@ -9,6 +9,7 @@
 #include <QEventLoop>
 #include <QtTest>
 
+#include <algorithm>
 #include <unistd.h>
 
 using TreeFiles::exists;
@@ -38,6 +39,16 @@ public:
     }
 };
 
+/** Is to end before it has begun. */
+class InterruptedWorker : public Worker {
+protected:
+    void run() override
+    {
+        requestInterruption();
+        ThreadCommon::run();
+    }
+};
+
 } // namespace
 
 class tst_ThreadCommon : public TreeFixture {
@@ -56,6 +67,8 @@ private Q_SLOTS:
     void unknownOperationKeepsTheResult();
     void unstartedOperationDoesNothing();
     void finishedComesAfterTheResult();
+    void interruptionEndsAnOperation_data();
+    void interruptionEndsAnOperation();
 
     void filterLeavesTopNamesInAnyCase();
     void filterIsNotTrimmed();
@@ -221,6 +234,30 @@ void tst_ThreadCommon::finishedComesAfterTheResult()
     worker.start();
     loop.exec();
     QCOMPARE(worker.getResult(), QVariant(true));
+}
+
+void tst_ThreadCommon::interruptionEndsAnOperation_data()
+{
+    QTest::addColumn<int>("operate");
+    QTest::newRow("copy") << int(OPERATE_COPY);
+    QTest::newRow("cut") << int(OPERATE_CUT);
+    QTest::newRow("cut for output") << int(OPERATE_CUT_OUTPUT);
+}
+
+void tst_ThreadCommon::interruptionEndsAnOperation()
+{
+    QFETCH(const int, operate);
+    TreeFiles::writeMany(m_source + "/file", 10, "stays");
+    makeFolder(m_source + "/folder");
+    write(m_source + "/folder/file", "stays");
+    const Tree before = TreeFiles::content(m_source);
+    InterruptedWorker worker;
+    QCOMPARE(worker.perform(THREAD_OPERATE(operate), folders()), QVariant(false));
+    QCOMPARE(TreeFiles::content(m_source), before);
+    const auto arrived = TreeFiles::content(m_target).values();
+    QVERIFY2(std::none_of(arrived.cbegin(), arrived.cend(),
+                          [](const QByteArray& value) { return value.startsWith("file "); }),
+             QByteArrayList(arrived).join("\n").constData());
 }
 
 void tst_ThreadCommon::filterLeavesTopNamesInAnyCase()

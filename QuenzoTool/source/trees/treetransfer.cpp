@@ -4,6 +4,8 @@
 #include "files/stacklimit.h"
 #include "trees/treefailure.h"
 
+#include <QThread>
+
 #include <algorithm>
 #include <cerrno>
 
@@ -182,6 +184,11 @@ int TreeTransfer::transfer(const TreeFolder& from, const TreeEntry* files, int c
         const TreeEntry& file = files[done];
         if (!canHold(from, file.name, to.folder))
             break;
+        if (QThread::currentThread()->isInterruptionRequested()) {
+            logFailedCopy(from.pathOf(file.name), to.folder.pathOf(file.name),
+                          QStringLiteral("the operation was to end"));
+            break;
+        }
         if (m_options.testFlag(SparingItself) && isItself(from, file, to.folder)) {
             logFailedCopy(from.pathOf(file.name), to.folder.pathOf(file.name),
                           QStringLiteral("it is the same file"));
