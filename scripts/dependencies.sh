@@ -9,7 +9,7 @@ set -euo pipefail
 
 build=(g++ make cmake pkg-config qtbase5-dev qttools5-dev-tools libqt5sql5-sqlite libsqlite3-dev libdeflate-dev zlib1g-dev openssl adb aapt
         pngcheck unzip zsh mandoc groff-base qt5-qmake meson python3-jsonschema fonts-dejavu-core fonts-wqy-microhei)
-checks=(clang clang-format clang-tidy clangd python3-minimal)
+checks=(clang clang-format clang-tidy clangd python3 abigail-tools reuse)
 package=(lintian dpkg-dev)
 bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev zip p7zip-full time
         default-jdk-headless libandroid-zipflinger-java)
