@@ -71,6 +71,9 @@ if(QUENZO_HOST_ROOT)
         install(FILES "${debian_dir}/copyright" "${debian_dir}/changelog.gz" "${debian_dir}/changelog.Debian.gz"
             DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME}" COMPONENT ${component})
     endforeach()
+    # Written by scripts/package.sh when all is linked.
+    install(FILES "${debian_dir}/quenzotool.spdx.json" OPTIONAL
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}" COMPONENT runtime)
     install(FILES README.md DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/quenzo" COMPONENT host)
     install(FILES docs/hosting.md docs/scripts.md
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/libquenzotool-dev" COMPONENT development)

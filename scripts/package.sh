@@ -23,6 +23,7 @@ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr -D
     -DCMAKE_INSTALL_LIBDIR="lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)" -DQUENZO_HOST_ROOT=lib/quenzo \
     -DCMAKE_BUILD_RPATH_USE_ORIGIN=ON >/dev/null
 cmake --build "$build" -j"$(nproc)"
+scripts/sbom.sh "$build" >"$build/debian/quenzotool.spdx.json"
 rm -rf "$out"
 mkdir -p "$out"
 (cd "$build" && cpack -G DEB -B "$out/work" >"$out/cpack.log" 2>&1) || { cat "$out/cpack.log" >&2; exit 1; }
