@@ -4,6 +4,7 @@
 
 #include "quenzoprocess.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QMap>
@@ -26,6 +27,13 @@ public:
     bool write(const QString& name, const QByteArray& content) const;
     QByteArray read(const QString& name) const;
     bool writeJob() const;
+
+    /** Has packages signed by a program that waits until the file "gate" is there, so that runs can be met in
+     * the middle of a step. */
+    bool signAtGate();
+    int waiting() const; ///< how many wait there, or did
+    bool openGate() const { return write(QStringLiteral("gate"), {}); }
+    bool closeGate() const { return QFile::remove(path(QStringLiteral("gate"))); }
 
     /** A process of "quenzo build job.json" and further words, ready to start. */
     std::unique_ptr<QuenzoProcess> process(const QByteArray& words = {}) const;

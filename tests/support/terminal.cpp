@@ -31,9 +31,9 @@ QString Terminal::path() const
     return QFile::decodeName(ptsname(m_master));
 }
 
-void Terminal::setColumns(unsigned short columns)
+void Terminal::setColumns(unsigned short columns, unsigned short rows)
 {
-    const winsize size{24, columns, 0, 0};
+    const winsize size{rows, columns, 0, 0};
     if (ioctl(m_master, TIOCSWINSZ, &size) != 0)
         qFatal("cannot set the size");
 }

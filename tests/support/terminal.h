@@ -16,8 +16,8 @@ public:
     /** What a program opens. */
     QString path() const;
 
-    /** How many letters a line holds; without this it tells nothing of it. */
-    void setColumns(unsigned short columns);
+    /** How many letters a line holds, and how many lines there are; without this it tells nothing of it. */
+    void setColumns(unsigned short columns, unsigned short rows = 24);
 
     void type(const QByteArray& text);
 

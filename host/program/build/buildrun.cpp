@@ -118,8 +118,7 @@ Progress BuildRun::progress() const
     QStringList atWork;
     for (auto step = m_atWork.cbegin(); step != m_atWork.cend(); ++step)
         atWork.append(QStringLiteral("%1: %2").arg(step.key(), step.value()));
-    return Progress{m_stage, Progress::Channels, m_finished, m_pending.size(),
-                    atWork.join(QStringLiteral(", "))};
+    return Progress{m_stage, Progress::Channels, m_finished, m_pending.size(), {}, atWork};
 }
 
 void BuildRun::enter(const QString& stage)

@@ -55,12 +55,19 @@ QString withoutControls(const QString& text, const QString& kept)
     return result;
 }
 
-// The columns of the terminal that shows the diagnostics; some tell nothing.
-int terminalWidth()
+// The size of the terminal that shows the diagnostics; some tell nothing.
+winsize terminalSize()
 {
-    constexpr int usual = 80;
+    constexpr unsigned short usualRows = 24;
+    constexpr unsigned short usualColumns = 80;
     winsize size{};
-    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0)
+        size = {};
+    if (size.ws_row == 0)
+        size.ws_row = usualRows;
+    if (size.ws_col == 0)
+        size.ws_col = usualColumns;
+    return size;
 }
 
 // NO_COLOR is how a person switches colours off for all programs.
@@ -113,7 +120,7 @@ bool Console::outputIsTerminal()
 int Console::outputColumns()
 {
     constexpr int wide = 120; // for files and pipes
-    return outputIsTerminal() ? terminalWidth() : wide;
+    return outputIsTerminal() ? terminalSize().ws_col : wide;
 }
 
 void Console::print(const QString& line)
@@ -231,19 +238,33 @@ void Console::showProgress(const Progress& progress)
         m_progressClock.start();
     m_doing = progress.doing;
     const QString signs = QStringLiteral("|/-\\");
-    const int columns = terminalWidth() - 1; // the last one stays free: some terminals wrap behind it
-    const QString text = signs.at(m_turn++ % signs.size()) + QLatin1Char(' ')
+    const winsize size = terminalSize();
+    const int columns = size.ws_col - 1; // the last one stays free: some terminals wrap behind it
+    QStringList lines;
+    if (progress.atWork.size() < size.ws_row) {
+        for (const QString& part : progress.atWork)
+            lines.append(inOneLine(QStringLiteral("  ") + shown(part), columns));
+    }
+    const QString whole = signs.at(m_turn++ % signs.size()) + QLatin1Char(' ')
         + shown(progress.line(m_progressClock.elapsed(), columns - 2));
-    StandardStreams::writeDiagnostic(QStringLiteral("\r\033[K") + inOneLine(text, columns));
-    m_progressShown = true;
+    lines.append(inOneLine(whole, columns));
+    StandardStreams::writeDiagnostic(takingBack() + lines.join(QLatin1Char('\n')));
+    m_progressRows = lines.size();
+}
+
+QString Console::takingBack() const
+{
+    if (m_progressRows > 1)
+        return QStringLiteral("\r\033[%1A\033[J").arg(m_progressRows - 1);
+    return QStringLiteral("\r\033[K");
 }
 
 void Console::clearProgress()
 {
-    if (!m_progressShown)
+    if (m_progressRows == 0)
         return;
-    StandardStreams::writeDiagnostic(QStringLiteral("\r\033[K"));
-    m_progressShown = false;
+    StandardStreams::writeDiagnostic(takingBack());
+    m_progressRows = 0;
 }
 
 void Console::event(const QString& kind, const QJsonObject& values)

@@ -100,8 +100,8 @@ public:
     /** Asks a question that y or yes affirms; false when it was not, which has been reported. */
     bool confirms(const QString& question);
 
-    /** Shows the state of work at hand, on a terminal in the place of the state before and cut to one line.
-     */
+    /** Shows the state of work at hand, on a terminal in the place of the state before: what is done at once
+     * where there are rows enough, and the whole in the last line, each of them cut to one. */
     void showProgress(const Progress& progress);
     void clearProgress();
 
@@ -123,12 +123,15 @@ private:
     /** As terminals number them. */
     enum Colour { Plain = 0, Red = 31, Yellow = 33 };
 
+    /** What takes the state of work off the terminal. */
+    QString takingBack() const;
+
     /** Writes lines behind the program's name, which has the colour where a terminal takes it. */
     void writeDiagnostic(const QStringList& lines, Colour colour = Plain);
 
     const ConsoleStyle m_style;
     const QString m_command;
-    bool m_progressShown = false;
+    int m_progressRows = 0; ///< that the state of work takes now
     int m_turn = 0;
     QString m_doing;
     QElapsedTimer m_progressClock; ///< since that is being done

@@ -4,6 +4,7 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 
 /** The state of work that takes a while. */
 struct Progress {
@@ -14,6 +15,7 @@ struct Progress {
     qint64 done = 0;
     qint64 total = -1; ///< -1 when it is not known
     QString more = {}; ///< further figures, worded
+    QStringList atWork = {}; ///< what is done at once, a line each for those who see several
 
     /**
      * What a person reads: percent, a bar, figures, rate and time left, as far as they are known and the line
