@@ -2,6 +2,109 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN" sourcelanguage="en">
 <context>
+    <name>JobDocument</name>
+    <message>
+        <source>%1 cannot be read: %2</source>
+        <translation>无法读取 %1：%2</translation>
+    </message>
+    <message>
+        <source>There is no file %1.</source>
+        <translation>没有文件 %1。</translation>
+    </message>
+    <message>
+        <source>%1 is larger than a job can be.</source>
+        <translation>%1 超过了任务文件的大小上限。</translation>
+    </message>
+    <message>
+        <source>%1 is no job, since it is not JSON: %2</source>
+        <translation>%1 不是任务，因为它不是 JSON：%2</translation>
+    </message>
+    <message>
+        <source>%1 is no job: it has no list of &quot;channels&quot;.</source>
+        <translation>%1 不是任务：其中没有 &quot;channels&quot; 列表。</translation>
+    </message>
+    <message>
+        <source>%1 gives %2 twice. Remove one of them with a text editor.</source>
+        <translation>%1 中 %2 出现了两次。请用文本编辑器删去其中一个。</translation>
+    </message>
+    <message>
+        <source>%1 has been changed by another program. Open it again, or save this job under another name.</source>
+        <translation>%1 已被其他程序修改。请重新打开它，或将此任务另存为其他名称。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written: %2</source>
+        <translation>无法写入 %1：%2</translation>
+    </message>
+    <message>
+        <source>The name of the folder %1.</source>
+        <translation>文件夹的名称%1。</translation>
+    </message>
+    <message>
+        <source>The run itself needs the name %1. Choose another folder.</source>
+        <translation>构建本身需要名称 %1。请选择其他文件夹。</translation>
+    </message>
+    <message>
+        <source>%1 has the folder %2 already. Choose another one.</source>
+        <translation>%1 已经使用文件夹 %2。请选择其他文件夹。</translation>
+    </message>
+    <message>
+        <source>%1 is no name of an Android package, like com.example.game.</source>
+        <translation>%1 不是 Android 包名；包名形如 com.example.game。</translation>
+    </message>
+    <message>
+        <source>The job has no SDKs, so that no channel can have %1.</source>
+        <translation>此任务没有 SDK，因此渠道不能使用 %1。</translation>
+    </message>
+    <message>
+        <source>%1 is no SDK of this job. It has %2.</source>
+        <translation>%1 不是此任务的 SDK。此任务有 %2。</translation>
+    </message>
+    <message>
+        <source>Folder %1</source>
+        <translation>文件夹 %1</translation>
+    </message>
+    <message>
+        <source>Name %1</source>
+        <translation>名称 %1</translation>
+    </message>
+    <message>
+        <source>Package name of %1</source>
+        <translation>%1 的包名</translation>
+    </message>
+    <message>
+        <source>Add a channel</source>
+        <translation>添加渠道</translation>
+    </message>
+    <message>
+        <source>SDKs of %1</source>
+        <translation>%1 的 SDK</translation>
+    </message>
+    <message>
+        <source>Mark of %1</source>
+        <translation>%1 的角标</translation>
+    </message>
+    <message>
+        <source>Place of the mark of %1</source>
+        <translation>%1 的角标位置</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 个渠道</translation>
+    </message>
+    <message>
+        <source>Copy %1</source>
+        <translation>复制 %1</translation>
+    </message>
+    <message>
+        <source>Remove %1</source>
+        <translation>移除 %1</translation>
+    </message>
+    <message>
+        <source>Move %1</source>
+        <translation>移动 %1</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>QuenzoTool</source>

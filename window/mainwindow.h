@@ -2,6 +2,7 @@
 #ifndef MAINWINDOW_H
 #define MAINWINDOW_H
 
+#include "window/channels/jobdocument.h"
 #include "window/language.h"
 
 #include <QMainWindow>
@@ -38,6 +39,7 @@ private:
     QStringList workAtHand() const;
 
     Language m_language;
+    JobDocument m_document; ///< before the pages, which read it
     QListWidget* m_list;
     QStackedWidget* m_pages;
     QMenu* m_fileMenu;
