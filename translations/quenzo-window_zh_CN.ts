@@ -105,6 +105,112 @@
     </message>
 </context>
 <context>
+    <name>LogModel</name>
+    <message>
+        <source>Log</source>
+        <translation>日志</translation>
+    </message>
+    <message>
+        <source>Detail</source>
+        <translation>细节</translation>
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>信息</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>时间</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>类别</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>内容</translation>
+    </message>
+</context>
+<context>
+    <name>LogPage</name>
+    <message>
+        <source>Log</source>
+        <translation>日志</translation>
+    </message>
+    <message>
+        <source>&amp;Search:</source>
+        <translation>搜索(&amp;S)：</translation>
+    </message>
+    <message>
+        <source>S&amp;how:</source>
+        <translation>显示(&amp;H)：</translation>
+    </message>
+    <message>
+        <source>Everything</source>
+        <translation>全部</translation>
+    </message>
+    <message>
+        <source>The tool&apos;s log</source>
+        <translation>工具的日志</translation>
+    </message>
+    <message>
+        <source>Warnings and errors</source>
+        <translation>警告和错误</translation>
+    </message>
+    <message>
+        <source>Search in the log</source>
+        <translation>在日志中搜索</translation>
+    </message>
+    <message>
+        <source>Which entries are shown</source>
+        <translation>显示哪些条目</translation>
+    </message>
+    <message>
+        <source>The whole entry</source>
+        <translation>完整条目</translation>
+    </message>
+    <message>
+        <source>Choose an entry to read all of it.</source>
+        <translation>选中一个条目即可阅读全文。</translation>
+    </message>
+    <message>
+        <source>The file: %1</source>
+        <translation>文件：%1</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>复制(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Copies the chosen entries, or all that are shown</source>
+        <translation>复制选中的条目；未选中时复制显示的全部条目</translation>
+    </message>
+    <message>
+        <source>C&amp;lear the view</source>
+        <translation>清空显示(&amp;L)</translation>
+    </message>
+    <message>
+        <source>The file stays as it is</source>
+        <translation>文件保持不变</translation>
+    </message>
+    <message>
+        <source>Nothing has been logged yet. What goes wrong during work is told here.</source>
+        <translation>还没有日志。工作中出现的问题会显示在这里。</translation>
+    </message>
+    <message>
+        <source>No entry fits. Search for something else, or show everything.</source>
+        <translation>没有符合的条目。请换一个词搜索，或显示全部。</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>QuenzoTool</source>

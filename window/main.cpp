@@ -2,6 +2,7 @@
 #include "window/mainwindow.h"
 
 #include <QApplication>
+#include <QLoggingCategory>
 
 int main(int argc, char* argv[])
 {
@@ -10,6 +11,8 @@ int main(int argc, char* argv[])
     const QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("quenzo"));
     QApplication::setApplicationName(QStringLiteral("quenzo-window"));
+    // Why an operation failed; rules of the person's own go before these.
+    QLoggingCategory::setFilterRules(QStringLiteral("quenzo.*.info=true\nquenzo.*.warning=true"));
     MainWindow window;
     window.show();
     return QApplication::exec();
