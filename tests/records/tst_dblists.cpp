@@ -25,6 +25,7 @@ private Q_SLOTS:
     void failureInALaterRowReadsAsThatOfASingleRow();
     void nobodySeesAFailedRowBeforeItsRollback();
     void directCallGetsItsTurnBetweenTwoRows();
+    void selectsOfTwoThreadsKeepApart();
     void updatesOfLaterRowsTakeTheirOwnValues();
     void rowsAreTakenAfterALaterRowFailed();
     void textsThatAreTooLongFailInALaterRowToo();
@@ -222,6 +223,28 @@ void tst_DBLists::directCallGetsItsTurnBetweenTwoRows()
         m_database->outside(QStringLiteral("SELECT rowid FROM channel WHERE id = 'direct'"));
     QCOMPARE(places.size(), 1);
     QVERIFY2(places.first().toInt() <= count, "the whole list came before");
+}
+
+void tst_DBLists::selectsOfTwoThreadsKeepApart()
+{
+    QList<QVariant> rows;
+    for (int i = 0; i < 100; ++i)
+        rows.append(row(i, QString::number(i)));
+    QVERIFY(m_database->insertToDatabase(table, rows, false));
+    std::atomic<int> wrong{0};
+    // Both use the same statement, whose conditions are the caller's own.
+    const auto select = [&](int first) {
+        for (int i = 0; i < 5000; ++i) {
+            const QVariant name = QString::number(first + i % 50);
+            QVariantMap condition{{QStringLiteral("name"), name}};
+            const QList<QVariant> found = m_database->selectFromDatabase(table, condition, false);
+            wrong += found.size() == 1 && found.first().toMap().value(QStringLiteral("name")) == name ? 0 : 1;
+        }
+    };
+    std::thread other(select, 50);
+    select(0);
+    other.join();
+    QCOMPARE(wrong.load(), 0);
 }
 
 void tst_DBLists::updatesOfLaterRowsTakeTheirOwnValues()

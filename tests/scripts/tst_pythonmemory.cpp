@@ -3,6 +3,7 @@
 
 #include "runroot.h"
 
+#include <QFileInfo>
 #include <QtTest>
 
 #include <unistd.h>
@@ -28,6 +29,7 @@ private Q_SLOTS:
     void initTestCase();
     void manyCallsDoNotGrow_data();
     void manyCallsDoNotGrow();
+    void manyFoldersDoNotGrow();
 
 private:
     QString m_script;
@@ -99,6 +101,26 @@ void tst_PythonMemory::manyCallsDoNotGrow()
     qInstallMessageHandler(before);
     QVERIFY(resident > 0);
     // A leak of as little as eight bytes a call shows.
+    QVERIFY2(growth < 800000, qPrintable(QStringLiteral("grown by %1 bytes").arg(growth)));
+}
+
+// What is compiled for the folder of one script is not kept for ever.
+void tst_PythonMemory::manyFoldersDoNotGrow()
+{
+    const auto call = [this](int first, int count) {
+        for (int i = first; i < first + count; ++i) {
+            const QString folder = RunRoot::path() + QStringLiteral("/Script/folder%1").arg(i);
+            QVERIFY(QFile::link(QFileInfo(m_script).path(), folder));
+            OpenBridge bridge;
+            bridge.callScript(folder + QStringLiteral("/memory.py"), QStringLiteral("make"), {1}, false);
+            QCOMPARE(bridge.getResultAsInt(), 1);
+        }
+    };
+    call(0, 600);
+    const qint64 resident = residentBytes();
+    call(600, 3000);
+    const qint64 growth = residentBytes() - resident;
+    QVERIFY(resident > 0);
     QVERIFY2(growth < 800000, qPrintable(QStringLiteral("grown by %1 bytes").arg(growth)));
 }
 

@@ -70,6 +70,7 @@ private Q_SLOTS:
     void runPathNeedsNoApplicationAndFollowsLinks();
 
     void entryIsTimeBlankTextLineFeed();
+    void timesGoOnWithTheSeconds();
     void folderIsMadeWhenMissing();
     void textStandsAsItIs_data();
     void textStandsAsItIs();
@@ -122,6 +123,18 @@ void tst_QuenzoBase::entryIsTimeBlankTextLineFeed()
     const QDateTime time = QDateTime::fromString(line.section(QLatin1Char(' '), 0, 0), Qt::ISODateWithMs);
     QVERIFY2(time >= before && time <= after, qPrintable(line));
     QCOMPARE(entries(), QStringList{QStringLiteral("the text")});
+}
+
+void tst_QuenzoBase::timesGoOnWithTheSeconds()
+{
+    QuenzoBase::Log(QStringLiteral("early"));
+    const qint64 second = QDateTime::currentSecsSinceEpoch();
+    QTRY_VERIFY_WITH_TIMEOUT(QDateTime::currentSecsSinceEpoch() > second, 60000);
+    const QDateTime before = QDateTime::currentDateTime();
+    QuenzoBase::Log(QStringLiteral("late"));
+    const QString line = QString::fromUtf8(RunRoot::log()).section(QLatin1Char('\n'), 1, 1);
+    const QDateTime time = QDateTime::fromString(line.section(QLatin1Char(' '), 0, 0), Qt::ISODateWithMs);
+    QVERIFY2(time >= before, qPrintable(line));
 }
 
 void tst_QuenzoBase::folderIsMadeWhenMissing()

@@ -8,6 +8,7 @@
 #include <QThread>
 #include <QtTest>
 
+#include <climits>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -76,6 +77,10 @@ private Q_SLOTS:
     void unwritableTargetIsFalse();
     void unremovableSourceIsIgnored();
     void hugeSparseFileStaysSparse();
+    void holeAtTheEndIsCopied_data();
+    void holeAtTheEndIsCopied();
+    void pathsReachAsFarAsTheSystemAllows_data();
+    void pathsReachAsFarAsTheSystemAllows();
     void deepTreeIsCopiedMovedAndRemoved();
     void tooDeepTreeForTheStackIsFalse_data();
     void tooDeepTreeForTheStackIsFalse();
@@ -290,6 +295,65 @@ void tst_Directories::hugeSparseFileStaysSparse()
     const QByteArray target = m_target + "/huge";
     QCOMPARE(stat(target.constData(), &status), 0);
     QVERIFY2(status.st_blocks < 10000, "the holes were filled");
+}
+
+void tst_Directories::holeAtTheEndIsCopied_data()
+{
+    QTest::addColumn<QByteArray>("beginning");
+    QTest::newRow("behind content") << QByteArray("beginning");
+    QTest::newRow("nothing but a hole") << QByteArray();
+}
+
+void tst_Directories::holeAtTheEndIsCopied()
+{
+    QFETCH(QByteArray, beginning);
+    constexpr int size = 1 << 20;
+    const QByteArray source = m_source + "/file";
+    write(source, beginning);
+    QCOMPARE(truncate(source.constData(), size), 0);
+    QVERIFY(copy());
+    const QByteArray copied = TreeFiles::read(m_target + "/file");
+    QCOMPARE(copied.size(), size);
+    QVERIFY2(copied == beginning + QByteArray(size - beginning.size(), '\0'), "another content");
+}
+
+void tst_Directories::pathsReachAsFarAsTheSystemAllows_data()
+{
+    QTest::addColumn<QByteArray>("target");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<bool>("allowed");
+    for (const char* target : {"/short", "/longer-target"}) {
+        const char* const which = qstrlen(target) > qstrlen("/source") ? "target" : "source";
+        QTest::addRow("%s, longest", which) << QByteArray(target) << PATH_MAX - 1 << true;
+        QTest::addRow("%s, a byte more", which) << QByteArray(target) << PATH_MAX << false;
+    }
+}
+
+void tst_Directories::pathsReachAsFarAsTheSystemAllows()
+{
+    QFETCH(QByteArray, target);
+    QFETCH(int, length);
+    QFETCH(bool, allowed);
+    m_target = m_root + target;
+    const QByteArray file = "/file";
+    const int inner = length - qMax(m_source.size(), m_target.size()) - file.size();
+    QByteArray folder;
+    while (folder.size() + 101 < inner)
+        folder += '/' + QByteArray(99, 'n');
+    folder += '/' + QByteArray(inner - 1 - folder.size(), 'm');
+    const QByteArray deepest = m_source + folder;
+    makeFolder(deepest);
+    // From its folder, since the path itself may be too long.
+    const int handle = open(deepest.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    const int made = openat(handle, "file", O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    QVERIFY(made >= 0);
+    ::close(made);
+    ::close(handle);
+    QCOMPARE(copy(), allowed);
+    QCOMPARE(exists(m_target + folder + file), allowed);
+    // The temporary folder could not remove what lies so deep.
+    QVERIFY(remove(m_source));
+    QVERIFY(remove(m_target));
 }
 
 void tst_Directories::deepTreeIsCopiedMovedAndRemoved()

@@ -26,6 +26,7 @@ public:
 private Q_SLOTS:
     void linkToFileIsCopiedAsFile();
     void linkToFolderIsWalked();
+    void walkGoesOnBehindADeepLinkedFolder();
     void danglingLinkIsFalse();
     void linkToParentEndsAfterFortyLevels();
     void linkToMovedFileDangles();
@@ -37,7 +38,9 @@ private Q_SLOTS:
     void linkToAnotherFolderOfTheTargetIsWalked();
     void folderIsNotCopiedOntoItself_data();
     void folderIsNotCopiedOntoItself();
+    void emptyFolderIsCopiedOntoItself();
     void linkToItsOwnTargetIsSpared();
+    void linkToTheSameFileIsReplaced();
     void hardLinkIsReplaced();
     void sourceInsideTargetIsMovedUp();
 
@@ -63,6 +66,22 @@ void tst_TreeLinks::linkToFolderIsWalked()
     QVERIFY(move());
     QVERIFY(TreeFiles::content(m_root + "/elsewhere").isEmpty());
     QVERIFY(exists(m_source + "/link"));
+}
+
+// The outer folders of a deep walk are opened anew on its way back, which leads past the link.
+void tst_TreeLinks::walkGoesOnBehindADeepLinkedFolder()
+{
+    const QByteArray file = QByteArray("/n").repeated(40) + "/file";
+    write(m_root + "/elsewhere/start" + file, "deep");
+    for (const char* name : {"/one", "/two"}) {
+        write(m_root + "/elsewhere" + name + "/file", "beside the linked folder");
+        makeLink("../elsewhere/start", m_source + name);
+    }
+    QVERIFY(copy());
+    const Tree copied = TreeFiles::content(m_target);
+    QCOMPARE(copied.value("one" + file), QByteArray("file deep"));
+    QCOMPARE(copied.value("two" + file), QByteArray("file deep"));
+    QCOMPARE(copied.keys("file beside the linked folder"), QList<QByteArray>());
 }
 
 void tst_TreeLinks::danglingLinkIsFalse()
@@ -184,12 +203,31 @@ void tst_TreeLinks::folderIsNotCopiedOntoItself()
     QCOMPARE(TreeFiles::content(m_source), before);
 }
 
+void tst_TreeLinks::emptyFolderIsCopiedOntoItself()
+{
+    m_target = m_source;
+    QVERIFY(copy());
+    QVERIFY(move());
+    QVERIFY(exists(m_source));
+}
+
 void tst_TreeLinks::linkToItsOwnTargetIsSpared()
 {
     write(m_target + "/file", "the only one");
     makeLink("../target/file", m_source + "/file");
     QVERIFY(!copy());
     QCOMPARE(TreeFiles::read(m_target + "/file"), QByteArray("the only one"));
+}
+
+void tst_TreeLinks::linkToTheSameFileIsReplaced()
+{
+    write(m_root + "/file", "shared");
+    makeFolder(m_target);
+    makeLink("../file", m_source + "/link");
+    makeLink("../file", m_target + "/link");
+    QVERIFY(copy());
+    QCOMPARE(TreeFiles::content(m_target), Tree({{"link", "file shared"}}));
+    QCOMPARE(TreeFiles::read(m_root + "/file"), QByteArray("shared"));
 }
 
 void tst_TreeLinks::hardLinkIsReplaced()

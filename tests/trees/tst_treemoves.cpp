@@ -41,6 +41,7 @@ private Q_SLOTS:
     void sourceFolderThatChangedIsToldWithTheReason();
     void folderThatIsExchangedLeavesOthersTheirRights_data();
     void folderThatIsExchangedLeavesOthersTheirRights();
+    void folderThatStaysKeepsItsRights();
     void moveWithinAFullDiskSucceeds_data() { addEveryMove(); }
     void moveWithinAFullDiskSucceeds();
 };
@@ -239,6 +240,20 @@ void tst_TreeMoves::folderThatIsExchangedLeavesOthersTheirRights()
     const QStringList told = m_messages->takeInfoTexts();
     if (byLink)
         QVERIFY2(told.contains(line), qUtf8Printable(told.join(QLatin1Char('\n'))));
+}
+
+// A cut for output forces others upon it; a move does not.
+void tst_TreeMoves::folderThatStaysKeepsItsRights()
+{
+    const QByteArray folder = m_source + "/folder";
+    write(folder + "/file", "moved");
+    setMode(folder, 0750);
+    FaultyCalls::actBeforeNth(FaultyCalls::Flushing, 1,
+                              [&] { write(folder + "/late", "written meanwhile"); });
+    QVERIFY(move());
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(TreeFiles::mode(folder), 0750);
+    QCOMPARE(content(m_source), Tree({{"folder", "folder"}, {"folder/late", "file written meanwhile"}}));
 }
 
 // Removed one after the other, the sources make the room that the next files need.
