@@ -2,6 +2,253 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN" sourcelanguage="en">
 <context>
+    <name>DeviceList</name>
+    <message>
+        <source>not authorized</source>
+        <translation>未授权</translation>
+    </message>
+    <message>
+        <source>Unlock it, and allow debugging by this computer.</source>
+        <translation>请解锁设备，并允许此电脑进行调试。</translation>
+    </message>
+    <message>
+        <source>being authorized</source>
+        <translation>正在授权</translation>
+    </message>
+    <message>
+        <source>Wait a moment and refresh the list.</source>
+        <translation>请稍候，然后刷新列表。</translation>
+    </message>
+    <message>
+        <source>being connected</source>
+        <translation>正在连接</translation>
+    </message>
+    <message>
+        <source>does not answer</source>
+        <translation>没有应答</translation>
+    </message>
+    <message>
+        <source>Unplug it and plug it in again; if that does not help, restart it.</source>
+        <translation>请拔下后重新插入；如果无效，请重启设备。</translation>
+    </message>
+    <message>
+        <source>not accessible to you</source>
+        <translation>您无权访问</translation>
+    </message>
+    <message>
+        <source>Have yourself added to the group plugdev, log in anew, and plug it in again.</source>
+        <translation>请让管理员把您加入 plugdev 组，重新登录，然后重新插入设备。</translation>
+    </message>
+    <message>
+        <source>in recovery</source>
+        <translation>处于恢复模式</translation>
+    </message>
+    <message>
+        <source>Restart it into Android.</source>
+        <translation>请重启进入 Android。</translation>
+    </message>
+    <message>
+        <source>waiting for an update</source>
+        <translation>正在等待更新</translation>
+    </message>
+    <message>
+        <source>in its boot loader</source>
+        <translation>处于引导加载程序</translation>
+    </message>
+    <message>
+        <source>ready</source>
+        <translation>就绪</translation>
+    </message>
+    <message>
+        <source>Restart the device and refresh the list.</source>
+        <translation>请重启设备，然后刷新列表。</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceLister</name>
+    <message>
+        <source>The program adb cannot be started. Install it, and refresh the list.</source>
+        <translation>无法启动程序 adb。请安装它，然后刷新列表。</translation>
+    </message>
+    <message>
+        <source>adb cannot list the devices.</source>
+        <translation>adb 无法列出设备。</translation>
+    </message>
+    <message>
+        <source>adb does not answer.</source>
+        <translation>adb 没有应答。</translation>
+    </message>
+    <message>
+        <source>Unplug the devices and refresh the list.</source>
+        <translation>请拔下设备，然后刷新列表。</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceModel</name>
+    <message>
+        <source>Device</source>
+        <translation>设备</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>状态</translation>
+    </message>
+    <message>
+        <source>What to do</source>
+        <translation>该怎么做</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceWork</name>
+    <message>
+        <source>No package name is found in %1. Choose an APK that is whole.</source>
+        <translation>在 %1 中找不到包名。请选择完整的 APK。</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be the name of a package. Choose another APK.</source>
+        <translation>“%1”不能作为包名。请选择其他 APK。</translation>
+    </message>
+    <message>
+        <source>adb has reported nothing within %1 minutes. Look at the device, and plug it in again.</source>
+        <translation>adb 在 %1 分钟内没有任何报告。请查看设备，并重新插入。</translation>
+    </message>
+    <message>
+        <source>adb crashed without a word. Plug the device in again and repeat.</source>
+        <translation>adb 崩溃，没有留下任何信息。请重新插入设备后再试。</translation>
+    </message>
+</context>
+<context>
+    <name>DevicesPage</name>
+    <message>
+        <source>Devices</source>
+        <translation>设备</translation>
+    </message>
+    <message>
+        <source>An APK is being installed on %1.</source>
+        <translation>正在 %1 上安装 APK。</translation>
+    </message>
+    <message>
+        <source>A package is being removed from %1.</source>
+        <translation>正在从 %1 移除应用。</translation>
+    </message>
+    <message>
+        <source>&amp;Attached devices:</source>
+        <translation>已连接的设备(&amp;A)：</translation>
+    </message>
+    <message>
+        <source>Attached devices</source>
+        <translation>已连接的设备</translation>
+    </message>
+    <message>
+        <source>&amp;Refresh</source>
+        <translation>刷新(&amp;R)</translation>
+    </message>
+    <message>
+        <source>A&amp;PK:</source>
+        <translation>APK(&amp;P)：</translation>
+    </message>
+    <message>
+        <source>APK to install</source>
+        <translation>要安装的 APK</translation>
+    </message>
+    <message>
+        <source>Choose an APK, or drop one here</source>
+        <translation>选择 APK，或拖放到这里</translation>
+    </message>
+    <message>
+        <source>&amp;Choose…</source>
+        <translation>选择(&amp;C)…</translation>
+    </message>
+    <message>
+        <source>&amp;Install…</source>
+        <translation>安装(&amp;I)…</translation>
+    </message>
+    <message>
+        <source>&amp;Uninstall…</source>
+        <translation>卸载(&amp;U)…</translation>
+    </message>
+    <message>
+        <source>The device is at work</source>
+        <translation>设备正在工作</translation>
+    </message>
+    <message>
+        <source>Outcome</source>
+        <translation>结果</translation>
+    </message>
+    <message>
+        <source>No device is attached. Connect one by USB, unlock it, switch USB debugging on in its developer options, and refresh the list.</source>
+        <translation>没有连接设备。请用 USB 连接一台，解锁，在开发者选项中打开 USB 调试，然后刷新列表。</translation>
+    </message>
+    <message>
+        <source>Choose an APK</source>
+        <translation>选择 APK</translation>
+    </message>
+    <message>
+        <source>Android packages (*.apk)</source>
+        <translation>Android 安装包 (*.apk)</translation>
+    </message>
+    <message>
+        <source>Choose an APK first.</source>
+        <translation>请先选择 APK。</translation>
+    </message>
+    <message>
+        <source>There is no file %1. Choose another APK.</source>
+        <translation>没有文件 %1。请选择其他 APK。</translation>
+    </message>
+    <message>
+        <source>A path with a quotation mark cannot be used. Rename %1.</source>
+        <translation>不能使用含引号的路径。请重命名 %1。</translation>
+    </message>
+    <message>
+        <source>%1 is not ready. %2</source>
+        <translation>%1 未就绪。%2</translation>
+    </message>
+    <message>
+        <source>No device is ready. Connect one, unlock it, allow debugging, and refresh the list.</source>
+        <translation>没有就绪的设备。请连接一台，解锁，允许调试，然后刷新列表。</translation>
+    </message>
+    <message>
+        <source>Several devices are ready</source>
+        <translation>有多台设备就绪</translation>
+    </message>
+    <message>
+        <source>&amp;Device:</source>
+        <translation>设备(&amp;D)：</translation>
+    </message>
+    <message>
+        <source>A serial with a quotation mark cannot be used. Choose another device than %1.</source>
+        <translation>不能使用含引号的序列号。请选择 %1 以外的设备。</translation>
+    </message>
+    <message>
+        <source>The package&apos;s name is being read.</source>
+        <translation>正在读取包名。</translation>
+    </message>
+    <message>
+        <source>Remove %1 and its data from %2 before the install?</source>
+        <translation>安装前要从 %2 移除 %1 及其数据吗？</translation>
+    </message>
+    <message>
+        <source>Remove %1 and its data from %2?</source>
+        <translation>要从 %2 移除 %1 及其数据吗？</translation>
+    </message>
+    <message>
+        <source>The installed package goes first, with all its data, even if the device then refuses %1.</source>
+        <translation>已安装的应用会先连同所有数据一起移除，即使设备随后拒绝 %1。</translation>
+    </message>
+    <message>
+        <source>There is no way back.</source>
+        <translation>此操作无法撤销。</translation>
+    </message>
+    <message>
+        <source>Remove and &amp;install</source>
+        <translation>移除并安装(&amp;I)</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>移除(&amp;R)</translation>
+    </message>
+</context>
+<context>
     <name>JobDocument</name>
     <message>
         <source>%1 cannot be read: %2</source>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "window/mainwindow.h"
 
+#include "window/devices/devicespage.h"
 #include "window/log/logpage.h"
 #include "window/page.h"
 #include "window/start/startpage.h"
@@ -45,6 +46,7 @@ MainWindow::MainWindow()
     connect(m_list, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
     makeMenus();
     add(new StartPage);
+    add(new DevicesPage);
     add(new LogPage);
     setTexts();
     restore();

@@ -5,6 +5,7 @@
 #include "console/progress.h"
 #include "console/worker.h"
 #include "devices/devicetask.h"
+#include "devices/devicewords.h"
 #include "devices/installerrors.h"
 #include "devices/toolcheck.h"
 #include "duration.h"
@@ -15,7 +16,6 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QRegularExpression>
 #include <QThread>
 
 #include <memory>
@@ -78,15 +78,6 @@ bool adbFailed(Console& console)
     return !cause.isEmpty();
 }
 
-// What Android takes for one. Another would be split into further words of adb's command line, or be an
-// option.
-bool isPackageName(const QString& name)
-{
-    static const QRegularExpression form(
-        QRegularExpression::anchoredPattern(QStringLiteral("[A-Za-z][A-Za-z0-9_.]*")));
-    return form.match(name).hasMatch();
-}
-
 // The path as the library can hand it on; empty when it cannot.
 QString usableApk(const QString& given, Console& console)
 {
@@ -117,7 +108,7 @@ QString packageOf(const QString& apk, Console& console)
                        DeviceCommands::tr("%1: aapt finds no package name; is it an APK?").arg(apk), causes});
         return {};
     }
-    if (!isPackageName(name)) {
+    if (!DeviceWords::isPackageName(name)) {
         console.error({Failure::BadInput,
                        DeviceCommands::tr("%1: \"%2\" cannot be the name of a package").arg(apk, name)});
         return {};

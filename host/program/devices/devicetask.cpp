@@ -6,6 +6,7 @@
 #include "console/interruptguard.h"
 #include "console/progress.h"
 #include "console/spinner.h"
+#include "devices/devicewords.h"
 
 #include <installapk.h>
 
@@ -19,12 +20,6 @@ namespace {
 struct DeviceTaskText {
     Q_DECLARE_TR_FUNCTIONS(DeviceTask)
 };
-
-// The flow splits its command line into words; quotation marks keep a serial with blanks of any kind in one.
-QString asOneWord(const QString& serial)
-{
-    return QLatin1Char('"') + serial + QLatin1Char('"');
-}
 
 void tellInterruption(const DeviceTask& task, Console& console)
 {
@@ -72,7 +67,7 @@ TaskOutcome runDeviceTask(const DeviceTask& task, Console& console)
         Qt::QueuedConnection);
     QObject::connect(
         installer, &CInstallApk::onGetMulitDevices, &loop,
-        [&] { installer->onSelectDeviceFinish(asOneWord(task.serial)); }, Qt::QueuedConnection);
+        [&] { installer->onSelectDeviceFinish(DeviceWords::asOneWord(task.serial)); }, Qt::QueuedConnection);
 
     QElapsedTimer elapsed;
     elapsed.start();

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#ifndef DEVICESPAGE_H
+#define DEVICESPAGE_H
+
+#include "window/devices/devicelister.h"
+#include "window/devices/devicemodel.h"
+#include "window/devices/devicework.h"
+#include "window/page.h"
+
+#include <QPointer>
+
+QT_BEGIN_NAMESPACE
+class QDialog;
+class QLabel;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+class QStackedWidget;
+class QTableView;
+QT_END_NAMESPACE
+
+/** The attached devices, and an APK that is installed on one of them or whose package is removed from it. */
+class DevicesPage : public Page {
+    Q_OBJECT
+
+public:
+    explicit DevicesPage(QWidget* parent = nullptr);
+
+    QString title() const override;
+    QString workAtHand() const override;
+    void stopWork() override;
+
+protected:
+    void setTexts() override;
+    void showEvent(QShowEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void layOut();
+    void connectParts();
+    void showDevices(const QVector<Device>& devices);
+    void showList(const QString& fault);
+    void showControls();
+    void tell(const QString& text);
+    void browse();
+    void begin(bool install);
+    QString faultOfApk() const;
+    QString selectedSerial() const;
+    void chooseDevice(const QStringList& ready);
+    void readPackage(const QString& serial);
+    void askBefore(const QString& package);
+    void beginTask();
+    void keep(QDialog* dialog);
+
+    DeviceModel m_model;
+    DeviceLister m_lister;
+    DeviceWork m_work;
+    DeviceWork::Task m_task;
+    QString m_fault; ///< why there is no list
+    QPointer<QDialog> m_question;
+    bool m_isStopping = false;
+    QLabel* m_listLabel;
+    QPushButton* m_refresh;
+    QStackedWidget* m_stack;
+    QTableView* m_table;
+    QLabel* m_empty;
+    QLabel* m_apkLabel;
+    QLineEdit* m_apk;
+    QPushButton* m_browse;
+    QPushButton* m_install;
+    QPushButton* m_uninstall;
+    QProgressBar* m_busy;
+    QLabel* m_banner;
+};
+
+#endif
