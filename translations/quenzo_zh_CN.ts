@@ -781,6 +781,14 @@
         <source>a process of the build ended early: %1</source>
         <translation>构建的一个进程提前结束：%1</translation>
     </message>
+    <message>
+        <source>a process of the build ended early</source>
+        <translation>构建的一个进程提前结束</translation>
+    </message>
+    <message>
+        <source>a process of the build was killed</source>
+        <translation>构建的一个进程被终止</translation>
+    </message>
 </context>
 <context>
     <name>ChannelBuild</name>
@@ -2613,8 +2621,8 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <translation>列出这次运行的渠道及其步骤。</translation>
     </message>
     <message>
-        <source>Of a job the runs of its slices are listed, too. A run without an end is still at work, or was killed; its channels are those that it has finished.</source>
-        <translation>对于任务，其各份的运行也会列出。没有结束时间的运行仍在进行，或已被终止；其渠道是它已完成的那些。</translation>
+        <source>Of a job the runs of its slices are listed, too. A run without an end is still at work, or was killed; its channels are those that it has begun.</source>
+        <translation>对于任务，其各份的运行也会列出。没有结束时间的运行仍在进行，或已被终止；其渠道是它已开始的那些。</translation>
     </message>
 </context>
 <context>

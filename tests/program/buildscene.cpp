@@ -96,7 +96,7 @@ bool BuildScene::signAtGate()
     return write(QStringLiteral("release.p12"), "key") && write(QStringLiteral("password"), "secret\n")
         && write(signer,
                  "#!/bin/sh\nfor last; do :; done\ncase $1 in\n"
-                 "sign) : > \"$0.$$\"; while [ ! -e '"
+                 "sign) apk=${last##*/}; echo $PPID > \"$0.$apk\"; while [ ! -e '"
                      + path(QStringLiteral("gate")).toUtf8()
                      + "' ]; do sleep 0.02; done; cp \"$last\" \"$9\" ;;\n"
                        "verify) echo 'Signer #1 certificate SHA-256 digest: 00ff' ;;\nesac\n")
@@ -106,6 +106,12 @@ bool BuildScene::signAtGate()
 int BuildScene::waiting() const
 {
     return QDir(path(QStringLiteral("bin"))).entryList({QStringLiteral("apksigner.*")}).size();
+}
+
+qint64 BuildScene::processAtGate(const QString& channel) const
+{
+    QFile file(path(QStringLiteral("bin/apksigner.%1.apk").arg(channel)));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toLongLong() : 0;
 }
 
 std::unique_ptr<QuenzoProcess> BuildScene::process(const QByteArray& words) const

@@ -32,6 +32,7 @@ public:
      * the middle of a step. */
     bool signAtGate();
     int waiting() const; ///< how many wait there, or did
+    qint64 processAtGate(const QString& channel) const; ///< the one that builds a channel; 0 before it waits
     bool openGate() const { return write(QStringLiteral("gate"), {}); }
     bool closeGate() const { return QFile::remove(path(QStringLiteral("gate"))); }
 

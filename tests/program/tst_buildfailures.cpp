@@ -6,6 +6,7 @@
 #include <QSqlQuery>
 #include <QtTest>
 
+#include <csignal>
 #include <sys/file.h>
 
 // What goes wrong in a run, and what is left then.
@@ -27,8 +28,13 @@ private Q_SLOTS:
     void termEndsBehindTheStepAndTheNextRunGoesOn();
     void killedRunsAreTakenUp();
     void damagedContentOfARunWithoutAnEndIsBuiltAgain();
+    void stepsAreRecordedAsTheyEnd_data();
+    void stepsAreRecordedAsTheyEnd();
+    void channelsOfADeadProcessFailByName();
+    void quietRunTellsFailedChannelsByName();
 
 private:
+    QStringList recordedSteps(const QString& channel) const;
     void takeEndOfRuns() const;
 
     std::unique_ptr<BuildScene> m_scene;
@@ -246,6 +252,87 @@ void tst_BuildFailures::damagedContentOfARunWithoutAnEndIsBuiltAgain()
                                           {QStringLiteral("meadow"), QStringLiteral("unchanged")}};
     QCOMPARE(BuildScene::outcomes(m_scene->run("--json")), expected);
     QVERIFY(m_scene->finished() == undisturbed);
+}
+
+// Of the first run; empty as well while the records cannot be read.
+QStringList tst_BuildFailures::recordedSteps(const QString& channel) const
+{
+    const Ended ended =
+        QuenzoProcess(QuenzoProcess::words("builds job.json --build 1 --json"), m_scene->path({})).end();
+    QStringList steps;
+    for (const QJsonValue& one : ended.result()
+                                     .value(QStringLiteral("build"))
+                                     .toObject()
+                                     .value(QStringLiteral("channels"))
+                                     .toArray()) {
+        if (one.toObject().value(QStringLiteral("folder")).toString() != channel)
+            continue;
+        for (const QJsonValue& step : one.toObject().value(QStringLiteral("steps")).toArray())
+            steps.append(step.toObject().value(QStringLiteral("name")).toString());
+    }
+    return steps;
+}
+
+void tst_BuildFailures::stepsAreRecordedAsTheyEnd_data()
+{
+    failedChannelStopsNoOther_data();
+}
+
+void tst_BuildFailures::stepsAreRecordedAsTheyEnd()
+{
+    QFETCH(const QByteArray, words);
+    QVERIFY(m_scene->signAtGate());
+    const auto process = m_scene->process(words);
+    process->start();
+    const QStringList ended{QStringLiteral("clear"), QStringLiteral("icons"), QStringLiteral("package")};
+    QTRY_COMPARE_WITH_TIMEOUT(recordedSteps(QStringLiteral("plain")), ended, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_scene->processAtGate(QStringLiteral("plain")) > 0, 30000);
+    process->kill();
+    QVERIFY(process->waitForFinished());
+    QVERIFY(m_scene->openGate());
+    QCOMPARE(recordedSteps(QStringLiteral("plain")), ended);
+    const Ended again = m_scene->run();
+    QVERIFY2(again.code == 0, again.error.constData());
+}
+
+void tst_BuildFailures::channelsOfADeadProcessFailByName()
+{
+    QVERIFY(m_scene->signAtGate() && m_scene->openGate());
+    QCOMPARE(m_scene->run().code, 0);
+    QVERIFY(m_scene->closeGate());
+    QVERIFY(QDir(m_scene->path(QStringLiteral("bin"))).remove(QStringLiteral("apksigner.plain.apk")));
+    const auto process =
+        m_scene->process("--force --json --jobs 2"); // "plain" and "meadow" are of one process
+    process->start();
+    QTRY_VERIFY_WITH_TIMEOUT(m_scene->processAtGate(QStringLiteral("plain")) > 0, 30000);
+    QCOMPARE(::kill(pid_t(m_scene->processAtGate(QStringLiteral("plain"))), SIGKILL), 0);
+    QVERIFY(m_scene->openGate());
+    const Ended ended = process->end();
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(BuildScene::outcomes(ended),
+             (QMap<QString, QString>{{QStringLiteral("plain"), QStringLiteral("failed")},
+                                     {QStringLiteral("harbor"), QStringLiteral("built")},
+                                     {QStringLiteral("meadow"), QStringLiteral("failed")}}));
+    for (const QString& channel : {QStringLiteral("plain"), QStringLiteral("meadow")}) {
+        QCOMPARE(BuildScene::reportOf(ended, channel).value(QStringLiteral("message")).toString(),
+                 QStringLiteral("a process of the build was killed"));
+        QVERIFY2(ended.error.contains("channel '" + channel.toUtf8() + "' failed: "),
+                 ended.error.constData());
+        QVERIFY(!QFileInfo::exists(m_scene->path(QStringLiteral("output/") + channel)));
+    }
+    QCOMPARE(BuildScene::outcomes(m_scene->run("--json")).value(QStringLiteral("harbor")),
+             QStringLiteral("unchanged"));
+}
+
+void tst_BuildFailures::quietRunTellsFailedChannelsByName()
+{
+    QVERIFY(m_scene->write(QStringLiteral("own/assets/channel.json"), "{}"));
+    const Ended ended = m_scene->run("--quiet");
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(ended.output, QByteArray());
+    QCOMPARE(ended.error,
+             QByteArray("quenzo: failed: 1 of 3 channels\nchannel 'meadow' failed: 'assets/channel.json' is "
+                        "written by the build, and no other part may bring it\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_BuildFailures)

@@ -54,6 +54,11 @@ QString identityOf(const QString& path)
         .arg(found.st_mtim.tv_nsec);
 }
 
+QString failureOf(const ChannelOutcome& channel)
+{
+    return Run::tr("channel '%1' failed: %2").arg(channel.folder, channel.message);
+}
+
 } // namespace
 
 BuildPlaces BuildRun::placesOf(const Job& job, const Slice& slice)
@@ -280,19 +285,11 @@ void BuildRun::prepareAndBuild(BuildRecords& records)
         preparation.makeIcons(m_pending, commonFault);
     QVector<JobChannel> possible;
     for (const JobChannel& channel : qAsConst(m_pending)) {
-        ChannelOutcome outcome;
-        outcome.message = commonFault.isEmpty() ? preparation.faultOf(channel) : commonFault;
-        if (outcome.message.isEmpty()) {
+        const QString fault = commonFault.isEmpty() ? preparation.faultOf(channel) : commonFault;
+        if (fault.isEmpty())
             possible.append(channel);
-            continue;
-        }
-        outcome.folder = channel.folder;
-        outcome.name = channel.name;
-        outcome.outcome = ChannelOutcome::Failed;
-        const QString fault = clearFinished(m_places, channel.folder); // it came from other inputs
-        if (!fault.isEmpty())
-            outcome.message += QStringLiteral("; ") + fault;
-        finish(outcome, records);
+        else
+            failChannel(channel.folder, fault, records);
     }
     m_pending = possible;
     m_finished = 0;
@@ -308,7 +305,7 @@ void BuildRun::buildHere(BuildRecords& records)
     ChannelBuild build(m_job, m_places, m_editor, m_base, [this] { return m_hold.isInterrupted(); });
     QString folder;
     build.onBegin = [&](const QString& step) { beginStep(folder, step); };
-    build.onEnd = [](const BuildStep&) {};
+    build.onEnd = [&](const BuildStep& step) { endStep(folder, step, records); };
     for (const JobChannel& channel : qAsConst(m_pending)) {
         if (m_hold.isInterrupted())
             return;
@@ -321,24 +318,46 @@ void BuildRun::buildInProcesses(BuildRecords& records)
 {
     BuildWorkers workers(m_job, m_wishes.slice, m_places, m_baseFile);
     workers.onBegin = [this](const QString& folder, const QString& step) { beginStep(folder, step); };
+    workers.onEnd = [&](const QString& folder, const BuildStep& step) { endStep(folder, step, records); };
     workers.onDone = [&](const ChannelOutcome& outcome) { finish(outcome, records); };
-    const QString fault =
-        workers.run(m_pending, m_wishes.processes, [this] { return m_hold.isInterrupted(); });
+    workers.onLost = [&](const QString& folder, const QString& fault) {
+        failChannel(folder, fault, records);
+    };
+    workers.run(m_pending, m_wishes.processes, [this] { return m_hold.isInterrupted(); });
+}
+
+ChannelOutcome& BuildRun::outcomeOf(const QString& folder)
+{
+    return *std::find_if(m_outcome.channels.begin(), m_outcome.channels.end(),
+                         [&folder](const ChannelOutcome& channel) { return channel.folder == folder; });
+}
+
+// Recorded at once: a run may be killed before its channel is done.
+void BuildRun::endStep(const QString& folder, const BuildStep& step, BuildRecords& records)
+{
+    outcomeOf(folder).steps.append(step);
+    records.add(folder, step);
+}
+
+// A channel has come to an end that it cannot tell of itself.
+void BuildRun::failChannel(const QString& folder, const QString& message, BuildRecords& records)
+{
+    ChannelOutcome outcome = outcomeOf(folder);
+    outcome.outcome = ChannelOutcome::Failed;
+    outcome.message = message;
+    const QString fault = clearFinished(m_places, folder); // it came from other inputs
     if (!fault.isEmpty())
-        m_console.error(fault);
+        outcome.message += QStringLiteral("; ") + fault;
+    finish(outcome, records);
 }
 
 // A channel has come to its end.
 void BuildRun::finish(ChannelOutcome outcome, BuildRecords& records)
 {
     outcome.inputs = m_inputs.value(outcome.folder);
-    const auto place =
-        std::find_if(m_outcome.channels.begin(), m_outcome.channels.end(),
-                     [&outcome](const ChannelOutcome& channel) { return channel.folder == outcome.folder; });
-    outcome.index = place->index;
-    *place = outcome;
-    for (const BuildStep& step : qAsConst(outcome.steps))
-        records.add(outcome.folder, step);
+    ChannelOutcome& place = outcomeOf(outcome.folder);
+    outcome.index = place.index;
+    place = outcome;
     records.finish(outcome);
     ++m_finished;
     m_atWork.remove(outcome.folder);
@@ -355,7 +374,7 @@ void BuildRun::tell(const ChannelOutcome& channel)
                      {QStringLiteral("message"), channel.message}});
     switch (channel.outcome) {
     case ChannelOutcome::Failed:
-        m_console.warn(Run::tr("channel '%1' failed: %2").arg(channel.folder, channel.message));
+        m_console.warn(failureOf(channel));
         break;
     case ChannelOutcome::Built:
         m_console.stage(Run::tr("%1: built, %2").arg(channel.folder, sizeText(channel.size)));
@@ -410,14 +429,18 @@ bool tellBuild(const BuildOutcome& build, Console& console)
     for (const QString& line : BuildReport::toTable(build, Console::outputColumns()))
         console.say(line);
     console.set(QStringLiteral("report"), BuildReport::toJson(build));
-    const auto failed =
-        std::count_if(build.channels.cbegin(), build.channels.cend(), [](const ChannelOutcome& channel) {
-            return channel.outcome == ChannelOutcome::Failed;
-        });
+    QStringList failed;
+    for (const ChannelOutcome& channel : build.channels) {
+        if (channel.outcome == ChannelOutcome::Failed)
+            failed.append(failureOf(channel));
+    }
+    const QStringList causes = console.isQuiet() ? failed : QStringList(); // the others have read them
     if (build.interrupted)
-        console.error({Failure::Interrupted, Run::tr("interrupted; the same command goes on with the rest")});
-    else if (failed > 0)
-        console.error(Run::tr("failed: %1 of %2 channels").arg(failed).arg(build.channels.size()));
+        console.error(
+            {Failure::Interrupted, Run::tr("interrupted; the same command goes on with the rest"), causes});
+    else if (!failed.isEmpty())
+        console.error(Run::tr("failed: %1 of %2 channels").arg(failed.size()).arg(build.channels.size()),
+                      causes);
     else if (!build.succeeded())
         console.error(Run::tr("not every channel was reached"));
     return build.succeeded();
@@ -443,7 +466,7 @@ ExitCode BuildRun::serve(const Job& job, const Slice& slice, int share, int shar
     ChannelBuild build(job, places, editor, base, [&hold] { return hold.isInterrupted(); });
     QString folder;
     build.onBegin = [&folder](const QString& step) { BuildWorkers::tellBegin(folder, step); };
-    build.onEnd = [](const BuildStep&) {};
+    build.onEnd = [&folder](const BuildStep& step) { BuildWorkers::tellEnd(folder, step); };
     for (const QString& name : BuildWorkers::shareOf(places, share, shares)) {
         const auto channel = std::find_if(job.channels.cbegin(), job.channels.cend(),
                                           [&name](const JobChannel& one) { return one.folder == name; });

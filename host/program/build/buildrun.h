@@ -51,7 +51,10 @@ private:
     void prepareAndBuild(BuildRecords& records);
     void buildHere(BuildRecords& records);
     void buildInProcesses(BuildRecords& records);
+    void endStep(const QString& folder, const BuildStep& step, BuildRecords& records);
     void finish(ChannelOutcome outcome, BuildRecords& records);
+    void failChannel(const QString& folder, const QString& message, BuildRecords& records);
+    ChannelOutcome& outcomeOf(const QString& folder);
     static bool stands(const EarlierBuild& earlier, const QString& package);
     bool flushOutput();
     ExitCode report(BuildRecords& records);

@@ -3,6 +3,7 @@
 
 #include "build/buildreport.h"
 #include "build/job.h"
+#include "build/outcomejson.h"
 #include "build/slice.h"
 #include "console/standardstreams.h"
 #include "scripts/toolchild.h"
@@ -33,6 +34,12 @@ QString listOf(const BuildPlaces& places)
 const QString baseKey = QStringLiteral("base");
 const QString foldersKey = QStringLiteral("channels");
 
+// Of what a process tells.
+const QString folderKey = QStringLiteral("folder");
+const QString beginKey = QStringLiteral("begin");
+const QString endKey = QStringLiteral("end");
+const QString doneKey = QStringLiteral("done");
+
 QJsonObject pendingOf(const BuildPlaces& places)
 {
     QFile list(listOf(places));
@@ -49,6 +56,9 @@ void tell(const QJsonObject& object)
 struct BuildWorkers::Worker {
     ToolChild process;
     int read = 0; ///< bytes of its output that have been taken
+    QStringList left; ///< folders of the channels that it has not brought to an end
+
+    bool isAtWork() const { return process.state() != QProcess::NotRunning; }
 };
 
 BuildWorkers::BuildWorkers(const Job& job, const Slice& slice, const BuildPlaces& places, const QString& base)
@@ -61,56 +71,75 @@ BuildWorkers::BuildWorkers(const Job& job, const Slice& slice, const BuildPlaces
 
 BuildWorkers::~BuildWorkers() = default;
 
-QString BuildWorkers::run(const QVector<JobChannel>& channels, int processes,
-                          const std::function<bool()>& isInterrupted)
+void BuildWorkers::run(const QVector<JobChannel>& channels, int processes,
+                       const std::function<bool()>& isInterrupted)
 {
-    QJsonArray folders;
+    QStringList folders;
     for (const JobChannel& channel : channels)
         folders.append(channel.folder);
-    const QJsonObject pending{{baseKey, m_base}, {foldersKey, folders}};
-    const QString fault = saveWhole(listOf(m_places), QJsonDocument(pending).toJson());
-    if (!fault.isEmpty())
-        return Workers::tr("'%1' cannot be written: %2").arg(listOf(m_places), fault);
-
+    const QJsonObject pending{{baseKey, m_base}, {foldersKey, QJsonArray::fromStringList(folders)}};
+    const QString unwritten = saveWhole(listOf(m_places), QJsonDocument(pending).toJson());
+    if (!unwritten.isEmpty()) {
+        for (const QString& folder : qAsConst(folders))
+            onLost(folder, Workers::tr("'%1' cannot be written: %2").arg(listOf(m_places), unwritten));
+        return;
+    }
     const int shares = std::min(processes, channels.size());
-    QEventLoop loop;
-    for (int share = 0; share < shares; ++share) {
+    for (int share = 0; share < shares; ++share)
         start(share, shares);
-        QObject::connect(&m_workers.back()->process, &QProcess::stateChanged, &loop, [this, &loop] {
-            if (std::all_of(m_workers.cbegin(), m_workers.cend(), [](const std::unique_ptr<Worker>& worker) {
-                    return worker->process.state() == QProcess::NotRunning;
-                }))
+    wait(isInterrupted);
+    if (isInterrupted())
+        return;
+    for (const std::unique_ptr<Worker>& worker : m_workers) {
+        for (const QString& folder : qAsConst(worker->left))
+            onLost(folder, faultOf(*worker));
+    }
+}
+
+// Until all of them have ended.
+void BuildWorkers::wait(const std::function<bool()>& isInterrupted)
+{
+    const auto anyIsAtWork = [this] {
+        return std::any_of(m_workers.cbegin(), m_workers.cend(),
+                           [](const std::unique_ptr<Worker>& worker) { return worker->isAtWork(); });
+    };
+    QEventLoop loop;
+    for (const std::unique_ptr<Worker>& worker : m_workers) {
+        QObject::connect(&worker->process, &QProcess::stateChanged, &loop, [&] {
+            if (!anyIsAtWork())
                 loop.quit();
         });
     }
     QTimer timer;
     constexpr int intervalMs = 50;
-    bool told = false;
     QObject::connect(&timer, &QTimer::timeout, [&] {
-        if (told || !isInterrupted())
+        if (!isInterrupted())
             return;
-        told = true;
+        timer.stop();
         for (const std::unique_ptr<Worker>& worker : m_workers)
             worker->process.terminate();
     });
     timer.start(intervalMs);
-    if (std::any_of(m_workers.cbegin(), m_workers.cend(), [](const std::unique_ptr<Worker>& worker) {
-            return worker->process.state() != QProcess::NotRunning;
-        }))
+    if (anyIsAtWork())
         loop.exec();
-    for (const std::unique_ptr<Worker>& worker : m_workers) {
-        const ToolChild& process = worker->process;
-        if (!told && (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0))
-            return Workers::tr("a process of the build ended early: %1")
-                .arg(QString::fromUtf8(process.error()).trimmed());
-    }
-    return {};
+}
+
+// Why a process has ended without having done its share.
+QString BuildWorkers::faultOf(const Worker& worker)
+{
+    const QString said = QString::fromUtf8(worker.process.error()).trimmed();
+    if (!said.isEmpty())
+        return Workers::tr("a process of the build ended early: %1").arg(said.section(QLatin1Char('\n'), -1));
+    if (worker.process.exitStatus() == QProcess::NormalExit)
+        return Workers::tr("a process of the build ended early");
+    return Workers::tr("a process of the build was killed");
 }
 
 void BuildWorkers::start(int share, int shares)
 {
     m_workers.push_back(std::make_unique<Worker>());
     Worker* worker = m_workers.back().get();
+    worker->left = shareOf(m_places, share, shares);
     QObject::connect(&worker->process, &QProcess::readyReadStandardOutput, &worker->process,
                      [this, worker] { read(*worker); });
     QStringList words{QStringLiteral("build"), QStringLiteral("--share"),
@@ -127,22 +156,28 @@ void BuildWorkers::read(Worker& worker)
 {
     const QByteArray output = worker.process.output();
     for (int end = output.indexOf('\n', worker.read); end >= 0; end = output.indexOf('\n', worker.read)) {
-        take(output.mid(worker.read, end - worker.read));
+        take(output.mid(worker.read, end - worker.read), worker);
         worker.read = end + 1;
     }
 }
 
-void BuildWorkers::take(const QByteArray& line)
+void BuildWorkers::take(const QByteArray& line, Worker& worker)
 {
     const QJsonObject told = QJsonDocument::fromJson(line).object();
-    const QString folder = told.value(QStringLiteral("folder")).toString();
-    if (!folder.isEmpty())
-        onBegin(folder, told.value(QStringLiteral("begin")).toString());
+    const QString folder = told.value(folderKey).toString();
+    if (told.contains(beginKey))
+        onBegin(folder, told.value(beginKey).toString());
+    bool isStep = told.contains(endKey);
+    const BuildStep step = OutcomeJson::step(told.value(endKey), isStep);
+    if (isStep)
+        onEnd(folder, step);
     BuildOutcome build;
     build.output = m_job.output;
-    if (BuildReport::fromJson(told.value(QStringLiteral("done")).toObject(), build)) {
-        for (const ChannelOutcome& channel : qAsConst(build.channels))
-            onDone(channel);
+    if (!BuildReport::fromJson(told.value(doneKey).toObject(), build))
+        return;
+    for (const ChannelOutcome& channel : qAsConst(build.channels)) {
+        worker.left.removeAll(channel.folder);
+        onDone(channel);
     }
 }
 
@@ -162,7 +197,12 @@ QStringList BuildWorkers::shareOf(const BuildPlaces& places, int share, int shar
 
 void BuildWorkers::tellBegin(const QString& folder, const QString& step)
 {
-    tell({{QStringLiteral("folder"), folder}, {QStringLiteral("begin"), step}});
+    tell({{folderKey, folder}, {beginKey, step}});
+}
+
+void BuildWorkers::tellEnd(const QString& folder, const BuildStep& step)
+{
+    tell({{folderKey, folder}, {endKey, OutcomeJson::object(step)}});
 }
 
 void BuildWorkers::tellDone(const Job& job, const ChannelOutcome& channel)
@@ -172,5 +212,5 @@ void BuildWorkers::tellDone(const Job& job, const ChannelOutcome& channel)
     build.game = job.game;
     build.output = job.output;
     build.channels = {channel};
-    tell({{QStringLiteral("done"), BuildReport::toJson(build)}});
+    tell({{doneKey, BuildReport::toJson(build)}});
 }

@@ -27,16 +27,18 @@ public:
     BuildWorkers& operator=(const BuildWorkers&) = delete;
 
     std::function<void(const QString& folder, const QString& step)> onBegin;
+    std::function<void(const QString& folder, const BuildStep& step)> onEnd;
     std::function<void(const ChannelOutcome& channel)> onDone;
+    /** A channel that its process has not brought to an end, and why in one sentence. */
+    std::function<void(const QString& folder, const QString& fault)> onLost;
 
     /**
      * Builds channels whose common parts are prepared, and lets the event loop run meanwhile.
      *
-     * @param isInterrupted once it is, every process ends behind its step at hand
-     * @return a fault in one sentence when a process did not do its share
+     * @param isInterrupted once it is, every process ends behind its step at hand; what is left then is not
+     * lost
      */
-    QString run(const QVector<JobChannel>& channels, int processes,
-                const std::function<bool()>& isInterrupted);
+    void run(const QVector<JobChannel>& channels, int processes, const std::function<bool()>& isInterrupted);
 
     /** The folders of the channels that a share of several has, as run() has left them for its processes. */
     static QStringList shareOf(const BuildPlaces& places, int share, int shares);
@@ -46,13 +48,16 @@ public:
 
     /** What a process tells of its work. */
     static void tellBegin(const QString& folder, const QString& step);
+    static void tellEnd(const QString& folder, const BuildStep& step);
     static void tellDone(const Job& job, const ChannelOutcome& channel);
 
 private:
     struct Worker;
     void start(int share, int shares);
+    void wait(const std::function<bool()>& isInterrupted);
     void read(Worker& worker);
-    void take(const QByteArray& line);
+    void take(const QByteArray& line, Worker& worker);
+    static QString faultOf(const Worker& worker);
 
     const Job& m_job;
     const Slice& m_slice;

@@ -20,17 +20,6 @@ constexpr std::array<TextField, 8> textFields{{
     {"digest", &ChannelOutcome::digest},
 }};
 
-BuildStep stepOf(const JsonReader& reader)
-{
-    BuildStep step;
-    step.name = reader.text("name");
-    step.start = reader.time("start");
-    step.end = reader.time("end");
-    step.outcome = BuildStep::Outcome(reader.choice("outcome", OutcomeJson::stepWords));
-    step.message = reader.text("message");
-    return step;
-}
-
 } // namespace
 
 QString OutcomeJson::word(ChannelOutcome::Outcome outcome)
@@ -77,6 +66,18 @@ QJsonObject OutcomeJson::object(const ChannelOutcome& channel)
     return values;
 }
 
+BuildStep OutcomeJson::step(const QJsonValue& value, bool& isSound)
+{
+    const JsonReader reader(value, isSound);
+    BuildStep step;
+    step.name = reader.text("name");
+    step.start = reader.time("start");
+    step.end = reader.time("end");
+    step.outcome = BuildStep::Outcome(reader.choice("outcome", stepWords));
+    step.message = reader.text("message");
+    return step;
+}
+
 ChannelOutcome OutcomeJson::channel(const QJsonValue& value, bool& isSound)
 {
     const JsonReader reader(value, isSound);
@@ -86,7 +87,7 @@ ChannelOutcome OutcomeJson::channel(const QJsonValue& value, bool& isSound)
     for (const TextField& field : textFields)
         channel.*field.member = reader.text(field.key);
     for (const QJsonValue step : reader.array("steps"))
-        channel.steps.append(stepOf(JsonReader(step, isSound)));
+        channel.steps.append(OutcomeJson::step(step, isSound));
     channel.notes = reader.texts("notes");
     channel.icons = reader.texts("icons");
     channel.package = reader.text("package");

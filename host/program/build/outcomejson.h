@@ -26,7 +26,9 @@ QJsonObject object(const BuildStep& step);
 /** Of the shape that docs/report.schema.json describes, paths as they are. */
 QJsonObject object(const ChannelOutcome& channel);
 
-/** The channel of such an object. @param[out] isSound false when it is none; left alone otherwise */
+/** The step, or the channel, of such an object. @param[out] isSound false when it is none; left alone
+ * otherwise */
+BuildStep step(const QJsonValue& value, bool& isSound);
 ChannelOutcome channel(const QJsonValue& value, bool& isSound);
 
 } // namespace OutcomeJson

@@ -279,7 +279,7 @@ QVector<Command> buildRecordCommands()
                        QStringLiteral("N")}};
     builds.details = RecordCommands::tr(
         "Of a job the runs of its slices are listed, too. A run without an end is still at work, or was "
-        "killed; its channels are those that it has finished.");
+        "killed; its channels are those that it has begun.");
     builds.run = tellRecords;
     return {builds};
 }

@@ -46,6 +46,9 @@ public:
     /** Whether a person wants to read all of the steps and causes. */
     bool verbose() const { return m_style.verbose; }
 
+    /** Whether only results and errors are wanted. */
+    bool isQuiet() const { return m_style.quiet; }
+
     /** Whether a person watches the diagnostics, and thus may be asked. */
     static bool isInteractive();
 
