@@ -35,9 +35,12 @@ class Folder(object):
         self.close()
 
     def close(self):
-        if self._handle is not None:
-            os.close(self._handle)
-            self._handle = None
+        handle, self._handle = self._handle, None
+        if handle is not None:
+            try:
+                os.close(handle)
+            except OSError:
+                pass  # It is closed all the same, and holds nothing that could be lost.
 
     def at(self, name):
         """A path to name in this folder, wherever the folder is by now."""

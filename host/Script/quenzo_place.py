@@ -59,7 +59,11 @@ class Work(object):
         self._parent = parent
         self._name = scratch_name()
         parent.do(os.mkdir, self._name, 0o700)
-        self._folder = parent.folder(self._name)
+        try:
+            self._folder = parent.folder(self._name)
+        except Exception:
+            _tried(os.rmdir, parent.at(self._name))
+            raise
         self.tree = self._folder.at("new")
         try:
             self._check_own()

@@ -1,6 +1,7 @@
 # -*- coding: utf-8 -*-
 # SPDX-License-Identifier: MIT
 """Exporting a channel's developer record: export_develop_info(idChannel, dest) answers 0 or a cause."""
+import errno
 import json
 import os
 import shutil
@@ -226,6 +227,34 @@ class Files(Exporting):
                 self.write("small/full/mine", "x")
                 self.assertEqual(NOT_WRITTEN, start.export_develop_info(5, dest))
                 self.assertEqual({"full": None, "full/mine": "x"}, tree(self.path("small")))
+
+    def fail_once(self, call, name):
+        """The next call of os about a work folder fails, when it has done what it is for if that is a close."""
+        real = getattr(os, call)
+
+        def failing(about, *more):
+            place = os.readlink("/proc/self/fd/%d" % about) if call == "close" else about
+            if call == "close":
+                real(about)
+            if os.path.basename(place).startswith(name):
+                setattr(os, call, real)
+                raise OSError(errno.EIO, "told by the test", place)
+            return None if call == "close" else real(about, *more)
+
+        setattr(os, call, failing)
+        self.addCleanup(setattr, os, call, real)
+
+    def test_aFolderThatEndsWithAnErrorLosesNothing(self):
+        self.records({"channels": [self.record()]})
+        self.fail_once("close", ".quenzo-")
+        self.assertEqual(2, len(self.exported(5)))
+        self.assertEqual(["out", "records.json"], sorted(os.listdir(self.folder)))
+
+    def test_aFolderThatCannotBeOpenedLeavesNothing(self):
+        self.records({"channels": [self.record()]})
+        self.fail_once("open", ".quenzo-")
+        self.refused(NOT_WRITTEN)
+        self.assertEqual(["records.json"], sorted(os.listdir(self.folder)))
 
     def test_otherFilesOfTheFolderStay(self):
         self.write("out/mine", "x")
