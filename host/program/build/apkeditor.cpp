@@ -12,6 +12,7 @@
 
 #include <QBuffer>
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 #include <QMap>
@@ -263,24 +264,37 @@ QString ApkEditor::objectionToContents() const
 QString ApkEditor::objectionTo(const QString& package)
 {
     ApkEditor editor;
-    if (!editor.open(package))
-        return editor.error();
-    return editor.m_base->objection([](const ZipEntry&) { return true; });
+    return editor.open(package) ? editor.objection() : editor.error();
 }
 
-QString ApkEditor::objectionTo(const QString& package, const QVector<ApkChange>& changes)
+QString ApkEditor::objection() const
 {
-    ApkEditor editor;
-    if (!editor.open(package))
-        return editor.error();
+    return m_base->objection([](const ZipEntry&) { return true; });
+}
+
+QString ApkEditor::objection(const QVector<ApkChange>& changes) const
+{
     QSet<QByteArray> missing;
     for (const ApkChange& change : changes) {
         if (!ZipNames::isSignature(change.name))
             missing.insert(change.name);
     }
-    QString objection =
-        editor.m_base->objection([&missing](const ZipEntry& entry) { return missing.remove(entry.name); });
-    if (!objection.isEmpty() || missing.isEmpty())
-        return objection;
-    return ApkEditorTexts::tr("%1: there is no '%2'").arg(package, ZipNames::shown(*missing.cbegin()));
+    QString found =
+        m_base->objection([&missing](const ZipEntry& entry) { return missing.remove(entry.name); });
+    if (!found.isEmpty() || missing.isEmpty())
+        return found;
+    return ApkEditorTexts::tr("%1: there is no '%2'")
+        .arg(m_base->archive.path(), ZipNames::shown(*missing.cbegin()));
+}
+
+QString ApkEditor::digest() const
+{
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    const auto number = [](qint64 value) -> QByteArray { return QByteArray::number(value) + ' '; };
+    for (const ApkEntry& entry : qAsConst(m_base->entries)) {
+        hash.addData(number(entry.method) + number(entry.crc) + number(entry.packed) + number(entry.size)
+                     + entry.name + '\0');
+    }
+    hash.addData(QByteArray::number(m_base->archive.size()));
+    return QString::fromLatin1(hash.result().toHex());
 }

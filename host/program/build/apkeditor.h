@@ -70,11 +70,17 @@ public:
      */
     static QString objectionTo(const QString& package);
 
+    /** The same of what is open. */
+    QString objection() const;
+
     /**
-     * The same of a package of this base, which has been looked at as a whole: of the contents only those
-     * that changed.
+     * The same of what is open, a package of a base that has been looked at as a whole: of the contents only
+     * those that changed.
      */
-    static QString objectionTo(const QString& package, const QVector<ApkChange>& changes);
+    QString objection(const QVector<ApkChange>& changes) const;
+
+    /** Tells packages apart by their size and every entry's checksum. */
+    QString digest() const;
 
     /** One line: what failed, on which archive or entry, why. */
     const QString& error() const;

@@ -18,7 +18,6 @@
 #include "trees/treeremoval.h"
 
 #include <QCoreApplication>
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -27,6 +26,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <future>
 #include <utility>
 
 namespace {
@@ -126,16 +126,7 @@ bool changesManifest(const JobChannel& channel, const BuildPlaces& places)
 QString digestOfPackage(const QString& package)
 {
     ApkEditor archive;
-    if (!archive.open(package))
-        return {};
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    for (const ApkEntry& entry : archive.entries()) {
-        const QString line =
-            QStringLiteral("%1 %2 %3 %4 ").arg(entry.method).arg(entry.crc).arg(entry.packed).arg(entry.size);
-        hash.addData(line.toLatin1() + entry.name + '\0');
-    }
-    hash.addData(QByteArray::number(QFileInfo(package).size()));
-    return QString::fromLatin1(hash.result().toHex());
+    return archive.open(package) ? archive.digest() : QString();
 }
 
 QString sentenceOf(const Failure& failure)
@@ -345,16 +336,19 @@ QString ChannelBuild::sign()
 // Holds the package against what was wanted, as those who take it will.
 QString ChannelBuild::check()
 {
-    // The base has been read as a whole; encrypting changes other entries than ours.
-    QString objection = m_channel->encrypt ? ApkEditor::objectionTo(packageFile())
-                                           : ApkEditor::objectionTo(packageFile(), m_changes);
-    if (!objection.isEmpty())
-        return objection;
+    ApkEditor package;
+    if (!package.open(packageFile()))
+        return package.error();
+    // While aapt is at work. The base has been read as a whole; encrypting changes other entries than ours.
+    std::future<QString> objection = std::async(
+        [this, &package] { return m_channel->encrypt ? package.objection() : package.objection(m_changes); });
     Console console = muteConsole();
     PackageFacts facts;
     QString fault;
-    if (!PackageFacts::read(packageFile(), console, facts, fault))
-        return fault;
+    const bool isRead = PackageFacts::read(packageFile(), console, facts, fault);
+    const QString found = objection.get();
+    if (!isRead || !found.isEmpty())
+        return found.isEmpty() ? fault : found;
     const QString name = packageName();
     if (facts.name != name || facts.versionCode != m_base.versionCode)
         return Build::tr("the package calls itself %1, version %2, and not %3, version %4")
@@ -364,7 +358,7 @@ QString ChannelBuild::check()
     m_outcome.packageName = facts.name;
     m_outcome.versionName = facts.versionName;
     m_outcome.size = QFileInfo(packageFile()).size();
-    m_outcome.digest = digestOfPackage(packageFile());
+    m_outcome.digest = package.digest();
     return {};
 }
 

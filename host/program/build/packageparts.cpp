@@ -38,6 +38,8 @@ QStringList filesBelow(const QString& folder, QString& fault)
 // Which of an archive's classes a name is: 1 for classes.dex, 0 for none.
 int numberOfClasses(const QString& name)
 {
+    if (!name.startsWith(QLatin1String("classes"))) // nearly every name
+        return 0;
     static const QRegularExpression form(QStringLiteral("^classes([2-9]|[1-9][0-9]+)?\\.dex$"));
     const QRegularExpressionMatch match = form.match(name);
     if (!match.hasMatch())

@@ -178,22 +178,25 @@ bool tellsTheSame(const QByteArray& local, const QByteArray& extra, const ZipEnt
 // Finds the packed bytes behind the local header.
 QString locate(const ArchiveFile& archive, ZipEntry& entry)
 {
+    constexpr int usualExtra = 64; // what comes along saves a second call for nearly every entry
     const int before = localSize + entry.name.size();
-    QByteArray local = archive.read(entry.header, before);
-    if (local.size() != before)
+    QByteArray local = archive.read(entry.header, before + usualExtra);
+    if (local.size() < before)
         return cutOff(archive, entry.name);
     if (!local.startsWith(localMark) || number<quint16>(local, 26) != entry.name.size()
-        || !local.endsWith(entry.name))
+        || local.mid(localSize, entry.name.size()) != entry.name)
         return ZipDirectoryTexts::tr("there is no local header for '%1'").arg(ZipNames::shown(entry.name));
-    const int extraLength = number<quint16>(local, 28);
-    const QByteArray extra = archive.read(entry.header + before, extraLength);
-    if (extra.size() != extraLength)
+    const int length = before + number<quint16>(local, 28);
+    if (local.size() < length)
+        local = archive.read(entry.header, length);
+    if (local.size() < length)
         return cutOff(archive, entry.name);
-    if (!tellsTheSame(local, extra, entry))
+    local.truncate(length);
+    if (!tellsTheSame(local, local.mid(before), entry))
         return ZipDirectoryTexts::tr("two headers disagree about '%1'").arg(ZipNames::shown(entry.name));
-    entry.data = entry.header + before + extraLength;
-    entry.padding = qMax(0, before + extraLength - plainHeaderSize(entry));
-    if (localHeader(entry) != local + extra)
+    entry.data = entry.header + length;
+    entry.padding = qMax(0, length - plainHeaderSize(entry));
+    if (localHeader(entry) != local)
         entry.padding = -1;
     return {};
 }

@@ -30,11 +30,9 @@ bool isPlain(const QByteArray& name)
         return false;
     const bool hasDrive =
         name.size() > 1 && name.at(1) == ':' && std::isalpha(static_cast<unsigned char>(name.at(0))) != 0;
-    const QList<QByteArray> parts = pathOf(name).split('/');
-    const auto leadsElsewhere = [](const QByteArray& part) {
-        return part.isEmpty() || part == "." || part == "..";
-    };
-    return !hasDrive && parts.size() <= deepest && std::none_of(parts.cbegin(), parts.cend(), leadsElsewhere);
+    const QByteArray inFolders = '/' + pathOf(name) + '/';
+    return !hasDrive && inFolders.count('/') - 1 <= deepest && !inFolders.contains("//")
+        && !inFolders.contains("/./") && !inFolders.contains("/../");
 }
 
 // Whether one of the folders that a name lies in is a file.
