@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "build/buildinputs.h"
 
+#include "build/filedigest.h"
 #include "build/job.h"
 #include "icons/iconset.h"
 #include "scripts/toolrun.h"
@@ -12,7 +13,6 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -55,8 +55,9 @@ QByteArray versionOf(Console& console, const QString& program, const QString& wo
 
 } // namespace
 
-BuildInputs::BuildInputs(const Job& job, Console& console)
+BuildInputs::BuildInputs(const Job& job, const QByteArray& base, Console& console)
     : m_job(job)
+    , m_digests{{job.base, base}}
 {
     m_tools = QUENZO_VERSION "\n"
         + versionOf(console, QuenzoTool::getToolPath() + QStringLiteral("/aapt"), QStringLiteral("version"));
@@ -74,13 +75,13 @@ QByteArray BuildInputs::fileDigest(const QString& path)
     const auto known = m_digests.constFind(path);
     if (known != m_digests.cend())
         return *known;
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file)) {
-        m_error = Inputs::tr("'%1' cannot be read: %2").arg(path, file.errorString());
+    QString fault;
+    const QByteArray digest = digestOfFile(path, fault);
+    if (!fault.isEmpty()) {
+        m_error = Inputs::tr("'%1' cannot be read: %2").arg(path, fault);
         return {};
     }
-    return *m_digests.insert(path, hash.result().toHex());
+    return *m_digests.insert(path, digest);
 }
 
 QByteArray BuildInputs::folderDigest(const QString& folder)

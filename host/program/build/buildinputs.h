@@ -13,7 +13,8 @@ struct JobChannel;
  * into it. */
 class BuildInputs {
 public:
-    BuildInputs(const Job& job, Console& console);
+    /** @param base the digest of the base's content */
+    BuildInputs(const Job& job, const QByteArray& base, Console& console);
 
     /** The digest for a channel; empty with error() when something cannot be read. */
     QString digestOf(const JobChannel& channel);

@@ -8,6 +8,7 @@
 #include "build/buildreport.h"
 #include "build/buildworkers.h"
 #include "build/channelbuild.h"
+#include "build/filedigest.h"
 #include "build/outcomejson.h"
 #include "build/sheets.h"
 #include "console/console.h"
@@ -30,6 +31,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <future>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -204,12 +206,18 @@ bool BuildRun::readBase()
     QString fault;
     Console mute = muteConsole();
     m_baseFile = identityOf(m_job.base); // before it is opened: whatever comes later differs
+    // Both read all of it, and each keeps a core busy.
+    QString unreadable;
+    std::future<QByteArray> digest = std::async([&] { return digestOfFile(m_job.base, unreadable); });
     if (!m_editor.open(m_job.base))
         fault = m_editor.error();
     else
         fault = m_editor.objectionToContents();
     if (fault.isEmpty() && !PackageFacts::read(m_job.base, mute, m_base, fault))
         Q_ASSERT(!fault.isEmpty());
+    m_baseDigest = digest.get();
+    if (fault.isEmpty() && !unreadable.isEmpty())
+        fault = Run::tr("'%1' cannot be read: %2").arg(m_job.base, unreadable);
     if (!fault.isEmpty())
         m_console.error({Failure::BadInput, fault});
     else if (!m_job.icon.isEmpty() && m_job.platforms.contains(IconSet::Android))
@@ -239,7 +247,7 @@ void BuildRun::tellIconsThatStay()
 void BuildRun::findWork(BuildRecords& records)
 {
     Console mute = muteConsole();
-    BuildInputs inputs(m_job, mute);
+    BuildInputs inputs(m_job, m_baseDigest, mute);
     const QHash<QString, EarlierBuild> earlier = records.earlier(m_job.game);
     for (int i = 0; i < m_job.channels.size(); ++i) {
         if (!m_wishes.slice.takes(i))

@@ -74,6 +74,7 @@ private:
     BuildOutcome m_outcome;
     QVector<JobChannel> m_pending; ///< channels to be built, in the job's order
     QHash<QString, QString> m_inputs; ///< digests by folder
+    QByteArray m_baseDigest;
     QString m_baseFile; ///< tells whether another process has opened the same base
     QString m_stage; ///< what a person reads of the work at hand
     QMap<QString, QString> m_atWork; ///< the steps at hand, by the channels' folders
