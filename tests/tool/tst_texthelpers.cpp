@@ -2,6 +2,7 @@
 #include <quenzotool.h>
 
 #include "messagelog.h"
+#include "plaintexts.h"
 
 #include <QRandomGenerator>
 #include <QTextCodec>
@@ -11,58 +12,6 @@
 #include <memory>
 
 namespace {
-
-// The text helpers letter by letter, as they were first written down: slow, and what every result is held
-// against.
-QString cutByTheLetter(const QString& text, int count, const QString& suffix)
-{
-    if (text.toLocal8Bit().size() <= count)
-        return text;
-    const int room = count - suffix.toLocal8Bit().size();
-    if (room <= 0)
-        return text;
-    for (int i = 0; i < count; ++i) {
-        const int bytes = text.left(i).toLocal8Bit().size();
-        if (bytes == room - 1 || bytes == room)
-            return text.left(i) + suffix;
-    }
-    return {};
-}
-
-QString escapeByTheLetter(QString text)
-{
-    for (int i = 9; i < text.size(); ++i) {
-        if (text.at(i).isSpace() && text.at(i - 1) != QLatin1Char('\\')) {
-            text = text.left(i) + QLatin1Char('\\') + text.mid(i);
-            ++i;
-        }
-    }
-    return text;
-}
-
-QMap<QString, QString> splitByTheLetter(const QString& url)
-{
-    QMap<QString, QString> params;
-    const int query = url.indexOf(QLatin1Char('?'));
-    if (query < 0)
-        return params;
-    QString rest = url.mid(query + 1);
-    int equals = rest.indexOf(QLatin1Char('='));
-    while (equals != -1) {
-        const int ampersand = rest.indexOf(QLatin1Char('&'));
-        const QString key = rest.left(equals);
-        QString value = rest.mid(equals + 1);
-        if (ampersand != -1) {
-            value = rest.mid(equals + 1, ampersand - equals - 1);
-            rest = rest.mid(ampersand + 1);
-        } else {
-            rest.clear();
-        }
-        params[key] = value;
-        equals = rest.indexOf(QLatin1Char('='));
-    }
-    return params;
-}
 
 QString randomText(QRandomGenerator& random, const QString& letters, int longest)
 {
@@ -201,7 +150,7 @@ void tst_TextHelpers::cutEqualsTheLetterByLetterForm()
         const QString suffix = randomText(random, mixedLetters(), 4);
         const int count = random.bounded(-1, 80);
         const QString cut = QuenzoTool::getStrInMaxCount(text, count, suffix);
-        const QString expected = cutByTheLetter(text, count, suffix);
+        const QString expected = PlainTexts::cut(text, count, suffix);
         if (cut != expected) {
             const QByteArray what =
                 QStringLiteral("round %1: \"%2\", %3, \"%4\": \"%5\" instead of \"%6\"")
@@ -254,7 +203,7 @@ void tst_TextHelpers::escapeEqualsTheLetterByLetterForm()
     const QString letters = mixedLetters() + QStringLiteral("  \\\\\t\u00A0");
     for (int round = 0; round < 20000; ++round) {
         const QString text = randomText(random, letters, 40);
-        QCOMPARE(QuenzoTool::blankReplace(text), escapeByTheLetter(text));
+        QCOMPARE(QuenzoTool::blankReplace(text), PlainTexts::escaped(text));
     }
 }
 
@@ -317,7 +266,7 @@ void tst_TextHelpers::splitEqualsTheLetterByLetterForm()
         const QString url = randomText(random, QStringLiteral("ab=&=&?#é"), 30);
         Params params;
         QuenzoTool::getUrlParam(url, params);
-        const Params expected = splitByTheLetter(url);
+        const Params expected = PlainTexts::params(url);
         if (params != expected)
             QFAIL(qPrintable(url));
     }
