@@ -46,7 +46,7 @@ QByteArray contentOf(const QString& path, JobFaults& faults)
         faults.add({}, fault);
         return {};
     }
-    return file.read(mostBytes);
+    return file.read(found.size());
 }
 
 // Undefined with a note when the text is no job at all.
