@@ -32,9 +32,3 @@ variant no-sqlite g++ QuenzoTool -DBUILD_TESTING=OFF -DCMAKE_DISABLE_FIND_PACKAG
 variant portable g++ QuenzoTool -DBUILD_TESTING=OFF -DQUENZO_PORTABLE=ON
 variant portable clang++ QuenzoTool -DBUILD_TESTING=OFF -DQUENZO_PORTABLE=ON
 variant usual clang++ QuenzoTool -DBUILD_TESTING=OFF
-
-# The fuzz targets, each for a short while.
-variant fuzz clang++ "fuzz_codec fuzz_tooloutput" -DQUENZO_BUILD_FUZZERS=ON
-for target in codec tooloutput; do
-    build/variants/fuzz-clang++/bin/fuzz_$target -runs=20000 -seed=1 -verbosity=0
-done

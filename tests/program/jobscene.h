@@ -23,6 +23,7 @@ public:
 
     /** What was wrong with the last one, as "PLACE: TEXT"; the folder's own path stands as "@". */
     QStringList faults() const;
+    const QVector<JobFault>& found() const { return m_faults; }
 
     /** A sound job with further members of its outermost object. */
     static QByteArray with(const QByteArray& members);
