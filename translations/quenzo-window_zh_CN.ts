@@ -249,6 +249,17 @@
     </message>
 </context>
 <context>
+    <name>GameApk</name>
+    <message>
+        <source>The new job %1.</source>
+        <translation>新任务%1。</translation>
+    </message>
+    <message>
+        <source>aapt cannot read %1: is it a whole APK? %2</source>
+        <translation>aapt 无法读取 %1：它是完整的 APK 吗？%2</translation>
+    </message>
+</context>
+<context>
     <name>JobDocument</name>
     <message>
         <source>%1 cannot be read: %2</source>
@@ -349,6 +360,116 @@
     <message>
         <source>Move %1</source>
         <translation>移动 %1</translation>
+    </message>
+</context>
+<context>
+    <name>JobFiles</name>
+    <message>
+        <source>Edits are not saved</source>
+        <translation>修改尚未保存</translation>
+    </message>
+    <message>
+        <source>The job %1 has edits that are not saved.</source>
+        <translation>任务 %1 有尚未保存的修改。</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>保存(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Drop the edits</source>
+        <translation>放弃修改(&amp;D)</translation>
+    </message>
+    <message>
+        <source>&amp;Go on editing</source>
+        <translation>继续编辑(&amp;G)</translation>
+    </message>
+    <message>
+        <source>%1 is neither a job, which ends in .json, nor an APK.</source>
+        <translation>%1 既不是任务（以 .json 结尾），也不是 APK。</translation>
+    </message>
+    <message>
+        <source>Open a job</source>
+        <translation>打开任务</translation>
+    </message>
+    <message>
+        <source>Jobs (*.json)</source>
+        <translation>任务 (*.json)</translation>
+    </message>
+    <message>
+        <source>The game&apos;s APK</source>
+        <translation>游戏的 APK</translation>
+    </message>
+    <message>
+        <source>Android packages (*.apk)</source>
+        <translation>Android 安装包 (*.apk)</translation>
+    </message>
+    <message>
+        <source>The job cannot be made: %1.</source>
+        <translation>无法创建任务：%1。</translation>
+    </message>
+    <message>
+        <source>Save the job as</source>
+        <translation>任务另存为</translation>
+    </message>
+</context>
+<context>
+    <name>JobMenus</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>文件(&amp;F)</translation>
+    </message>
+    <message>
+        <source>&amp;Open a job…</source>
+        <translation>打开任务(&amp;O)…</translation>
+    </message>
+    <message>
+        <source>&amp;Recent jobs</source>
+        <translation>最近的任务(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;New job from an APK…</source>
+        <translation>用 APK 新建任务(&amp;N)…</translation>
+    </message>
+    <message>
+        <source>New job from the sa&amp;mple…</source>
+        <translation>用示例新建任务(&amp;M)…</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>保存(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Save &amp;as…</source>
+        <translation>另存为(&amp;A)…</translation>
+    </message>
+    <message>
+        <source>&amp;Close the job</source>
+        <translation>关闭任务(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>退出(&amp;Q)</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>编辑(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Undo: %1</source>
+        <translation>撤销(&amp;U)：%1</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>撤销(&amp;U)</translation>
+    </message>
+    <message>
+        <source>&amp;Redo: %1</source>
+        <translation>重做(&amp;R)：%1</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>重做(&amp;R)</translation>
     </message>
 </context>
 <context>
@@ -464,14 +585,6 @@
         <translation>QuenzoTool</translation>
     </message>
     <message>
-        <source>&amp;File</source>
-        <translation>文件(&amp;F)</translation>
-    </message>
-    <message>
-        <source>&amp;Quit</source>
-        <translation>退出(&amp;Q)</translation>
-    </message>
-    <message>
         <source>&amp;View</source>
         <translation>查看(&amp;V)</translation>
     </message>
@@ -499,6 +612,85 @@
         <source>Go on working</source>
         <translation>继续工作</translation>
     </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>帮助(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;About QuenzoTool</source>
+        <translation>关于 QuenzoTool(&amp;A)</translation>
+    </message>
+    <message>
+        <source>Hide this message</source>
+        <translation>隐藏此消息</translation>
+    </message>
+    <message>
+        <source>%1[*] in %2 - QuenzoTool</source>
+        <translation>%2 中的 %1[*] - QuenzoTool</translation>
+    </message>
+    <message>
+        <source>About QuenzoTool</source>
+        <translation>关于 QuenzoTool</translation>
+    </message>
+    <message>
+        <source>QuenzoTool %1: builds the packages of a mobile game for its channels. The program quenzo does the same from the command line.</source>
+        <translation>QuenzoTool %1：为手机游戏构建各渠道的安装包。命令行程序 quenzo 也能完成同样的工作。</translation>
+    </message>
+</context>
+<context>
+    <name>NewJobDialog</name>
+    <message>
+        <source>New job</source>
+        <translation>新建任务</translation>
+    </message>
+    <message>
+        <source>&amp;Make the job</source>
+        <translation>创建任务(&amp;M)</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>The sample game Sky Harbour with its channels: everything is there to be built.</source>
+        <translation>示例游戏 Sky Harbour 及其渠道：一切就绪，可直接构建。</translation>
+    </message>
+    <message>
+        <source>%1
+Package: %2
+APK: %3</source>
+        <translation>%1
+包名：%2
+APK：%3</translation>
+    </message>
+    <message>
+        <source>&amp;Folder of the job:</source>
+        <translation>任务的文件夹(&amp;F)：</translation>
+    </message>
+    <message>
+        <source>Folder of the job</source>
+        <translation>任务的文件夹</translation>
+    </message>
+    <message>
+        <source>&amp;Choose…</source>
+        <translation>选择(&amp;C)…</translation>
+    </message>
+    <message>
+        <source>Choose a folder</source>
+        <translation>选择文件夹</translation>
+    </message>
+    <message>
+        <source>An empty folder for the job</source>
+        <translation>任务所用的空文件夹</translation>
+    </message>
+    <message>
+        <source>no folder is named</source>
+        <translation>没有指定文件夹</translation>
+    </message>
+    <message>
+        <source>The job cannot be written there: %1. Name another folder; it is made.</source>
+        <translation>任务无法写到那里：%1。请指定另一个文件夹，它会被创建。</translation>
+    </message>
 </context>
 <context>
     <name>StartPage</name>
@@ -509,6 +701,58 @@
     <message>
         <source>Open a job, or drop one here: a job names a game, its base APK and the channels whose packages are wanted.</source>
         <translation>打开一个任务，或将其拖放到这里：任务写明一个游戏、它的基础 APK 以及需要哪些渠道的安装包。</translation>
+    </message>
+    <message>
+        <source>&amp;Open a job…</source>
+        <translation>打开任务(&amp;O)…</translation>
+    </message>
+    <message>
+        <source>&amp;New job from an APK…</source>
+        <translation>用 APK 新建任务(&amp;N)…</translation>
+    </message>
+    <message>
+        <source>&amp;Try the sample…</source>
+        <translation>试用示例(&amp;T)…</translation>
+    </message>
+    <message>
+        <source>&amp;Recent jobs:</source>
+        <translation>最近的任务(&amp;R)：</translation>
+    </message>
+    <message>
+        <source>Recent jobs</source>
+        <translation>最近的任务</translation>
+    </message>
+    <message>
+        <source>Enter opens a job; Delete takes it off this list and leaves its files alone.</source>
+        <translation>按回车打开任务；按删除键将其从列表中移除，文件不受影响。</translation>
+    </message>
+    <message>
+        <source>No jobs yet. Open one, begin one with your game&apos;s APK, or try the sample.</source>
+        <translation>还没有任务。请打开一个任务，用游戏的 APK 新建一个，或试用示例。</translation>
+    </message>
+    <message>
+        <source>What is wrong with the job</source>
+        <translation>任务中的错误</translation>
+    </message>
+    <message>
+        <source>%1 (not there)</source>
+        <translation>%1（不存在）</translation>
+    </message>
+    <message>
+        <source>%1 cannot be built yet. What is wrong in %2, each with its place:</source>
+        <translation>%1 还不能构建。%2 中的问题及其位置：</translation>
+    </message>
+    <message>
+        <source>%1 is open and can be built: %2</source>
+        <translation>%1 已打开，可以构建：%2</translation>
+    </message>
+    <message>
+        <source>%1 has edits that are not saved: %2</source>
+        <translation>%1 有尚未保存的修改：%2</translation>
+    </message>
+    <message>
+        <source>%1 is being looked through: %2</source>
+        <translation>正在检查 %1：%2</translation>
     </message>
 </context>
 </TS>

@@ -4,18 +4,29 @@
 #include "window/devices/devicespage.h"
 #include "window/log/logpage.h"
 #include "window/page.h"
+#include "window/start/jobfiles.h"
+#include "window/start/jobmenus.h"
 #include "window/start/startpage.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
+#include <QDir>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QFrame>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QListWidget>
 #include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
 #include <QSettings>
 #include <QStackedWidget>
+#include <QStyle>
+#include <QToolButton>
+#include <QUrl>
 
 namespace {
 
@@ -26,12 +37,17 @@ const QString languageKey = QStringLiteral("language");
 } // namespace
 
 MainWindow::MainWindow()
-    : m_list(new QListWidget)
+    : m_files(new JobFiles(m_document, this))
+    , m_list(new QListWidget)
     , m_pages(new QStackedWidget)
-    , m_fileMenu(menuBar()->addMenu(QString()))
+    , m_banner(new QFrame)
+    , m_bannerText(new QLabel)
+    , m_bannerClose(new QToolButton)
+    , m_menus(new JobMenus(m_document, *m_files, this))
     , m_viewMenu(menuBar()->addMenu(QString()))
     , m_languageMenu(m_viewMenu->addMenu(QString()))
-    , m_quit(m_fileMenu->addAction(QString(), this, &QWidget::close))
+    , m_helpMenu(menuBar()->addMenu(QString()))
+    , m_about(m_helpMenu->addAction(QString(), this, &MainWindow::tellAbout))
     , m_languages(new QActionGroup(this))
 {
     const QString chosen = QSettings().value(languageKey).toString();
@@ -40,16 +56,60 @@ MainWindow::MainWindow()
     auto* const center = new QWidget;
     auto* const row = new QHBoxLayout(center);
     row->addWidget(m_list);
-    row->addWidget(m_pages, 1);
+    auto* const column = new QVBoxLayout;
+    column->addLayout(makeBanner());
+    column->addWidget(m_pages, 1);
+    row->addLayout(column, 1);
     setCentralWidget(center);
+    setAcceptDrops(true);
     m_list->setObjectName(QStringLiteral("pages"));
     connect(m_list, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
     makeMenus();
-    add(new StartPage);
+    add(new StartPage(m_document, *m_files));
     add(new DevicesPage);
     add(new LogPage);
     setTexts();
     restore();
+    connect(m_files, &JobFiles::told, this, &MainWindow::tell);
+    connect(&m_document, &JobDocument::opened, this, &MainWindow::showTitle);
+    connect(&m_document, &JobDocument::closed, this, &MainWindow::showTitle);
+    connect(&m_document, &JobDocument::savedAs, this, &MainWindow::showTitle);
+    connect(m_document.undoStack(), &QUndoStack::cleanChanged, this,
+            [this](bool isClean) { setWindowModified(!isClean); });
+}
+
+// The pages go before the document that they read, and the stack of edits tells of its own end, too.
+MainWindow::~MainWindow()
+{
+    delete takeCentralWidget();
+    m_document.undoStack()->disconnect();
+}
+
+QLayout* MainWindow::makeBanner()
+{
+    auto* const row = new QHBoxLayout(m_banner);
+    m_banner->setObjectName(QStringLiteral("banner"));
+    m_banner->setFrameShape(QFrame::StyledPanel);
+    m_bannerText->setObjectName(QStringLiteral("bannerText"));
+    m_bannerText->setWordWrap(true);
+    m_bannerText->setTextFormat(Qt::PlainText);
+    m_bannerText->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_bannerClose->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+    m_bannerClose->setAutoRaise(true);
+    m_bannerClose->setFocusPolicy(Qt::StrongFocus);
+    row->addWidget(m_bannerText, 1);
+    row->addWidget(m_bannerClose);
+    connect(m_bannerClose, &QToolButton::clicked, m_banner, &QWidget::hide);
+    m_banner->hide();
+    auto* const outer = new QVBoxLayout;
+    outer->addWidget(m_banner);
+    return outer;
+}
+
+void MainWindow::tell(const QString& sentence)
+{
+    m_bannerText->setText(sentence);
+    m_banner->setVisible(!sentence.isEmpty());
 }
 
 void MainWindow::add(Page* page)
@@ -66,7 +126,6 @@ void MainWindow::show(Page* page)
 
 void MainWindow::makeMenus()
 {
-    m_quit->setShortcut(QKeySequence::Quit);
     for (const QString& code : Language::all()) {
         QAction* const action = m_languageMenu->addAction(Language::nameOf(code));
         action->setCheckable(true);
@@ -82,15 +141,50 @@ void MainWindow::makeMenus()
 
 void MainWindow::setTexts()
 {
-    setWindowTitle(tr("QuenzoTool"));
-    m_fileMenu->setTitle(tr("&File"));
-    m_quit->setText(tr("&Quit"));
+    showTitle();
+    m_menus->setTexts();
     m_viewMenu->setTitle(tr("&View"));
     m_languageMenu->setTitle(tr("&Language"));
+    m_helpMenu->setTitle(tr("&Help"));
+    m_about->setText(tr("&About QuenzoTool"));
+    m_bannerClose->setAccessibleName(tr("Hide this message"));
+    m_bannerClose->setToolTip(m_bannerClose->accessibleName());
     m_list->setAccessibleName(tr("Pages"));
     for (int i = 0; i < m_pages->count(); ++i)
         m_list->item(i)->setText(static_cast<Page*>(m_pages->widget(i))->title());
     m_list->setFixedWidth(m_list->sizeHintForColumn(0) + m_list->fontMetrics().averageCharWidth() * 4);
+}
+
+void MainWindow::showTitle()
+{
+    const QFileInfo job(m_document.path());
+    setWindowTitle(m_document.isOpen()
+                       ? tr("%1[*] in %2 - QuenzoTool").arg(job.fileName(), job.dir().dirName())
+                       : tr("QuenzoTool"));
+    setWindowModified(m_document.isModified());
+}
+
+void MainWindow::tellAbout()
+{
+    QMessageBox::about(this, tr("About QuenzoTool"),
+                       tr("QuenzoTool %1: builds the packages of a mobile game for its channels. The program "
+                          "quenzo does the same from the command line.")
+                           .arg(QStringLiteral(QUENZO_VERSION)));
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls() && event->mimeData()->urls().constFirst().isLocalFile())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    const QString path = event->mimeData()->urls().constFirst().toLocalFile();
+    event->acceptProposedAction();
+    // Whoever drags waits until this returns, and there may be questions.
+    QMetaObject::invokeMethod(
+        m_files, [this, path] { m_files->take(path); }, Qt::QueuedConnection);
 }
 
 void MainWindow::restore()
@@ -122,7 +216,7 @@ QStringList MainWindow::workAtHand() const
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     const QStringList work = workAtHand();
-    if (work.isEmpty()) {
+    if (work.isEmpty() && m_files->mayLeave()) {
         QSettings settings;
         settings.setValue(geometryKey, saveGeometry());
         settings.setValue(pageKey, m_pages->currentIndex());
@@ -130,20 +224,26 @@ void MainWindow::closeEvent(QCloseEvent* event)
         return;
     }
     event->ignore();
-    if (m_isClosing)
-        return;
-    QMessageBox question(QMessageBox::Question, tr("Work is going on"), work.join(QLatin1Char('\n')),
-                         QMessageBox::NoButton, this);
-    question.setInformativeText(tr("Closing stops it as soon as it can be stopped; what is finished stays."));
-    const QPushButton* const stop = question.addButton(tr("Stop and close"), QMessageBox::DestructiveRole);
-    question.addButton(tr("Go on working"), QMessageBox::RejectRole);
-    question.exec();
-    if (question.clickedButton() != stop)
+    if (work.isEmpty())
+        m_isClosing = false;
+    if (work.isEmpty() || m_isClosing || !askToStop(work))
         return;
     m_isClosing = true;
     for (int i = 0; i < m_pages->count(); ++i)
         static_cast<Page*>(m_pages->widget(i))->stopWork();
     closeWhenWorkHasEnded();
+}
+
+bool MainWindow::askToStop(const QStringList& work)
+{
+    QMessageBox question(QMessageBox::Question, tr("Work is going on"), work.join(QLatin1Char('\n')),
+                         QMessageBox::NoButton, this);
+    question.setInformativeText(tr("Closing stops it as soon as it can be stopped; what is finished stays."));
+    const QPushButton* const stop = question.addButton(tr("Stop and close"), QMessageBox::DestructiveRole);
+    QPushButton* const stay = question.addButton(tr("Go on working"), QMessageBox::RejectRole);
+    question.setEscapeButton(stay);
+    question.exec();
+    return question.clickedButton() == stop;
 }
 
 void MainWindow::closeWhenWorkHasEnded()

@@ -87,16 +87,19 @@ QString channelsOf(const JobTemplate::OwnFiles& own)
     return list.mid(1, list.size() - 2).trimmed();
 }
 
-// What a package's file is called, without its ending.
-QString gameOf(const QString& base)
+// Unless a person says otherwise, what the package's file is called, without its ending.
+QString gameOf(const JobTemplate::OwnFiles& own)
 {
-    const QFileInfo file(base);
+    if (own.base.isEmpty())
+        return QStringLiteral("Sky Harbour");
+    if (!own.game.isEmpty())
+        return own.game;
+    const QFileInfo file(own.base);
     return file.completeBaseName().isEmpty() ? file.fileName() : file.completeBaseName();
 }
 
 QString baseMembers(const QString& folder, const JobTemplate::OwnFiles& own)
 {
-    const QString game = own.base.isEmpty() ? QStringLiteral("Sky Harbour") : gameOf(own.base);
     const QString base = own.base.isEmpty() ? QStringLiteral("skyharbour.apk") : pathFrom(folder, own.base);
     const QStringList comment{
         Template::tr("A job of quenzo build. Paths are relative to this file."),
@@ -108,7 +111,7 @@ QString baseMembers(const QString& folder, const JobTemplate::OwnFiles& own)
     for (const QString& line : comment)
         lines.append(json(line));
     return QStringLiteral("  \"//\": [\n    %1\n  ],\n  \"game\": %2,\n  \"base\": %3,\n")
-        .arg(lines.join(QStringLiteral(",\n    ")), json(game), json(base));
+        .arg(lines.join(QStringLiteral(",\n    ")), json(gameOf(own)), json(base));
 }
 
 QString iconMembers(const QString& folder, const JobTemplate::OwnFiles& own)

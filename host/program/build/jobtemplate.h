@@ -12,6 +12,7 @@ struct OwnFiles {
     QString base;
     QString icon;
     QString marks; ///< a folder with a folder a mark, each of which becomes a channel
+    QString game; ///< what the base's game is called; empty for the name of its file
 };
 
 /** Why a folder cannot take it, since it would mix with what is there; empty when it can. */
