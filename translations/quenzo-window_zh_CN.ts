@@ -693,6 +693,111 @@ APK：%3</translation>
     </message>
 </context>
 <context>
+    <name>RecordsBase</name>
+    <message>
+        <source>&apos;%1&apos; cannot be read: %2</source>
+        <translation>无法读取 &apos;%1&apos;：%2</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is no records file. Choose a file such as records.db in a job&apos;s output.</source>
+        <translation>&apos;%1&apos; 不是记录文件。请选择例如任务输出文件夹中的 records.db。</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be opened as a records file.</source>
+        <translation>无法将 &apos;%1&apos; 作为记录文件打开。</translation>
+    </message>
+</context>
+<context>
+    <name>RecordsPage</name>
+    <message>
+        <source>Records</source>
+        <translation>记录</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is being written.</source>
+        <translation>正在写入 &apos;%1&apos;。</translation>
+    </message>
+    <message>
+        <source>Records &amp;file:</source>
+        <translation>记录文件(&amp;F)：</translation>
+    </message>
+    <message>
+        <source>&amp;Choose…</source>
+        <translation>选择(&amp;C)…</translation>
+    </message>
+    <message>
+        <source>Read a&amp;gain</source>
+        <translation>重新读取(&amp;G)</translation>
+    </message>
+    <message>
+        <source>&amp;Table:</source>
+        <translation>表(&amp;T)：</translation>
+    </message>
+    <message>
+        <source>Table</source>
+        <translation>表</translation>
+    </message>
+    <message>
+        <source>Sh&amp;ow:</source>
+        <translation>显示(&amp;O)：</translation>
+    </message>
+    <message>
+        <source>rows that contain this</source>
+        <translation>包含此内容的行</translation>
+    </message>
+    <message>
+        <source>Scrambled columns</source>
+        <translation>混淆的列</translation>
+    </message>
+    <message>
+        <source>Choose the columns whose scrambled texts are shown as they were.</source>
+        <translation>选择要还原显示混淆文本的列。</translation>
+    </message>
+    <message>
+        <source>&amp;Export as CSV…</source>
+        <translation>导出为 CSV(&amp;E)…</translation>
+    </message>
+    <message>
+        <source>Rows of the table</source>
+        <translation>表中的行</translation>
+    </message>
+    <message>
+        <source>Choose a records file: every job keeps one, records.db, in its output folder.</source>
+        <translation>请选择记录文件：每个任务都在其输出文件夹中保存一个 records.db。</translation>
+    </message>
+    <message>
+        <source>Choose a records file</source>
+        <translation>选择记录文件</translation>
+    </message>
+    <message>
+        <source>Records (*.db);;All files (*)</source>
+        <translation>记录 (*.db);;所有文件 (*)</translation>
+    </message>
+    <message>
+        <source>%1 of %2 rows</source>
+        <translation>%1 行，共 %2 行</translation>
+    </message>
+    <message>
+        <source>Export as CSV</source>
+        <translation>导出为 CSV</translation>
+    </message>
+    <message>
+        <source>CSV files (*.csv);;All files (*)</source>
+        <translation>CSV 文件 (*.csv);;所有文件 (*)</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; was not written: %2</source>
+        <translation>未能写入 &apos;%1&apos;：%2</translation>
+    </message>
+</context>
+<context>
+    <name>RowModel</name>
+    <message>
+        <source>nothing</source>
+        <translation>无</translation>
+    </message>
+</context>
+<context>
     <name>StartPage</name>
     <message>
         <source>Start</source>
@@ -753,6 +858,148 @@ APK：%3</translation>
     <message>
         <source>%1 is being looked through: %2</source>
         <translation>正在检查 %1：%2</translation>
+    </message>
+</context>
+<context>
+    <name>TreeLookModel</name>
+    <message>
+        <source>goes</source>
+        <translation>将复制或移动</translation>
+    </message>
+    <message>
+        <source>replaces a file</source>
+        <translation>将替换文件</translation>
+    </message>
+    <message>
+        <source>stays</source>
+        <translation>保留</translation>
+    </message>
+    <message>
+        <source>What happens</source>
+        <translation>结果</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>文件</translation>
+    </message>
+</context>
+<context>
+    <name>TreesPage</name>
+    <message>
+        <source>Folders</source>
+        <translation>文件夹</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is being copied.</source>
+        <translation>正在复制 &apos;%1&apos;。</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is being moved.</source>
+        <translation>正在移动 &apos;%1&apos;。</translation>
+    </message>
+    <message>
+        <source>Stopping behind the file at hand…</source>
+        <translation>处理完当前文件后停止…</translation>
+    </message>
+    <message>
+        <source>&amp;What to do:</source>
+        <translation>操作(&amp;W)：</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>复制</translation>
+    </message>
+    <message>
+        <source>Move</source>
+        <translation>移动</translation>
+    </message>
+    <message>
+        <source>Move what is finished to an output folder</source>
+        <translation>将已完成的内容移到输出文件夹</translation>
+    </message>
+    <message>
+        <source>&amp;From the folder:</source>
+        <translation>源文件夹(&amp;F)：</translation>
+    </message>
+    <message>
+        <source>&amp;To the folder:</source>
+        <translation>目标文件夹(&amp;T)：</translation>
+    </message>
+    <message>
+        <source>&amp;Names that stay:</source>
+        <translation>保留的名称(&amp;N)：</translation>
+    </message>
+    <message>
+        <source>Log, build</source>
+        <translation>Log, build</translation>
+    </message>
+    <message>
+        <source>&amp;Choose…</source>
+        <translation>选择(&amp;C)…</translation>
+    </message>
+    <message>
+        <source>Choose the folder to take from</source>
+        <translation>选择源文件夹</translation>
+    </message>
+    <message>
+        <source>C&amp;hoose…</source>
+        <translation>选择(&amp;H)…</translation>
+    </message>
+    <message>
+        <source>Choose the folder to bring to</source>
+        <translation>选择目标文件夹</translation>
+    </message>
+    <message>
+        <source>&amp;Look first</source>
+        <translation>先查看(&amp;L)</translation>
+    </message>
+    <message>
+        <source>&amp;Start</source>
+        <translation>开始(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Sto&amp;p</source>
+        <translation>停止(&amp;P)</translation>
+    </message>
+    <message>
+        <source>How much has arrived</source>
+        <translation>已到达的量</translation>
+    </message>
+    <message>
+        <source>Files, and what happens to each</source>
+        <translation>文件以及每个文件的结果</translation>
+    </message>
+    <message>
+        <source>Name two folders and look first: here is then what would go, what would be replaced, and what would stay. Nothing is touched before you start.</source>
+        <translation>填写两个文件夹并先查看：这里会列出将移走、将替换和将保留的内容。开始之前不会改动任何文件。</translation>
+    </message>
+    <message>
+        <source>Choose a folder</source>
+        <translation>选择文件夹</translation>
+    </message>
+    <message>
+        <source>Looking…</source>
+        <translation>正在查看…</translation>
+    </message>
+    <message>
+        <source>%1 files (%2) would be copied; %3 replace a file.</source>
+        <translation>将复制 %1 个文件（%2）；其中 %3 个会替换已有文件。</translation>
+    </message>
+    <message>
+        <source>%1 files (%2) would be moved; %3 replace a file.</source>
+        <translation>将移动 %1 个文件（%2）；其中 %3 个会替换已有文件。</translation>
+    </message>
+    <message>
+        <source>Done: %1 files (%2) are in &apos;%3&apos;.</source>
+        <translation>完成：%1 个文件（%2）已在 &apos;%3&apos; 中。</translation>
+    </message>
+    <message>
+        <source>Stopped. What had arrived is in &apos;%1&apos;, the rest is in &apos;%2&apos;; start again to go on.</source>
+        <translation>已停止。已到达的在 &apos;%1&apos; 中，其余在 &apos;%2&apos; 中；再次开始即可继续。</translation>
+    </message>
+    <message>
+        <source>Not everything has come to &apos;%1&apos;; the rest is in &apos;%2&apos;. The page Log says what stood in the way.</source>
+        <translation>并非全部都到达 &apos;%1&apos;；其余在 &apos;%2&apos; 中。“日志”页面说明了原因。</translation>
     </message>
 </context>
 </TS>

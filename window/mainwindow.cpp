@@ -4,9 +4,11 @@
 #include "window/devices/devicespage.h"
 #include "window/log/logpage.h"
 #include "window/page.h"
+#include "window/records/recordspage.h"
 #include "window/start/jobfiles.h"
 #include "window/start/jobmenus.h"
 #include "window/start/startpage.h"
+#include "window/trees/treespage.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
@@ -67,6 +69,8 @@ MainWindow::MainWindow()
     makeMenus();
     add(new StartPage(m_document, *m_files));
     add(new DevicesPage);
+    add(new RecordsPage(m_document));
+    add(new TreesPage);
     add(new LogPage);
     setTexts();
     restore();
