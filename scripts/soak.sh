@@ -3,6 +3,7 @@
 #
 # Hunts tests that fail now and then: runs each test program again and again and prints a table.
 #   scripts/soak.sh NAME-REGEX RUNS [--load]
+#   scripts/soak.sh --in-one SECONDS           all kinds of work in one process, by the clock: tests/soak
 # Runs of all programs are shuffled. --load keeps every core busy beside them. The programs come from BUILD
 # (build/debug), and work in TMPDIR. As root, SOAK_USER=65534 makes the runs as that plain user; each user and place
 # gets a copy of the programs of its own, since tests write beside their program. RUNS may be "auto": 200 for a
@@ -12,7 +13,10 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 export LC_ALL=C.UTF-8
 
-[ $# -ge 2 ] || { sed -n '4,11s/^# \{0,1\}//p' "$0"; exit 2; }
+[ $# -ge 2 ] || { sed -n '4,12s/^# \{0,1\}//p' "$0"; exit 2; }
+if [ "$1" = --in-one ]; then
+    QUENZO_SOAK_SECONDS=$2 exec "${BUILD:-build/debug}/tests/soak/soak/bin/tst_soak"
+fi
 regex=$1 runs=$2 load=${3-}
 build=$(realpath "${BUILD:-build/debug}")
 place=$(mktemp -d -p "${TMPDIR:-/tmp}" soak.XXXXXX)
