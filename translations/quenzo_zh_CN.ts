@@ -610,6 +610,14 @@
         <source>Each channel&apos;s package comes from the job&apos;s base: with the channel&apos;s icons, its SDKs, its own files and a description of it, encrypted and signed where the job says so. Everything finished is in the job&apos;s output folder, with report.html and report.json. What has not changed since the last run is not built again, and a run that was interrupted goes on where it stood.</source>
         <translation>每个渠道的安装包都来自任务的基础包：带有该渠道的图标、SDK、自己的文件和说明，并按任务的要求加密和签名。完成的内容都在任务的输出文件夹中，包括 report.html 和 report.json。自上次运行以来没有变化的内容不再构建，被中断的运行从中断处继续。</translation>
     </message>
+    <message>
+        <source>--only: there is no channel &apos;%1&apos;</source>
+        <translation>--only：没有渠道“%1”</translation>
+    </message>
+    <message>
+        <source>Builds this channel, and others named likewise; the rest stay as they are.</source>
+        <translation>只构建这个渠道，以及同样指定的其他渠道；其余的保持不变。</translation>
+    </message>
 </context>
 <context>
     <name>BuildInputs</name>

@@ -18,6 +18,8 @@ private Q_SLOTS:
     void whatHasNotChangedIsNotBuiltAgain();
     void changedInputsBuildTheirChannelsOnly_data();
     void changedInputsBuildTheirChannelsOnly();
+    void chosenChannelsAreBuiltAlone();
+    void unknownChannelIsNotBuilt();
     void alteredPackageIsBuiltAgain();
     void processesGiveTheSameBytes();
     void slicesGiveTheSameBytes();
@@ -158,6 +160,40 @@ void tst_Build::changedInputsBuildTheirChannelsOnly()
     const Ended again = m_scene->run("--json");
     QVERIFY2(again.code == 0, again.error.constData());
     QCOMPARE(BuildScene::outcomes(again).keys(QStringLiteral("built")), built);
+}
+
+void tst_Build::chosenChannelsAreBuiltAlone()
+{
+    const QString harbor = QStringLiteral("harbor");
+    const Ended first = m_scene->run("--only harbor --json");
+    QVERIFY2(first.code == 0, first.error.constData());
+    QCOMPARE(BuildScene::outcomes(first), (Outcomes{{harbor, QStringLiteral("built")}}));
+    QVERIFY(!QFileInfo::exists(m_scene->path(QStringLiteral("output/plain"))));
+    const Ended all = m_scene->run("--json");
+    QCOMPARE(BuildScene::outcomes(all),
+             (Outcomes{{QStringLiteral("plain"), QStringLiteral("built")},
+                       {harbor, QStringLiteral("unchanged")},
+                       {QStringLiteral("meadow"), QStringLiteral("built")}}));
+    const auto before = m_scene->finished();
+    m_scene->job.insert(QStringLiteral("defaults"),
+                        QJsonObject{{QStringLiteral("settings"), QJsonObject{{QStringLiteral("a"), 1}}}});
+    const Ended two = m_scene->run("--only harbor --only plain --jobs 2 --json");
+    QCOMPARE(
+        BuildScene::outcomes(two),
+        (Outcomes{{QStringLiteral("plain"), QStringLiteral("built")}, {harbor, QStringLiteral("built")}}));
+    const auto after = m_scene->finished();
+    const QString meadow = QStringLiteral("meadow/meadow.apk");
+    QVERIFY(after.value(meadow) == before.value(meadow));
+    QVERIFY(after.value(QStringLiteral("harbor/harbor.apk"))
+            != before.value(QStringLiteral("harbor/harbor.apk")));
+}
+
+void tst_Build::unknownChannelIsNotBuilt()
+{
+    const Ended ended = m_scene->run("--only harbor --only harbour");
+    QCOMPARE(ended.code, 2);
+    QVERIFY2(ended.error.contains("--only: there is no channel 'harbour'"), ended.error.constData());
+    QVERIFY(!QFileInfo::exists(m_scene->path(QStringLiteral("output"))));
 }
 
 void tst_Build::alteredPackageIsBuiltAgain()

@@ -23,6 +23,7 @@ struct BuildCommands {
 
 const QString checkOption = QStringLiteral("check");
 const QString forceOption = QStringLiteral("force");
+const QString onlyOption = QStringLiteral("only");
 const QString jobsOption = QStringLiteral("jobs");
 const QString sliceOption = QStringLiteral("slice");
 const QString slicesOption = QStringLiteral("slices");
@@ -116,6 +117,15 @@ ExitCode install(const QCommandLineParser& parser, const QString& package, Conso
     return ExitUsage;
 }
 
+// The first of the folders that no channel has; empty when each is one's.
+QString unknownChannel(const QStringList& folders, const Job& job)
+{
+    QStringList unknown = folders;
+    for (const JobChannel& channel : job.channels)
+        unknown.removeAll(channel.folder);
+    return unknown.value(0);
+}
+
 // What speaks against installing a channel's package after the build; empty when nothing does.
 QString objectionToInstall(const QCommandLineParser& parser, const Job& job, const Slice& slice)
 {
@@ -150,8 +160,12 @@ ExitCode buildJob(const QCommandLineParser& parser, Console& console)
     if (!isNumber || wishes.processes < 1 || wishes.processes > mostProcesses)
         return failWords(console, BuildCommands::tr("--jobs takes a number from 1 to %1").arg(mostProcesses));
     wishes.force = parser.isSet(forceOption);
+    wishes.only = parser.values(onlyOption);
     if (!readJob(path, job, console))
         return ExitFailed;
+    const QString unknown = unknownChannel(wishes.only, job);
+    if (!unknown.isEmpty())
+        return failWords(console, BuildCommands::tr("--only: there is no channel '%1'").arg(unknown));
     if (parser.isSet(shareOption)) {
         int share = 0;
         int shares = 1;
@@ -188,6 +202,9 @@ QVector<Command> buildCommands()
         {{QStringLiteral("n"), checkOption},
          BuildCommands::tr("Reads and checks the job, prints what would be done, and does nothing.")},
         {forceOption, BuildCommands::tr("Builds the channels whose inputs have not changed, too.")},
+        {onlyOption,
+         BuildCommands::tr("Builds this channel, and others named likewise; the rest stay as they are."),
+         QStringLiteral("CHANNEL")},
         {{QStringLiteral("j"), jobsOption},
          BuildCommands::tr("How many processes build channels at once."),
          QStringLiteral("N"),

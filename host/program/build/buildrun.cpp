@@ -243,16 +243,16 @@ void BuildRun::tellIconsThatStay()
         m_console.warn(Run::tr("the base shows no icon, and the packages do not show one either"));
 }
 
-// Finds the channels of the slice, and which of them have to be built.
+// Finds the channels of the slice that are wanted, and which of them have to be built.
 void BuildRun::findWork(BuildRecords& records)
 {
     Console mute = muteConsole();
     BuildInputs inputs(m_job, m_baseDigest, mute);
     const QHash<QString, EarlierBuild> earlier = records.earlier(m_job.game);
     for (int i = 0; i < m_job.channels.size(); ++i) {
-        if (!m_wishes.slice.takes(i))
-            continue;
         const JobChannel& channel = m_job.channels.at(i);
+        if (!m_wishes.slice.takes(i) || (!m_wishes.only.isEmpty() && !m_wishes.only.contains(channel.folder)))
+            continue;
         const QString digest = inputs.digestOf(channel);
         m_inputs.insert(channel.folder, digest);
         ChannelOutcome outcome;

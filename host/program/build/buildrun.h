@@ -24,6 +24,7 @@ struct Progress;
 /** What the words of the command line ask of a run. */
 struct BuildWishes {
     Slice slice;
+    QStringList only; ///< folders of the channels to be built; empty for all of the slice
     bool force = false; ///< builds what has not changed, too
     int processes = 1;
 };
