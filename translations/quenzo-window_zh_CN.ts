@@ -2,6 +2,273 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN" sourcelanguage="en">
 <context>
+    <name>BuildMessages</name>
+    <message>
+        <source>Channel</source>
+        <translation>渠道</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>消息</translation>
+    </message>
+</context>
+<context>
+    <name>BuildModel</name>
+    <message>
+        <source>%1 %</source>
+        <translation>%1%</translation>
+    </message>
+    <message>
+        <source>Channel</source>
+        <translation>渠道</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>文件夹</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>进度</translation>
+    </message>
+    <message>
+        <source>Result</source>
+        <translation>结果</translation>
+    </message>
+    <message>
+        <source>waiting</source>
+        <translation>等待中</translation>
+    </message>
+    <message>
+        <source>failed: %1</source>
+        <translation>失败：%1</translation>
+    </message>
+</context>
+<context>
+    <name>BuildPage</name>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1：%2</translation>
+    </message>
+    <message>
+        <source>Build</source>
+        <translation>构建</translation>
+    </message>
+    <message>
+        <source>The packages of %1 are being built.</source>
+        <translation>正在构建 %1 的安装包。</translation>
+    </message>
+    <message>
+        <source>No job is open. Open one, or begin a new one, on the start page.</source>
+        <translation>没有打开任务。请在开始页打开一个任务或新建一个。</translation>
+    </message>
+    <message>
+        <source>&amp;All channels</source>
+        <translation>所有渠道(&amp;A)</translation>
+    </message>
+    <message>
+        <source>&amp;Unchanged ones, too</source>
+        <translation>包括无变化的(&amp;U)</translation>
+    </message>
+    <message>
+        <source>&amp;Build</source>
+        <translation>构建(&amp;B)</translation>
+    </message>
+    <message>
+        <source>S&amp;top</source>
+        <translation>停止(&amp;T)</translation>
+    </message>
+    <message>
+        <source>Progress of the build</source>
+        <translation>构建进度</translation>
+    </message>
+    <message>
+        <source>Time left</source>
+        <translation>剩余时间</translation>
+    </message>
+    <message>
+        <source>Outcome of the build</source>
+        <translation>构建结果</translation>
+    </message>
+    <message>
+        <source>Channels, messages, report</source>
+        <translation>渠道、消息、报告</translation>
+    </message>
+    <message>
+        <source>&amp;Channels</source>
+        <translation>渠道(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;Messages</source>
+        <translation>消息(&amp;M)</translation>
+    </message>
+    <message>
+        <source>&amp;Report</source>
+        <translation>报告(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Channels</source>
+        <translation>渠道</translation>
+    </message>
+    <message>
+        <source>&amp;Whole message of the channel:</source>
+        <translation>该渠道的完整消息(&amp;W)：</translation>
+    </message>
+    <message>
+        <source>Whole message of the channel</source>
+        <translation>该渠道的完整消息</translation>
+    </message>
+    <message>
+        <source>&amp;Only of the channel:</source>
+        <translation>仅显示渠道(&amp;O)：</translation>
+    </message>
+    <message>
+        <source>Only of the channel</source>
+        <translation>仅显示渠道</translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation>消息</translation>
+    </message>
+    <message>
+        <source>Report</source>
+        <translation>报告</translation>
+    </message>
+    <message>
+        <source>Open in the bro&amp;wser</source>
+        <translation>在浏览器中打开(&amp;W)</translation>
+    </message>
+    <message>
+        <source>The report of the last build. What is cut off shows in full under the pointer.</source>
+        <translation>上次构建的报告。被截断的内容会在指针处完整显示。</translation>
+    </message>
+    <message>
+        <source>Stopping behind the step at hand</source>
+        <translation>当前步骤结束后停止</translation>
+    </message>
+    <message>
+        <source>There is no report yet. Build the channels.</source>
+        <translation>还没有报告。请先构建渠道。</translation>
+    </message>
+    <message>
+        <source>Choose at least one channel.</source>
+        <translation>请至少选择一个渠道。</translation>
+    </message>
+    <message>
+        <source>Save the job before the build?</source>
+        <translation>构建前要保存任务吗？</translation>
+    </message>
+    <message>
+        <source>A build reads the job&apos;s file, which lacks your latest edits.</source>
+        <translation>构建读取任务文件，其中没有您最近的修改。</translation>
+    </message>
+    <message>
+        <source>&amp;Save and build</source>
+        <translation>保存并构建(&amp;S)</translation>
+    </message>
+    <message>
+        <source>beginning</source>
+        <translation>正在开始</translation>
+    </message>
+    <message>
+        <source>%1 of %2 channels</source>
+        <translation>%2 个渠道中的 %1 个</translation>
+    </message>
+    <message>
+        <source>, %1</source>
+        <translation>，%1</translation>
+    </message>
+    <message>
+        <source>Built: %1, unchanged: %2.</source>
+        <translation>已构建：%1，无变化：%2。</translation>
+    </message>
+    <message>
+        <source>Stopped. %1 The next build goes on with the rest.</source>
+        <translation>已停止。%1下次构建会继续其余渠道。</translation>
+    </message>
+    <message>
+        <source>Failed: %1. %2 Choose a failed channel to see why.</source>
+        <translation>失败：%1。%2选择失败的渠道可查看原因。</translation>
+    </message>
+    <message>
+        <source>The build did not come to its end. The messages tell why.</source>
+        <translation>构建没有完成。原因见消息。</translation>
+    </message>
+</context>
+<context>
+    <name>BuildProcess</name>
+    <message>
+        <source>The program %1 cannot be started. Install it beside the window, and build again.</source>
+        <translation>无法启动程序 %1。请把它安装在窗口程序旁边，然后重新构建。</translation>
+    </message>
+    <message>
+        <source>The build crashed. Build again: it goes on where it stood. %1</source>
+        <translation>构建崩溃。请重新构建：会从中断处继续。%1</translation>
+    </message>
+</context>
+<context>
+    <name>BuildWords</name>
+    <message>
+        <source>clearing</source>
+        <translation>正在清理</translation>
+    </message>
+    <message>
+        <source>taking icons</source>
+        <translation>正在取用图标</translation>
+    </message>
+    <message>
+        <source>writing the manifest</source>
+        <translation>正在写入清单</translation>
+    </message>
+    <message>
+        <source>packing</source>
+        <translation>正在打包</translation>
+    </message>
+    <message>
+        <source>encrypting</source>
+        <translation>正在加密</translation>
+    </message>
+    <message>
+        <source>signing</source>
+        <translation>正在签名</translation>
+    </message>
+    <message>
+        <source>checking</source>
+        <translation>正在检查</translation>
+    </message>
+    <message>
+        <source>exporting its record</source>
+        <translation>正在导出记录</translation>
+    </message>
+    <message>
+        <source>handing out</source>
+        <translation>正在输出</translation>
+    </message>
+    <message>
+        <source>built</source>
+        <translation>已构建</translation>
+    </message>
+    <message>
+        <source>unchanged</source>
+        <translation>无变化</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>not reached</source>
+        <translation>未进行</translation>
+    </message>
+    <message>
+        <source>about %1 s left</source>
+        <translation>约剩 %1 秒</translation>
+    </message>
+    <message>
+        <source>about %1 min left</source>
+        <translation>约剩 %1 分钟</translation>
+    </message>
+</context>
+<context>
     <name>DeviceList</name>
     <message>
         <source>not authorized</source>
@@ -788,6 +1055,37 @@ APK：%3</translation>
     <message>
         <source>&apos;%1&apos; was not written: %2</source>
         <translation>未能写入 &apos;%1&apos;：%2</translation>
+    </message>
+</context>
+<context>
+    <name>ReportModel</name>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
+        <source>Channel</source>
+        <translation>渠道</translation>
+    </message>
+    <message>
+        <source>Outcome</source>
+        <translation>结果</translation>
+    </message>
+    <message>
+        <source>Package</source>
+        <translation>包名</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>大小</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>时间</translation>
+    </message>
+    <message>
+        <source>Notes</source>
+        <translation>备注</translation>
     </message>
 </context>
 <context>

@@ -778,6 +778,10 @@
         <source>the base shows no icon, and the packages do not show one either</source>
         <translation>基础包没有图标，生成的包也没有图标</translation>
     </message>
+    <message>
+        <source>&apos;%1&apos; cannot be read: %2</source>
+        <translation>无法读取 &apos;%1&apos;：%2</translation>
+    </message>
 </context>
 <context>
     <name>BuildWorkers</name>

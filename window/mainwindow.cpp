@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "window/mainwindow.h"
 
+#include "window/build/buildpage.h"
 #include "window/devices/devicespage.h"
 #include "window/log/logpage.h"
 #include "window/page.h"
@@ -68,6 +69,7 @@ MainWindow::MainWindow()
     connect(m_list, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
     makeMenus();
     add(new StartPage(m_document, *m_files));
+    add(new BuildPage(m_document));
     add(new DevicesPage);
     add(new RecordsPage(m_document));
     add(new TreesPage);
