@@ -11,6 +11,7 @@ build=(g++ make cmake pkg-config qtbase5-dev qttools5-dev-tools libqt5sql5-sqlit
         pngcheck unzip zsh mandoc groff-base qt5-qmake meson python3-jsonschema fonts-dejavu-core fonts-wqy-microhei)
 checks=(clang clang-format clang-tidy clangd python3 abigail-tools reuse)
 package=(lintian dpkg-dev)
+window=(xvfb xauth)
 bench=(libbenchmark-dev python3-minimal python3-pil rsync strace sqlite3 imagemagick libvips-dev zip p7zip-full time
         default-jdk-headless libandroid-zipflinger-java)
 android=(apksigner zipalign apktool default-jre-headless)
@@ -46,8 +47,9 @@ for group in "$@"; do
         bench) packages+=("${bench[@]}") ;;
         android) packages+=("${android[@]}") ;;
         farm) packages+=("${farm[@]}") ;;
+        window) packages+=("${window[@]}") ;;
         package) packages+=("${package[@]}") ;;
-        *) die "unknown group '$group' (known: checks, bench, package, android, farm; python only by itself)" ;;
+        *) die "unknown group '$group' (known: checks, bench, package, window, android, farm; python only by itself)" ;;
     esac
 done
 

@@ -42,3 +42,5 @@ run quenzo package-name "$out/skyharbour-packed.apk"
 
 printf '\nThe results are in %s; %s shows the channels.\n' "$out" "$out/job/output/report.html"
 find "$out" "$out/job/output" -maxdepth 1 -mindepth 1 | LC_ALL=C sort
+printf 'The same job in a window: cmake --build --preset release --target quenzo-window && build/release/bin/quenzo-window %s\n' \
+    "$out/job/job.json"

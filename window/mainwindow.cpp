@@ -130,6 +130,12 @@ void MainWindow::show(Page* page)
     m_list->setCurrentRow(m_pages->indexOf(page));
 }
 
+// Whoever hands it over may wait until this returns, and there may be questions.
+void MainWindow::take(const QString& path)
+{
+    QMetaObject::invokeMethod(m_files, [this, path] { m_files->take(path); }, Qt::QueuedConnection);
+}
+
 void MainWindow::makeMenus()
 {
     for (const QString& code : Language::all()) {
@@ -188,9 +194,7 @@ void MainWindow::dropEvent(QDropEvent* event)
 {
     const QString path = event->mimeData()->urls().constFirst().toLocalFile();
     event->acceptProposedAction();
-    // Whoever drags waits until this returns, and there may be questions.
-    QMetaObject::invokeMethod(
-        m_files, [this, path] { m_files->take(path); }, Qt::QueuedConnection);
+    take(path);
 }
 
 void MainWindow::restore()

@@ -32,6 +32,9 @@ public:
     void show(Page* page);
     using QMainWindow::show;
 
+    /** A file that a person hands over: a job, or an APK for a new one. */
+    void take(const QString& path);
+
 protected:
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;

@@ -53,6 +53,14 @@ touch source/a
 [ -s .local/state/quenzo/quenzotool.log ] || { echo "there is no log"; find .local; exit 1; }
 JOB
 
+step "the window, without a screen"
+[[ $(dpkg-deb -f /packages/quenzo_*.deb Depends) == *libqt5widgets5* ]] || die "nothing brings what the window needs"
+[ -s /usr/share/applications/quenzo-window.desktop ] && [ -s /usr/share/icons/hicolor/scalable/apps/quenzo-window.svg ] ||
+    die "no menu will show the window"
+# It stays open until it is told to end.
+runuser -u person -- env HOME=/home/person QT_QPA_PLATFORM=offscreen timeout 5 quenzo-window >/tmp/step.log 2>&1 && code=0 || code=$?
+[ "$code" = 124 ] || { cat /tmp/step.log; die "the window ended with $code"; }
+
 step "the README's host: CMake, the compiler alone, qmake, Meson"
 get g++ make cmake pkg-config qt5-qmake meson
 quietly runuser -u person -- /checks/readme-host.sh /usr/share/doc/quenzo/README.md \
