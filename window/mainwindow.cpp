@@ -133,7 +133,8 @@ void MainWindow::show(Page* page)
 // Whoever hands it over may wait until this returns, and there may be questions.
 void MainWindow::take(const QString& path)
 {
-    QMetaObject::invokeMethod(m_files, [this, path] { m_files->take(path); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        m_files, [this, path] { m_files->take(path); }, Qt::QueuedConnection);
 }
 
 void MainWindow::makeMenus()
@@ -164,7 +165,8 @@ void MainWindow::setTexts()
     m_list->setAccessibleName(tr("Pages"));
     for (int i = 0; i < m_pages->count(); ++i)
         m_list->item(i)->setText(static_cast<Page*>(m_pages->widget(i))->title());
-    m_list->setFixedWidth(m_list->sizeHintForColumn(0) + m_list->fontMetrics().averageCharWidth() * 4);
+    m_list->setSpacing(m_list->fontMetrics().lineSpacing() / 4);
+    m_list->setFixedWidth(m_list->sizeHintForColumn(0) + m_list->fontMetrics().averageCharWidth() * 5);
 }
 
 void MainWindow::showTitle()

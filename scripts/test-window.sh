@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+#
+# Runs the tests of the window on a real platform, with a screen of its own; scripts/test.sh runs them without a screen.
+#   scripts/test-window.sh [PRESET]     release by default, as scripts/test.sh has built it
+set -euo pipefail
+cd "$(dirname "$0")/.."
+export LC_ALL=C.UTF-8
+
+preset=${1:-release}
+scripts/dependencies.sh window
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset" -j"$(nproc)" >/dev/null
+failed=0
+for test in "build/$preset"/tests/window/*/bin/tst_*; do
+    QT_QPA_PLATFORM=xcb xvfb-run -a -s '-screen 0 2400x1600x24' timeout 300 "$test" -silent >build/test-window.log 2>&1 && continue
+    cat build/test-window.log
+    failed=1
+done
+[ "$failed" = 0 ] && echo 'test-window: all passed'
