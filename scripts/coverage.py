@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 """Runs the test programs of a coverage build one by one, and prints what of the library they reach.
 
-Called by coverage.sh, which says how. A branch counts unless it is an edge of a call that may throw, or lies behind
-such an edge alone: nothing of the library throws, and the system's exceptions are caught where they arise.
+Called by coverage.sh, which says how. A branch counts unless it is an edge of a call that may throw; only the
+sources that catch exceptions are compiled with them.
 """
 import collections
 import json

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void sameObjectRunsAgain();
     void picturesAreReadAnewInEachRun();
     void iconInAChannelFolderIsReplacedForTheNext();
+    void iconThatTakesItsTimeIsAwaited();
     void brokenIconGivesFoldersWithoutFiles();
     void missingOrBrokenMarkLeavesTheIconUnmarked();
     void pipeIsNoPicture();
@@ -366,6 +367,19 @@ void tst_ThreadGenerateIcon::iconInAChannelFolderIsReplacedForTheNext()
     const QImage red = marked(icon, job.markPicture("red", 0), 0, 0);
     QVERIFY(job.produced("before") == icon);
     QVERIFY(job.produced("base") == red);
+    QVERIFY(job.produced("after") == marked(red, job.markPicture("blue", 3), 100, -100));
+}
+
+// So large that its own replacement is still at work when all other files of the channel are done.
+void tst_ThreadGenerateIcon::iconThatTakesItsTimeIsAwaited()
+{
+    Job job;
+    const QImage icon = photograph(1600, 1600);
+    job.icon = job.out(QStringLiteral("base/icon512x512.png"));
+    job.writePicture(job.icon, icon);
+    job.thread.setClearDirFirst(false);
+    job.run({channel("red", "base"), channel("blue", "after", 3, 100, -100)});
+    const QImage red = marked(icon, job.markPicture("red", 0), 0, 0);
     QVERIFY(job.produced("after") == marked(red, job.markPicture("blue", 3), 100, -100));
 }
 

@@ -40,6 +40,7 @@ private Q_SLOTS:
     void raisingFunctionDoesNotChangeTheNextCall();
     void exceptionWhoseTextRaisesIsNamedByType();
     void pendingExceptionOfTheCallerIsDropped();
+    void pendingExceptionFailsNoStatement();
     void exceptionIsClearedUnderTheCallersLock();
     void emptyScriptPathFails();
 
@@ -264,6 +265,24 @@ void tst_PythonFailures::pendingExceptionOfTheCallerIsDropped()
     PyErr_SetString(PyExc_SystemExit, "of the caller");
     QCOMPARE(bridge.getResultAsInt(), 14);
     QVERIFY(PyErr_Occurred() == nullptr);
+}
+
+// Nor one that is compiled anew, which becomes of all of them after so many folders.
+void tst_PythonFailures::pendingExceptionFailsNoStatement()
+{
+    const PyThreadStateLock lock;
+    for (int i = 0; i < 200; ++i) {
+        const QString script = writeScript("def f(): return 14\n", QStringLiteral("Script/pending%1").arg(i));
+        // Each call puts the interpreter's own hook back.
+        pythonValue(QStringLiteral("setattr(__import__('sys'), 'excepthook', lambda *all: "
+                                   "setattr(__import__('__builtin__'), 'failed', all))"));
+        PyErr_SetString(PyExc_ValueError, "of the caller");
+        PythonForQt bridge;
+        bridge.callScript(script, QStringLiteral("f"), {}, true);
+        QCOMPARE(bridge.getResultAsInt(), 14);
+    }
+    QCOMPARE(pythonValue(QStringLiteral("getattr(__import__('__builtin__'), 'failed', None)")),
+             QStringLiteral("None"));
 }
 
 void tst_PythonFailures::exceptionIsClearedUnderTheCallersLock()
