@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # Fuzzes the readers of what strangers hand over, and prints a table.
-#   scripts/fuzz.sh SECONDS [TARGET...]     the targets, all by default, share the seconds
+#   scripts/fuzz.sh SECONDS [TARGET...]     the targets, all by default, share the seconds; SEED chooses their random numbers
 # TARGET is a tests/fuzz/fuzz_TARGET.cpp, or one of tests/fuzz/scripts.py. Each begins with its corpus, tests/fuzz/corpus/TARGET,
 # and with what earlier runs have found, build/fuzz/found/TARGET. An input that breaks a promise is kept in
 # build/fuzz/findings, named at the end, and the script fails; copied to the corpus, it is a test.
@@ -41,7 +41,7 @@ fuzz() {
         python2.7 -B tests/fuzz/scripts.py "$1" "$share" "$build"
         return
     fi
-    local options=(-max_total_time="$share" -timeout=60 -print_funcs=0 -detect_leaks=0 -artifact_prefix="$build/findings/$1-")
+    local options=(-seed="${SEED:-0}" -max_total_time="$share" -timeout=60 -print_funcs=0 -detect_leaks=0 -artifact_prefix="$build/findings/$1-")
     [ ! -f "tests/fuzz/$1.dict" ] || options+=(-dict="tests/fuzz/$1.dict")
     "$build/tests/fuzz/$1/bin/tst_fuzz_$1" "${options[@]}" "$found" "$corpus"
 }

@@ -173,7 +173,7 @@ def fuzz(name, seconds, folder):
     target, words = TARGETS[name]
     found = os.path.join(folder, "found", name)
     waiting = inputs(os.path.join(HERE, "corpus", name), found) or [""]
-    dice, corpus, features, count = random.Random(), [], set(), 0
+    dice, corpus, features, count = random.Random(os.environ.get("SEED")), [], set(), 0
     end = time.time() + seconds
     while waiting or time.time() < end:
         data = waiting.pop() if waiting else mutated(dice, corpus, words)

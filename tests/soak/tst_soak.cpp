@@ -137,8 +137,7 @@ void tst_Soak::everythingAtOnceIsRightAndStaysFlat()
     print("after:", after);
     QCOMPARE(after.files, before.files);
     QCOMPARE(after.threads, before.threads);
-    if (!SANITIZED) // freed memory is kept aside then
-        QVERIFY2(after.bytes - before.bytes < (8 << 20), "memory has grown by more than 8 MiB");
+    QVERIFY2(after.bytes - before.bytes < (8 << 20), "memory has grown by more than 8 MiB");
     QCOMPARE(warnings.load(), 0);
     for (const auto& work : m_works)
         QVERIFY2(work->pieces() > 1, qUtf8Printable(work->name()));
