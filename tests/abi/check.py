@@ -13,8 +13,8 @@ import re
 import subprocess
 import sys
 
-# What some linkers leave in the table of every library.
-LINKERS = ("__bss_start", "_edata", "_end")
+# What some linkers leave in the table of every library, and the address sanitizer beside every variable.
+TOOLS = re.compile(r"(__bss_start|_edata|_end|__odr_asan\..*)$")
 
 
 def output(*words):
@@ -50,7 +50,7 @@ def exported(library, own):
         if owner in own:
             if member.group(3) not in own[owner]:
                 listed.append("%s %s" % (name, meaning))
-        elif kinds[name] in "TDBR" and name not in LINKERS:
+        elif kinds[name] in "TDBR" and not TOOLS.match(name):
             strange.append(meaning)
     return listed, strange
 
