@@ -247,7 +247,7 @@ def attempt(copy, change, reached):
         for entry in entries:
             copy.link(entry)
         for name in names:
-            failure = copy.run(name, max(15, 3 * reached[name]["seconds"]))
+            failure = copy.run(name, max(60, 3 * reached[name]["seconds"]))
             if failure:
                 return "noticed", "%s: %s" % (name, failure)
         return "unnoticed", ", ".join(names)
