@@ -7,6 +7,7 @@
 #include "build/packagefacts.h"
 
 #include <functional>
+#include <future>
 
 class ApkEditor;
 class Console;
@@ -63,6 +64,7 @@ private:
     const JobChannel* m_channel = nullptr; ///< the one at work
     ChannelOutcome m_outcome;
     QVector<ApkChange> m_changes; ///< of its package
+    std::future<void> m_flush; ///< of the last package
 };
 
 /** Whether a channel's manifest is not the base's; its SDKs are imported. */

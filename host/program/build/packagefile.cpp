@@ -21,7 +21,6 @@ struct PackageFileTexts {
 };
 
 constexpr qint64 bufferSize = 1 << 18;
-constexpr qint64 flushStep = 16 << 20;
 constexpr qint64 smallCopy = 1 << 16; // costs less through the buffer than two calls
 constexpr qint64 page = 4096;
 constexpr mode_t modeOfNewFiles = 0666;
@@ -133,7 +132,7 @@ bool PackageFile::copyInKernel(qint64& length)
     while (length > 0) {
         off64_t place = m_place;
         const ssize_t done = copy_file_range(m_source->handle(), &place, m_handle, nullptr,
-                                             static_cast<std::size_t>(qMin(length, flushStep)), 0);
+                                             static_cast<std::size_t>(length), 0);
         if (done <= 0) {
             // What the disk says is said; whatever else there is may be an answer of this call alone.
             return done < 0 && (errno == ENOSPC || errno == EDQUOT || errno == EFBIG || errno == EIO)
@@ -142,7 +141,6 @@ bool PackageFile::copyInKernel(qint64& length)
         m_place += done;
         m_written += done;
         length -= done;
-        startFlush();
     }
     return true;
 }
@@ -180,16 +178,6 @@ void PackageFile::writeBuffer()
     }
     m_written += done;
     m_buffer.resize(0);
-    startFlush();
-}
-
-// The disk begins to write while the rest is still copied: in the end there is little left to wait for.
-void PackageFile::startFlush()
-{
-    if (m_written - m_startedFlush < flushStep)
-        return;
-    sync_file_range(m_handle, m_startedFlush, m_written - m_startedFlush, SYNC_FILE_RANGE_WRITE);
-    m_startedFlush = m_written;
 }
 
 bool PackageFile::finish()

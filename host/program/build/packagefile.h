@@ -48,7 +48,6 @@ private:
     bool copyInKernel(qint64& length);
     void copyThroughBuffer(qint64 length);
     void writeBuffer();
-    void startFlush();
     bool takeRights();
     bool name();
     bool fail(int number);
@@ -60,7 +59,6 @@ private:
     int m_handle = -1;
     bool m_isNamed = false; // has the scratch name
     qint64 m_written = 0;
-    qint64 m_startedFlush = 0;
     QByteArray m_buffer; // what comes next
     const ArchiveFile* m_source = nullptr; // and behind that so much of this file, from a place on
     qint64 m_place = 0;
