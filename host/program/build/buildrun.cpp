@@ -413,17 +413,17 @@ bool BuildRun::flushOutput()
 ExitCode BuildRun::report(BuildRecords& records)
 {
     enter(Run::tr("writing the report"));
-    drawSheets(m_job, m_outcome, m_places.reports, m_console);
     bool good = flushOutput();
     if (good)
-        records.end(m_outcome);
-    if (!records.flush()) {
-        m_console.error(records.error());
-        good = false;
-    }
+        records.end(m_outcome); // which is written up to a second later, while the report is
+    drawSheets(m_job, m_outcome, m_places.reports, m_console);
     const QString fault = BuildReport::write(m_outcome, m_places.reports);
     if (!fault.isEmpty()) {
         m_console.error(fault);
+        good = false;
+    }
+    if (!records.flush()) {
+        m_console.error(records.error());
         good = false;
     }
     good &= tellBuild(m_outcome, m_console);
