@@ -108,6 +108,8 @@ private Q_SLOTS:
     void textsOfOthersAreOnlyTexts();
     void pageRefersToNothingElse();
     void picturesAreInThePage();
+    void iconsAreReadFromTheSmallestSharpFile_data();
+    void iconsAreReadFromTheSmallestSharpFile();
     void whatIsNoPictureIsLeftOut_data();
     void whatIsNoPictureIsLeftOut();
     void everyPictureIsDescribed();
@@ -313,6 +315,45 @@ void tst_BuildReport::picturesAreInThePage()
         sizes.append(QImage::fromData(QByteArray::fromBase64(source.mid(start.size()).toLatin1())).size());
     }
     QCOMPARE(sizes, (QVector<QSize>{{96, 96}, {36, 36}, {96, 48}, {960, 480}}));
+}
+
+void tst_BuildReport::iconsAreReadFromTheSmallestSharpFile_data()
+{
+    QTest::addColumn<QString>("icon");
+    QTest::addColumn<QStringList>("others");
+    QTest::addColumn<int>("shown"); // the width of the file that is read
+    const QString android = QStringLiteral("android-icon.png");
+    const QString ios = QStringLiteral("icon512x512.png");
+    const auto row = [](const char* title, const QString& icon, const char* others, int shown) {
+        QTest::newRow(title) << icon << QString::fromLatin1(others).split(QLatin1Char(' ')) << shown;
+    };
+    row("Android's least that is large enough", android,
+        "android/200.png android/res/180.png android/res/96.png", 180);
+    row("Android's are all too small", android, "android/143.png android/res/96.png", 512);
+    row("iOS's", ios, "Icon-144.png Icon-152.png", 144);
+    row("iOS's is not there", ios, "Icon-100.png android/192.png", 512);
+    row("an icon of no set", QStringLiteral("icon.png"), "Icon-144.png android/192.png", 512);
+}
+
+void tst_BuildReport::iconsAreReadFromTheSmallestSharpFile()
+{
+    QFETCH(const QString, icon);
+    QFETCH(const QStringList, others);
+    QFETCH(const int, shown);
+    constexpr int whole = 512;
+    constexpr int height = 36; // by which they are told apart, whatever their widths become
+    BuildOutcome build = ReportScene::run();
+    build.channels[0].icons = QStringList(picture(icon.toLatin1(), {whole, height}));
+    QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("android/res")));
+    for (const QString& other : others) {
+        const int width = QString(other).remove(QRegularExpression(QStringLiteral("\\D"))).toInt();
+        picture(other.toLatin1(), {width, height});
+    }
+    const QStringList sources = contentOf(BuildReport::toHtml(build)).valuesOf(QStringLiteral("src"));
+    QCOMPARE(sources.size(), 1);
+    const QByteArray content =
+        QByteArray::fromBase64(sources.first().section(QLatin1Char(','), 1).toLatin1());
+    QCOMPARE(QImage::fromData(content).size(), QSize(shown, height).scaled(96, 96, Qt::KeepAspectRatio));
 }
 
 void tst_BuildReport::whatIsNoPictureIsLeftOut_data()

@@ -193,6 +193,10 @@ void channelRows()
         R"(/channels/0/folder: is "sdks", a name that the run needs itself)");
     row("folder of the run in capitals", ByReader, channel(R"({"folder": "Records.DB"})"),
         R"(/channels/0/folder: is "Records.DB", a name that the run needs itself)");
+    row("folder with a sheet's name", ByBoth, channel(R"({"folder": "sheet-ios.png"})"),
+        R"(/channels/0/folder: is "sheet-ios.png", a name that the run needs itself)");
+    row("folder with a further sheet's name", ByBoth, channel(R"({"folder": "sheet-android-12.png"})"),
+        R"(/channels/0/folder: is "sheet-android-12.png", a name that the run needs itself)");
     row("hidden folder", ByBoth, channel(R"({"folder": ".a"})"),
         R"(/channels/0/folder: is ".a", a name that the run needs itself)");
     row("folders alike", ByReader,

@@ -12,9 +12,8 @@ struct Reports {
     Q_DECLARE_TR_FUNCTIONS(Reports)
 };
 
-QString writeWhole(const QString& path, const QByteArray& content)
+QString told(const QString& path, const QString& fault)
 {
-    const QString fault = saveWhole(path, content);
     return fault.isEmpty() ? QString() : Reports::tr("the report %1 cannot be written: %2").arg(path, fault);
 }
 
@@ -22,7 +21,12 @@ QString writeWhole(const QString& path, const QByteArray& content)
 
 QString BuildReport::write(const BuildOutcome& build, const QString& folder)
 {
-    const QString fault = writeWhole(folder + QStringLiteral("/report.json"),
-                                     QJsonDocument(toJson(build)).toJson(QJsonDocument::Indented));
-    return fault.isEmpty() ? writeWhole(folder + QStringLiteral("/report.html"), toHtml(build)) : fault;
+    const QString json = folder + QStringLiteral("/report.json");
+    const QString fault = saveWhole(json, QJsonDocument(toJson(build)).toJson(QJsonDocument::Indented));
+    if (!fault.isEmpty())
+        return told(json, fault);
+    const QString html = folder + QStringLiteral("/report.html");
+    WholeSave page(html);
+    putHtml(build, [&page](const QString& part) { page.write(part.toUtf8()); });
+    return told(html, page.finish());
 }

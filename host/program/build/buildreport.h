@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 /** The report of a run, in the three forms that people and machines read. */
 namespace BuildReport {
 
@@ -30,7 +32,11 @@ bool fromJson(const QJsonObject& object, BuildOutcome& build);
  */
 bool collect(const QStringList& reportFiles, BuildOutcome& build, QString& fault);
 
+/** Takes a page's parts, one after the other. */
+using Sink = std::function<void(const QString& part)>;
+
 /** One page without anything from elsewhere: pictures are in it. */
+void putHtml(const BuildOutcome& build, const Sink& put);
 QByteArray toHtml(const BuildOutcome& build);
 
 /** A table for a terminal of so many columns: channel, outcome, package, size, time. */

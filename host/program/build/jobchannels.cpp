@@ -113,15 +113,12 @@ QString JobChannels::folded(const QString& name)
 
 bool JobChannels::isReserved(const QString& folder)
 {
-    const QStringList names{QStringLiteral("sdks"),
-                            QStringLiteral("icons"),
-                            QStringLiteral("slices"),
-                            QStringLiteral("records.db"),
-                            QStringLiteral("report.json"),
-                            QStringLiteral("report.html"),
-                            QStringLiteral("sheet-android.png"),
-                            QStringLiteral("sheet-ios.png")};
-    return folder.startsWith(QLatin1Char('.')) || names.contains(folded(folder));
+    const QStringList names{QStringLiteral("sdks"),        QStringLiteral("icons"),
+                            QStringLiteral("slices"),      QStringLiteral("records.db"),
+                            QStringLiteral("report.json"), QStringLiteral("report.html")};
+    static const QRegularExpression sheet(QStringLiteral("^sheet-(android|ios)(-[0-9]+)?\\.png$"));
+    const QString name = folded(folder);
+    return name.startsWith(QLatin1Char('.')) || names.contains(name) || sheet.match(name).hasMatch();
 }
 
 void JobChannels::read(const JobObject& root)

@@ -104,20 +104,22 @@ QString timeByStep(const ReportSums& sums)
         .arg(text(Page::tr("Time of all channels, by step")), ReportMarkup::bar(sums.steps), entries);
 }
 
-QString groupOf(const BuildOutcome& build, const ReportSums& sums, ChannelOutcome::Outcome outcome)
+// Card by card: those of a large job would fill the memory.
+void putGroup(const BuildOutcome& build, const ReportSums& sums, ChannelOutcome::Outcome outcome,
+              const BuildReport::Sink& put)
 {
     if (sums.of(outcome) == 0)
-        return {};
-    QString cards;
+        return;
+    const QString id = QStringLiteral("group-%1").arg(int(outcome));
+    put(QStringLiteral(
+            "<section aria-labelledby=\"%1\">\n<h2 id=\"%1\">%2 <span class=\"count\">%3</span></h2>\n"
+            "<ul class=\"channels\">\n")
+            .arg(id, text(ReportText::outcomeName(outcome)), QLocale().toString(sums.of(outcome))));
     for (const ChannelOutcome& channel : build.channels) {
         if (channel.outcome == outcome)
-            cards += ReportMarkup::card(channel);
+            put(ReportMarkup::card(channel));
     }
-    const QString id = QStringLiteral("group-%1").arg(int(outcome));
-    return QStringLiteral(
-               "<section aria-labelledby=\"%1\">\n<h2 id=\"%1\">%2 <span class=\"count\">%3</span></h2>\n"
-               "<ul class=\"channels\">\n%4</ul>\n</section>\n")
-        .arg(id, text(ReportText::outcomeName(outcome)), QLocale().toString(sums.of(outcome)), cards);
+    put(QStringLiteral("</ul>\n</section>\n"));
 }
 
 // Those of one run; where many slices were collected, the cards show all icons already.
@@ -146,15 +148,23 @@ QString sheets(const BuildOutcome& build)
 
 } // namespace
 
-QByteArray BuildReport::toHtml(const BuildOutcome& build)
+void BuildReport::putHtml(const BuildOutcome& build, const Sink& put)
 {
     const ReportSums sums(build);
-    QString page = head(QStringLiteral("%1: %2").arg(build.game, ReportText::verdict(build, sums)));
-    page += summary(build, sums);
-    page += groupOf(build, sums, ChannelOutcome::Failed) + groupOf(build, sums, ChannelOutcome::NotReached);
-    page += timeByStep(sums);
-    page += groupOf(build, sums, ChannelOutcome::Built) + groupOf(build, sums, ChannelOutcome::Unchanged);
-    page += sheets(build);
-    page += QStringLiteral("</main>\n</body>\n</html>\n");
-    return page.toUtf8();
+    put(head(QStringLiteral("%1: %2").arg(build.game, ReportText::verdict(build, sums))));
+    put(summary(build, sums));
+    putGroup(build, sums, ChannelOutcome::Failed, put);
+    putGroup(build, sums, ChannelOutcome::NotReached, put);
+    put(timeByStep(sums));
+    putGroup(build, sums, ChannelOutcome::Built, put);
+    putGroup(build, sums, ChannelOutcome::Unchanged, put);
+    put(sheets(build));
+    put(QStringLiteral("</main>\n</body>\n</html>\n"));
+}
+
+QByteArray BuildReport::toHtml(const BuildOutcome& build)
+{
+    QByteArray page;
+    putHtml(build, [&page](const QString& part) { page += part.toUtf8(); });
+    return page;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "build/reportpicture.h"
 
+#include "build/smallicon.h"
+
 #include <QBuffer>
 #include <QFileInfo>
 #include <QImage>
@@ -57,7 +59,7 @@ ReportPicture ReportPicture::icon(const QString& path)
     constexpr int side = 96; // sharp at 48 units of a dense screen
     constexpr int smallSide = 64; // for what hardly compresses
     constexpr int mostBytes = 16384;
-    const QImage image = read(path);
+    const QImage image = read(smallIconOf(path));
     const ReportPicture picture = fitting(image, {side, side});
     return picture.uri.size() <= mostBytes ? picture : fitting(image, {smallSide, smallSide});
 }
