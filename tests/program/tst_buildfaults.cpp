@@ -27,6 +27,7 @@ private Q_SLOTS:
     void ownFilesThatAreNoneAreRefused_data();
     void ownFilesThatAreNoneAreRefused();
     void classesOfSeveralSdksGetTheNextNumbers();
+    void iconThatCannotBeDrawnFailsItsChannelAlone();
     void limitOfFilesIsToldAndLeavesNoPart_data();
     void limitOfFilesIsToldAndLeavesNoPart();
     void fullDiskIsToldAndLeavesNoPart_data();
@@ -212,6 +213,23 @@ void tst_BuildFaults::classesOfSeveralSdksGetTheNextNumbers()
     QCOMPARE(m_scene->entry(plain, QStringLiteral("classes.dex")), QByteArray("dex one"));
     QCOMPARE(m_scene->entry(plain, QStringLiteral("classes2.dex")), QByteArray("dex one, second"));
     QCOMPARE(m_scene->entry(plain, QStringLiteral("classes3.dex")), QByteArray("dex two"));
+}
+
+void tst_BuildFaults::iconThatCannotBeDrawnFailsItsChannelAlone()
+{
+    QJsonObject channel = m_scene->channel(1);
+    const QString folder(248, QLatin1Char('n')); // leaves no room in a name for what the icon's file adds
+    channel.insert(QStringLiteral("folder"), folder);
+    m_scene->setChannel(1, channel);
+    const Ended ended = m_scene->run("--json");
+    QVERIFY2(ended.code == 1, QByteArray(ended.error + ended.output).constData());
+    QCOMPARE(BuildScene::outcomes(ended),
+             (Outcomes{{QStringLiteral("plain"), QStringLiteral("built")},
+                       {folder, QStringLiteral("failed")},
+                       {QStringLiteral("meadow"), QStringLiteral("built")}}));
+    const QString message = BuildScene::reportOf(ended, folder).value(QStringLiteral("message")).toString();
+    QVERIFY2(message.startsWith(QStringLiteral("the icon '%1").arg(m_scene->path(QStringLiteral("work")))),
+             qPrintable(message));
 }
 
 void tst_BuildFaults::limitOfFilesIsToldAndLeavesNoPart_data()

@@ -13,6 +13,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QSet>
 
 #include <algorithm>
 
@@ -132,14 +133,30 @@ bool BuildPreparation::makeIconsFor(int platform, const QVector<JobChannel>& cha
         fault = sentenceOf(console.failure());
         return false;
     }
-    causes = Diagnostics::takeAll() + causes;
-    const QStringList missing = tally.missing();
-    if (!missing.isEmpty()) {
-        const QStringList own = causes.filter(missing.first());
-        fault = Preparation::tr("the icon '%1' was not written: %2")
-                    .arg(missing.first(), own.isEmpty() ? causes.value(0) : own.first());
+    findMissing(icons, tally.missing(), Diagnostics::takeAll() + causes);
+    return true;
+}
+
+// A channel that lacks one of its files cannot be built, and the others can.
+void BuildPreparation::findMissing(const IconJob& icons, const QStringList& missing,
+                                   const QStringList& causes)
+{
+    const QSet<QString> lacking(missing.cbegin(), missing.cend());
+    if (lacking.isEmpty())
+        return;
+    for (const ListedChannel& channel : icons.channels) {
+        IconJob alone = icons;
+        alone.channels = {channel};
+        for (const QString& path : alone.files()) {
+            if (!lacking.contains(path))
+                continue;
+            const QStringList own = causes.filter(path);
+            m_iconFaults.insert(channel.icon.strChannelDir,
+                                Preparation::tr("the icon '%1' was not written: %2")
+                                    .arg(path, own.isEmpty() ? causes.value(0) : own.first()));
+            break;
+        }
     }
-    return fault.isEmpty();
 }
 
 QString BuildPreparation::faultOf(const JobChannel& channel) const
@@ -148,5 +165,5 @@ QString BuildPreparation::faultOf(const JobChannel& channel) const
         if (m_faults.contains(sdk))
             return m_faults.value(sdk);
     }
-    return {};
+    return m_iconFaults.value(channel.folder);
 }
