@@ -2879,6 +2879,14 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>en</source>
         <translation>zh-CN</translation>
     </message>
+    <message>
+        <source>clearing</source>
+        <translation>清理</translation>
+    </message>
+    <message>
+        <source>manifest</source>
+        <translation>清单</translation>
+    </message>
 </context>
 <context>
     <name>Reports</name>

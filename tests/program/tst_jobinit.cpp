@@ -5,6 +5,9 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -42,6 +45,7 @@ private Q_SLOTS:
     void writesAJobThatIsSound();
     void commentsAreInTheLanguageOfThePerson();
     void sampleArrivesByteForByte();
+    void sampleHasARecordForEachStore();
     void ownFilesAreNamedWhereTheyAre();
     void marksThatMakeNoChannelAreLeftOut();
     void filledFolderIsRefused_data();
@@ -49,6 +53,8 @@ private Q_SLOTS:
     void wrongFilesAreNamedTogether();
     void failureLeavesNothing_data();
     void failureLeavesNothing();
+    void nextInitTakesAwayWhatAKilledOneHasLeft_data();
+    void nextInitTakesAwayWhatAKilledOneHasLeft();
 
 private:
     QString path(const QString& relative) const { return m_folder->filePath(relative); }
@@ -138,6 +144,32 @@ void tst_JobInit::sampleArrivesByteForByte()
                  contentOf(QStringLiteral(SAMPLE "/") + QLatin1String(name)));
     QCOMPARE(contentOf(path(QStringLiteral("new/icon.png"))),
              contentOf(QStringLiteral(SAMPLE "/icons/icon.png")));
+}
+
+// Under its name, and the job's channels are those of the sample's icons.
+void tst_JobInit::sampleHasARecordForEachStore()
+{
+    QMap<int, QString> records;
+    for (const QJsonValue& record : QJsonDocument::fromJson(contentOf(QStringLiteral(RECORDS)))
+                                        .object()
+                                        .value(QStringLiteral("channels"))
+                                        .toArray())
+        records.insert(record.toObject().value(QStringLiteral("id")).toInt(),
+                       record.toObject().value(QStringLiteral("name")).toString());
+    const QJsonArray icons =
+        QJsonDocument::fromJson(contentOf(QStringLiteral(SAMPLE "/icons/channels.json"))).array();
+    QJsonArray channels = QJsonDocument::fromJson(contentOf(QStringLiteral(SAMPLE "/channels.json"))).array();
+    for (int i = 0; i < channels.size(); ++i) {
+        QJsonObject channel = channels.at(i).toObject();
+        const QJsonValue number = channel.take(QStringLiteral("number"));
+        if (channel.contains(QStringLiteral("mark")))
+            QCOMPARE(records.take(number.toInt()), channel.value(QStringLiteral("name")).toString());
+        else
+            QVERIFY(number.isUndefined());
+        channels.replace(i, channel);
+    }
+    QCOMPARE(channels, icons);
+    QVERIFY(records.isEmpty());
 }
 
 void tst_JobInit::ownFilesAreNamedWhereTheyAre()
@@ -242,6 +274,39 @@ void tst_JobInit::failureLeavesNothing()
     QCOMPARE(ended.code, 1);
     QVERIFY2(ended.error.contains("icon.png cannot be written: "), ended.error.constData());
     QCOMPARE(everythingIn(m_folder->path()), before);
+}
+
+void tst_JobInit::nextInitTakesAwayWhatAKilledOneHasLeft_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("missing folder") << QStringLiteral("new");
+    QTest::newRow("empty folder") << QStringLiteral("empty");
+}
+
+void tst_JobInit::nextInitTakesAwayWhatAKilledOneHasLeft()
+{
+    QFETCH(const QString, folder);
+    QVERIFY(QDir().mkdir(path(QStringLiteral("empty"))));
+    QuenzoProcess program({QStringLiteral("init"), folder}, m_folder->path());
+    const QTemporaryDir moment;
+    program.setVariable("LD_PRELOAD", QStringLiteral(MOMENT));
+    // The address sanitizer would refuse to come second.
+    program.setVariable("ASAN_OPTIONS",
+                        qEnvironmentVariable("ASAN_OPTIONS") + QStringLiteral(":verify_asan_link_order=0"));
+    program.setVariable("QUENZO_MOMENT", QStringLiteral("\"game\": \"Sky Harbour\""));
+    program.setVariable("QUENZO_MOMENT_FOLDER", moment.path());
+    program.start();
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(moment.filePath(QStringLiteral("reached"))), 30000);
+    program.kill();
+    QVERIFY(program.waitForFinished());
+    const auto left = [this] {
+        return everythingIn(m_folder->path()).filter(QStringLiteral(".quenzo-init-"));
+    };
+    QVERIFY(!left().isEmpty());
+    const Ended ended = run({folder});
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QCOMPARE(left(), QStringList());
+    jobOf(folder + QStringLiteral("/job.json"));
 }
 
 QTEST_GUILESS_MAIN(tst_JobInit)

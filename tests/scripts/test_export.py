@@ -65,14 +65,14 @@ class ShippedRecords(Exporting):
     def test_lettersAreWrittenAsTheyAre(self):
         files = self.exported(103)
         for name in ("channel_103.json", "channel_103.txt"):
-            self.assertIn(u"云帆商店".encode("utf-8"), files[name])
+            self.assertIn(u"空港游戏工作室".encode("utf-8"), files[name])
             self.assertNotIn("\\u", files[name])
 
     def test_sheetHasOneLineAKeyWithValuesInOneColumn(self):
-        self.assertEqual(u"Harbour & Sons \"Deluxe\"\n\n"
+        self.assertEqual(u"Quartz Arcade\n\n"
                          u"id:              104\n"
-                         u"developer:       Quenzo Harbour Games\n"
-                         u"package:         com.quenzo.skyharbour.deluxe\n"
+                         u"developer:       Harbour & Sons \"Deluxe\"\n"
+                         u"package:         com.quenzo.skyharbour\n"
                          u"contact:         sons@skyharbour.example\n"
                          u"application:     5\n"
                          u"categories:\n"

@@ -9,6 +9,7 @@
 #include "wholesave.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -82,8 +83,11 @@ QString channelsOf(const JobTemplate::OwnFiles& own)
     const QString between = QStringLiteral(",\n    ");
     if (!own.marks.isEmpty())
         return ownChannels(own.marks).join(between);
-    // The sample's list as it is written, without its brackets.
-    const QString list = QString::fromUtf8(contentOf(sample + QStringLiteral("channels.json"))).trimmed();
+    // The sample's list as it is written, without its brackets. Its developer records are of the sample's
+    // game.
+    const QString name =
+        own.base.isEmpty() ? QStringLiteral("channels.json") : QStringLiteral("icons/channels.json");
+    const QString list = QString::fromUtf8(contentOf(sample + name)).trimmed();
     return list.mid(1, list.size() - 2).trimmed();
 }
 
@@ -205,10 +209,27 @@ QString moveInto(const QString& from, const QString& folder)
     return {};
 }
 
+// How the folders are called in which what belongs into a folder is made.
+QString makingPrefix(const QString& folder)
+{
+    constexpr int length = 12;
+    const QByteArray name = QCryptographicHash::hash(QFile::encodeName(folder), QCryptographicHash::Sha1);
+    return QStringLiteral(".quenzo-init-") + QString::fromLatin1(name.toHex().left(length))
+        + QLatin1Char('-');
+}
+
+// What an init of this folder has left that was killed.
+QStringList leftIn(const QString& near, const QString& folder)
+{
+    return QDir(near).entryList({makingPrefix(folder) + QLatin1Char('*')}, everything);
+}
+
 // Makes everything beside its place, or in it where that is there already, and puts it there.
 QString place(const QString& near, const QString& folder, const JobTemplate::OwnFiles& own)
 {
-    QTemporaryDir making(near + QStringLiteral("/.quenzo-init-XXXXXX"));
+    for (const QString& left : leftIn(near, folder))
+        QDir(near + QLatin1Char('/') + left).removeRecursively();
+    QTemporaryDir making(near + QLatin1Char('/') + makingPrefix(folder) + QStringLiteral("XXXXXX"));
     if (!making.isValid())
         return cannotWrite(folder, making.errorString());
     // A folder inside: the outer one is for nobody else's eyes.
@@ -229,7 +250,7 @@ QString JobTemplate::objectionTo(const QString& folder)
     const QFileInfo found(folder);
     if (found.exists() && !found.isDir())
         return Template::tr("%1 is not a folder").arg(folder);
-    if (found.exists() && !QDir(folder).isEmpty(everything))
+    if (found.exists() && QDir(folder).entryList(everything).size() > leftIn(folder, folder).size())
         return Template::tr("the folder %1 is not empty").arg(folder);
     return {};
 }

@@ -96,6 +96,8 @@ QString ReportText::stepOutcomeName(BuildStep::Outcome outcome)
 QString ReportText::stepName(const QString& step)
 {
     const QHash<QString, QString> names{{QStringLiteral("sdks"), Report::tr("SDKs")},
+                                        {QStringLiteral("clear"), Report::tr("clearing")},
+                                        {QStringLiteral("manifest"), Report::tr("manifest")},
                                         {QStringLiteral("icons"), Report::tr("icons")},
                                         {QStringLiteral("package"), Report::tr("package")},
                                         {QStringLiteral("encrypt"), Report::tr("encryption")},
