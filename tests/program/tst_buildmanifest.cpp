@@ -17,6 +17,8 @@ private Q_SLOTS:
     void clashingFragmentFailsItsChannelOnly();
     void missingApktoolIsToldBeforeAnythingIsBuilt();
     void processesGiveTheSameBytes();
+    void resourceNamesLeadNowhere_data();
+    void resourceNamesLeadNowhere();
 
 private:
     bool addFragment(const QByteArray& fragment) const;
@@ -152,6 +154,51 @@ void tst_BuildManifest::processesGiveTheSameBytes()
     const Ended ended = m_scene->run("--force --jobs 2");
     QVERIFY2(ended.code == 0, ended.error.constData());
     QVERIFY(m_scene->finished() == alone);
+}
+
+void tst_BuildManifest::resourceNamesLeadNowhere_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("other");
+    QTest::newRow("a file's") << QByteArray("res/drawable-mdpi-v4/icon.png")
+                              << QByteArray("../../../escaped-resource.png");
+    QTest::newRow("a kind's") << QByteArray("drawable") << QByteArray("../../es");
+    QTest::newRow("a text's") << QByteArray("app_name") << QByteArray("../../es");
+}
+
+// Whatever becomes of such a base, nothing of it is written where its names point to.
+void tst_BuildManifest::resourceNamesLeadNowhere()
+{
+    QFETCH(const QByteArray, name);
+    QFETCH(const QByteArray, other);
+    const auto quenzo = [this](const char* words) {
+        return QuenzoProcess(QuenzoProcess::words(words), m_scene->path({})).end().code;
+    };
+    QCOMPARE(quenzo("unpack base.apk game"), 0);
+    QByteArray table = m_scene->read(QStringLiteral("game/resources.arsc"));
+    QVERIFY(table.contains(name));
+    QCOMPARE(other.size(), name.size()); // else the table is none
+    QVERIFY(m_scene->write(QStringLiteral("game/resources.arsc"), table.replace(name, other)));
+    QVERIFY(QFile::remove(m_scene->path(QStringLiteral("base.apk"))));
+    QCOMPARE(quenzo("pack game base.apk"), 0);
+    QVERIFY(QDir(m_scene->path(QStringLiteral("game"))).removeRecursively());
+    QJsonObject channel = m_scene->channel(1);
+    channel.insert(QStringLiteral("package"), QStringLiteral("com.quenzo.skyharbour.harbor"));
+    m_scene->setChannel(1, channel);
+    m_scene->job.remove(QStringLiteral("icons"));
+    for (const int number : {1, 2}) {
+        QJsonObject unmarked = m_scene->channel(number);
+        unmarked.remove(QStringLiteral("mark"));
+        unmarked.remove(QStringLiteral("corner"));
+        m_scene->setChannel(number, unmarked);
+    }
+    const Ended ended = m_scene->run("--json");
+    QCOMPARE(BuildScene::outcomes(ended).value(QStringLiteral("plain")), QStringLiteral("built"));
+    QVERIFY(QFileInfo::exists(m_scene->path(QStringLiteral("work/decoded/AndroidManifest.xml"))));
+    QDirIterator all(m_scene->path({}), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (all.hasNext())
+        QVERIFY2(!QFileInfo(all.next()).fileName().startsWith(QStringLiteral("es")),
+                 qPrintable(all.filePath()));
 }
 
 QTEST_GUILESS_MAIN(tst_BuildManifest)

@@ -52,8 +52,11 @@ Failure ApkTool::missing()
 QString ApkTool::decode(const QString& apk, const QString& folder, Console& console) const
 {
     const QString doing = ApkToolText::tr("decoding the base");
+    // The manifest alone: resources as text would become files under names that the base gives them, and
+    // these may lead anywhere.
     const ToolRun run = runTool(console, m_program,
                                 {QStringLiteral("d"), QStringLiteral("-f"), QStringLiteral("-s"),
+                                 QStringLiteral("-r"), QStringLiteral("--force-manifest"),
                                  QStringLiteral("-p"), m_store, QStringLiteral("-o"), folder, apk},
                                 doing);
     if (!run.succeeded) {

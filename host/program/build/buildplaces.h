@@ -13,7 +13,7 @@ struct BuildPlaces {
     QString sdk(const QString& name) const { return work + QStringLiteral("/sdks/") + name; }
     /** The icons of all channels for a platform, a folder a channel. */
     QString icons(const QString& platform) const { return work + QStringLiteral("/icons/") + platform; }
-    /** The base's manifest and resources as text, and what apktool keeps beside them. */
+    /** The base's manifest as text, and what apktool keeps beside them. */
     QString decoded() const { return work + QStringLiteral("/decoded"); }
     QString decodingStore() const { return work + QStringLiteral("/decoding"); }
     QString channel(const QString& folder) const { return work + QStringLiteral("/channels/") + folder; }
