@@ -459,10 +459,6 @@
         <translation>请先选择 APK。</translation>
     </message>
     <message>
-        <source>There is no file %1. Choose another APK.</source>
-        <translation>没有文件 %1。请选择其他 APK。</translation>
-    </message>
-    <message>
         <source>A path with a quotation mark cannot be used. Rename %1.</source>
         <translation>不能使用含引号的路径。请重命名 %1。</translation>
     </message>
@@ -513,6 +509,26 @@
     <message>
         <source>&amp;Remove</source>
         <translation>移除(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Package of the open &amp;job:</source>
+        <translation>已打开任务的安装包(&amp;J)：</translation>
+    </message>
+    <message>
+        <source>Package of the open job</source>
+        <translation>已打开任务的安装包</translation>
+    </message>
+    <message>
+        <source>Choose a channel</source>
+        <translation>选择渠道</translation>
+    </message>
+    <message>
+        <source>No job is open</source>
+        <translation>没有打开任务</translation>
+    </message>
+    <message>
+        <source>There is no file %1. Build its channel, or choose another APK.</source>
+        <translation>没有文件 %1。请构建该渠道，或选择其他 APK。</translation>
     </message>
 </context>
 <context>

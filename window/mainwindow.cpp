@@ -70,7 +70,7 @@ MainWindow::MainWindow()
     makeMenus();
     add(new StartPage(m_document, *m_files));
     add(new BuildPage(m_document));
-    add(new DevicesPage);
+    add(new DevicesPage(m_document));
     add(new RecordsPage(m_document));
     add(new TreesPage);
     add(new LogPage);

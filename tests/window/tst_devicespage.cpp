@@ -2,12 +2,15 @@
 #include "messagelog.h"
 #include "runroot.h"
 #include "scriptedtools.h"
+#include "window/channels/jobdocument.h"
 #include "window/devices/devicelist.h"
+#include "window/devices/devicespage.h"
 #include "window/mainwindow.h"
 
 #include <QtTest>
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -49,6 +52,7 @@ private Q_SLOTS:
     void unusableApkSaysWhatToDo_data();
     void unusableApkSaysWhatToDo();
     void droppedApkIsTaken();
+    void packageOfTheOpenJobIsTaken();
     void windowAnswersWhileToolsWait();
 
 private:
@@ -382,6 +386,33 @@ void tst_DevicesPage::droppedApkIsTaken()
     QDropEvent drop({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, {});
     QCoreApplication::sendEvent(page, &drop);
     QCOMPARE(part<QLineEdit>("apk")->text(), m_apk);
+}
+
+void tst_DevicesPage::packageOfTheOpenJobIsTaken()
+{
+    QFile job(m_folder->filePath(QStringLiteral("job.json")));
+    QVERIFY(job.open(QIODevice::WriteOnly));
+    job.write(
+        R"({"game": "G", "base": "game.apk", "channels": [{"folder": "a"}, {"folder": "b", "name": "Bee"}]})");
+    job.close();
+    JobDocument document;
+    DevicesPage page(document);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    auto* const choice = page.findChild<QComboBox*>(QStringLiteral("jobPackage"));
+    QVERIFY(!choice->isEnabled());
+    QString fault;
+    QVERIFY2(document.open(job.fileName(), fault), qPrintable(fault));
+    QVERIFY(choice->isEnabled());
+    choice->setFocus();
+    QTest::keyClick(choice, Qt::Key_Down);
+    QTest::keyClick(choice, Qt::Key_Down);
+    QCOMPARE(choice->currentText(), QStringLiteral("Bee"));
+    const QString package = m_folder->filePath(QStringLiteral("output/b/b.apk"));
+    QCOMPARE(page.findChild<QLineEdit*>(QStringLiteral("apk"))->text(), package);
+    QTest::mouseClick(page.findChild<QPushButton*>(QStringLiteral("install")), Qt::LeftButton);
+    QCOMPARE(page.findChild<QLabel*>(QStringLiteral("deviceMessage"))->text(),
+             QStringLiteral("There is no file %1. Build its channel, or choose another APK.").arg(package));
 }
 
 void tst_DevicesPage::windowAnswersWhileToolsWait()

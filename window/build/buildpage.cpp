@@ -383,7 +383,7 @@ QString BuildPage::outcomeText(bool succeeded) const
     const int built = m_model.countOf(QStringLiteral("built"));
     const int unchanged = m_model.countOf(QStringLiteral("unchanged"));
     const int failed = m_model.countOf(QStringLiteral("failed"));
-    const QString done = tr("Built: %1, unchanged: %2.").arg(built).arg(unchanged);
+    QString done = tr("Built: %1, unchanged: %2.").arg(built).arg(unchanged);
     if (m_process.isStopping())
         return tr("Stopped. %1 The next build goes on with the rest.").arg(done);
     if (failed > 0)

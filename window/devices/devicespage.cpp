@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "window/devices/devicespage.h"
 
+#include "window/channels/jobdocument.h"
+
+#include <QComboBox>
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -42,8 +45,9 @@ QStringList readySerials(const QVector<Device>& devices)
 
 } // namespace
 
-DevicesPage::DevicesPage(QWidget* parent)
+DevicesPage::DevicesPage(const JobDocument& document, QWidget* parent)
     : Page(parent)
+    , m_document(document)
     , m_listLabel(new QLabel)
     , m_refresh(new QPushButton)
     , m_stack(new QStackedWidget)
@@ -52,6 +56,8 @@ DevicesPage::DevicesPage(QWidget* parent)
     , m_apkLabel(new QLabel)
     , m_apk(new QLineEdit)
     , m_browse(new QPushButton)
+    , m_channelLabel(new QLabel)
+    , m_channel(new QComboBox)
     , m_install(new QPushButton)
     , m_uninstall(new QPushButton)
     , m_busy(new QProgressBar)
@@ -63,6 +69,7 @@ DevicesPage::DevicesPage(QWidget* parent)
     m_empty->setObjectName(QStringLiteral("noDevices"));
     m_apk->setObjectName(QStringLiteral("apk"));
     m_browse->setObjectName(QStringLiteral("browseApk"));
+    m_channel->setObjectName(QStringLiteral("jobPackage"));
     m_install->setObjectName(QStringLiteral("install"));
     m_uninstall->setObjectName(QStringLiteral("uninstall"));
     m_banner->setObjectName(QStringLiteral("deviceMessage"));
@@ -84,6 +91,7 @@ void DevicesPage::layOut()
     m_table->horizontalHeader()->setStretchLastSection(true);
     m_listLabel->setBuddy(m_table);
     m_apkLabel->setBuddy(m_apk);
+    m_channelLabel->setBuddy(m_channel);
     for (QLabel* const text : {m_empty, m_banner}) {
         text->setWordWrap(true);
         text->setTextFormat(Qt::PlainText);
@@ -106,6 +114,10 @@ void DevicesPage::layOut()
     file->addWidget(m_apk, 1);
     file->addWidget(m_browse);
     column->addLayout(file);
+    auto* const own = new QHBoxLayout;
+    own->addWidget(m_channelLabel);
+    own->addWidget(m_channel, 1);
+    column->addLayout(own);
     auto* const deeds = new QHBoxLayout;
     deeds->addWidget(m_install);
     deeds->addWidget(m_uninstall);
@@ -113,7 +125,7 @@ void DevicesPage::layOut()
     deeds->addStretch(0);
     column->addLayout(deeds);
     column->addWidget(m_banner);
-    const QList<QWidget*> order{m_table, m_refresh, m_apk, m_browse, m_install, m_uninstall};
+    const QList<QWidget*> order{m_refresh, m_table, m_apk, m_browse, m_channel, m_install, m_uninstall};
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order.at(i - 1), order.at(i));
 }
@@ -127,17 +139,26 @@ void DevicesPage::connectParts()
     connect(&m_lister, &DeviceLister::listed, this, &DevicesPage::showDevices);
     connect(&m_lister, &DeviceLister::failed, this, &DevicesPage::showList);
     connect(m_browse, &QPushButton::clicked, this, &DevicesPage::browse);
+    connect(m_channel, QOverload<int>::of(&QComboBox::activated), this, [this] {
+        const QString folder = m_channel->currentData().toString();
+        if (!folder.isEmpty())
+            m_apk->setText(QStringLiteral("%1/%2/%2.apk").arg(m_document.outputPath(), folder));
+    });
+    for (const auto change : {&JobDocument::opened, &JobDocument::closed})
+        connect(&m_document, change, this, &DevicesPage::showChannels);
     connect(m_apk, &QLineEdit::returnPressed, m_install, &QPushButton::click);
     connect(m_install, &QPushButton::clicked, this, [this] { begin(true); });
     connect(m_uninstall, &QPushButton::clicked, this, [this] { begin(false); });
     connect(&m_work, &DeviceWork::packageRead, this, [this](const QString& package, const QString& fault) {
-        showControls();
         tell(fault);
         if (fault.isEmpty() && !m_isStopping)
             askBefore(package);
+        m_isStopping = false;
+        showControls();
         Q_EMIT workChanged();
     });
     connect(&m_work, &DeviceWork::ended, this, [this](bool /*success*/, const QString& text) {
+        m_isStopping = false;
         showControls();
         tell(QStringLiteral("%1: %2").arg(m_task.serial, text));
         m_lister.ask();
@@ -161,7 +182,7 @@ QString DevicesPage::workAtHand() const
 // What a device has begun cannot be called back: its end is waited for, and nothing more begins.
 void DevicesPage::stopWork()
 {
-    m_isStopping = true;
+    m_isStopping = m_work.isAtWork();
     delete m_question;
 }
 
@@ -175,6 +196,9 @@ void DevicesPage::setTexts()
     m_apk->setAccessibleName(tr("APK to install"));
     m_apk->setPlaceholderText(tr("Choose an APK, or drop one here"));
     m_browse->setText(tr("&Choose…"));
+    m_channelLabel->setText(tr("Package of the open &job:"));
+    m_channel->setAccessibleName(tr("Package of the open job"));
+    showChannels();
     m_install->setText(tr("&Install…"));
     m_uninstall->setText(tr("&Uninstall…"));
     m_busy->setAccessibleName(tr("The device is at work"));
@@ -186,6 +210,7 @@ void DevicesPage::setTexts()
 
 void DevicesPage::showEvent(QShowEvent* event)
 {
+    showChannels(); // the job may have been edited meanwhile
     m_lister.ask();
     showControls();
     Page::showEvent(event);
@@ -243,6 +268,17 @@ void DevicesPage::tell(const QString& text)
     m_banner->setText(text);
 }
 
+void DevicesPage::showChannels()
+{
+    const QVariant chosen = m_channel->currentData();
+    m_channel->clear();
+    m_channel->addItem(m_document.isOpen() ? tr("Choose a channel") : tr("No job is open"));
+    for (int row = 0; row < m_document.channelCount(); ++row)
+        m_channel->addItem(m_document.nameOf(row), m_document.folderOf(row));
+    m_channel->setCurrentIndex(chosen.isNull() ? 0 : qMax(0, m_channel->findData(chosen)));
+    m_channel->setEnabled(m_document.isOpen());
+}
+
 void DevicesPage::browse()
 {
     auto* const dialog = new QFileDialog(this, tr("Choose an APK"), QFileInfo(m_apk->text()).path(),
@@ -273,7 +309,7 @@ QString DevicesPage::faultOfApk() const
     if (path.isEmpty())
         return tr("Choose an APK first.");
     if (!QFileInfo(path).isFile())
-        return tr("There is no file %1. Choose another APK.").arg(path);
+        return tr("There is no file %1. Build its channel, or choose another APK.").arg(path);
     // The tools' command lines are split at quotation marks.
     if (QFileInfo(path).absoluteFilePath().contains(QLatin1Char('"')))
         return tr("A path with a quotation mark cannot be used. Rename %1.").arg(path);

@@ -9,7 +9,9 @@
 
 #include <QPointer>
 
+class JobDocument;
 QT_BEGIN_NAMESPACE
+class QComboBox;
 class QDialog;
 class QLabel;
 class QLineEdit;
@@ -24,7 +26,7 @@ class DevicesPage : public Page {
     Q_OBJECT
 
 public:
-    explicit DevicesPage(QWidget* parent = nullptr);
+    explicit DevicesPage(const JobDocument& document, QWidget* parent = nullptr);
 
     QString title() const override;
     QString workAtHand() const override;
@@ -43,6 +45,7 @@ private:
     void showList(const QString& fault);
     void showControls();
     void tell(const QString& text);
+    void showChannels();
     void browse();
     void begin(bool install);
     QString faultOfApk() const;
@@ -53,13 +56,14 @@ private:
     void beginTask();
     void keep(QDialog* dialog);
 
+    const JobDocument& m_document;
     DeviceModel m_model;
     DeviceLister m_lister;
     DeviceWork m_work;
     DeviceWork::Task m_task;
     QString m_fault; ///< why there is no list
     QPointer<QDialog> m_question;
-    bool m_isStopping = false;
+    bool m_isStopping = false; ///< nothing more begins, until the work at hand has ended
     QLabel* m_listLabel;
     QPushButton* m_refresh;
     QStackedWidget* m_stack;
@@ -68,6 +72,8 @@ private:
     QLabel* m_apkLabel;
     QLineEdit* m_apk;
     QPushButton* m_browse;
+    QLabel* m_channelLabel;
+    QComboBox* m_channel; ///< of the open job
     QPushButton* m_install;
     QPushButton* m_uninstall;
     QProgressBar* m_busy;
