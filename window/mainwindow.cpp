@@ -133,8 +133,7 @@ void MainWindow::show(Page* page)
 // Whoever hands it over may wait until this returns, and there may be questions.
 void MainWindow::take(const QString& path)
 {
-    QMetaObject::invokeMethod(
-        m_files, [this, path] { m_files->take(path); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(m_files, "take", Qt::QueuedConnection, Q_ARG(QString, path));
 }
 
 void MainWindow::makeMenus()

@@ -18,7 +18,7 @@ public:
     bool mayLeave();
 
     /** A job is opened; an APK begins a new one. */
-    void take(const QString& path);
+    Q_INVOKABLE void take(const QString& path);
 
     void open(const QString& path);
     void chooseJob();

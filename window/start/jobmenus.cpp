@@ -39,12 +39,12 @@ void JobMenus::makeFileMenu(QMainWindow* window)
     m_save->setShortcut(QKeySequence::Save);
     m_save->setObjectName(QStringLiteral("save"));
     m_saveAs = m_file->addAction(QString(), &m_files, &JobFiles::saveAs);
-    m_saveAs->setShortcut(QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_S));
+    m_saveAs->setShortcut(QKeySequence(int(Qt::CTRL) | int(Qt::SHIFT) | int(Qt::Key_S)));
     m_close = m_file->addAction(QString(), &m_files, &JobFiles::close);
-    m_close->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_W));
+    m_close->setShortcut(QKeySequence(int(Qt::CTRL) | int(Qt::Key_W)));
     m_file->addSeparator();
     m_quit = m_file->addAction(QString(), window, &QWidget::close);
-    m_quit->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_Q));
+    m_quit->setShortcut(QKeySequence(int(Qt::CTRL) | int(Qt::Key_Q)));
 }
 
 void JobMenus::makeEditMenu()
@@ -54,7 +54,7 @@ void JobMenus::makeEditMenu()
     m_undo->setShortcut(QKeySequence::Undo);
     m_undo->setObjectName(QStringLiteral("undo"));
     m_redo = m_edit->addAction(QString(), stack, &QUndoStack::redo);
-    m_redo->setShortcut(QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z));
+    m_redo->setShortcut(QKeySequence(int(Qt::CTRL) | int(Qt::SHIFT) | int(Qt::Key_Z)));
     m_redo->setObjectName(QStringLiteral("redo"));
     connect(stack, &QUndoStack::indexChanged, this, &JobMenus::setEditTexts);
     connect(stack, &QUndoStack::cleanChanged, this, &JobMenus::enable);
