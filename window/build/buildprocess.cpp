@@ -5,7 +5,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSettings>
-#include <QTimer>
 
 #include <csignal>
 
@@ -26,6 +25,8 @@ BuildProcess::BuildProcess(QObject* parent)
     m_quenzo.setStandardInputFile(QProcess::nullDevice());
     m_quenzo.setStandardOutputFile(QProcess::nullDevice());
     m_quenzo.setReadChannel(QProcess::StandardError);
+    m_nextTurn.setSingleShot(true);
+    connect(&m_nextTurn, &QTimer::timeout, this, &BuildProcess::takeLines);
     connect(&m_quenzo, &QProcess::readyReadStandardError, this, &BuildProcess::takeLines);
     connect(&m_quenzo, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
             &BuildProcess::takeLines);
@@ -83,7 +84,7 @@ void BuildProcess::takeLines()
     for (int i = 0; i < linesInATurn && m_quenzo.canReadLine(); ++i)
         take(m_quenzo.readLine().trimmed());
     if (m_quenzo.canReadLine())
-        QTimer::singleShot(0, this, &BuildProcess::takeLines);
+        m_nextTurn.start();
     else if (m_isRunning && m_quenzo.state() == QProcess::NotRunning)
         finish();
 }

@@ -4,6 +4,7 @@
 
 #include <QProcess>
 #include <QStringList>
+#include <QTimer>
 
 /**
  * One `quenzo build` after another, beside the event loop: what the window shows is what the command would
@@ -46,6 +47,7 @@ private:
     void finish();
 
     QProcess m_quenzo;
+    QTimer m_nextTurn; ///< for lines that are left
     QString m_lastWords;
     bool m_isRunning = false;
     bool m_isStopping = false;
