@@ -269,6 +269,124 @@
     </message>
 </context>
 <context>
+    <name>ChannelTable</name>
+    <message>
+        <source>Built</source>
+        <translation>已构建</translation>
+    </message>
+    <message>
+        <source>Unchanged</source>
+        <translation>无变化</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>Not reached</source>
+        <translation>未处理</translation>
+    </message>
+    <message>
+        <source>No.</source>
+        <translation>序号</translation>
+    </message>
+    <message>
+        <source>Channel</source>
+        <translation>渠道</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>文件夹</translation>
+    </message>
+    <message>
+        <source>SDKs</source>
+        <translation>SDK</translation>
+    </message>
+    <message>
+        <source>Package name</source>
+        <translation>包名</translation>
+    </message>
+    <message>
+        <source>Last outcome</source>
+        <translation>上次结果</translation>
+    </message>
+</context>
+<context>
+    <name>ChannelsPage</name>
+    <message>
+        <source>Channels</source>
+        <translation>渠道</translation>
+    </message>
+    <message>
+        <source>No job is open. Open one from the File menu, or drop its file on the start page.</source>
+        <translation>没有打开的任务。请从“文件”菜单打开一个，或将任务文件拖放到“开始”页。</translation>
+    </message>
+    <message>
+        <source>This job has no channels yet. Press Add to make the first one.</source>
+        <translation>此任务还没有渠道。请按“添加”建立第一个渠道。</translation>
+    </message>
+    <message>
+        <source>No channel has this text. Clear the filter to see all of them.</source>
+        <translation>没有渠道含有此文字。清除筛选即可查看全部渠道。</translation>
+    </message>
+    <message>
+        <source>Channels: %1, shown: %2, chosen: %3</source>
+        <translation>渠道：%1，显示：%2，已选：%3</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>筛选</translation>
+    </message>
+    <message>
+        <source>Filter of the channels</source>
+        <translation>渠道筛选</translation>
+    </message>
+    <message>
+        <source>Channels of the job</source>
+        <translation>任务的渠道</translation>
+    </message>
+    <message>
+        <source>&amp;Add</source>
+        <translation>添加(&amp;A)</translation>
+    </message>
+    <message>
+        <source>Add a channel behind the chosen ones</source>
+        <translation>在所选渠道之后添加渠道</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>复制(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Copy the chosen channels</source>
+        <translation>复制所选渠道</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>移除(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Remove the chosen channels from the job</source>
+        <translation>从任务中移除所选渠道</translation>
+    </message>
+    <message>
+        <source>Move &amp;up</source>
+        <translation>上移(&amp;U)</translation>
+    </message>
+    <message>
+        <source>Move the chosen channels up in the job</source>
+        <translation>在任务中上移所选渠道</translation>
+    </message>
+    <message>
+        <source>Move do&amp;wn</source>
+        <translation>下移(&amp;W)</translation>
+    </message>
+    <message>
+        <source>Move the chosen channels down in the job</source>
+        <translation>在任务中下移所选渠道</translation>
+    </message>
+</context>
+<context>
     <name>DeviceList</name>
     <message>
         <source>not authorized</source>
@@ -918,6 +1036,92 @@
     <message>
         <source>QuenzoTool %1: builds the packages of a mobile game for its channels. The program quenzo does the same from the command line.</source>
         <translation>QuenzoTool %1：为手机游戏构建各渠道的安装包。命令行程序 quenzo 也能完成同样的工作。</translation>
+    </message>
+</context>
+<context>
+    <name>MarkPanel</name>
+    <message>
+        <source>Mark on the icon</source>
+        <translation>图标上的角标</translation>
+    </message>
+    <message>
+        <source>Drag the mark, or move it with the arrow keys; with Shift by ten pixels.</source>
+        <translation>拖动角标，或用方向键移动；按住 Shift 每次移动十个像素。</translation>
+    </message>
+    <message>
+        <source>&amp;Mark:</source>
+        <translation>角标(&amp;M)：</translation>
+    </message>
+    <message>
+        <source>C&amp;orner:</source>
+        <translation>位置(&amp;O)：</translation>
+    </message>
+    <message>
+        <source>From the &amp;left:</source>
+        <translation>距左边(&amp;L)：</translation>
+    </message>
+    <message>
+        <source>From the &amp;top:</source>
+        <translation>距上边(&amp;T)：</translation>
+    </message>
+    <message>
+        <source> px</source>
+        <translation> 像素</translation>
+    </message>
+    <message>
+        <source>Flus&amp;h in the corner</source>
+        <translation>紧贴角落(&amp;H)</translation>
+    </message>
+    <message>
+        <source>As the job&apos;s &amp;defaults say</source>
+        <translation>按任务的默认值(&amp;D)</translation>
+    </message>
+    <message>
+        <source>Left top</source>
+        <translation>左上</translation>
+    </message>
+    <message>
+        <source>Left bottom</source>
+        <translation>左下</translation>
+    </message>
+    <message>
+        <source>Right top</source>
+        <translation>右上</translation>
+    </message>
+    <message>
+        <source>Right bottom</source>
+        <translation>右下</translation>
+    </message>
+    <message>
+        <source>The job file calls it &quot;x&quot;.</source>
+        <translation>任务文件中称为 &quot;x&quot;。</translation>
+    </message>
+    <message>
+        <source>The job file calls it &quot;y&quot;, and counts upwards: 20 pixels are -20 there.</source>
+        <translation>任务文件中称为 &quot;y&quot;，向上计数：20 像素在其中为 -20。</translation>
+    </message>
+    <message>
+        <source>Choose a channel to see its icon.</source>
+        <translation>选择一个渠道即可查看其图标。</translation>
+    </message>
+    <message>
+        <source>%1 channels, shown: %2</source>
+        <translation>%1 个渠道，显示：%2</translation>
+    </message>
+    <message>
+        <source>No mark</source>
+        <translation>无角标</translation>
+    </message>
+</context>
+<context>
+    <name>MarkPictures</name>
+    <message>
+        <source>The job names no icon, so that there is nothing to mark. Name one under &quot;icons&quot; in the job file.</source>
+        <translation>任务没有指定图标，因此没有可加角标的对象。请在任务文件的 &quot;icons&quot; 中指定一个。</translation>
+    </message>
+    <message>
+        <source>The icon %1 cannot be shown: %2</source>
+        <translation>无法显示图标 %1：%2</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,7 @@
 #include "window/mainwindow.h"
 
 #include "window/build/buildpage.h"
+#include "window/channels/channelspage.h"
 #include "window/devices/devicespage.h"
 #include "window/log/logpage.h"
 #include "window/page.h"
@@ -69,6 +70,7 @@ MainWindow::MainWindow()
     connect(m_list, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
     makeMenus();
     add(new StartPage(m_document, *m_files));
+    add(new ChannelsPage(m_document));
     add(new BuildPage(m_document));
     add(new DevicesPage(m_document));
     add(new RecordsPage(m_document));

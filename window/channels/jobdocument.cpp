@@ -111,6 +111,13 @@ QVector<int> sorted(QVector<int> rows)
 
 } // namespace
 
+QPoint MarkPlace::cornerIn(const QSize& icon, const QSize& mark) const
+{
+    const int left = IconSet::isRight(corner) ? icon.width() - mark.width() : 0;
+    const int top = IconSet::isBottom(corner) ? icon.height() - mark.height() : 0;
+    return {x.value_or(left), y ? -*y : top};
+}
+
 JobDocument::JobDocument(QObject* parent)
     : QObject(parent)
 {

@@ -5,6 +5,8 @@
 #include "window/channels/orderedjson.h"
 
 #include <QObject>
+#include <QPoint>
+#include <QSize>
 #include <QUndoStack>
 #include <QVector>
 
@@ -20,6 +22,10 @@ struct MarkPlace {
     {
         return corner == other.corner && x == other.x && y == other.y;
     }
+    bool operator!=(const MarkPlace& other) const { return !(*this == other); }
+
+    /** Where the mark's top left comes to lie on an icon, in pixels from the icon's own. */
+    QPoint cornerIn(const QSize& icon, const QSize& mark) const;
 };
 
 /**
