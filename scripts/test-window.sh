@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # Runs tests of the window on a real platform, with a screen of its own; scripts/test.sh runs all of them without a screen.
-# Those that press shortcuts or look for foreign warnings are not among them: nothing manages windows on that screen.
+# Only those are among them that pass on a screen where nothing manages windows.
 #   scripts/test-window.sh [PRESET]     release by default, as scripts/test.sh has built it
 set -euo pipefail
 cd "$(dirname "$0")/.."
