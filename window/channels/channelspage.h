@@ -73,7 +73,7 @@ private:
     QAction* m_up;
     QAction* m_down;
     QVector<QPair<QPushButton*, QAction*>> m_buttons;
-    QStackedLayout* m_stack;
+    QStackedLayout* m_stack = nullptr;
     QLabel* m_empty;
     QLabel* m_count;
     MarkPanel* m_mark;

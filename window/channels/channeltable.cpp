@@ -17,7 +17,7 @@ QIcon blankIcon()
 {
     QPixmap blank(1, 1);
     blank.fill(Qt::transparent);
-    return QIcon(blank.scaled(96, 96));
+    return {blank.scaled(96, 96)};
 }
 
 QStringList partsOf(const QString& text)

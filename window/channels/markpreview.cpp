@@ -22,7 +22,7 @@ QBrush chequered(const QPalette& palette)
     QPainter painter(&square);
     painter.fillRect(0, 0, 8, 8, palette.color(QPalette::AlternateBase));
     painter.fillRect(8, 8, 8, 8, palette.color(QPalette::AlternateBase));
-    return QBrush(square);
+    return {square};
 }
 
 // The nearest pixel within an icon; none where the mark lies flush all the same.
