@@ -268,6 +268,8 @@ void tst_JobDocument::continuedEditsAreOneStep()
     QCOMPARE(document.undoStack()->count(), 2);
     document.setPlace({1}, placeAt(3, 5));
     QCOMPARE(document.undoStack()->count(), 3);
+    document.setPlace({1}, placeAt(3, 6), JobDocument::Continued);
+    QCOMPARE(document.undoStack()->count(), 4); // what was whole stays so
     document.undoStack()->setIndex(1);
     QVERIFY2(document.placeOf(0) == placeAt(3, 3), "the first channel's place is not the last one said");
     document.undoStack()->undo();
