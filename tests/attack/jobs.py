@@ -218,10 +218,14 @@ class Check(Job):
 class Run(Job):
     SCRIPT = """import os
 def make(path):
-    with open(path + ".part", "w") as out:
-        out.write("made" * 1000)
-        out.flush()
-    os.rename(path + ".part", path)
+    try:
+        with open(path + ".part", "w") as out:
+            out.write("made" * 1000)
+            out.flush()
+        os.rename(path + ".part", path)
+    except EnvironmentError:
+        os.remove(path + ".part")
+        raise
     return "param"
 """
 
