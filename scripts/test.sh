@@ -11,4 +11,4 @@ preset=${1:-release}
 scripts/dependencies.sh
 cmake --preset "$preset"
 cmake --build --preset "$preset" -j"$(nproc)"
-ctest --preset "$preset" -j"$(nproc)"
+ctest --preset "$preset" -j"$(($(nproc) + 1))" # one more: tests wait now and then
