@@ -5,9 +5,13 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <csignal>
+
 StartRoot::StartRoot(const QString& name)
     : m_path(m_folder.path() + QLatin1Char('/') + name)
 {
+    // Hosts would inherit that it is ignored, as it is in what a shell runs in the background.
+    std::signal(SIGINT, SIG_DFL);
     QDir().mkpath(m_path + QStringLiteral("/bin"));
     write(QStringLiteral("Script/answers.py"),
           "import time, sys\n"
