@@ -28,6 +28,7 @@ private Q_SLOTS:
     void failureAfterASchemaChangeReadsAsThatOfANewStatement();
     void temporaryTableHidesTheOtherAtOnce();
     void tableInAnAttachedFileGivesWayToOneInTheMain();
+    void tableInTheMainFileThatIsMadeAnewTakesItsRowsBack();
     void failedStatementIsRunOnce();
     void hostMayCloseAndOpenTheConnection();
     void closingGivesTheFileBack();
@@ -180,6 +181,21 @@ void tst_DBKept::tableInAnAttachedFileGivesWayToOneInTheMain()
     QVERIFY(write(6));
     QVERIFY(write(7));
     QCOMPARE(m_database->committedIds(), (QVariantList{6, 7}));
+}
+
+// Meanwhile the statement has come to mean the other file's table.
+void tst_DBKept::tableInTheMainFileThatIsMadeAnewTakesItsRowsBack()
+{
+    QVERIFY(write(1));
+    QVERIFY(execute(QStringLiteral("ATTACH ':memory:' AS other")));
+    QVERIFY(execute(QStringLiteral("CREATE TABLE other.channel(id, name)")));
+    QVERIFY(execute(QStringLiteral("DROP TABLE main.channel")));
+    QVERIFY(write(2));
+    QCOMPARE(everyRow().size(), 1);
+    QVERIFY(execute(QStringLiteral("CREATE TABLE main.channel(id, name)")));
+    QVERIFY(write(3));
+    QCOMPARE(everyRow().size(), 1);
+    QCOMPARE(m_database->committedIds(), QVariantList{3});
 }
 
 void tst_DBKept::failedStatementIsRunOnce()

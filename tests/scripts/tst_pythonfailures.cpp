@@ -41,6 +41,7 @@ private Q_SLOTS:
     void exceptionWhoseTextRaisesIsNamedByType();
     void pendingExceptionOfTheCallerIsDropped();
     void pendingExceptionFailsNoStatement();
+    void pendingExceptionFailsNoReading();
     void exceptionIsClearedUnderTheCallersLock();
     void emptyScriptPathFails();
 
@@ -283,6 +284,19 @@ void tst_PythonFailures::pendingExceptionFailsNoStatement()
     }
     QCOMPARE(pythonValue(QStringLiteral("getattr(__import__('__builtin__'), 'failed', None)")),
              QStringLiteral("None"));
+}
+
+// The conversion to a number may be code of the script.
+void tst_PythonFailures::pendingExceptionFailsNoReading()
+{
+    const QString script = writeScript("class Number(object):\n"
+                                       "    def __int__(self): return sum([6, 8])\n"
+                                       "def f(): return Number()\n");
+    const PyThreadStateLock lock;
+    PythonForQt bridge;
+    bridge.callScript(script, QStringLiteral("f"), {}, true);
+    PyErr_SetString(PyExc_ValueError, "of the caller");
+    QCOMPARE(bridge.getResultAsInt(), 14);
 }
 
 void tst_PythonFailures::exceptionIsClearedUnderTheCallersLock()
