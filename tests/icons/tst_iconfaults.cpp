@@ -31,6 +31,9 @@ private Q_SLOTS:
     void killedRunLeavesWholeFiles_data();
     void killedRunLeavesWholeFiles();
     void filesAreMadeWhereNoneIsUnnamed();
+    void fileThatIsBeingWrittenStandsBeforeAFolderOfItsName();
+    void failedCallsLeaveWholeFiles_data();
+    void failedCallsLeaveWholeFiles();
     void runEndsUntouchedWhereThreadsAreRefused_data();
     void runEndsUntouchedWhereThreadsAreRefused();
     void smallIconNeedsNoFurtherThreads();
@@ -112,6 +115,85 @@ void tst_IconFaults::filesAreMadeWhereNoneIsUnnamed()
     job.run({channel("None", "a")});
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(differencesFrom(QImage(job.icon), job.out(QStringLiteral("a")), android), QString());
+}
+
+// Whichever file is the last one to be opened is held up until its folder has had its time.
+void tst_IconFaults::fileThatIsBeingWrittenStandsBeforeAFolderOfItsName()
+{
+    Job job;
+    QList<ST_CHANNEL_ICON> channels{channel("None", "")};
+    for (const QString& name : namesOf(android))
+        channels.append(channel("None", qPrintable(name)));
+    bool folderCameFirst = false;
+    FaultyCalls::actBeforeNth(FaultyCalls::OpeningUnnamed, namesOf(android).size(), [&] {
+        const QDir out(job.out());
+        for (int i = 0; i < 30 && !folderCameFirst; ++i) {
+            QThread::msleep(10);
+            folderCameFirst = !out.isEmpty(QDir::Dirs | QDir::NoDotAndDotDot);
+        }
+    });
+    job.run(channels);
+    QVERIFY(FaultyCalls::wasHit());
+    QVERIFY(!folderCameFirst);
+    QCOMPARE(differencesFrom(QImage(job.icon), job.out(), android), QString());
+}
+
+void tst_IconFaults::failedCallsLeaveWholeFiles_data()
+{
+    QTest::addColumn<int>("call");
+    QTest::addColumn<int>("error");
+    QTest::addColumn<bool>("replacing");
+    using namespace FaultyCalls;
+    const auto rows = [](const char* what, Call call, std::initializer_list<int> errors) {
+        for (const int error : errors) {
+            QTest::addRow("%s, %s, new files", what, std::strerror(error)) << int(call) << error << false;
+            QTest::addRow("%s, %s, files that are there", what, std::strerror(error))
+                << int(call) << error << true;
+        }
+    };
+    rows("opening", Opening, {EACCES, EMFILE});
+    rows("opening an unnamed file", OpeningUnnamed, {EOPNOTSUPP, EISDIR, EINVAL, ENOSPC});
+    rows("writing", Writing, {EIO, ENOSPC});
+    rows("naming", Linking, {EPERM, ENOENT, EEXIST, EIO});
+    rows("giving rights", ChangingMode, {EIO});
+    rows("renaming", Renaming, {EACCES, EPERM, EIO});
+}
+
+// One call fails, or every one.
+void tst_IconFaults::failedCallsLeaveWholeFiles()
+{
+    QFETCH(const int, call);
+    QFETCH(const int, error);
+    QFETCH(const bool, replacing);
+    const auto contents = [](const Job& job) {
+        QMap<QString, QByteArray> files;
+        for (const QString& name : job.filesIn(QStringLiteral("a")))
+            files.insert(name, TreeFiles::read(QFile::encodeName(job.out(QStringLiteral("a/") + name))));
+        return files;
+    };
+    const QImage picture = photograph(40, 40);
+    Job undisturbed;
+    undisturbed.writePicture(undisturbed.icon, picture);
+    undisturbed.run({channel("None", "a")});
+    const QMap<QString, QByteArray> whole = contents(undisturbed);
+    for (const bool lasting : {false, true}) {
+        Job job;
+        job.writePicture(job.icon, picture);
+        for (const QString& name : replacing ? namesOf(android) : QStringList())
+            job.write(job.out(QStringLiteral("a/") + name), "old");
+        job.thread.setClearDirFirst(false);
+        if (lasting && error != EEXIST)
+            FaultyCalls::failFromNth(static_cast<FaultyCalls::Call>(call), 1, error);
+        else
+            FaultyCalls::failNth(static_cast<FaultyCalls::Call>(call), 2, error);
+        job.run({channel("None", "a")});
+        FaultyCalls::heal();
+        const QMap<QString, QByteArray> made = contents(job);
+        for (auto file = made.cbegin(); file != made.cend(); ++file)
+            QVERIFY2(file.value() == whole.value(file.key()) || (replacing && file.value() == "old"),
+                     qPrintable(file.key()));
+        QVERIFY(lasting || made.size() >= whole.size() - 1);
+    }
 }
 
 void tst_IconFaults::runEndsUntouchedWhereThreadsAreRefused_data()

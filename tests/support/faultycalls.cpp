@@ -224,6 +224,15 @@ __attribute__((visibility("default"))) int unlinkat(int folder, const char* path
     return real<int (*)(int, const char*, int)>("unlinkat")(folder, path, flags);
 }
 
+__attribute__((visibility("default"))) int renameat(int oldFolder, const char* oldPath, int newFolder,
+                                                    const char* newPath) noexcept
+{
+    if (fails(FaultyCalls::Renaming))
+        return -1;
+    return real<int (*)(int, const char*, int, const char*)>("renameat")(oldFolder, oldPath, newFolder,
+                                                                         newPath);
+}
+
 __attribute__((visibility("default"))) int fchmod(int file, mode_t mode) noexcept
 {
     if (fails(FaultyCalls::ChangingMode))

@@ -19,6 +19,7 @@ enum Call {
     Listing,
     Flushing,
     Removing,
+    Renaming,
     ChangingMode,
     Climbing, ///< to the folder above one
     StartingThread,

@@ -21,6 +21,7 @@ using TreeFiles::content;
 using TreeFiles::exists;
 using TreeFiles::folder;
 using TreeFiles::makeFolder;
+using TreeFiles::makeLink;
 using TreeFiles::write;
 using TreeFiles::writeMany;
 using TreeFiles::writeManySizes;
@@ -67,11 +68,18 @@ private Q_SLOTS:
 
     void failedCallsLoseNothing_data();
     void failedCallsLoseNothing();
+    void folderThatIsExchangedEndsTheWalkOnItsWayBack();
     void copyGoesOnWithoutAFurtherThread();
     void helperThreadsTakeNoSignals();
     void copyGoesOnWithoutModes_data();
     void copyGoesOnWithoutModes();
     void copyingNothingIsNoEnd();
+    void fileSystemsThatCopyNothingByThemselvesServe_data();
+    void fileSystemsThatCopyNothingByThemselvesServe();
+    void interruptedCallsAreMadeAgain_data();
+    void interruptedCallsAreMadeAgain();
+    void contentThatCannotBeWrittenLeavesNoFile_data();
+    void contentThatCannotBeWrittenLeavesNoFile();
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll_data();
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll();
     void fileSystemsWithoutUnnamedFilesServe_data();
@@ -139,6 +147,29 @@ void tst_TreeFaults::failedCallsLoseNothing()
     }
     QVERIFY2(!hit, "there were more calls than expected");
     QVERIFY2(failed, "no call ever failed");
+}
+
+// The outer folders of a deep walk are opened anew on its way back: behind a link, by their paths.
+void tst_TreeFaults::folderThatIsExchangedEndsTheWalkOnItsWayBack()
+{
+    constexpr int inTheDepth = 70; // of the calls that list, two a folder
+    const QByteArray file = QByteArray("/n").repeated(40) + "/file";
+    write(m_root + "/elsewhere" + file, "deep");
+    const QByteArray other = m_root + "/other";
+    const QByteArray aside = m_root + "/aside";
+    write(other + "/one/file", "of another");
+    write(other + "/two/file", "of another");
+    makeLink("../elsewhere", m_source + "/one");
+    makeLink("../elsewhere", m_source + "/two");
+    FaultyCalls::actBeforeNth(FaultyCalls::Listing, inTheDepth, [&] {
+        QCOMPARE(rename(m_source.constData(), aside.constData()), 0);
+        QCOMPARE(rename(other.constData(), m_source.constData()), 0);
+    });
+    QVERIFY(!copy());
+    QVERIFY(FaultyCalls::wasHit());
+    const Tree copied = content(m_target);
+    QCOMPARE(copied.keys("file deep").size(), 1);
+    QCOMPARE(copied.keys("file of another"), QList<QByteArray>());
 }
 
 void tst_TreeFaults::copyGoesOnWithoutAFurtherThread()
@@ -221,6 +252,76 @@ void tst_TreeFaults::copyingNothingIsNoEnd()
         QVERIFY(content(m_source).isEmpty());
         QVERIFY(TreeRuns::transfer(m_target, m_source, Move));
     }
+}
+
+void tst_TreeFaults::fileSystemsThatCopyNothingByThemselvesServe_data()
+{
+    QTest::addColumn<int>("error");
+    for (const int error : {EINVAL, EXDEV, ENOSYS, EOPNOTSUPP, EPERM, EBADF, ETXTBSY})
+        QTest::addRow("error %d", error) << error;
+}
+
+void tst_TreeFaults::fileSystemsThatCopyNothingByThemselvesServe()
+{
+    QFETCH(int, error);
+    write(m_source + "/small", QByteArray(5000, 's'));
+    write(m_source + "/dense", QByteArray(300000, 'd'));
+    writeSparse(m_source + "/sparse");
+    const Tree before = content(m_source);
+    for (const Manner manner : {Copy, Move}) {
+        FaultyCalls::failFromNth(FaultyCalls::Copying, 1, error);
+        QVERIFY(transfer(manner));
+        QVERIFY(FaultyCalls::wasHit());
+        QCOMPARE(content(m_target), before);
+    }
+    QVERIFY(content(m_source).isEmpty());
+}
+
+void tst_TreeFaults::interruptedCallsAreMadeAgain_data()
+{
+    QTest::addColumn<int>("call");
+    QTest::newRow("copying") << int(FaultyCalls::Copying);
+    QTest::newRow("writing") << int(FaultyCalls::Writing);
+}
+
+void tst_TreeFaults::interruptedCallsAreMadeAgain()
+{
+    QFETCH(int, call);
+    write(m_source + "/small", QByteArray(5000, 's'));
+    write(m_source + "/dense", QByteArray(300000, 'd'));
+    writeSparse(m_source + "/sparse");
+    // What the kernel makes up is copied by reading and writing.
+    makeLink("/proc/version", m_source + "/version");
+    Tree expected = content(m_source);
+    expected["version"] = "file " + TreeFiles::read("/proc/version");
+    bool hit = true;
+    int interrupted = 0;
+    for (int n = 1; hit; ++n) {
+        FaultyCalls::failNth(static_cast<FaultyCalls::Call>(call), n, EINTR);
+        QVERIFY(copy());
+        hit = FaultyCalls::wasHit();
+        interrupted += hit ? 1 : 0;
+        QCOMPARE(content(m_target), expected);
+    }
+    QVERIFY(interrupted > 0);
+}
+
+void tst_TreeFaults::contentThatCannotBeWrittenLeavesNoFile_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("no room") << ENOSPC;
+    QTest::newRow("broken") << EIO;
+}
+
+void tst_TreeFaults::contentThatCannotBeWrittenLeavesNoFile()
+{
+    QFETCH(int, error);
+    makeLink("/proc/version", m_source + "/version");
+    FaultyCalls::failFromNth(FaultyCalls::Writing, 1, error);
+    QVERIFY(!copy());
+    QVERIFY(FaultyCalls::wasHit());
+    FaultyCalls::heal();
+    QCOMPARE(content(m_target), Tree());
 }
 
 void tst_TreeFaults::sourceThatShrinksIsCopiedAsItIsOrNotAtAll_data()
