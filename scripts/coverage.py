@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Runs the test programs of a coverage build one by one, and prints what of the library they reach.
+"""Runs the test programs of a coverage build, and prints what of the library they reach.
 
 Called by coverage.sh, which says how. A branch counts unless it is an edge of a call that may throw; only the
 sources that catch exceptions are compiled with them.
 """
 import collections
+import concurrent.futures
 import json
 import os
 import re
@@ -61,10 +62,14 @@ def run(test, counts):
     os.makedirs(counts)
     os.chmod(counts, 0o777)  # some tests do a part of their work as another user
     began = time.monotonic()
-    done = subprocess.run(command, cwd=folder, env={**os.environ, **environment, "GCOV_PREFIX": counts},
-                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=900)
+    try:
+        done = subprocess.run(command, cwd=folder, env={**os.environ, **environment, "GCOV_PREFIX": counts},
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=900)
+        failed, output = done.returncode != 0, done.stdout
+    except subprocess.TimeoutExpired as late:
+        failed, output = True, late.stdout or b""
     seconds = time.monotonic() - began
-    return seconds, "" if done.returncode == 0 else "%s failed:\n%s" % (name, done.stdout.decode(errors="replace"))
+    return seconds, "%s failed:\n%s" % (name, output.decode(errors="replace")) if failed else ""
 
 
 def files_below(folder, ending):
@@ -86,15 +91,20 @@ def read_counts(files, root, work):
                         yield name, line
 
 
-def reached_by(counts, build, root, whole):
-    """Adds what one test has reached to the whole, and tells its lines by source."""
+def reached_by(counts, build, root):
+    """What one test has reached, one entry a line."""
     files = [name for name in files_below(counts + build, ".gcda") if LIBRARY.search(name[len(counts + build):])]
     for name in files:
         notes = name[:-5] + ".gcno"
         if not os.path.lexists(notes):
             os.symlink(notes[len(counts):], notes)
+    return list(read_counts(files, root, counts))
+
+
+def add_reached(entries, whole):
+    """Adds what one test has reached to the whole, and tells its lines by source."""
     lines = collections.defaultdict(set)
-    for source, line in read_counts(files, root, counts):
+    for source, line in entries:
         if source in whole.lines:
             whole.add(source, line)
             if line["count"]:
@@ -148,14 +158,18 @@ def main():
            for name in files_below("%s/%s/CMakeFiles/%s.dir/source" % (build, library, library), ".gcno")]
     for source, line in read_counts(own, root, build + "/reached"):
         whole.add(source, dict(line, count=0, branches=[dict(branch, count=0) for branch in line["branches"]]))
-    for test in tests_of(build):
-        if not wanted.search(test[0]):
-            continue
+
+    def measured(test):
         counts = "%s/reached/%s" % (build, test[0])
         seconds, failure = run(test, counts)
-        reached[test[0]] = {"seconds": round(seconds, 2), "lines": reached_by(counts, build, root, whole)}
-        print("%7.1f s  %s%s" % (seconds, test[0], ", which failed" if failure else ""), flush=True)
-        failures += [failure] if failure else []
+        return test[0], seconds, failure, reached_by(counts, build, root)
+
+    with concurrent.futures.ThreadPoolExecutor(int(os.environ.get("JOBS", os.cpu_count()))) as pool:
+        tests = [test for test in tests_of(build) if wanted.search(test[0])]
+        for name, seconds, failure, entries in pool.map(measured, tests):
+            reached[name] = {"seconds": round(seconds, 2), "lines": add_reached(entries, whole)}
+            print("%7.1f s  %s%s" % (seconds, name, ", which failed" if failure else ""), flush=True)
+            failures += [failure] if failure else []
     with open(build + "/reached.json", "w") as file:
         json.dump(reached, file)
     lines, branches = report(whole)

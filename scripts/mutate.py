@@ -20,12 +20,14 @@ import json
 import os
 import random
 import re
+import select
 import shlex
 import shutil
 import signal
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
@@ -191,23 +193,36 @@ class Copy:
         shutil.rmtree(self.temporary, ignore_errors=True)
         os.makedirs(self.temporary)
         os.chmod(self.temporary, 0o1777)
-        with tempfile.TemporaryFile() as output:
-            child = subprocess.Popen(confined(self.work) + test["command"], cwd=properties["WORKING_DIRECTORY"],
-                                     env=environment, stdin=subprocess.DEVNULL, stdout=output,
-                                     stderr=subprocess.STDOUT, start_new_session=True)
+        child = subprocess.Popen(confined(self.work) + test["command"], cwd=properties["WORKING_DIRECTORY"],
+                                 env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                 stderr=subprocess.STDOUT, start_new_session=True)
+        try:
+            return failure_of(child, limit)
+        finally:
             try:
-                code = child.wait(limit)
-            except subprocess.TimeoutExpired:
-                return "no end within %d s" % limit
-            finally:
-                try:
-                    os.killpg(child.pid, signal.SIGKILL)
-                except ProcessLookupError:
-                    pass
-                child.wait()
-            output.seek(0)
-            failed = re.search(rb"FAIL!  : ([^\n(]*)", output.read())
-        return "" if code == 0 else failed.group(1).decode() if failed else "ended with %d" % code
+                os.killpg(child.pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+            child.wait()
+            child.stdout.close()
+
+
+def failure_of(child, limit):
+    """How a test that runs fails, told as soon as it is known: what it does behind that costs time alone."""
+    end, text = time.monotonic() + limit, b""
+    while True:
+        if time.monotonic() > end:
+            return "no end within %d s" % limit
+        part = b""
+        if select.select([child.stdout], [], [], 1)[0]:
+            part = os.read(child.stdout.fileno(), 1 << 16)
+            text = text[-1000:] + part
+            failed = re.search(rb"FAIL!  : ([^\n(]*)[^\n]*\n", text)
+            if failed:
+                return failed.group(1).decode()
+        # A child that it left behind may keep its output open.
+        if not part and child.poll() is not None:
+            return "" if child.returncode == 0 else "ended with %d" % child.returncode
 
 
 def confined(work):
@@ -305,6 +320,7 @@ def arguments():
     parser.add_argument("--only", type=re.compile, default=re.compile(""), help="sources, an expression")
     parser.add_argument("--kinds", type=re.compile, default=re.compile(""), help="kinds of changes, an expression")
     parser.add_argument("--preset", default="debug", help="debug or tsan")
+    parser.add_argument("--jobs", type=int, default=1, help="how many copies are worked in at once")
     parser.add_argument("--again", action="store_true", help="tries what was not noticed once more")
     parser.add_argument("--list", action="store_true", help="prints the chosen changes and tries none")
     parser.add_argument("--table", action="store_true", help="prints what is known and tries none")
@@ -320,6 +336,39 @@ def place(change):
     begin, end = code.rfind("\n", 0, change.begin) + 1, code.find("\n", change.end)
     line = code[begin:change.begin] + "[" + code[change.begin:change.end] + " -> " + change.text + "]" + code[change.end:end]
     return "%s:%d: %s: %s" % (change.source, change.line, change.kind, " ".join(line.split()))
+
+
+def is_to_be_tried(known, again):
+    return not known or again and known["outcome"] not in ("noticed", "invalid")
+
+
+def try_all(changes, options, work, path, reached):
+    """Tries these changes in so many copies at once, and writes each result as soon as it is there."""
+    waiting, turn = iter(changes), threading.Lock()
+
+    def next_change():
+        with turn:
+            return next(waiting, None)
+
+    def work_off(copy, change):
+        while change:
+            began = time.monotonic()
+            outcome, by = attempt(copy, change, reached)
+            result = {"key": change.key, "outcome": outcome, "by": by, "place": place(change),
+                      "preset": options.preset, "seconds": round(time.monotonic() - began, 1)}
+            with turn, open(path, "a") as file:
+                file.write(json.dumps(result) + "\n")
+                print("%-9s %5.1f s  %s  %s" % (outcome, result["seconds"], result["place"], by), flush=True)
+            change = next_change()
+
+    workers = []
+    for number in range(1, options.jobs + 1):
+        change = next_change()
+        if change:
+            workers.append(threading.Thread(target=work_off, args=(Copy("%s/%d" % (work, number), options.preset), change)))
+            workers[-1].start()
+    for worker in workers:
+        worker.join()
 
 
 def main():
@@ -341,19 +390,8 @@ def main():
         return
     results = read_results(path)
     if not options.table:
-        copy = None
-        for change in changes:
-            known = results.get(change.key, {})
-            if known and (not options.again or known["outcome"] in ("noticed", "invalid")):
-                continue
-            copy = copy or Copy(work, options.preset)
-            began = time.monotonic()
-            outcome, by = attempt(copy, change, reached)
-            result = {"key": change.key, "outcome": outcome, "by": by, "place": place(change),
-                      "preset": options.preset, "seconds": round(time.monotonic() - began, 1)}
-            with open(path, "a") as file:
-                file.write(json.dumps(result) + "\n")
-            print("%-9s %5.1f s  %s  %s" % (outcome, result["seconds"], result["place"], by), flush=True)
+        try_all([change for change in changes if is_to_be_tried(results.get(change.key), options.again)],
+                options, work, path, reached)
         results = read_results(path)
     share, left = table(changes, results)
     print("%d changes are equal in effect: docs/reliability.md says why" % (len(offered) - len(changes)))
