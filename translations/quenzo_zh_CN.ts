@@ -2348,6 +2348,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <translation>&apos;%1&apos; 的值不是文本、数字、true、false 或 null</translation>
     </message>
     <message>
+        <source>a name holds a null character behind &apos;%1&apos;</source>
+        <translation>有一个名称在 &apos;%1&apos; 之后含有空字符</translation>
+    </message>
+    <message>
         <source>&apos;%1&apos; holds half a surrogate pair, which is no character</source>
         <translation>&apos;%1&apos; 含有半个代理对，不是字符</translation>
     </message>

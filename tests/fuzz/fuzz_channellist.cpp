@@ -4,6 +4,7 @@
 #include "fuzz.h"
 #include "icons/channellist.h"
 #include "icons/iconset.h"
+#include "jsonleak.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -62,6 +63,7 @@ bool canBeUsed(const ListedChannel& channel)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray content(reinterpret_cast<const char*>(data), static_cast<int>(size));
+    const JsonLeak leak(content);
     QStringList errors;
     const QVector<ListedChannel> channels = listed(content, errors);
     const QJsonDocument document = QJsonDocument::fromJson(content);

@@ -3,6 +3,7 @@
 // it is written anew.
 #include "fuzz.h"
 #include "jobscene.h"
+#include "jsonleak.h"
 
 #include "icons/channellist.h"
 
@@ -106,6 +107,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Fuzz::startApplication();
     static JobScene scene;
     const QByteArray content(reinterpret_cast<const char*>(data), static_cast<int>(size));
+    const JsonLeak leak(content);
     const Job job = scene.read(content);
     if (!scene.faults().isEmpty()) {
         holdMistakes(scene.faults(), scene.found(), content);

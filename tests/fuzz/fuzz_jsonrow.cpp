@@ -2,6 +2,7 @@
 // A row holds what Qt's parser finds, and comes back when it is written; whatever else is refused with a
 // reason.
 #include "fuzz.h"
+#include "jsonleak.h"
 #include "records/jsonrow.h"
 
 #include <QJsonArray>
@@ -50,6 +51,7 @@ bool isSame(const QVariant& value, const QJsonValue& parsed)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray text(reinterpret_cast<const char*>(data), static_cast<int>(size));
+    const JsonLeak leak(text);
     QString error;
     const QVariantMap row = JsonRow::parse(text, error);
     const QJsonDocument document = QJsonDocument::fromJson(text);

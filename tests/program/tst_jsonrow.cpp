@@ -81,6 +81,11 @@ void tst_JsonRow::whatWouldChangeIsRefused_data()
     QTest::newRow("first half") << QByteArray(R"({"a":"x\ud83d"})") << half;
     QTest::newRow("first half twice") << QByteArray(R"({"a":"\ud83d\ud83d\ude00"})") << half;
     QTest::newRow("second half") << QByteArray(R"({"a":"\ude00"})") << half;
+    const QString null = QStringLiteral("a name holds a null character behind 'a'");
+    QTest::newRow("null in a name") << QByteArray(R"({"a\u0000b":1})") << null;
+    QTest::newRow("null as such in a name") << QByteArray("{\"a\0b\":1}", 9) << null;
+    QTest::newRow("names alike up to a null") << QByteArray(R"({"a\u0000b":1,"a\u0000c":2})") << null;
+    QTest::newRow("null at the end of a name") << QByteArray(R"({"a\u0000":1,"b":2})") << null;
     QTest::newRow("list") << QByteArray(R"({"a":[1]})") << QStringLiteral("'a' holds neither");
     QTest::newRow("object") << QByteArray(R"({"a":{}})") << QStringLiteral("'a' holds neither");
     QTest::newRow("no object") << QByteArray("[1]") << QStringLiteral("one JSON object");

@@ -67,8 +67,12 @@ bool hasHalfASurrogatePair(const QString& text)
     return false;
 }
 
-QString valueError(const QString& name, const QVariant& value)
+QString memberError(const QString& name, const QVariant& value)
 {
+    // No column has such a name, and Qt's parser compares two of them up to there: it may have dropped one.
+    const int null = name.indexOf(QChar::Null);
+    if (null >= 0)
+        return JsonRowTexts::tr("a name holds a null character behind '%1'").arg(name.left(null));
     if (value.type() == QVariant::Map || value.type() == QVariant::List)
         return JsonRowTexts::tr("'%1' holds neither text, number, true, false nor null").arg(name);
     if (value.type() == QVariant::String && hasHalfASurrogatePair(value.toString()))
@@ -108,7 +112,7 @@ QVariantMap JsonRow::parse(const QByteArray& object, QString& error)
 {
     QVariantMap row = objectIn(object, error).toVariantMap();
     for (auto value = row.cbegin(); value != row.cend() && error.isEmpty(); ++value)
-        error = valueError(value.key(), *value);
+        error = memberError(value.key(), *value);
     if (!error.isEmpty())
         return {};
 

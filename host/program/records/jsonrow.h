@@ -12,7 +12,7 @@ namespace JsonRow {
 /**
  * Reads an object of names to texts, numbers, true, false and null. Whole numbers are integers, those with a
  * fraction or an exponent reals. What cannot be kept as it is written is an error: two values for one column,
- * as SQLite compares names; an integer beyond 64 bits; half a surrogate pair.
+ * as SQLite compares names; a null character in a name; an integer beyond 64 bits; half a surrogate pair.
  *
  * @param[out] error why there is no row; left empty when there is one
  */
