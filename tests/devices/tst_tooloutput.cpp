@@ -151,6 +151,8 @@ void tst_ToolOutput::installOutcomeIsRead_data()
     row("one line with success in it", "Success.", false, unclear);
     row("one line with a code", "Failure [INSTALL_FAILED_INVALID_APK]", false, unclear);
     row("line break first", "\nSuccess", false, installed);
+    row("line breaks around success", "\nSuccess\n", false, installed);
+    row("line breaks around a code", "\nFailure [X]\n", false, refused, "X");
     row("second line has a code", "Performing\nFailure [INSTALL_FAILED_INVALID_APK]\n", false, refused,
         "INSTALL_FAILED_INVALID_APK");
     row("code with explanation", "P\nFailure [INSTALL_FAILED_OLDER_SDK: needs 99]\n", false, refused,

@@ -2,6 +2,8 @@
 #ifndef STEPPEDDATABASE_H
 #define STEPPEDDATABASE_H
 
+#include "treefiles.h"
+
 #include <dbhelper.h>
 
 #include <QTemporaryDir>
@@ -41,7 +43,7 @@ public:
     QVariantList committedIds() const;
 
 private:
-    QTemporaryDir m_folder;
+    QTemporaryDir m_folder{TreeFiles::quickFolder()};
 };
 
 #endif

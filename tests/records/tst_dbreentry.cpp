@@ -12,7 +12,8 @@
 Q_DECLARE_OPAQUE_POINTER(sqlite3*)
 Q_DECLARE_METATYPE(sqlite3*)
 
-// A host's own SQL function that writes, called while a row is being written.
+// What a host does and sees that knows SQLite itself: its own SQL function that writes, called while a row is
+// being written; the statements that are kept.
 class tst_DBReentry : public RecordsFixture {
     Q_OBJECT
 
@@ -23,8 +24,11 @@ private Q_SLOTS:
     void functionWritesIntoTheTableOfTheRow();
     void functionWritesIntoManyTables();
     void functionFailsToWrite();
+    void failedStatementsAreGivenBack();
 
 private:
+    static sqlite3* connection();
+    static int statements();
     void execute(const QString& sql);
     bool write(int id, bool list = false);
 
@@ -45,14 +49,27 @@ void callBack(sqlite3_context* context, int, sqlite3_value** values)
 
 } // namespace
 
+sqlite3* tst_DBReentry::connection()
+{
+    return QSqlDatabase::database(QStringLiteral("Quenzo")).driver()->handle().value<sqlite3*>();
+}
+
+// Those that the connection holds.
+int tst_DBReentry::statements()
+{
+    int count = 0;
+    for (auto* one = sqlite3_next_stmt(connection(), nullptr); one != nullptr;
+         one = sqlite3_next_stmt(connection(), one))
+        ++count;
+    return count;
+}
+
 void tst_DBReentry::init()
 {
     RecordsFixture::init();
-    auto* const connection =
-        QSqlDatabase::database(QStringLiteral("Quenzo")).driver()->handle().value<sqlite3*>();
-    QVERIFY(connection != nullptr);
+    QVERIFY(connection() != nullptr);
     QCOMPARE(
-        sqlite3_create_function(connection, "again", 1, SQLITE_UTF8, &m_work, callBack, nullptr, nullptr),
+        sqlite3_create_function(connection(), "again", 1, SQLITE_UTF8, &m_work, callBack, nullptr, nullptr),
         SQLITE_OK);
     execute(QStringLiteral("CREATE TRIGGER calls AFTER INSERT ON channel BEGIN SELECT again(new.id); END"));
 }
@@ -121,6 +138,19 @@ void tst_DBReentry::functionFailsToWrite()
     QCOMPARE(failures, 4);
     QCOMPARE(m_database->committedIds(), (QVariantList{0, 100, 1, 2, 3, 4}));
     QCOMPARE(m_log->takeDebugTexts().size(), 3 * failures);
+}
+
+void tst_DBReentry::failedStatementsAreGivenBack()
+{
+    m_work = [](int) {};
+    const int before = statements();
+    for (int id = 0; id < others; ++id) {
+        QVERIFY(write(id));
+        QCOMPARE(statements(), before + 1);
+        QVERIFY2(!write(id), "the id is unique");
+        QCOMPARE(statements(), before);
+    }
+    QCOMPARE(m_log->takeDebugTexts().size(), 3 * others);
 }
 
 QTEST_GUILESS_MAIN(tst_DBReentry)

@@ -217,6 +217,32 @@ __attribute__((visibility("default"))) int syncfs(int file) noexcept
     return real<int (*)(int)>("syncfs")(file);
 }
 
+__attribute__((visibility("default"))) ssize_t pwrite64(int file, const void* content, size_t size,
+                                                        off64_t at)
+{
+    if (fails(FaultyCalls::Storing))
+        return -1;
+    return real<ssize_t (*)(int, const void*, size_t, off64_t)>("pwrite64")(file, content, size, at);
+}
+
+// Not done: no plug is pulled, and it would be most of a test's time.
+__attribute__((visibility("default"))) int fdatasync(int /*file*/)
+{
+    return fails(FaultyCalls::Syncing) ? -1 : 0;
+}
+
+__attribute__((visibility("default"))) int fcntl64(int file, int command, ...)
+{
+    va_list arguments;
+    va_start(arguments, command);
+    void* const argument = va_arg(arguments, void*);
+    va_end(arguments);
+    const bool locks = command == F_SETLK && static_cast<const struct flock*>(argument)->l_type == F_WRLCK;
+    if (locks && fails(FaultyCalls::Locking))
+        return -1;
+    return real<int (*)(int, int, void*)>("fcntl64")(file, command, argument);
+}
+
 __attribute__((visibility("default"))) int unlinkat(int folder, const char* path, int flags) noexcept
 {
     if (fails(FaultyCalls::Removing))

@@ -22,6 +22,9 @@ enum Call {
     Renaming,
     ChangingMode,
     Climbing, ///< to the folder above one
+    Storing, ///< at a place of a file, as databases do
+    Syncing, ///< of a single file
+    Locking, ///< of a part of a file, for writing
     StartingThread,
     CallCount
 };

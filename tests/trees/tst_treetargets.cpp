@@ -40,6 +40,8 @@ private Q_SLOTS:
     void folderOfAFilesNameKeepsItsRights();
     void exchangedTargetIsNotFollowed_data();
     void exchangedTargetIsNotFollowed();
+    void exchangedSourceIsNotGoneOnWith_data();
+    void exchangedSourceIsNotGoneOnWith();
     void runsAtOnceLoseNothing_data();
     void runsAtOnceLoseNothing();
 
@@ -204,6 +206,37 @@ void tst_TreeTargets::exchangedTargetIsNotFollowed()
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(content(aside + "/target"), before);
     QCOMPARE(content(m_source), manner == Copy ? before : Tree());
+}
+
+void tst_TreeTargets::exchangedSourceIsNotGoneOnWith_data()
+{
+    QTest::addColumn<Manner>("manner");
+    for (const auto& [manner, what] : {everyWay[0], everyWay[1]})
+        QTest::newRow(what) << manner;
+}
+
+// Somebody else puts another folder in the source's place while it is closed for the many in a linked one,
+// from where no way but its path leads back.
+void tst_TreeTargets::exchangedSourceIsNotGoneOnWith()
+{
+    QFETCH(Manner, manner);
+    const QByteArray deep = QByteArray("/n").repeated(40) + "/file";
+    for (const char* name : {"/one", "/two"}) {
+        write(m_root + "/elsewhere" + name + deep, "deep");
+        makeLink(QByteArray("../elsewhere") + name, m_source + name);
+        write(m_root + "/other" + name + "/file", "other");
+    }
+    const QByteArray aside = m_root + "/aside";
+    const QByteArray intruder = m_root + "/other";
+    const Tree other = content(intruder);
+    FaultyCalls::actBeforeNth(FaultyCalls::Opening, 1, [&] { // of the first deep file
+        QCOMPARE(rename(m_source.constData(), aside.constData()), 0);
+        QCOMPARE(rename(intruder.constData(), m_source.constData()), 0);
+    });
+    QVERIFY(!transfer(manner));
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(content(m_source), other);
+    QCOMPARE(content(m_target).keys("file other"), QList<QByteArray>());
 }
 
 void tst_TreeTargets::runsAtOnceLoseNothing_data()

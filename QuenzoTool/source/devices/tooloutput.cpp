@@ -7,7 +7,7 @@ namespace {
 bool tellsSuccess(const QString& output, int lineBreak)
 {
     const QString word = QStringLiteral("Success");
-    return lineBreak < 0 ? output.endsWith(word) : output.indexOf(word, lineBreak) >= 0;
+    return lineBreak < 0 ? output.endsWith(word) : QStringView(output).mid(lineBreak).contains(word);
 }
 
 } // namespace

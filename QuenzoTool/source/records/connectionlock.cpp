@@ -7,8 +7,8 @@
 namespace {
 
 struct Mutexes {
-    std::atomic<int> waiting{0};
     std::mutex turn; // held by the one that is next among those who wait
+    std::atomic<bool> awaited{false}; // by the one that has the turn
     std::mutex connection;
 };
 
@@ -23,12 +23,12 @@ thread_local int ownLocks = 0;
 
 void lockInTurn(Mutexes& shared)
 {
-    if (shared.waiting.load(std::memory_order_relaxed) == 0 && shared.connection.try_lock())
+    if (!shared.awaited.load(std::memory_order_relaxed) && shared.connection.try_lock())
         return;
-    shared.waiting.fetch_add(1, std::memory_order_relaxed);
     const std::lock_guard<std::mutex> turn(shared.turn);
+    shared.awaited.store(true, std::memory_order_relaxed);
     shared.connection.lock();
-    shared.waiting.fetch_sub(1, std::memory_order_relaxed);
+    shared.awaited.store(false, std::memory_order_relaxed);
 }
 
 } // namespace
@@ -47,7 +47,7 @@ ConnectionLock::~ConnectionLock()
 
 bool ConnectionLock::isAwaited() const
 {
-    return ownLocks == 1 && mutexes().waiting.load(std::memory_order_relaxed) > 0;
+    return ownLocks == 1 && mutexes().awaited.load(std::memory_order_relaxed);
 }
 
 void ConnectionLock::giveWay()
