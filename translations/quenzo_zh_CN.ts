@@ -861,10 +861,6 @@
         <translation>无法写入 &apos;%1&apos;：%2</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; has no entry &apos;%2&apos;</source>
-        <translation>&apos;%1&apos; 中没有条目 &apos;%2&apos;</translation>
-    </message>
-    <message>
         <source>the icon &apos;%1&apos; is no PNG file and stays that of the base</source>
         <translation>图标 &apos;%1&apos; 不是 PNG 文件，保持基础包原样</translation>
     </message>
@@ -3496,6 +3492,14 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
 <context>
     <name>ZipDirectoryTexts</name>
     <message>
+    <message>
+        <source>&apos;%1&apos; has no entry &apos;%2&apos;</source>
+        <translation>&apos;%1&apos; 中没有条目 &apos;%2&apos;</translation>
+    </message>
+    <message>
+        <source>the entry &apos;%2&apos; of &apos;%1&apos; is too large</source>
+        <translation>&apos;%1&apos; 中的条目 &apos;%2&apos; 过大</translation>
+    </message>
         <source>the archive&apos;s directory is not complete</source>
         <translation>压缩包的目录不完整</translation>
     </message>

@@ -99,7 +99,8 @@ bool BuildScene::signAtGate()
                  "sign) apk=${last##*/}; echo $PPID > \"$0.$apk\"; while [ ! -e '"
                      + path(QStringLiteral("gate")).toUtf8()
                      + "' ]; do sleep 0.02; done; cp \"$last\" \"$9\" ;;\n"
-                       "verify) echo 'Signer #1 certificate SHA-256 digest: 00ff' ;;\nesac\n")
+                       "verify) echo 'Signer #1 certificate SHA-256 digest: 00ff' ;;\n"
+                       "--version) cat \"${0%/*}/version\" 2>/dev/null ;;\nesac\n")
         && QFile::setPermissions(path(signer), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
 }
 

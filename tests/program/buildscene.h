@@ -29,7 +29,7 @@ public:
     bool writeJob() const;
 
     /** Has packages signed by a program that waits until the file "gate" is there, so that runs can be met in
-     * the middle of a step. */
+     * the middle of a step. Its version is what "bin/version" holds. */
     bool signAtGate();
     int waiting() const; ///< how many wait there, or did
     qint64 processAtGate(const QString& channel) const; ///< the one that builds a channel; 0 before it waits

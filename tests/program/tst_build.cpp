@@ -19,7 +19,12 @@ private Q_SLOTS:
     void changedInputsBuildTheirChannelsOnly_data();
     void changedInputsBuildTheirChannelsOnly();
     void chosenChannelsAreBuiltAlone();
+    void chosenChannelsOfASliceAreItsOwn();
     void unknownChannelIsNotBuilt();
+    void checkPlansTheChosenChannels_data();
+    void checkPlansTheChosenChannels();
+    void checkOfAWrongJobFails();
+    void anotherSignerBuildsAllAgain();
     void alteredPackageIsBuiltAgain();
     void processesGiveTheSameBytes();
     void slicesGiveTheSameBytes();
@@ -186,6 +191,70 @@ void tst_Build::chosenChannelsAreBuiltAlone()
     QVERIFY(after.value(meadow) == before.value(meadow));
     QVERIFY(after.value(QStringLiteral("harbor/harbor.apk"))
             != before.value(QStringLiteral("harbor/harbor.apk")));
+}
+
+// A slice is the same part of the job whichever channels are chosen, and need not have any of them.
+void tst_Build::chosenChannelsOfASliceAreItsOwn()
+{
+    const QByteArray chosen = " --only harbor --json";
+    const Ended without = m_scene->run("--slice 1/2" + chosen);
+    QVERIFY2(without.code == 0, without.error.constData());
+    QCOMPARE(BuildScene::outcomes(without), Outcomes());
+    QVERIFY(m_scene->finished().isEmpty());
+    const Ended with = m_scene->run("--slice 2/2" + chosen);
+    QVERIFY2(with.code == 0, with.error.constData());
+    QCOMPARE(BuildScene::outcomes(with), (Outcomes{{QStringLiteral("harbor"), QStringLiteral("built")}}));
+}
+
+void tst_Build::checkPlansTheChosenChannels_data()
+{
+    QTest::addColumn<QByteArray>("words");
+    QTest::addColumn<QStringList>("planned");
+    const QString plain = QStringLiteral("plain");
+    const QString harbor = QStringLiteral("harbor");
+    const QString meadow = QStringLiteral("meadow");
+    QTest::newRow("all") << QByteArray() << QStringList{plain, harbor, meadow};
+    QTest::newRow("chosen") << QByteArray("--only meadow --only plain") << QStringList{plain, meadow};
+    QTest::newRow("a slice") << QByteArray("--slice 1/2") << QStringList{plain, meadow};
+    QTest::newRow("chosen of a slice")
+        << QByteArray("--slice 1/2 --only plain --only harbor") << QStringList{plain};
+    QTest::newRow("a slice without any") << QByteArray("--slice 5/5") << QStringList();
+    QTest::newRow("before collecting") << QByteArray("--collect") << QStringList{plain, harbor, meadow};
+}
+
+void tst_Build::checkPlansTheChosenChannels()
+{
+    QFETCH(const QByteArray, words);
+    QFETCH(const QStringList, planned);
+    const Ended ended = m_scene->run("--check --json " + words);
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    const QJsonObject plan = ended.result().value(QStringLiteral("plan")).toObject();
+    QStringList folders;
+    for (const QJsonValue& channel : plan.value(QStringLiteral("channels")).toArray())
+        folders.append(channel.toObject().value(QStringLiteral("folder")).toString());
+    QCOMPARE(folders, planned);
+    QVERIFY(!QFileInfo::exists(m_scene->path(QStringLiteral("output"))));
+}
+
+void tst_Build::checkOfAWrongJobFails()
+{
+    m_scene->job.remove(QStringLiteral("base"));
+    const Ended ended = m_scene->run("--check");
+    QCOMPARE(ended.code, 1);
+    QVERIFY2(ended.error.contains("job.json: /base: "), ended.error.constData());
+    QCOMPARE(ended.output, QByteArray());
+}
+
+void tst_Build::anotherSignerBuildsAllAgain()
+{
+    QVERIFY(m_scene->signAtGate() && m_scene->openGate());
+    for (const char* const version : {"0.9", "1.0"}) {
+        QVERIFY(m_scene->write(QStringLiteral("bin/version"), version));
+        QVERIFY2(BuildScene::outcomes(m_scene->run("--json")).keys(QStringLiteral("built")).size() == 3,
+                 version);
+        QVERIFY2(BuildScene::outcomes(m_scene->run("--json")).keys(QStringLiteral("unchanged")).size() == 3,
+                 version);
+    }
 }
 
 void tst_Build::unknownChannelIsNotBuilt()

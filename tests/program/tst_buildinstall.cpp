@@ -14,9 +14,10 @@ private Q_SLOTS:
     void refusedPackageStaysBuilt();
     void otherChannelsFailureIsNoReason();
     void failedChannelIsNotInstalled();
+    void channelThatIsNotChosenIsNotInstalled();
 
 private:
-    Ended install(const QString& channel) const;
+    Ended install(const QString& channel, const QByteArray& words = {}) const;
     static QStringList installs() { return ScriptedTools::calls().filter(QStringLiteral("<install>")); }
     QString package(const QString& channel) const
     {
@@ -42,9 +43,9 @@ void tst_BuildInstall::init()
                                                {QStringLiteral("files"), QStringLiteral("own")}}});
 }
 
-Ended tst_BuildInstall::install(const QString& channel) const
+Ended tst_BuildInstall::install(const QString& channel, const QByteArray& words) const
 {
-    const auto process = m_scene->process("--yes --install " + channel.toUtf8());
+    const auto process = m_scene->process(words + " --yes --install " + channel.toUtf8());
     prepare(*process);
     return process->end();
 }
@@ -84,6 +85,18 @@ void tst_BuildInstall::failedChannelIsNotInstalled()
     ScriptedTools::forgetCalls();
     QVERIFY(m_scene->write(QStringLiteral("own/assets/channel.json"), "{}"));
     QCOMPARE(install(QStringLiteral("own")).code, 1);
+    QCOMPARE(installs(), QStringList());
+}
+
+// What lies there is of an earlier run.
+void tst_BuildInstall::channelThatIsNotChosenIsNotInstalled()
+{
+    QCOMPARE(install(QStringLiteral("own")).code, 0);
+    ScriptedTools::forgetCalls();
+    const Ended ended = install(QStringLiteral("own"), "--only plain");
+    QCOMPARE(ended.code, 2);
+    QVERIFY2(ended.error.contains("--install: there is no channel 'own' to be built"),
+             ended.error.constData());
     QCOMPARE(installs(), QStringList());
 }
 

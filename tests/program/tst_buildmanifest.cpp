@@ -15,7 +15,10 @@ private Q_SLOTS:
     void baseWithFilesOfAnyKindIsRenamed();
     void fragmentsOfSdksAreMerged();
     void clashingFragmentFailsItsChannelOnly();
+    void missingApktoolIsToldBeforeAnythingIsBuilt_data();
     void missingApktoolIsToldBeforeAnythingIsBuilt();
+    void channelsThatKeepTheirManifestNeedNoApktool();
+    void anotherApktoolBuildsItsChannelsAgain();
     void processesGiveTheSameBytes();
     void resourceNamesLeadNowhere_data();
     void resourceNamesLeadNowhere();
@@ -24,6 +27,8 @@ private:
     bool addFragment(const QByteArray& fragment) const;
     QByteArray badgingOf(const QString& channel) const;
     QByteArray manifestOf(const QString& channel) const;
+    void rename() const;
+    Ended runWithoutApktool(const QByteArray& words) const;
 
     std::unique_ptr<BuildScene> m_scene;
 };
@@ -68,9 +73,7 @@ QByteArray tst_BuildManifest::manifestOf(const QString& channel) const
 
 void tst_BuildManifest::packageOfItsOwnIsNamed()
 {
-    QJsonObject channel = m_scene->channel(1);
-    channel.insert(QStringLiteral("package"), QStringLiteral("com.quenzo.skyharbour.harbor"));
-    m_scene->setChannel(1, channel);
+    rename();
     const Ended ended = m_scene->run("--json");
     QVERIFY2(ended.code == 0, ended.error.constData());
     QCOMPARE(
@@ -93,9 +96,7 @@ void tst_BuildManifest::baseWithFilesOfAnyKindIsRenamed()
                  .code,
              0);
     m_scene->job.insert(QStringLiteral("base"), QStringLiteral("more.apk"));
-    QJsonObject channel = m_scene->channel(1);
-    channel.insert(QStringLiteral("package"), QStringLiteral("com.quenzo.skyharbour.harbor"));
-    m_scene->setChannel(1, channel);
+    rename();
     const Ended ended = m_scene->run();
     QVERIFY2(ended.code == 0, ended.error.constData());
     const QByteArray badging = badgingOf(QStringLiteral("harbor"));
@@ -133,17 +134,76 @@ void tst_BuildManifest::clashingFragmentFailsItsChannelOnly()
             "the SDK 'pay' wants another activity 'android.app.NativeActivity' than the manifest has"));
 }
 
-void tst_BuildManifest::missingApktoolIsToldBeforeAnythingIsBuilt()
+// By the search path alone.
+Ended tst_BuildManifest::runWithoutApktool(const QByteArray& words) const
+{
+    const auto process = m_scene->process("--json " + words);
+    process->setVariable("PATH", m_scene->path({}));
+    return process->end();
+}
+
+void tst_BuildManifest::rename() const
 {
     QJsonObject channel = m_scene->channel(1);
     channel.insert(QStringLiteral("package"), QStringLiteral("com.quenzo.skyharbour.harbor"));
     m_scene->setChannel(1, channel);
-    const auto process = m_scene->process("--json");
-    process->setVariable("PATH", m_scene->path({}));
-    const Ended ended = process->end();
+}
+
+void tst_BuildManifest::missingApktoolIsToldBeforeAnythingIsBuilt_data()
+{
+    QTest::addColumn<bool>("isFragment");
+    QTest::addColumn<QByteArray>("words");
+    for (const char* const words : {"", "--check"}) {
+        QTest::addRow("package of its own %s", words) << false << QByteArray(words);
+        QTest::addRow("fragment of an SDK %s", words) << true << QByteArray(words);
+    }
+}
+
+void tst_BuildManifest::missingApktoolIsToldBeforeAnythingIsBuilt()
+{
+    QFETCH(const bool, isFragment);
+    QFETCH(const QByteArray, words);
+    if (isFragment)
+        QVERIFY(addFragment("<uses-permission android:name=\"android.permission.CAMERA\"/>"));
+    else
+        rename();
+    const Ended ended = runWithoutApktool(words);
     QCOMPARE(ended.code, 1);
     QCOMPARE(ended.failure().value(QStringLiteral("code")).toString(), QStringLiteral("no-tool"));
-    QVERIFY(m_scene->finished().isEmpty());
+    for (const char* const folder : {"work", "output"})
+        QVERIFY2(!QFileInfo::exists(m_scene->path(QLatin1String(folder))), folder);
+}
+
+void tst_BuildManifest::channelsThatKeepTheirManifestNeedNoApktool()
+{
+    rename();
+    const Ended ended = runWithoutApktool("--only plain --only meadow");
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QCOMPARE(BuildScene::outcomes(ended).keys(QStringLiteral("built")).size(), 2);
+}
+
+void tst_BuildManifest::anotherApktoolBuildsItsChannelsAgain()
+{
+    rename();
+    // What is installed, under another version.
+    const QString standIn = QStringLiteral("bin/apktool");
+    QVERIFY(m_scene->write(standIn,
+                           "#!/bin/sh\n[ \"$1\" = --version ] && exec cat \"$0.version\"\nexec "
+                               + QStandardPaths::findExecutable(QStringLiteral("apktool")).toUtf8()
+                               + " \"$@\"\n"));
+    QVERIFY(QFile::setPermissions(m_scene->path(standIn), QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+    const QStringList renamed{QStringLiteral("harbor")};
+    for (const char* const version : {"2.7.0", "2.8.1"}) {
+        QVERIFY(m_scene->write(standIn + QStringLiteral(".version"), version));
+        const Ended ended = m_scene->run("--json");
+        QVERIFY2(ended.code == 0, ended.error.constData());
+        QVERIFY2(BuildScene::outcomes(ended).keys(QStringLiteral("built")).contains(renamed.first()),
+                 version);
+        QCOMPARE(BuildScene::outcomes(ended).keys(QStringLiteral("unchanged")).size(),
+                 version == QByteArray("2.7.0") ? 0 : 2);
+        const Ended again = m_scene->run("--json");
+        QCOMPARE(BuildScene::outcomes(again).keys(QStringLiteral("unchanged")).size(), 3);
+    }
 }
 
 void tst_BuildManifest::processesGiveTheSameBytes()
@@ -182,9 +242,7 @@ void tst_BuildManifest::resourceNamesLeadNowhere()
     QVERIFY(QFile::remove(m_scene->path(QStringLiteral("base.apk"))));
     QCOMPARE(quenzo("pack game base.apk"), 0);
     QVERIFY(QDir(m_scene->path(QStringLiteral("game"))).removeRecursively());
-    QJsonObject channel = m_scene->channel(1);
-    channel.insert(QStringLiteral("package"), QStringLiteral("com.quenzo.skyharbour.harbor"));
-    m_scene->setChannel(1, channel);
+    rename();
     m_scene->job.remove(QStringLiteral("icons"));
     for (const int number : {1, 2}) {
         QJsonObject unmarked = m_scene->channel(number);

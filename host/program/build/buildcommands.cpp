@@ -127,11 +127,11 @@ QString unknownChannel(const QStringList& folders, const Job& job)
 }
 
 // What speaks against installing a channel's package after the build; empty when nothing does.
-QString objectionToInstall(const QCommandLineParser& parser, const Job& job, const Slice& slice)
+QString objectionToInstall(const QCommandLineParser& parser, const Job& job, const BuildWishes& wishes)
 {
     const QString wanted = parser.value(installOption);
     for (int i = 0; i < job.channels.size(); ++i) {
-        if (job.channels.at(i).folder == wanted && slice.takes(i))
+        if (job.channels.at(i).folder == wanted && wishes.takes(i, job.channels.at(i)))
             return parser.isSet(yesOption) || Console::isInteractive()
                 ? QString()
                 : BuildCommands::tr(
@@ -140,32 +140,44 @@ QString objectionToInstall(const QCommandLineParser& parser, const Job& job, con
     return BuildCommands::tr("--install: there is no channel '%1' to be built").arg(wanted);
 }
 
-ExitCode buildJob(const QCommandLineParser& parser, Console& console)
+// What is wrong with the words themselves; empty when nothing is.
+QString readWishes(const QCommandLineParser& parser, BuildWishes& wishes)
 {
-    const QString path = parser.positionalArguments().at(1);
-    if (parser.isSet(checkOption))
-        return checkJob(path, console);
-    Job job;
-    if (parser.isSet(collectOption)) // of whatever slices there are, even in one of them
-        return readJob(path, job, console) ? collectSlices(job, console) : ExitFailed;
-    BuildWishes wishes;
     QString fault;
     wishes.slice = Slice::of(parser.value(sliceOption), parser.value(slicesOption),
                              QProcessEnvironment::systemEnvironment(), fault);
     if (!fault.isEmpty())
-        return failWords(console, fault);
+        return fault;
     bool isNumber = true;
     wishes.processes = parser.isSet(jobsOption) ? parser.value(jobsOption).toInt(&isNumber) : 1;
     constexpr int mostProcesses = 256;
     if (!isNumber || wishes.processes < 1 || wishes.processes > mostProcesses)
-        return failWords(console, BuildCommands::tr("--jobs takes a number from 1 to %1").arg(mostProcesses));
+        return BuildCommands::tr("--jobs takes a number from 1 to %1").arg(mostProcesses);
     wishes.force = parser.isSet(forceOption);
     wishes.only = parser.values(onlyOption);
+    return {};
+}
+
+ExitCode buildJob(const QCommandLineParser& parser, Console& console)
+{
+    const QString path = parser.positionalArguments().at(1);
+    const bool isCheck = parser.isSet(checkOption);
+    Job job;
+    if (parser.isSet(collectOption) && !isCheck) // of whatever slices there are, even in one of them
+        return readJob(path, job, console) ? collectSlices(job, console) : ExitFailed;
+    BuildWishes wishes;
+    QString fault = readWishes(parser, wishes);
+    if (!fault.isEmpty())
+        return failWords(console, fault);
     if (!readJob(path, job, console))
         return ExitFailed;
     const QString unknown = unknownChannel(wishes.only, job);
     if (!unknown.isEmpty())
         return failWords(console, BuildCommands::tr("--only: there is no channel '%1'").arg(unknown));
+    if (isCheck) {
+        job.channels = wishes.channelsOf(job);
+        return checkJob(job, console);
+    }
     if (parser.isSet(shareOption)) {
         int share = 0;
         int shares = 1;
@@ -175,7 +187,7 @@ ExitCode buildJob(const QCommandLineParser& parser, Console& console)
     }
     if (!parser.isSet(installOption))
         return BuildRun(job, wishes, console).run();
-    fault = objectionToInstall(parser, job, wishes.slice);
+    fault = objectionToInstall(parser, job, wishes);
     if (!fault.isEmpty())
         return failWords(console, fault);
     const ExitCode built = BuildRun(job, wishes, console).run();

@@ -57,6 +57,8 @@ QByteArray versionOf(Console& console, const QString& program, const QString& wo
 
 BuildInputs::BuildInputs(const Job& job, const QByteArray& base, Console& console)
     : m_job(job)
+    , m_console(console)
+    , m_needed(job)
     , m_digests{{job.base, base}}
 {
     m_tools = QUENZO_VERSION "\n"
@@ -68,6 +70,16 @@ BuildInputs::BuildInputs(const Job& job, const QByteArray& base, Console& consol
     for (const QString& script : scripts.entryList({QStringLiteral("*.py"), QStringLiteral("*.json")}))
         m_tools += fileDigest(scripts.filePath(script));
     m_common = commonDigest();
+}
+
+// Asked for late: it takes about as long as a small channel, and few jobs decode their base.
+QByteArray BuildInputs::apktoolVersion()
+{
+    if (m_apktool.isEmpty())
+        m_apktool =
+            digestOfText(versionOf(m_console, QStandardPaths::findExecutable(QStringLiteral("apktool")),
+                                   QStringLiteral("--version")));
+    return m_apktool;
 }
 
 QByteArray BuildInputs::fileDigest(const QString& path)
@@ -156,6 +168,8 @@ QString BuildInputs::digestOf(const JobChannel& channel)
         sdks.append(QJsonArray{name, sdk.id, QString::fromLatin1(fileDigest(sdk.package))});
     }
     values.insert(QStringLiteral("sdks"), sdks);
+    if (m_needed.changesManifest(channel))
+        values.insert(QStringLiteral("apktool"), QString::fromLatin1(apktoolVersion()));
     if (!channel.files.isEmpty())
         values.insert(QStringLiteral("files"), QString::fromLatin1(folderDigest(channel.files)));
     if (!m_error.isEmpty())

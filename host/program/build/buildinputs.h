@@ -2,6 +2,8 @@
 #ifndef BUILDINPUTS_H
 #define BUILDINPUTS_H
 
+#include "build/jobtools.h"
+
 #include <QHash>
 #include <QString>
 
@@ -25,10 +27,14 @@ private:
     QByteArray fileDigest(const QString& path);
     QByteArray folderDigest(const QString& folder);
     QByteArray commonDigest();
+    QByteArray apktoolVersion();
 
     const Job& m_job;
+    Console& m_console;
+    JobTools m_needed;
     QHash<QString, QByteArray> m_digests; ///< of files and folders, by path
     QByteArray m_tools;
+    QByteArray m_apktool; ///< its version, once somebody needs it
     QByteArray m_common;
     QString m_error;
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "build/buildrun.h"
 
-#include "build/apktool.h"
 #include "build/buildinputs.h"
 #include "build/buildpreparation.h"
 #include "build/buildrecords.h"
@@ -9,6 +8,7 @@
 #include "build/buildworkers.h"
 #include "build/channelbuild.h"
 #include "build/filedigest.h"
+#include "build/jobtools.h"
 #include "build/outcomejson.h"
 #include "build/sheets.h"
 #include "console/console.h"
@@ -18,7 +18,6 @@
 #include "console/spinner.h"
 #include "console/standardstreams.h"
 #include "icons/iconset.h"
-#include "scripts/apksigner.h"
 #include "scripts/assetencryption.h"
 
 #include <QCoreApplication>
@@ -31,6 +30,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <optional>
 #include <future>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -152,14 +152,9 @@ bool BuildRun::begin()
     m_outcome.slice = m_wishes.slice.index;
     m_outcome.slices = m_wishes.slice.count;
     m_outcome.start = QDateTime::currentDateTimeUtc();
-    if (m_job.signing && !ApkSigner().isInstalled()) {
-        m_console.error(ApkSigner::missing());
-        return false;
-    }
-    const bool renames = std::any_of(m_job.channels.cbegin(), m_job.channels.cend(),
-                                     [](const JobChannel& channel) { return !channel.package.isEmpty(); });
-    if (renames && !ApkTool({}).isInstalled()) {
-        m_console.error(ApkTool::missing());
+    const std::optional<Failure> missing = JobTools(m_job).missing(m_wishes.channelsOf(m_job));
+    if (missing) {
+        m_console.error(*missing);
         return false;
     }
     for (const QString& folder : {m_places.work, m_places.output, m_places.reports}) {
@@ -251,7 +246,7 @@ void BuildRun::findWork(BuildRecords& records)
     const QHash<QString, EarlierBuild> earlier = records.earlier(m_job.game);
     for (int i = 0; i < m_job.channels.size(); ++i) {
         const JobChannel& channel = m_job.channels.at(i);
-        if (!m_wishes.slice.takes(i) || (!m_wishes.only.isEmpty() && !m_wishes.only.contains(channel.folder)))
+        if (!m_wishes.takes(i, channel))
             continue;
         const QString digest = inputs.digestOf(channel);
         m_inputs.insert(channel.folder, digest);

@@ -5,9 +5,8 @@
 #include "build/apkeditor.h"
 #include "build/buildoutcome.h"
 #include "build/buildplaces.h"
-#include "build/job.h"
+#include "build/buildwishes.h"
 #include "build/packagefacts.h"
-#include "build/slice.h"
 #include "command.h"
 #include "console/interruptguard.h"
 #include "console/spinner.h"
@@ -20,14 +19,6 @@ class BuildRecords;
 class QFile;
 struct EarlierBuild;
 struct Progress;
-
-/** What the words of the command line ask of a run. */
-struct BuildWishes {
-    Slice slice;
-    QStringList only; ///< folders of the channels to be built; empty for all of the slice
-    bool force = false; ///< builds what has not changed, too
-    int processes = 1;
-};
 
 /** One run over a job's channels, or a slice of them: prepares, builds, records and reports. */
 class BuildRun {

@@ -3,12 +3,10 @@
 
 #include "build/apkeditor.h"
 #include "build/apktool.h"
-#include "build/archivefile.h"
 #include "build/job.h"
 #include "build/manifest.h"
 #include "build/packageparts.h"
 #include "build/zipcontent.h"
-#include "build/zipdirectory.h"
 #include "console/console.h"
 #include "console/diagnostics.h"
 #include "icons/iconset.h"
@@ -55,27 +53,6 @@ QString writeFile(const QString& path, const QByteArray& content)
     if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush())
         return {};
     return Build::tr("'%1' cannot be written: %2").arg(path, file.errorString());
-}
-
-// The content of one entry of an archive.
-QByteArray contentOf(const QString& path, const QByteArray& name, QString& fault)
-{
-    ArchiveFile archive;
-    ZipDirectory directory;
-    fault = archive.open(path) ? directory.read(archive) : archive.error();
-    for (const ZipEntry& entry : qAsConst(directory.entries)) {
-        if (!fault.isEmpty() || entry.name != name)
-            continue;
-        ZipContent content(archive, entry);
-        QByteArray whole;
-        for (QByteArray block = content.next(); !block.isEmpty(); block = content.next())
-            whole += block;
-        fault = content.error();
-        return whole;
-    }
-    if (fault.isEmpty())
-        fault = Build::tr("'%1' has no entry '%2'").arg(path, QString::fromUtf8(name));
-    return {};
 }
 
 // The disk begins to write while other things are done: at the end of a run there is little left to wait for.
@@ -265,7 +242,7 @@ QString ChannelBuild::makeManifest()
         ApkTool(m_places.decodingStore()).build(text, packageName(), m_job.base, m_base, archive, console);
     if (!fault.isEmpty())
         return fault;
-    const QByteArray built = contentOf(archive, QByteArrayLiteral("AndroidManifest.xml"), fault);
+    const QByteArray built = contentOfEntry(archive, QByteArrayLiteral("AndroidManifest.xml"), fault);
     QFile::remove(archive);
     return fault.isEmpty() ? writeFile(text, built) : fault;
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "build/jobplan.h"
 
+#include "build/jobtools.h"
 #include "console/console.h"
 #include "console/figures.h"
 #include "icons/iconset.h"
-#include "scripts/apksigner.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -138,17 +138,13 @@ void JobPlan::report(const QString& path, const QVector<JobFault>& faults, Conso
         console.set(QStringLiteral("faults"), list);
 }
 
-ExitCode checkJob(const QString& path, Console& console)
+ExitCode checkJob(const Job& job, Console& console)
 {
-    QVector<JobFault> faults;
-    const Job job = JobFile::read(path, faults);
-    JobPlan::report(path, faults, console);
-    if (!faults.isEmpty())
-        return ExitFailed;
     console.printText(JobPlan::toText(job).join(QLatin1Char('\n')));
     console.set(QStringLiteral("plan"), JobPlan::toJson(job));
-    if (!job.signing || ApkSigner().isInstalled())
+    const std::optional<Failure> missing = JobTools(job).missing(job.channels);
+    if (!missing)
         return ExitDone;
-    console.error(ApkSigner::missing());
+    console.error(*missing);
     return ExitFailed;
 }

@@ -20,7 +20,7 @@ void report(const QString& path, const QVector<JobFault>& faults, Console& conso
 
 } // namespace JobPlan
 
-/** Reads a job, looks at what it names, and prints the plan; changes nothing. */
-ExitCode checkJob(const QString& path, Console& console);
+/** Prints the plan of a job, and looks for the programs that it needs; changes nothing. */
+ExitCode checkJob(const Job& job, Console& console);
 
 #endif

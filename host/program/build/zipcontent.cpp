@@ -2,10 +2,12 @@
 #include "build/zipcontent.h"
 
 #include "build/archivefile.h"
+#include "build/zipdirectory.h"
 #include "build/zipnames.h"
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <zlib.h>
 
 namespace {
@@ -100,4 +102,29 @@ QByteArray ZipContent::fail(const QString& reason)
                   .arg(ZipNames::shown(m_entry.name),
                        reason.isEmpty() ? ZipContentTexts::tr("it is damaged or cut off") : reason);
     return {};
+}
+
+QByteArray contentOfEntry(const QString& archive, const QByteArray& name, QString& fault)
+{
+    constexpr qint64 most = 1 << 24;
+    ArchiveFile file;
+    ZipDirectory directory;
+    fault = file.open(archive) ? directory.read(file) : file.error();
+    if (!fault.isEmpty())
+        return {};
+    const auto entry = std::find_if(directory.entries.cbegin(), directory.entries.cend(),
+                                    [&name](const ZipEntry& one) { return one.name == name; });
+    if (entry == directory.entries.cend() || entry->size > most) {
+        fault = entry == directory.entries.cend()
+            ? ZipContentTexts::tr("'%1' has no entry '%2'").arg(archive, QString::fromUtf8(name))
+            : ZipContentTexts::tr("the entry '%2' of '%1' is too large")
+                  .arg(archive, QString::fromUtf8(name));
+        return {};
+    }
+    ZipContent content(file, *entry);
+    QByteArray whole;
+    for (QByteArray block = content.next(); !block.isEmpty(); block = content.next())
+        whole += block;
+    fault = content.error();
+    return fault.isEmpty() ? whole : QByteArray();
 }

@@ -4,6 +4,8 @@
 
 #include "build/zipentry.h"
 
+#include <QString>
+
 #include <memory>
 
 class ArchiveFile;
@@ -38,5 +40,9 @@ private:
     quint32 m_crc = 0;
     QString m_error;
 };
+
+/** The whole content of an entry that is read into memory, such as a manifest; empty with a fault in one
+ * sentence where there is none, or one of more than 16 MiB. */
+QByteArray contentOfEntry(const QString& archive, const QByteArray& name, QString& fault);
 
 #endif
