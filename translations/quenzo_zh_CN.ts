@@ -648,6 +648,10 @@
         <source>the icon &apos;%1&apos; was not written: %2</source>
         <translation>图标 &apos;%1&apos; 没有写入：%2</translation>
     </message>
+    <message>
+        <source>the icons cannot be brought to the disk: %1</source>
+        <translation>图标无法写入磁盘：%1</translation>
+    </message>
 </context>
 <context>
     <name>BuildRecords</name>
@@ -3488,10 +3492,6 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>it is damaged or cut off</source>
         <translation>已损坏或被截断</translation>
     </message>
-</context>
-<context>
-    <name>ZipDirectoryTexts</name>
-    <message>
     <message>
         <source>&apos;%1&apos; has no entry &apos;%2&apos;</source>
         <translation>&apos;%1&apos; 中没有条目 &apos;%2&apos;</translation>
@@ -3500,6 +3500,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>the entry &apos;%2&apos; of &apos;%1&apos; is too large</source>
         <translation>&apos;%1&apos; 中的条目 &apos;%2&apos; 过大</translation>
     </message>
+</context>
+<context>
+    <name>ZipDirectoryTexts</name>
+    <message>
         <source>the archive&apos;s directory is not complete</source>
         <translation>压缩包的目录不完整</translation>
     </message>

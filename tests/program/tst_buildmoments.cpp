@@ -28,6 +28,8 @@ private Q_SLOTS:
     void interruptedPreparationEndsBeforeTheChannels();
     void outputThatIsNotOnTheDiskHasNoEnd();
 
+    void iconsThatAreNotOnTheDiskMakeNoPackage();
+    void diskIsWaitedForTwiceWhateverTheChannels();
 private:
     static QString step(const char* name);
     static QString stage(const char* name);
@@ -192,6 +194,7 @@ void tst_BuildMoments::recordsLockedForAMomentAreWhole()
     for (const QJsonValue& channel : channels) {
         QCOMPARE(channel.toObject().value(QStringLiteral("outcome")).toString(), QStringLiteral("built"));
         QCOMPARE(channel.toObject().value(QStringLiteral("steps")).toArray().size(), 5);
+    QCOMPARE(QFileInfo::exists(m_scene->path(QStringLiteral("output/harbor"))), isReport);
     }
 }
 
@@ -271,3 +274,28 @@ void tst_BuildMoments::outputThatIsNotOnTheDiskHasNoEnd()
 
 QTEST_GUILESS_MAIN(tst_BuildMoments)
 #include "tst_buildmoments.moc"
+void tst_BuildMoments::iconsThatAreNotOnTheDiskMakeNoPackage()
+{
+    QVERIFY(goOn()); // not to be waited for
+    const auto process = prepared(stage("drawing icons"));
+    process->setVariable("QUENZO_FLUSH_FAILS", QStringLiteral("1"));
+    const Ended ended = process->end();
+    QCOMPARE(ended.code, 1);
+    QCOMPARE(BuildScene::reportOf(ended, QStringLiteral("plain")).value(QStringLiteral("message")).toString(),
+             QStringLiteral("the icons cannot be brought to the disk: Input/output error"));
+    QCOMPARE(m_scene->finished(), (QMap<QString, QByteArray>()));
+    QCOMPARE(m_scene->run().code, 0);
+}
+
+// For the icons of all channels, and for everything: the packages are large, and a disk has other work.
+void tst_BuildMoments::diskIsWaitedForTwiceWhateverTheChannels()
+{
+    change(1, "number", 101);
+    const auto process = prepared(stage("nothing of the kind"));
+    process->setVariable("QUENZO_FLUSHES", m_scene->path(QStringLiteral("flushes")));
+    const Ended ended = process->end();
+    QVERIFY2(ended.code == 0, ended.error.constData());
+    QCOMPARE(m_scene->read(QStringLiteral("flushes")), QByteArray("ff"));
+    QVERIFY(m_scene->finished().contains(QStringLiteral("harbor/develop/channel_101.json")));
+}
+

@@ -11,7 +11,7 @@
 // Preloaded into a program. When it is about to write QUENZO_MOMENT for the first time, wherever to,
 // it makes the file "reached" in the folder QUENZO_MOMENT_FOLDER, and waits until there is one "passed": a
 // test can change the world at that moment. With QUENZO_FLUSH_FAILS no file system can be brought to the disk
-// from then on.
+// from then on. The file QUENZO_FLUSHES gets a byte each time that one shall be.
 
 namespace {
 
@@ -51,6 +51,12 @@ __attribute__((visibility("default"))) ssize_t write(int file, const void* conte
 
 __attribute__((visibility("default"))) int syncfs(int file) noexcept
 {
+    const char* const list = getenv("QUENZO_FLUSHES");
+    const int flushes = list == nullptr ? -1 : open(list, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    if (flushes >= 0) {
+        real<ssize_t (*)(int, const void*, size_t)>("write")(flushes, "f", 1);
+        close(flushes);
+    }
     if (!isPast || getenv("QUENZO_FLUSH_FAILS") == nullptr)
         return real<int (*)(int)>("syncfs")(file);
     errno = EIO;

@@ -99,7 +99,12 @@ bool BuildPreparation::makeIcons(const QVector<JobChannel>& channels, QString& f
         if (!makeIconsFor(platform, channels, fault))
             return false;
     }
-    return true;
+    // Once for all channels, before there are packages that would have to be waited for as well: a machine
+    // that goes down may leave no package whose icons have not reached the disk.
+    const QString reason = flushFolder(m_places.work);
+    if (!reason.isEmpty())
+        fault = Preparation::tr("the icons cannot be brought to the disk: %1").arg(reason);
+    return fault.isEmpty();
 }
 
 bool BuildPreparation::makeIconsFor(int platform, const QVector<JobChannel>& channels, QString& fault)

@@ -29,12 +29,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
-#include <optional>
 #include <future>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
@@ -393,16 +390,11 @@ void BuildRun::tell(const ChannelOutcome& channel)
 // Once for all packages; a run whose output may not be on the disk has no end in the records.
 bool BuildRun::flushOutput()
 {
-    const int folder =
-        ::open(QFile::encodeName(m_places.output).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const bool done = folder >= 0 && syncfs(folder) == 0;
-    const QString reason = qt_error_string(errno);
-    if (folder >= 0)
-        ::close(folder);
-    if (!done)
+    const QString reason = flushFolder(m_places.output);
+    if (!reason.isEmpty())
         m_console.error(
             Run::tr("the output '%1' cannot be brought to the disk: %2").arg(m_places.output, reason));
-    return done;
+    return reason.isEmpty();
 }
 
 ExitCode BuildRun::report(BuildRecords& records)

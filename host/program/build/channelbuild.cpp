@@ -23,6 +23,7 @@
 #include <QJsonDocument>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
@@ -86,6 +87,16 @@ QString removeFolder(const QString& folder)
     TreeRemoval removal(QFile::encodeName(folder));
     removal.run();
     return removal.error();
+}
+
+QString flushFolder(const QString& folder)
+{
+    const int handle = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool done = handle >= 0 && syncfs(handle) == 0;
+    const QString reason = done ? QString() : qt_error_string(errno);
+    if (handle >= 0)
+        close(handle);
+    return reason;
 }
 
 QString clearFinished(const BuildPlaces& places, const QString& folder)
@@ -379,18 +390,40 @@ QString ChannelBuild::cutForOutput(const QStringList& left)
     return {};
 }
 
-QString ChannelBuild::output()
+// Gives something in the channel's folder its name in the output; false where that is on another file system.
+bool ChannelBuild::renameForOutput(const QString& name) const
 {
-    QString fault = makeFolder(m_places.output);
-    if (fault.isEmpty())
-        fault = cutForOutput(m_job.leave + QStringList(QFileInfo(packageFile()).fileName()));
-    // A cut copies. What is large gets its new name instead, unless it goes to another file system.
-    const QByteArray finished = QFile::encodeName(m_places.finishedPackage(m_channel->folder));
-    if (fault.isEmpty()
-        && std::rename(QFile::encodeName(packageFile()).constData(), finished.constData()) != 0)
-        fault = cutForOutput(m_job.leave);
+    const QString finished = m_places.finished(m_channel->folder) + QLatin1Char('/') + name;
+    return std::rename(QFile::encodeName(channelFile(name)).constData(),
+                       QFile::encodeName(finished).constData())
+        == 0;
+}
+
+// A cut copies, and waits until all that was written to the file system is on the disk, the package too. So
+// what a channel consists of gets its new name where it can, the package last, and the cut moves the rest.
+QString ChannelBuild::moveToOutput()
+{
+    QString fault = makeFolder(m_places.finished(m_channel->folder));
     if (!fault.isEmpty())
         return fault;
+    for (const QString& name : {QStringLiteral("icons"), QStringLiteral("develop")}) {
+        if (!m_job.leave.contains(name, Qt::CaseInsensitive)) // as the cut compares them
+            renameForOutput(name);
+    }
+    const QString package = QFileInfo(packageFile()).fileName();
+    fault = cutForOutput(m_job.leave + QStringList(package));
+    if (fault.isEmpty() && !renameForOutput(package))
+        fault = cutForOutput(m_job.leave);
+    return fault;
+}
+
+QString ChannelBuild::output()
+{
+    const QString fault = moveToOutput();
+    if (!fault.isEmpty()) {
+        clearFinished(m_places, m_channel->folder); // the rest of it will not come
+        return fault;
+    }
     m_outcome.package = m_places.finishedPackage(m_channel->folder);
     for (const int platform : m_job.platforms) {
         const QString icon = m_places.finished(m_channel->folder)

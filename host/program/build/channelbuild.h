@@ -49,7 +49,9 @@ private:
     QString exportRecord();
     QString output();
 
+    bool renameForOutput(const QString& name) const;
     QString cutForOutput(const QStringList& left);
+    QString moveToOutput();
 
     QByteArray channelContent() const;
     QString packageName() const;
@@ -72,6 +74,9 @@ bool changesManifest(const JobChannel& channel, const BuildPlaces& places);
 
 /** What removes a folder with all in it; a fault in one sentence. */
 QString removeFolder(const QString& folder);
+
+/** Brings all that was written to a folder's file system to the disk; the system's reason when that fails. */
+QString flushFolder(const QString& folder);
 
 /** What removes a channel's package and all else that builds finish there; files of others stay. */
 QString clearFinished(const BuildPlaces& places, const QString& folder);
