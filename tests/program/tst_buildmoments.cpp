@@ -23,13 +23,14 @@ private Q_SLOTS:
     void diskThatFillsUpInAStepFailsItsChannel_data();
     void diskThatFillsUpInAStepFailsItsChannel();
     void recordsLockedForAMomentAreWhole();
+    void recordsLockedToTheEndAreTold();
     void baseExchangedWhileItIsDecodedMakesNoPackage();
     void interruptedPreparationEndsBeforeTheChannels_data();
     void interruptedPreparationEndsBeforeTheChannels();
     void outputThatIsNotOnTheDiskHasNoEnd();
-
     void iconsThatAreNotOnTheDiskMakeNoPackage();
     void diskIsWaitedForTwiceWhateverTheChannels();
+
 private:
     static QString step(const char* name);
     static QString stage(const char* name);
@@ -40,6 +41,7 @@ private:
     bool isReached() const { return QFileInfo::exists(m_scene->path(QStringLiteral("reached"))); }
     bool goOn() const { return m_scene->write(QStringLiteral("passed"), {}); }
     QMap<QString, QByteArray> undisturbed() const;
+    QString recordedOutcome() const;
     std::unique_ptr<BuildScene> m_scene;
 };
 
@@ -61,6 +63,32 @@ bool fill(const QString& folder)
     }
     return true;
 }
+
+// Another program that has the records file for itself, until it is destroyed.
+class RecordsHolder {
+public:
+    explicit RecordsHolder(const QString& file)
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+        other.setDatabaseName(file);
+        QSqlQuery query(other.open() ? other : QSqlDatabase());
+        if (!query.exec(QStringLiteral("BEGIN EXCLUSIVE")))
+            m_fault = query.lastError().text();
+    }
+    ~RecordsHolder()
+    {
+        QSqlDatabase::database(m_name).rollback();
+        QSqlDatabase::removeDatabase(m_name);
+    }
+    RecordsHolder(const RecordsHolder&) = delete;
+    RecordsHolder& operator=(const RecordsHolder&) = delete;
+
+    const QString& fault() const { return m_fault; }
+
+private:
+    const QString m_name = QStringLiteral("other");
+    QString m_fault;
+};
 
 } // namespace
 
@@ -113,6 +141,15 @@ QMap<QString, QByteArray> tst_BuildMoments::undisturbed() const
     return finished;
 }
 
+// Of the last run.
+QString tst_BuildMoments::recordedOutcome() const
+{
+    const Ended builds =
+        QuenzoProcess(QuenzoProcess::words("builds job.json --json"), m_scene->path({})).end();
+    const QJsonArray runs = builds.result().value(QStringLiteral("builds")).toArray();
+    return runs.first().toObject().value(QStringLiteral("outcome")).toString();
+}
+
 void tst_BuildMoments::diskThatFillsUpInAStepFailsItsChannel_data()
 {
     QTest::addColumn<QString>("moment");
@@ -157,6 +194,7 @@ void tst_BuildMoments::diskThatFillsUpInAStepFailsItsChannel()
     QCOMPARE(BuildScene::outcomes(ended).value(QStringLiteral("plain")), QStringLiteral("built"));
     QCOMPARE(BuildScene::outcomes(ended).value(QStringLiteral("harbor")),
              isReport ? QStringLiteral("built") : QStringLiteral("failed"));
+    QCOMPARE(QFileInfo::exists(m_scene->path(QStringLiteral("output/harbor"))), isReport);
     const auto left = m_scene->finished();
     for (auto file = left.cbegin(); file != left.cend(); ++file)
         QVERIFY2(before.value(file.key()) == file.value() || file.key() == QLatin1String("filling"),
@@ -173,17 +211,12 @@ void tst_BuildMoments::recordsLockedForAMomentAreWhole()
     process->start();
     QTRY_VERIFY_WITH_TIMEOUT(isReached(), timeLimitMs);
     {
-        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
-        other.setDatabaseName(m_scene->path(QStringLiteral("output/records.db")));
-        QVERIFY2(other.open(), qPrintable(other.lastError().text()));
-        QSqlQuery query(other);
-        QVERIFY2(query.exec(QStringLiteral("BEGIN EXCLUSIVE")), qPrintable(query.lastError().text()));
+        const RecordsHolder holder(m_scene->path(QStringLiteral("output/records.db")));
+        QVERIFY2(holder.fault().isEmpty(), qPrintable(holder.fault()));
         QVERIFY(goOn());
         QTRY_VERIFY_WITH_TIMEOUT(m_scene->finished().contains(QStringLiteral("meadow/meadow.apk")),
                                  timeLimitMs);
-        QVERIFY(query.exec(QStringLiteral("COMMIT")));
     }
-    QSqlDatabase::removeDatabase(QStringLiteral("other"));
     const Ended ended = process->end();
     QVERIFY2(ended.code == 0, ended.error.constData());
     const Ended builds =
@@ -194,8 +227,34 @@ void tst_BuildMoments::recordsLockedForAMomentAreWhole()
     for (const QJsonValue& channel : channels) {
         QCOMPARE(channel.toObject().value(QStringLiteral("outcome")).toString(), QStringLiteral("built"));
         QCOMPARE(channel.toObject().value(QStringLiteral("steps")).toArray().size(), 5);
-    QCOMPARE(QFileInfo::exists(m_scene->path(QStringLiteral("output/harbor"))), isReport);
     }
+}
+
+// The packages are true, and what is known of them is in the report; the next run is not deceived.
+void tst_BuildMoments::recordsLockedToTheEndAreTold()
+{
+    const auto before = undisturbed();
+    const auto process = prepared(step("package"));
+    process->start();
+    QTRY_VERIFY_WITH_TIMEOUT(isReached(), timeLimitMs);
+    {
+        const RecordsHolder holder(m_scene->path(QStringLiteral("output/records.db")));
+        QVERIFY2(holder.fault().isEmpty(), qPrintable(holder.fault()));
+        QVERIFY(goOn());
+        const Ended ended = process->end();
+        QVERIFY2(ended.code == 1, QByteArray(ended.error + ended.output).constData());
+        const QString message = ended.failure().value(QStringLiteral("message")).toString();
+        QVERIFY2(message.contains(QStringLiteral("output/records.db' are not complete: "))
+                     && message.contains(QStringLiteral("database is locked")),
+                 qPrintable(message));
+        QCOMPARE(BuildScene::outcomes(ended).keys(QStringLiteral("built")).size(), 3);
+        QVERIFY(QFileInfo::exists(m_scene->path(QStringLiteral("output/report.json"))));
+    }
+    QVERIFY(m_scene->finished() == before);
+    QCOMPARE(recordedOutcome(), QStringLiteral("running or killed"));
+    const Ended again = m_scene->run("--json");
+    QVERIFY2(again.code == 0, again.error.constData());
+    QVERIFY(m_scene->finished() == before);
 }
 
 void tst_BuildMoments::baseExchangedWhileItIsDecodedMakesNoPackage()
@@ -236,15 +295,7 @@ void tst_BuildMoments::interruptedPreparationEndsBeforeTheChannels()
     QCOMPARE(ended.failure().value(QStringLiteral("code")).toString(), QStringLiteral("interrupted"));
     QVERIFY2(!ended.error.contains("\"step\""), ended.error.constData());
     QCOMPARE(m_scene->finished(), (QMap<QString, QByteArray>()));
-    const Ended builds =
-        QuenzoProcess(QuenzoProcess::words("builds job.json --json"), m_scene->path({})).end();
-    QCOMPARE(builds.result()
-                 .value(QStringLiteral("builds"))
-                 .toArray()
-                 .first()
-                 .toObject()
-                 .value(QStringLiteral("outcome")),
-             QJsonValue(QStringLiteral("interrupted")));
+    QCOMPARE(recordedOutcome(), QStringLiteral("interrupted"));
     QCOMPARE(m_scene->run().code, 0);
 }
 
@@ -258,22 +309,12 @@ void tst_BuildMoments::outputThatIsNotOnTheDiskHasNoEnd()
     QCOMPARE(ended.code, 1);
     QVERIFY2(ended.error.contains("cannot be brought to the disk: Input/output error"),
              ended.error.constData());
-    const Ended builds =
-        QuenzoProcess(QuenzoProcess::words("builds job.json --json"), m_scene->path({})).end();
-    QCOMPARE(builds.result()
-                 .value(QStringLiteral("builds"))
-                 .toArray()
-                 .first()
-                 .toObject()
-                 .value(QStringLiteral("outcome")),
-             QJsonValue(QStringLiteral("running or killed")));
+    QCOMPARE(recordedOutcome(), QStringLiteral("running or killed"));
     const Ended again = m_scene->run("--json");
     QVERIFY2(again.code == 0, again.error.constData());
     QCOMPARE(BuildScene::outcomes(again).value(QStringLiteral("harbor")), QStringLiteral("unchanged"));
 }
 
-QTEST_GUILESS_MAIN(tst_BuildMoments)
-#include "tst_buildmoments.moc"
 void tst_BuildMoments::iconsThatAreNotOnTheDiskMakeNoPackage()
 {
     QVERIFY(goOn()); // not to be waited for
@@ -299,3 +340,5 @@ void tst_BuildMoments::diskIsWaitedForTwiceWhateverTheChannels()
     QVERIFY(m_scene->finished().contains(QStringLiteral("harbor/develop/channel_101.json")));
 }
 
+QTEST_GUILESS_MAIN(tst_BuildMoments)
+#include "tst_buildmoments.moc"

@@ -16,7 +16,6 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <atomic>
 #include <utility>
 
 namespace {
@@ -26,7 +25,12 @@ struct RecordsTexts {
 };
 
 const char* const category = "quenzo.records";
-const QLatin1String endTag("end of build records");
+
+// The tag of the rows that say how far the queue has come.
+QString tagOf(int mark)
+{
+    return QStringLiteral("build records, %1").arg(mark);
+}
 
 } // namespace
 
@@ -50,17 +54,38 @@ public:
         }
     }
 
-    // What is committed from now on takes what failed to be with it.
-    void forgetCommits()
+    // All that was queued before has run. What is committed from now on takes what failed to be with it.
+    void reach(const QString& mark)
     {
         const QMutexLocker locker(&m_mutex);
+        m_reached = mark;
         m_uncommitted.clear();
+    }
+
+    bool hasReached(const QString& mark)
+    {
+        const QMutexLocker locker(&m_mutex);
+        return m_reached == mark;
+    }
+
+    // Another program's lock has kept a row out; the ones behind it wait as long, each.
+    bool isLockedOut()
+    {
+        const QMutexLocker locker(&m_mutex);
+        return !m_isGivenUp && m_first.contains(QLatin1String("database is locked"));
+    }
+
+    // Nothing more is expected to be committed.
+    void giveUp()
+    {
+        const QMutexLocker locker(&m_mutex);
+        m_isGivenUp = true;
     }
 
     bool isCommitted()
     {
         const QMutexLocker locker(&m_mutex);
-        return m_uncommitted.isEmpty();
+        return m_isGivenUp || m_uncommitted.isEmpty();
     }
 
     // The first failure since the last call; of a file that is in trouble all others say the same.
@@ -80,7 +105,9 @@ private:
     QMutex m_mutex;
     QString m_first;
     QString m_uncommitted;
+    QString m_reached;
     int m_failures = 0;
+    bool m_isGivenUp = false;
 };
 
 BuildRecords::BuildRecords() = default;
@@ -97,6 +124,7 @@ void BuildRecords::close()
     flush();
     DBHelper::getInstance()->closeDB();
     DBHelper::removeDatabase();
+    m_receiver.reset();
     Diagnostics::divert(category, {});
     m_isOpen = false;
 }
@@ -113,6 +141,11 @@ bool BuildRecords::open(const QString& file)
     Diagnostics::divert(category,
                         [log = m_log](QtMsgType type, const QString& line) { log->add(type, line); });
     DBHelper& database = *DBHelper::getInstance();
+    m_receiver = std::make_unique<QObject>();
+    QObject::connect(
+        &database, &DBHelper::onSelectFinish, m_receiver.get(),
+        [log = m_log](const QString&, const QVariantList&, const QString& tag) { log->reach(tag); },
+        Qt::DirectConnection);
     m_isOpen = database.initDatabase(file);
     if (m_isOpen) {
         database.StartThread();
@@ -145,12 +178,14 @@ QVector<ListedBuild> BuildRecords::builds()
 void BuildRecords::queue(const QString& table, QVariantMap row)
 {
     m_hasQueued = true;
+    m_isMarked = false;
     DBHelper::getInstance()->threadToDatabase(DB_INSERT, table, row, QString(), QVariant(), false, QString());
 }
 
 void BuildRecords::queue(const QString& table, QList<QVariant> rows)
 {
     m_hasQueued = true;
+    m_isMarked = false;
     DBHelper::getInstance()->threadToDatabase(DB_INSERT, table, rows, QString(), QVariant(), false,
                                               QString());
 }
@@ -251,52 +286,61 @@ void BuildRecords::end(const BuildOutcome& build)
                     {QStringLiteral("unchanged"), count(ChannelOutcome::Unchanged)},
                     {QStringLiteral("failed"), failed}};
     m_hasQueued = true;
+    m_isMarked = false;
     DBHelper::getInstance()->threadToDatabase(DB_UPDATE, QStringLiteral("build"), row,
                                               QStringLiteral("number"), m_build, false, QString());
+    mark(); // in one burst with it: the queue is looked at once a second
 }
 
-void BuildRecords::waitUntilDrained()
+// Queued commands report nothing, but a select's rows come in their turn: these say that all before them ran.
+void BuildRecords::mark()
+{
+    ++m_mark;
+    m_isMarked = true;
+    DBHelper::getInstance()->threadToDatabase(DB_SELECT, QStringLiteral("(SELECT 1)"), false, tagOf(m_mark));
+}
+
+// Waits for the queue; false when another program does not let its rows in.
+bool BuildRecords::drain()
 {
     constexpr int intervalMs = 10;
     constexpr int lateCommitMs = 10000; // another program may read the file for a while
+    constexpr int lockedOutMs = 5000; // and what has been kept out has waited for as long already
     DBHelper& database = *DBHelper::getInstance();
-    std::atomic<bool> ended{false};
-    const QObject receiver;
-    QObject::connect(
-        &database, &DBHelper::onSelectFinish, &receiver,
-        [&](const QString&, const QVariantList&, const QString& tag) {
-            if (tag != endTag)
-                return;
-            m_log->forgetCommits();
-            ended = true;
-        },
-        Qt::DirectConnection);
+    if (!m_isMarked)
+        mark();
+    bool hasRun = false;
     QEventLoop loop;
     QTimer timer;
     QElapsedTimer late;
     QObject::connect(&timer, &QTimer::timeout, [&] {
         // The flag stays true from the last command to the commit of its burst.
-        if (!ended || database.isRunning())
+        hasRun = m_log->hasReached(tagOf(m_mark)) && !database.isRunning();
+        if (!hasRun && !m_log->isLockedOut())
             return;
         if (!late.isValid())
             late.start();
-        if (m_log->isCommitted() || late.elapsed() > lateCommitMs)
+        if ((hasRun && m_log->isCommitted()) || late.elapsed() > (hasRun ? lateCommitMs : lockedOutMs))
             loop.quit();
     });
-    // Queued commands report nothing, but a select's rows come in their turn: these say that all have run.
-    database.threadToDatabase(DB_SELECT, QStringLiteral("(SELECT 1)"), false, endTag);
     timer.start(intervalMs);
     loop.exec();
+    return hasRun;
 }
 
 bool BuildRecords::flush()
 {
     m_error = m_refusal;
-    if (m_isOpen && std::exchange(m_hasQueued, false)) {
-        waitUntilDrained();
-        const QString failure = m_log->take();
-        if (!failure.isEmpty())
-            m_error = RecordsTexts::tr("the build records '%1' are not complete: %2").arg(m_file, failure);
+    if (!m_isOpen || !std::exchange(m_hasQueued, false))
+        return m_error.isEmpty();
+    if (!drain()) {
+        // Without a file the rest fails at once, and none of it goes to the next one.
+        DBHelper::getInstance()->closeDB();
+        m_log->giveUp();
+        drain();
     }
+    const QString failure = m_log->take();
+    if (!failure.isEmpty())
+        m_error = RecordsTexts::tr("the build records '%1' are not complete: %2").arg(m_file, failure);
     return m_error.isEmpty();
 }

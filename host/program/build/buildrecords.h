@@ -74,7 +74,8 @@ public:
 
     /**
      * Waits, by an event loop of its own, until everything that was said since the last call is in the file;
-     * false with error() when some of it never will be.
+     * false with error() when some of it never will be: of a file that another program keeps locked no more
+     * is written then.
      */
     bool flush();
 
@@ -84,7 +85,8 @@ private:
     void close();
     void queue(const QString& table, QVariantMap row);
     void queue(const QString& table, QList<QVariant> rows);
-    void waitUntilDrained();
+    void mark();
+    bool drain();
 
     QString m_file;
     QString m_error;
@@ -93,6 +95,9 @@ private:
     qint64 m_build = 0;
     bool m_isOpen = false;
     bool m_hasQueued = false;
+    int m_mark = 0;
+    bool m_isMarked = false; ///< whether nothing was queued since
+    std::unique_ptr<QObject> m_receiver; ///< while a file is open
     std::shared_ptr<RecordsLog> m_log;
 };
 
