@@ -30,6 +30,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <future>
+#include <optional>
 #include <sys/file.h>
 #include <sys/stat.h>
 
@@ -423,7 +424,8 @@ bool tellBuild(const BuildOutcome& build, Console& console)
 {
     for (const QString& line : BuildReport::toTable(build, Console::outputColumns()))
         console.say(line);
-    console.set(QStringLiteral("report"), BuildReport::toJson(build));
+    if (console.json())
+        console.set(QStringLiteral("report"), BuildReport::toJson(build));
     QStringList failed;
     for (const ChannelOutcome& channel : build.channels) {
         if (channel.outcome == ChannelOutcome::Failed)
