@@ -20,6 +20,8 @@ private Q_SLOTS:
     void installOutcomeIsRead();
     void uninstallFailsByItsWordAlone_data();
     void uninstallFailsByItsWordAlone();
+    void gistIsOneLineOfBoundedLength_data();
+    void gistIsOneLineOfBoundedLength();
 };
 
 void tst_ToolOutput::readyDevicesAreListed_data()
@@ -199,6 +201,28 @@ void tst_ToolOutput::uninstallFailsByItsWordAlone()
 {
     QFETCH(const QString, output);
     QTEST(ToolOutput::uninstallFailed(output), "failed");
+}
+
+void tst_ToolOutput::gistIsOneLineOfBoundedLength_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("gist");
+    const auto letters = [](int count) { return QString(count, QLatin1Char('x')); };
+    const QString nothing = QStringLiteral("it said nothing");
+    QTest::newRow("nothing") << QString() << nothing;
+    QTest::newRow("blanks") << QStringLiteral(" \r\n\t") << nothing;
+    QTest::newRow("several lines") << QStringLiteral("\none\n\n two \n") << QStringLiteral("one two");
+    QTest::newRow("longest") << letters(300) << letters(300);
+    QTest::newRow("longer") << letters(301) << letters(300) + QStringLiteral("...");
+    // A flood is not looked through.
+    QTest::newRow("text behind many blanks") << QString(2999, QLatin1Char(' ')) + letters(9) << letters(1);
+    QTest::newRow("text behind too many blanks") << QString(3000, QLatin1Char(' ')) + letters(9) << nothing;
+}
+
+void tst_ToolOutput::gistIsOneLineOfBoundedLength()
+{
+    QFETCH(const QString, output);
+    QTEST(ToolOutput::gist(output), "gist");
 }
 
 QTEST_APPLESS_MAIN(tst_ToolOutput)

@@ -66,6 +66,8 @@ private Q_SLOTS:
     void fileThatCannotBeReplacedWholeStays_data();
     void fileThatCannotBeReplacedWholeStays();
     void replacedFileKeepsItsRights();
+    void replacedFileKeepsItsOwners_data();
+    void replacedFileKeepsItsOwners();
     void fileWithTwoNamesIsOverwrittenUnderBoth();
     void fullDiskEndsWithWholeFilesOnly();
     void overwritingGoesThroughLinks();
@@ -324,6 +326,31 @@ void tst_IconFiles::replacedFileKeepsItsRights()
     job.run({channel("None", "a")});
     QCOMPARE(QImage(icon).size(), QSize(48, 48));
     QCOMPARE(TreeFiles::mode(QFile::encodeName(icon)), 0640);
+}
+
+void tst_IconFiles::replacedFileKeepsItsOwners_data()
+{
+    QTest::addColumn<uint>("user");
+    QTest::addColumn<uint>("group");
+    QTest::newRow("another user") << 65534U << getegid();
+    QTest::newRow("another group") << geteuid() << 65534U;
+}
+
+void tst_IconFiles::replacedFileKeepsItsOwners()
+{
+    QFETCH(const uint, user);
+    QFETCH(const uint, group);
+    Job job;
+    const QByteArray icon = QFile::encodeName(job.out(QStringLiteral("a/icon48x48.png")));
+    job.write(QFile::decodeName(icon), "old");
+    if (chown(icon.constData(), user, group) != 0)
+        QSKIP("only root can give files away");
+    job.thread.setClearDirFirst(false);
+    job.run({channel("None", "a")});
+    const QFileInfo replaced(QFile::decodeName(icon));
+    QCOMPARE(QImage(replaced.filePath()).size(), QSize(48, 48));
+    QCOMPARE(replaced.ownerId(), user);
+    QCOMPARE(replaced.groupId(), group);
 }
 
 void tst_IconFiles::fileWithTwoNamesIsOverwrittenUnderBoth()

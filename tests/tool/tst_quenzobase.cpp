@@ -179,6 +179,13 @@ void tst_QuenzoBase::lineWithinAnEntryPassesForNoOther_data()
         QStringLiteral("a\n ") + time + QStringLiteral("b"));
     row("carriage return", QStringLiteral("a\r") + time, QStringLiteral("a\r ") + time);
     row("both", QStringLiteral("a\r\n") + time, QStringLiteral("a\r\n ") + time);
+    const QString everyDigit = QStringLiteral("9876-54-32T10:98:76.543 ");
+    row("every digit", QStringLiteral("a\n") + everyDigit, QStringLiteral("a\n ") + everyDigit);
+    for (const char* other : {"2001-02-03T04:05:06.00/ ", "2001-02-03T04:05:06.00: ",
+                              "2001-02-03 04:05:06.007 ", "2001-02-03T04:05:06.007"}) {
+        const QString text = QStringLiteral("a\n") + QLatin1String(other);
+        row(other, text, text);
+    }
     row("several", QStringLiteral("\n") + time + QStringLiteral("x\n\n") + time + QStringLiteral("y\nz"),
         QStringLiteral("\n ") + time + QStringLiteral("x\n\n ") + time + QStringLiteral("y\nz"));
     row("a path in a failed copy",
