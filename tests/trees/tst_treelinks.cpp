@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copies of links, through links, and of folders into each other.
+#include <quenzotool.h>
 
 #include "treefixture.h"
 
@@ -43,6 +44,8 @@ private Q_SLOTS:
     void linkToTheSameFileIsReplaced();
     void hardLinkIsReplaced();
     void sourceInsideTargetIsMovedUp();
+    void whatWasMovedUpMakesWayForWhatComesBehind_data();
+    void whatWasMovedUpMakesWayForWhatComesBehind();
 
 private:
 };
@@ -257,6 +260,39 @@ void tst_TreeLinks::sourceInsideTargetIsMovedUp()
         QCOMPARE(after.value("source/deeper" + number), "file deeper " + number);
     }
     QCOMPARE(after.size(), 201);
+}
+
+void tst_TreeLinks::whatWasMovedUpMakesWayForWhatComesBehind_data()
+{
+    QTest::addColumn<QByteArray>("within");
+    QTest::newRow("files") << QByteArray();
+    QTest::newRow("folders") << QByteArray("/file");
+}
+
+// Nothing is replaced here: a file is gone before another one, or a folder, takes its name.
+void tst_TreeLinks::whatWasMovedUpMakesWayForWhatComesBehind()
+{
+    QFETCH(QByteArray, within);
+    for (int i = 0; i < 100; ++i)
+        write(m_source + "/name" + QByteArray::number(i), "outer");
+    makeFolder(m_source + "/source");
+    const QStringList listed =
+        folder(m_source).entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
+    // What is listed behind the inner folder is still there when that is moved.
+    const QStringList names = listed.mid(0, listed.indexOf(QStringLiteral("source")));
+    Tree expected;
+    for (const QString& name : names) {
+        const QByteArray inner = "source/" + QFile::encodeName(name) + within;
+        write(m_source + '/' + inner, "inner");
+        expected.insert(inner, "file inner");
+    }
+    m_target = m_root;
+    QVERIFY(QuenzoTool::copyDirectory(folder(m_source), folder(m_target), false, true));
+    const Tree after = TreeFiles::content(m_root);
+    for (auto entry = expected.cbegin(); entry != expected.cend(); ++entry)
+        QCOMPARE(after.value(entry.key()), entry.value());
+    for (const QString& name : names)
+        QCOMPARE(after.value(QFile::encodeName(name)), QByteArray("file outer"));
 }
 
 QTEST_GUILESS_MAIN(tst_TreeLinks)
