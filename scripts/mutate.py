@@ -124,7 +124,8 @@ class Copy:
         self.temporary = work + "/tmp"
         self.refresh()
         if not os.path.exists(self.build + "/CMakeCache.txt"):
-            self.check(["cmake", "-G", "Unix Makefiles", "--preset", preset, "-DQUENZO_BUILD_HOST=OFF"])
+            self.check(["cmake", "-G", "Unix Makefiles", "--preset", preset, "-DQUENZO_BUILD_HOST=OFF",
+                        "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"])
         self.check(["cmake", "--build", self.build, "-j%d" % int(os.environ.get("JOBS", os.cpu_count()))])
         with open(self.build + "/compile_commands.json") as file:
             self.commands = json.load(file)
