@@ -193,6 +193,14 @@
         <source>The build did not come to its end. The messages tell why.</source>
         <translation>构建没有完成。原因见消息。</translation>
     </message>
+    <message>
+        <source>Builds the channels that are chosen on the page Channels, and no others</source>
+        <translation>只构建在“渠道”页面中选中的渠道</translation>
+    </message>
+    <message>
+        <source>Build cho&amp;sen: %1</source>
+        <translation>构建选中的渠道(&amp;S)：%1</translation>
+    </message>
 </context>
 <context>
     <name>BuildProcess</name>
@@ -648,6 +656,14 @@
         <source>There is no file %1. Build its channel, or choose another APK.</source>
         <translation>没有文件 %1。请构建该渠道，或选择其他 APK。</translation>
     </message>
+    <message>
+        <source>Refresh the list to see the attached devices. It starts adb&apos;s server, which stays when the window closes.</source>
+        <translation>刷新列表即可查看已连接的设备。这会启动 adb 的服务器，窗口关闭后它仍会运行。</translation>
+    </message>
+    <message>
+        <source>Refresh the list of devices first.</source>
+        <translation>请先刷新设备列表。</translation>
+    </message>
 </context>
 <context>
     <name>GameApk</name>
@@ -1006,14 +1022,6 @@
         <translation>关闭窗口会让它尽快停止；已完成的部分会保留。</translation>
     </message>
     <message>
-        <source>Stop and close</source>
-        <translation>停止并关闭</translation>
-    </message>
-    <message>
-        <source>Go on working</source>
-        <translation>继续工作</translation>
-    </message>
-    <message>
         <source>&amp;Help</source>
         <translation>帮助(&amp;H)</translation>
     </message>
@@ -1036,6 +1044,18 @@
     <message>
         <source>QuenzoTool %1: builds the packages of a mobile game for its channels. The program quenzo does the same from the command line.</source>
         <translation>QuenzoTool %1：为手机游戏构建各渠道的安装包。命令行程序 quenzo 也能完成同样的工作。</translation>
+    </message>
+    <message>
+        <source>The window closes as soon as the work at hand can be ended.</source>
+        <translation>正在进行的工作一能结束，窗口就会关闭。</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and close</source>
+        <translation>停止并关闭(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Go on working</source>
+        <translation>继续工作(&amp;G)</translation>
     </message>
 </context>
 <context>
@@ -1512,12 +1532,12 @@ APK：%3</translation>
         <translation>完成：%1 个文件（%2）已在 &apos;%3&apos; 中。</translation>
     </message>
     <message>
-        <source>Stopped. What had arrived is in &apos;%1&apos;, the rest is in &apos;%2&apos;; start again to go on.</source>
-        <translation>已停止。已到达的在 &apos;%1&apos; 中，其余在 &apos;%2&apos; 中；再次开始即可继续。</translation>
-    </message>
-    <message>
         <source>Not everything has come to &apos;%1&apos;; the rest is in &apos;%2&apos;. The page Log says what stood in the way.</source>
         <translation>并非全部都到达 &apos;%1&apos;；其余在 &apos;%2&apos; 中。“日志”页面说明了原因。</translation>
+    </message>
+    <message>
+        <source>Stopped. What had arrived is in &apos;%1&apos;, the rest is in &apos;%2&apos;; look and start again to go on.</source>
+        <translation>已停止。已到达的在 &apos;%1&apos; 中，其余在 &apos;%2&apos; 中；再次查看并开始即可继续。</translation>
     </message>
 </context>
 </TS>

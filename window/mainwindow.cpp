@@ -70,8 +70,12 @@ MainWindow::MainWindow()
     connect(m_list, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
     makeMenus();
     add(new StartPage(m_document, *m_files));
-    add(new ChannelsPage(m_document));
-    add(new BuildPage(m_document));
+    auto* const channels = new ChannelsPage(m_document);
+    add(channels);
+    auto* const build = new BuildPage(m_document);
+    add(build);
+    connect(channels, &ChannelsPage::chosenChanged, build,
+            [channels, build] { build->setChosen(channels->chosen()); });
     add(new DevicesPage(m_document));
     add(new RecordsPage(m_document));
     add(new TreesPage);
@@ -229,6 +233,8 @@ QStringList MainWindow::workAtHand() const
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     const QStringList work = workAtHand();
+    if (work.isEmpty())
+        setClosing(false);
     if (work.isEmpty() && m_files->mayLeave()) {
         QSettings settings;
         settings.setValue(geometryKey, saveGeometry());
@@ -237,14 +243,24 @@ void MainWindow::closeEvent(QCloseEvent* event)
         return;
     }
     event->ignore();
-    if (work.isEmpty())
-        m_isClosing = false;
     if (work.isEmpty() || m_isClosing || !askToStop(work))
         return;
-    m_isClosing = true;
+    setClosing(true);
     for (int i = 0; i < m_pages->count(); ++i)
         static_cast<Page*>(m_pages->widget(i))->stopWork();
     closeWhenWorkHasEnded();
+}
+
+// What is being done can still be watched, and nothing new begins.
+void MainWindow::setClosing(bool isClosing)
+{
+    if (isClosing == m_isClosing)
+        return;
+    m_isClosing = isClosing;
+    m_pages->setEnabled(!isClosing);
+    menuBar()->setEnabled(!isClosing);
+    setAcceptDrops(!isClosing);
+    tell(isClosing ? tr("The window closes as soon as the work at hand can be ended.") : QString());
 }
 
 bool MainWindow::askToStop(const QStringList& work)
@@ -252,8 +268,9 @@ bool MainWindow::askToStop(const QStringList& work)
     QMessageBox question(QMessageBox::Question, tr("Work is going on"), work.join(QLatin1Char('\n')),
                          QMessageBox::NoButton, this);
     question.setInformativeText(tr("Closing stops it as soon as it can be stopped; what is finished stays."));
-    const QPushButton* const stop = question.addButton(tr("Stop and close"), QMessageBox::DestructiveRole);
-    QPushButton* const stay = question.addButton(tr("Go on working"), QMessageBox::RejectRole);
+    const QPushButton* const stop = question.addButton(tr("&Stop and close"), QMessageBox::DestructiveRole);
+    QPushButton* const stay = question.addButton(tr("&Go on working"), QMessageBox::RejectRole);
+    question.setDefaultButton(stay);
     question.setEscapeButton(stay);
     question.exec();
     return question.clickedButton() == stop;

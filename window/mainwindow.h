@@ -50,6 +50,7 @@ private:
     void tell(const QString& sentence);
     void tellAbout();
     void restore();
+    void setClosing(bool isClosing);
     bool askToStop(const QStringList& work);
     void closeWhenWorkHasEnded();
     QStringList workAtHand() const;

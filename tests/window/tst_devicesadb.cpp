@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "adbfixture.h"
+#include "tickwatch.h"
 #include "window/mainwindow.h"
 
 #include <QAbstractButton>
@@ -51,8 +52,10 @@ void tst_DevicesAdb::apkReachesTheDevice()
     const auto page = pages->findItems(QStringLiteral("Devices"), Qt::MatchExactly);
     QTest::mouseClick(pages->viewport(), Qt::LeftButton, {},
                       pages->visualItemRect(page.constFirst()).center());
+    QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("refreshDevices")), Qt::LeftButton);
     const auto* const table = window.findChild<QTableView*>(QStringLiteral("devices"));
     TRY_COMPARE(table->model()->rowCount(), 2);
+    const TickWatch watch;
     QTest::keyClicks(window.findChild<QLineEdit*>(QStringLiteral("apk")), m_apk);
     QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("install")), Qt::LeftButton);
     TRY_VERIFY(window.findChild<QMessageBox*>());
@@ -67,6 +70,8 @@ void tst_DevicesAdb::apkReachesTheDevice()
     }
     TRY_COMPARE(window.findChild<QLabel*>(QStringLiteral("deviceMessage"))->text(),
                 device.serial() + QStringLiteral(": Installation is complete!"));
+    qInfo("%s", watch.figures().constData());
+    QVERIFY2(watch.longestMs() <= TickWatch::mostMs, watch.figures());
     QFile apk(m_apk);
     QVERIFY(apk.open(QIODevice::ReadOnly));
     QCOMPARE(device.receivedHash(), QCryptographicHash::hash(apk.readAll(), QCryptographicHash::Sha1));

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void listIsRead_data();
     void listIsRead();
     void statesAreToldInWords();
+    void listIsReadOnRequestAlone();
     void emptyListSaysWhatToDo();
     void failureOfAdbSaysWhatToDo_data();
     void failureOfAdbSaysWhatToDo();
@@ -60,7 +61,7 @@ private:
     {
         return m_window->findChild<T*>(QLatin1String(name));
     }
-    void openPage();
+    void openPage(bool refreshes = true);
     QString cell(int row, int column) const;
     void typeApk(const QString& path) const;
     void click(const char* button) const;
@@ -97,7 +98,7 @@ void tst_DevicesPage::cleanup()
     m_window.reset();
 }
 
-void tst_DevicesPage::openPage()
+void tst_DevicesPage::openPage(bool refreshes)
 {
     m_window = std::make_unique<MainWindow>();
     m_window->show();
@@ -108,6 +109,9 @@ void tst_DevicesPage::openPage()
     QTest::mouseClick(pages->viewport(), Qt::LeftButton, {},
                       pages->visualItemRect(found.constFirst()).center());
     TRY_VERIFY(part<QPushButton>("refreshDevices")->isVisible());
+    if (!refreshes)
+        return;
+    click("refreshDevices");
     TRY_VERIFY(part<QPushButton>("refreshDevices")->isEnabled()); // the list has been read
 }
 
@@ -194,6 +198,21 @@ void tst_DevicesPage::statesAreToldInWords()
          QStringLiteral("Restart the device and refresh the list.")}};
     for (int row = 0; row < expected.size(); ++row)
         QCOMPARE((QStringList{cell(row, 0), cell(row, 1), cell(row, 2)}), expected.at(row));
+}
+
+// The first question starts a server, which goes on when the window has closed.
+void tst_DevicesPage::listIsReadOnRequestAlone()
+{
+    ScriptedTools::attach({QStringLiteral("a")});
+    openPage(false);
+    QVERIFY2(part<QLabel>("noDevices")->text().startsWith(QStringLiteral("Refresh the list to see")),
+             qPrintable(part<QLabel>("noDevices")->text()));
+    typeApk(m_apk);
+    click("install");
+    QCOMPARE(message(), QStringLiteral("Refresh the list of devices first."));
+    QCOMPARE(ScriptedTools::calls(), QStringList());
+    click("refreshDevices");
+    TRY_COMPARE(cell(0, 0), QStringLiteral("a"));
 }
 
 void tst_DevicesPage::emptyListSaysWhatToDo()

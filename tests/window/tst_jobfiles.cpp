@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "person.h"
 #include "runroot.h"
 #include "window/mainwindow.h"
 #include "window/start/jobfiles.h"
@@ -20,40 +21,7 @@
 #include <QPushButton>
 #include <QSettings>
 
-#include <functional>
-
 namespace {
-
-// Answers the next question that the window asks: the person sits on the other side of its event loop.
-class Person : public QObject {
-public:
-    explicit Person(std::function<void(QWidget*)> answer)
-        : m_answer(std::move(answer))
-    {
-        startTimer(5);
-    }
-
-    bool wasAsked() const { return !m_answer; }
-
-    static void press(QWidget* dialog, const QString& text)
-    {
-        for (QAbstractButton* const button : dialog->findChildren<QAbstractButton*>()) {
-            if (button->text() == text)
-                return QTest::mouseClick(button, Qt::LeftButton);
-        }
-        qFatal("no button %s", qUtf8Printable(text));
-    }
-
-private:
-    void timerEvent(QTimerEvent* /*event*/) override
-    {
-        QWidget* const dialog = QApplication::activeModalWidget();
-        if (dialog != nullptr && m_answer)
-            std::exchange(m_answer, nullptr)(dialog);
-    }
-
-    std::function<void(QWidget*)> m_answer;
-};
 
 void drop(QWidget& window, const QString& path)
 {

@@ -3,6 +3,7 @@
 #include "window/records/recordspage.h"
 
 #include "messagelog.h"
+#include "tickwatch.h"
 
 #include <quenzotool.h>
 
@@ -40,6 +41,7 @@ private Q_SLOTS:
     void recordsOfAnOpenedJobAreShown();
     void emptyTableShowsItsColumns();
     void oddNamesAreRead();
+    void windowTicksOverAHundredThousandRows();
 
 private:
     void open(const QString& file);
@@ -272,6 +274,32 @@ void tst_RecordsPage::oddNamesAreRead()
              QStringLiteral("INSERT INTO \"it's \"\"odd\"\"; --\" VALUES ('read')")});
     open(odd);
     QTRY_COMPARE_WITH_TIMEOUT(column(0), QStringList(QStringLiteral("read")), 60000);
+}
+
+void tst_RecordsPage::windowTicksOverAHundredThousandRows()
+{
+    constexpr int rows = 100000;
+    const QString many = m_folder.filePath(QStringLiteral("many.db"));
+    perform(many,
+            {QStringLiteral("CREATE TABLE many (id INTEGER, name TEXT)"),
+             QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "
+                            "INSERT INTO many SELECT i, 'row ' || i FROM n")
+                 .arg(rows)});
+    const TickWatch watch;
+    open(many);
+    const auto* const table = find<QTableView>("rows");
+    QTRY_COMPARE_WITH_TIMEOUT(table->model()->rowCount(), rows, 60000);
+    const QHeaderView* const header = table->horizontalHeader();
+    const QPoint place(header->sectionViewportPosition(1) + 8, header->height() / 2);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, place);
+    const auto last = [table] { return table->model()->index(rows - 1, 1).data().toString(); };
+    QTRY_COMPARE_WITH_TIMEOUT(last(), QStringLiteral("row 99999"), 60000);
+    QTest::keyClicks(find<QLineEdit>("rowFilter"), QStringLiteral("row 123"));
+    QTRY_COMPARE_WITH_TIMEOUT(table->model()->rowCount(), 111, 60000);
+    find<QLineEdit>("rowFilter")->clear();
+    QTRY_COMPARE_WITH_TIMEOUT(table->model()->rowCount(), rows, 60000);
+    qInfo("%s", watch.figures().constData());
+    QVERIFY2(watch.longestMs() <= TickWatch::mostMs, watch.figures());
 }
 
 QTEST_MAIN(tst_RecordsPage)

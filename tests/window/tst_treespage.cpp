@@ -165,8 +165,12 @@ void tst_TreesPage::stoppedWorkLosesNothing()
     fill(QFile::decodeName(m_target), 1);
     look();
     click("startTrees");
-    m_page->stopWork();
+    click("stopTrees");
     QTRY_COMPARE_WITH_TIMEOUT(m_page->workAtHand(), QString(), 60000);
+    QVERIFY2(told().startsWith(QLatin1String("Stopped."))
+                 && told().endsWith(QLatin1String("; look and start again to go on.")),
+             qPrintable(told()));
+    QVERIFY(!find<QPushButton>("startTrees")->isEnabled() && find<QPushButton>("lookAtTrees")->isEnabled());
     const auto kept = [](const QByteArray& folder) {
         const auto values = TreeFiles::content(folder).values();
         return std::count_if(values.cbegin(), values.cend(),

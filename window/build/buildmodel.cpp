@@ -114,11 +114,18 @@ QVariant BuildModel::headerData(int section, Qt::Orientation orientation, int ro
     }
 }
 
+QStringList BuildModel::allFolders() const
+{
+    QStringList folders;
+    for (int row = 0; row < m_document.channelCount(); ++row)
+        folders.append(m_document.folderOf(row));
+    return folders;
+}
+
 QStringList BuildModel::chosen() const
 {
     QStringList folders;
-    for (int row = 0; row < m_document.channelCount(); ++row) {
-        const QString folder = m_document.folderOf(row);
+    for (const QString& folder : allFolders()) {
         if (!m_left.contains(folder))
             folders.append(folder);
     }
@@ -127,9 +134,15 @@ QStringList BuildModel::chosen() const
 
 void BuildModel::chooseAll(bool all)
 {
-    m_left.clear();
-    for (int row = 0; !all && row < m_document.channelCount(); ++row)
-        m_left.insert(m_document.folderOf(row));
+    choose(all ? allFolders() : QStringList());
+}
+
+void BuildModel::choose(const QStringList& folders)
+{
+    const QStringList all = allFolders();
+    m_left = QSet<QString>(all.cbegin(), all.cend());
+    for (const QString& folder : folders)
+        m_left.remove(folder);
     if (rowCount() > 0)
         Q_EMIT dataChanged(index(0, NameColumn), index(rowCount() - 1, NameColumn), {Qt::CheckStateRole});
     Q_EMIT chosenChanged();

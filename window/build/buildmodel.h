@@ -29,6 +29,7 @@ public:
     /** The folders of those that are to be built. */
     QStringList chosen() const;
     void chooseAll(bool all);
+    void choose(const QStringList& folders); ///< these alone
 
     /** Forgets earlier runs: the chosen ones wait. */
     void begin();
@@ -54,6 +55,7 @@ private:
     };
 
     void connectDocument();
+    QStringList allFolders() const;
     int rowOf(const QString& folder);
     void showRow(const QString& folder);
     QString resultOf(const State& state) const;

@@ -5,12 +5,12 @@
 #include "window/build/buildwords.h"
 #include "window/build/progressdelegate.h"
 #include "window/channels/jobdocument.h"
+#include "window/rowtable.h"
 
 #include <QCheckBox>
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -20,21 +20,9 @@
 #include <QSortFilterProxyModel>
 #include <QStackedLayout>
 #include <QTabWidget>
-#include <QTableView>
 #include <QUrl>
 
 namespace {
-
-void prepare(QTableView* table, QAbstractItemModel* model)
-{
-    table->setModel(model);
-    table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    table->setSelectionMode(QAbstractItemView::SingleSelection);
-    table->setTabKeyNavigation(false);
-    table->setWordWrap(false);
-    table->verticalHeader()->hide();
-    table->horizontalHeader()->setStretchLastSection(true);
-}
 
 // By the letters of its font, so that it is as wide in any.
 void setWidths(QTableView* table, const QVector<int>& letters)
@@ -56,6 +44,7 @@ BuildPage::BuildPage(JobDocument& document, QWidget* parent)
     , m_all(new QCheckBox)
     , m_force(new QCheckBox)
     , m_build(new QPushButton)
+    , m_buildChosen(new QPushButton)
     , m_stop(new QPushButton)
     , m_progress(new QProgressBar)
     , m_timeLeft(new QLabel)
@@ -76,7 +65,7 @@ BuildPage::BuildPage(JobDocument& document, QWidget* parent)
     connectParts();
     connectProcess();
     BuildPage::setTexts();
-    showChosen();
+    showTicked();
 }
 
 void BuildPage::nameParts()
@@ -85,6 +74,7 @@ void BuildPage::nameParts()
     m_all->setObjectName(QStringLiteral("allChannels"));
     m_force->setObjectName(QStringLiteral("buildUnchanged"));
     m_build->setObjectName(QStringLiteral("build"));
+    m_buildChosen->setObjectName(QStringLiteral("buildChosen"));
     m_stop->setObjectName(QStringLiteral("stopBuild"));
     m_progress->setObjectName(QStringLiteral("buildProgress"));
     m_timeLeft->setObjectName(QStringLiteral("buildTimeLeft"));
@@ -131,13 +121,14 @@ QLayout* BuildPage::makeTop()
     row->addWidget(m_force);
     row->addStretch(1);
     row->addWidget(m_build);
+    row->addWidget(m_buildChosen);
     row->addWidget(m_stop);
     return row;
 }
 
 QWidget* BuildPage::makeChannels()
 {
-    prepare(m_channels, &m_model);
+    prepareRows(m_channels, &m_model);
     m_channels->setItemDelegateForColumn(BuildModel::ProgressColumn, new ProgressDelegate(m_channels));
     setWidths(m_channels, {28, 20, 20});
     m_message->setReadOnly(true);
@@ -156,7 +147,7 @@ QWidget* BuildPage::makeMessages()
     m_filtered->setSourceModel(&m_messages);
     m_filtered->setFilterKeyColumn(BuildMessages::FolderColumn);
     m_filtered->setFilterCaseSensitivity(Qt::CaseInsensitive);
-    prepare(m_messageTable, m_filtered);
+    prepareRows(m_messageTable, m_filtered);
     setWidths(m_messageTable, {20});
     m_filterLabel->setBuddy(m_filter);
     m_filter->setClearButtonEnabled(true);
@@ -172,7 +163,7 @@ QWidget* BuildPage::makeMessages()
 
 QWidget* BuildPage::makeReport()
 {
-    prepare(m_report, &m_reportRows);
+    prepareRows(m_report, &m_reportRows);
     setWidths(m_report, {24, 14, 36, 12, 10});
     auto* const part = new QWidget;
     auto* const column = new QVBoxLayout(part);
@@ -187,13 +178,14 @@ QWidget* BuildPage::makeReport()
 void BuildPage::connectParts()
 {
     connect(m_build, &QPushButton::clicked, this, &BuildPage::begin);
+    connect(m_buildChosen, &QPushButton::clicked, this, &BuildPage::beginChosen);
     connect(m_stop, &QPushButton::clicked, this, &BuildPage::stopWork);
     // It follows the channels' own boxes, too: only a person's click is an order.
     connect(m_all, &QCheckBox::clicked, this, [this] {
         const bool all = m_all->checkState() != Qt::Unchecked;
         m_model.chooseAll(all);
     });
-    connect(&m_model, &BuildModel::chosenChanged, this, &BuildPage::showChosen);
+    connect(&m_model, &BuildModel::chosenChanged, this, &BuildPage::showTicked);
     connect(m_channels->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &BuildPage::showWholeMessage);
     connect(&m_model, &BuildModel::dataChanged, this, &BuildPage::showWholeMessage);
@@ -252,6 +244,7 @@ void BuildPage::setTexts()
     m_all->setText(tr("&All channels"));
     m_force->setText(tr("&Unchanged ones, too"));
     m_build->setText(tr("&Build"));
+    m_buildChosen->setToolTip(tr("Builds the channels that are chosen on the page Channels, and no others"));
     m_stop->setText(tr("S&top"));
     m_progress->setAccessibleName(tr("Progress of the build"));
     m_timeLeft->setAccessibleName(tr("Time left"));
@@ -281,6 +274,8 @@ void BuildPage::showControls()
     const bool isRunning = m_process.isRunning();
     m_stack->setCurrentWidget(m_document.isOpen() ? static_cast<QWidget*>(m_work) : m_empty);
     m_build->setEnabled(!isRunning);
+    m_buildChosen->setEnabled(!isRunning && !m_chosen.isEmpty());
+    m_buildChosen->setText(tr("Build cho&sen: %1").arg(m_chosen.size()));
     m_stop->setEnabled(isRunning && !m_process.isStopping());
     m_progress->setVisible(isRunning);
     m_timeLeft->setVisible(isRunning);
@@ -292,7 +287,7 @@ void BuildPage::showControls()
         m_reportEmpty->setText(tr("There is no report yet. Build the channels."));
 }
 
-void BuildPage::showChosen()
+void BuildPage::showTicked()
 {
     const int chosen = m_model.chosen().size();
     m_all->setTristate(chosen > 0 && chosen < m_model.rowCount());
@@ -308,6 +303,21 @@ void BuildPage::showWholeMessage()
     const QString text = current.isValid() ? current.data(BuildModel::MessageRole).toString() : QString();
     if (text != m_message->toPlainText())
         m_message->setPlainText(text);
+}
+
+void BuildPage::setChosen(const QVector<int>& rows)
+{
+    m_chosen = rows;
+    showControls();
+}
+
+void BuildPage::beginChosen()
+{
+    QStringList folders;
+    for (const int row : qAsConst(m_chosen))
+        folders.append(m_document.folderOf(row));
+    m_model.choose(folders);
+    begin();
 }
 
 void BuildPage::begin()

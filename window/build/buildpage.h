@@ -37,6 +37,9 @@ public:
     QString workAtHand() const override;
     void stopWork() override;
 
+    /** The channels that are chosen elsewhere, by their rows in the job: one button builds these alone. */
+    void setChosen(const QVector<int>& rows);
+
 protected:
     void setTexts() override;
 
@@ -50,13 +53,14 @@ private:
     void connectParts();
     void connectProcess();
     void begin();
+    void beginChosen();
     void askToSave();
     void run();
     void showProgress(const QString& doing, int done, int total);
     void finish(bool succeeded, const QString& fault);
     void readReport();
     void showControls();
-    void showChosen();
+    void showTicked();
     void showWholeMessage();
     QString outcomeText(bool succeeded) const;
 
@@ -65,6 +69,7 @@ private:
     BuildMessages m_messages;
     ReportModel m_reportRows;
     BuildProcess m_process;
+    QVector<int> m_chosen; ///< on the page of the channels
     QElapsedTimer m_elapsed; ///< since the first channel to be built began
     QPointer<QMessageBox> m_question;
     QSortFilterProxyModel* m_filtered;
@@ -74,6 +79,7 @@ private:
     QCheckBox* m_all;
     QCheckBox* m_force;
     QPushButton* m_build;
+    QPushButton* m_buildChosen;
     QPushButton* m_stop;
     QProgressBar* m_progress;
     QLabel* m_timeLeft;

@@ -73,7 +73,7 @@ void BuildProcess::start(const Wishes& wishes)
 
 void BuildProcess::stop()
 {
-    if (!m_isRunning || m_quenzo.processId() <= 0)
+    if (!m_isRunning || m_isStopping || m_quenzo.processId() <= 0)
         return;
     m_isStopping = true;
     ::kill(pid_t(m_quenzo.processId()), SIGINT);

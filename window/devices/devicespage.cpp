@@ -2,13 +2,13 @@
 #include "window/devices/devicespage.h"
 
 #include "window/channels/jobdocument.h"
+#include "window/rowtable.h"
 
 #include <QComboBox>
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -17,7 +17,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStackedWidget>
-#include <QTableView>
 
 #include <algorithm>
 
@@ -81,14 +80,9 @@ DevicesPage::DevicesPage(const JobDocument& document, QWidget* parent)
 
 void DevicesPage::layOut()
 {
-    m_table->setModel(&m_model);
-    m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_table->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_table->setTabKeyNavigation(false);
-    m_table->setWordWrap(true);
-    m_table->verticalHeader()->hide();
+    prepareRows(m_table, &m_model);
+    m_table->setWordWrap(true); // of what is to be done
     m_table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    m_table->horizontalHeader()->setStretchLastSection(true);
     m_listLabel->setBuddy(m_table);
     m_apkLabel->setBuddy(m_apk);
     m_channelLabel->setBuddy(m_channel);
@@ -132,10 +126,7 @@ void DevicesPage::layOut()
 
 void DevicesPage::connectParts()
 {
-    connect(m_refresh, &QPushButton::clicked, this, [this] {
-        m_lister.ask();
-        showControls();
-    });
+    connect(m_refresh, &QPushButton::clicked, this, &DevicesPage::ask);
     connect(&m_lister, &DeviceLister::listed, this, &DevicesPage::showDevices);
     connect(&m_lister, &DeviceLister::failed, this, &DevicesPage::showList);
     connect(m_browse, &QPushButton::clicked, this, &DevicesPage::browse);
@@ -161,7 +152,7 @@ void DevicesPage::connectParts()
         m_isStopping = false;
         showControls();
         tell(QStringLiteral("%1: %2").arg(m_task.serial, text));
-        m_lister.ask();
+        ask();
         Q_EMIT workChanged();
     });
 }
@@ -211,9 +202,17 @@ void DevicesPage::setTexts()
 void DevicesPage::showEvent(QShowEvent* event)
 {
     showChannels(); // the job may have been edited meanwhile
+    if (m_hasAsked)
+        ask();
+    Page::showEvent(event);
+}
+
+// adb starts a server that stays: only a person's wish for the list is worth that.
+void DevicesPage::ask()
+{
+    m_hasAsked = true;
     m_lister.ask();
     showControls();
-    Page::showEvent(event);
 }
 
 void DevicesPage::dragEnterEvent(QDragEnterEvent* event)
@@ -246,10 +245,14 @@ void DevicesPage::showList(const QString& fault)
     m_fault = fault;
     if (!fault.isEmpty())
         m_model.setDevices({});
-    m_empty->setText(!fault.isEmpty()
-                         ? fault
-                         : tr("No device is attached. Connect one by USB, unlock it, switch USB debugging "
-                              "on in its developer options, and refresh the list."));
+    if (!m_hasAsked)
+        m_empty->setText(tr("Refresh the list to see the attached devices. It starts adb's server, which "
+                            "stays when the window closes."));
+    else if (fault.isEmpty())
+        m_empty->setText(tr("No device is attached. Connect one by USB, unlock it, switch USB debugging "
+                            "on in its developer options, and refresh the list."));
+    else
+        m_empty->setText(fault);
     m_stack->setCurrentWidget(m_model.devices().isEmpty() ? static_cast<QWidget*>(m_empty) : m_table);
     showControls();
 }
@@ -330,6 +333,8 @@ void DevicesPage::begin(bool install)
                                      [&](const Device& one) { return one.serial == selected; });
     if (device != m_model.devices().cend() && !device->isReady())
         tell(tr("%1 is not ready. %2").arg(selected, DeviceList::advice(*device)));
+    else if (!m_hasAsked)
+        tell(tr("Refresh the list of devices first."));
     else if (ready.isEmpty())
         tell(tr("No device is ready. Connect one, unlock it, allow debugging, and refresh the list."));
     else if (!selected.isEmpty() || ready.size() == 1)

@@ -43,6 +43,7 @@ private:
     void connectParts();
     void showDevices(const QVector<Device>& devices);
     void showList(const QString& fault);
+    void ask();
     void showControls();
     void tell(const QString& text);
     void showChannels();
@@ -63,6 +64,7 @@ private:
     DeviceWork::Task m_task;
     QString m_fault; ///< why there is no list
     QPointer<QDialog> m_question;
+    bool m_hasAsked = false; ///< for the list, which starts adb's server
     bool m_isStopping = false; ///< nothing more begins, until the work at hand has ended
     QLabel* m_listLabel;
     QPushButton* m_refresh;

@@ -58,6 +58,7 @@ RecordsPage::RecordsPage(const JobDocument& document, QWidget* parent)
     m_view->setModel(m_model);
     m_view->setAlternatingRowColors(true);
     m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_view->setTabKeyNavigation(false);
     m_view->setSortingEnabled(true);
     m_view->sortByColumn(-1, Qt::AscendingOrder);
     connect(m_base, &RecordsBase::tablesRead, this, &RecordsPage::offerTables);

@@ -38,9 +38,7 @@ QVariant TreeLookModel::data(const QModelIndex& index, int role) const
 
 QVariant TreeLookModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (role != Qt::DisplayRole)
-        return {};
-    if (orientation == Qt::Vertical)
-        return section + 1;
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return QAbstractTableModel::headerData(section, orientation, role);
     return section == 0 ? tr("What happens") : tr("File");
 }

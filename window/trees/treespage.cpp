@@ -3,19 +3,18 @@
 
 #include "console/figures.h"
 #include "window/background.h"
+#include "window/rowtable.h"
 #include "window/trees/treelookmodel.h"
 #include "window/trees/treework.h"
 
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFormLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStackedWidget>
-#include <QTableView>
 
 TreesPage::TreesPage(QWidget* parent)
     : Page(parent)
@@ -52,10 +51,7 @@ TreesPage::TreesPage(QWidget* parent)
     m_shown->addWidget(m_empty);
     m_shown->addWidget(m_view);
     m_view->setObjectName(QStringLiteral("treeFiles"));
-    m_view->setModel(m_model);
-    m_view->setAlternatingRowColors(true);
-    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_view->horizontalHeader()->setStretchLastSection(true);
+    prepareRows(m_view, m_model);
     connect(m_work, &TreeWork::ended, this, &TreesPage::end);
     connect(m_work, &TreeWork::progressed, this, [this](qint64 done, qint64 all) {
         constexpr int parts = 1000;
@@ -245,7 +241,7 @@ void TreesPage::end(bool done)
         tell(tr("Done: %1 files (%2) are in '%3'.")
                  .arg(locale().toString(m_look.goes.files), sizeText(m_look.goes.bytes), m_look.wish.target));
     else if (m_work->isStopping())
-        tell(tr("Stopped. What had arrived is in '%1', the rest is in '%2'; start again to go on.")
+        tell(tr("Stopped. What had arrived is in '%1', the rest is in '%2'; look and start again to go on.")
                  .arg(m_look.wish.target, m_look.wish.source));
     else
         tell(tr("Not everything has come to '%1'; the rest is in '%2'. The page Log says what stood in the "
