@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "build/jobtemplate.h"
 #include "window/mainwindow.h"
 #include "window/page.h"
 
@@ -28,6 +29,36 @@ QString spokenName(QWidget* widget)
 {
     const QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(widget);
     return interface == nullptr ? QString() : interface->text(QAccessible::Name);
+}
+
+// What in the tree below has no name for a reader of the screen, but for cells that are empty: of how many in
+// all.
+int collectNameless(QAccessibleInterface* node, const QString& above, QStringList& nameless)
+{
+    if (node == nullptr || node->state().invisible)
+        return 0;
+    const QString name = node->text(QAccessible::Name);
+    const QString here = above
+        + QStringLiteral("/%1 \"%2\"")
+              .arg(QString::fromLatin1(QMetaEnum::fromType<QAccessible::Role>().valueToKey(node->role())),
+                   name);
+    const auto* const widget = qobject_cast<QWidget*>(node->object());
+    const bool isPart = widget != nullptr && widget->focusProxy() != nullptr;
+    const bool isCell = node->role() == QAccessible::Cell;
+    if (node->state().focusable && !node->state().disabled && !isPart && !isCell && name.isEmpty())
+        nameless.append(here);
+    int count = 1;
+    for (int i = 0; i < node->childCount(); ++i)
+        count += collectNameless(node->child(i), here, nameless);
+    const QAccessibleTableInterface* const table = node->tableInterface();
+    for (int row = 0; table != nullptr && row < table->rowCount(); ++row) {
+        bool isNamed = false;
+        for (int column = 0; column < table->columnCount(); ++column)
+            isNamed = isNamed || !table->cellAt(row, column)->text(QAccessible::Name).isEmpty();
+        if (!isNamed)
+            nameless.append(here + QStringLiteral("/row %1").arg(row));
+    }
+    return count;
 }
 
 // Whether the keyboard gets there; parts of another widget, like the line of a spin box, are that one.
@@ -91,6 +122,10 @@ private Q_SLOTS:
     void initTestCase();
     void everythingHasAName_data() { languages(); }
     void everythingHasAName();
+    void treeForReadersHasNames_data() { languagesAndJobs(); }
+    void treeForReadersHasNames();
+    void tabLeavesEveryTable();
+    void tabGoesInReadingOrder_data();
     void tabGoesInReadingOrder();
     void noTextIsCutOff_data();
     void noTextIsCutOff();
@@ -100,10 +135,13 @@ private Q_SLOTS:
 
 private:
     static void languages();
+    static void languagesAndJobs();
+    void openSample(MainWindow& window) const;
     /** Calls for each page while it is shown. */
     static void forEachPage(MainWindow& window, const std::function<void(Page*)>& action);
 
     QTemporaryDir m_settings;
+    QString m_job; ///< the sample's
 };
 
 void tst_WindowForAll::initTestCase()
@@ -113,6 +151,15 @@ void tst_WindowForAll::initTestCase()
     QSettings::setDefaultFormat(QSettings::IniFormat);
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_settings.path());
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    qputenv("XDG_CACHE_HOME", QFile::encodeName(m_settings.filePath(QStringLiteral("cache"))));
+    QCOMPARE(JobTemplate::write(m_settings.filePath(QStringLiteral("sample")), {}), QString());
+    m_job = m_settings.filePath(QStringLiteral("sample/job.json"));
+}
+
+void tst_WindowForAll::openSample(MainWindow& window) const
+{
+    window.take(m_job);
+    QTRY_VERIFY_WITH_TIMEOUT(window.windowTitle().contains(QLatin1String("job.json")), 60000);
 }
 
 void tst_WindowForAll::languages()
@@ -120,6 +167,17 @@ void tst_WindowForAll::languages()
     QTest::addColumn<QString>("language");
     QTest::newRow("English") << QStringLiteral("en");
     QTest::newRow("Chinese") << QStringLiteral("zh_CN");
+}
+
+void tst_WindowForAll::languagesAndJobs()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<bool>("isOpen");
+    for (const char* const language : {"en", "zh_CN"}) {
+        for (const bool isOpen : {false, true})
+            QTest::addRow("%s, %s", language, isOpen ? "the sample" : "no job")
+                << QString::fromLatin1(language) << isOpen;
+    }
 }
 
 void tst_WindowForAll::forEachPage(MainWindow& window, const std::function<void(Page*)>& action)
@@ -156,10 +214,48 @@ void tst_WindowForAll::everythingHasAName()
     QVERIFY2(nameless.isEmpty(), qPrintable(nameless.join(QLatin1Char('\n'))));
 }
 
+void tst_WindowForAll::treeForReadersHasNames()
+{
+    QFETCH(const QString, language);
+    QFETCH(const bool, isOpen);
+    QSettings().setValue(QStringLiteral("language"), language);
+    MainWindow window;
+    if (isOpen)
+        openSample(window);
+    QStringList nameless;
+    forEachPage(window, [&](Page* /*page*/) {
+        QStringList found;
+        const int count = collectNameless(QAccessible::queryAccessibleInterface(&window), {}, found);
+        QVERIFY2(count > 12, qPrintable(QStringLiteral("%1 in the tree").arg(count)));
+        nameless += found;
+    });
+    nameless.removeDuplicates();
+    QVERIFY2(nameless.isEmpty(), qPrintable(nameless.join(QLatin1Char('\n'))));
+}
+
+void tst_WindowForAll::tabLeavesEveryTable()
+{
+    const MainWindow window;
+    const auto tables = window.findChildren<QAbstractItemView*>();
+    QVERIFY(tables.size() > 5);
+    for (const QAbstractItemView* const table : tables)
+        QVERIFY2(!table->tabKeyNavigation(), qPrintable(named(table)));
+}
+
+void tst_WindowForAll::tabGoesInReadingOrder_data()
+{
+    QTest::addColumn<bool>("isOpen");
+    QTest::newRow("no job") << false;
+    QTest::newRow("the sample") << true;
+}
+
 void tst_WindowForAll::tabGoesInReadingOrder()
 {
+    QFETCH(const bool, isOpen);
     QSettings().setValue(QStringLiteral("language"), QStringLiteral("en"));
     MainWindow window;
+    if (isOpen)
+        openSample(window);
     QStringList jumps;
     forEachPage(window, [&](Page* page) {
         const QWidget* before = nullptr;
@@ -184,9 +280,13 @@ void tst_WindowForAll::noTextIsCutOff_data()
 {
     QTest::addColumn<QString>("language");
     QTest::addColumn<int>("percent");
+    QTest::addColumn<bool>("isOpen");
     for (const char* const language : {"en", "zh_CN"}) {
-        for (const int percent : {100, 200})
-            QTest::addRow("%s, %d %%", language, percent) << QString::fromLatin1(language) << percent;
+        for (const int percent : {100, 200}) {
+            for (const bool isOpen : {false, true})
+                QTest::addRow("%s, %d %%, %s", language, percent, isOpen ? "the sample" : "no job")
+                    << QString::fromLatin1(language) << percent << isOpen;
+        }
     }
 }
 
@@ -194,6 +294,7 @@ void tst_WindowForAll::noTextIsCutOff()
 {
     QFETCH(const QString, language);
     QFETCH(const int, percent);
+    QFETCH(const bool, isOpen);
     QSettings().clear();
     QSettings().setValue(QStringLiteral("language"), language);
     const QFont usual = QApplication::font();
@@ -204,6 +305,8 @@ void tst_WindowForAll::noTextIsCutOff()
     {
         MainWindow window;
         window.resize(QSize(1100, 720) * percent / 100);
+        if (isOpen)
+            openSample(window);
         forEachPage(window, [&](Page* page) {
             for (const QWidget* const widget : window.findChildren<QWidget*>()) {
                 if (!widget->isVisible() || widget->window() != &window)
