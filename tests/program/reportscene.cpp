@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "reportscene.h"
 
+#include <algorithm>
+#include <tuple>
+
 namespace {
 
 const QString output = QStringLiteral("/builds/harbour/output");
@@ -99,6 +102,41 @@ BuildOutcome ReportScene::slice(int index, int count, int channels)
     for (int i = index; i < channels; i += count)
         build.channels.append(built(i, QStringLiteral("channel%1").arg(i)));
     return build;
+}
+
+QString ReportScene::differenceOf(const ChannelOutcome& one, const ChannelOutcome& other)
+{
+    QStringList fields;
+    const auto compare = [&fields](const QString& field, const auto& mine, const auto& others) {
+        if (!(mine == others))
+            fields.append(field);
+    };
+    compare(QStringLiteral("index"), one.index, other.index);
+    compare(QStringLiteral("folder"), one.folder, other.folder);
+    compare(QStringLiteral("name"), one.name, other.name);
+    compare(QStringLiteral("outcome"), one.outcome, other.outcome);
+    compare(QStringLiteral("message"), one.message, other.message);
+    compare(QStringLiteral("notes"), one.notes, other.notes);
+    compare(QStringLiteral("icons"), one.icons, other.icons);
+    compare(QStringLiteral("package"), one.package, other.package);
+    compare(QStringLiteral("packageName"), one.packageName, other.packageName);
+    compare(QStringLiteral("versionName"), one.versionName, other.versionName);
+    compare(QStringLiteral("signer"), one.signer, other.signer);
+    compare(QStringLiteral("size"), one.size, other.size);
+    compare(QStringLiteral("replaced"), one.replaced, other.replaced);
+    compare(QStringLiteral("added"), one.added, other.added);
+    compare(QStringLiteral("takenOver"), one.takenOver, other.takenOver);
+    compare(QStringLiteral("inputs"), one.inputs, other.inputs);
+    compare(QStringLiteral("digest"), one.digest, other.digest);
+    compare(QStringLiteral("number of steps"), one.steps.size(), other.steps.size());
+    for (int i = 0; i < std::min(one.steps.size(), other.steps.size()); ++i) {
+        const BuildStep& mine = one.steps.at(i);
+        const BuildStep& others = other.steps.at(i);
+        compare(QStringLiteral("step %1").arg(i),
+                std::tie(mine.name, mine.start, mine.end, mine.outcome, mine.message),
+                std::tie(others.name, others.start, others.end, others.outcome, others.message));
+    }
+    return fields.join(QStringLiteral(", "));
 }
 
 QString ReportScene::hostileText()

@@ -26,6 +26,10 @@ BuildOutcome run();
 /** One slice of a run over so many channels; every count-th is its. */
 BuildOutcome slice(int index, int count, int channels);
 
+/** The names of the fields by which two outcomes of a channel differ, all of them looked at; empty for none.
+ */
+QString differenceOf(const ChannelOutcome& one, const ChannelOutcome& other);
+
 /** What must reach no reader as anything but a text. */
 QString hostileText();
 

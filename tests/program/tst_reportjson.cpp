@@ -132,30 +132,7 @@ void tst_ReportJson::everyFieldComesBack()
     QCOMPARE(back.interrupted, true);
     QCOMPARE(back.sheets, build.sheets);
     QCOMPARE(foldersOf(back), foldersOf(build));
-    const ChannelOutcome& found = back.channels.at(1);
-    QCOMPARE(found.index, 3);
-    QCOMPARE(found.name, channel.name);
-    QCOMPARE(found.outcome, channel.outcome);
-    QCOMPARE(found.message, channel.message);
-    QCOMPARE(found.notes, channel.notes);
-    QCOMPARE(found.icons, channel.icons);
-    QCOMPARE(found.package, channel.package);
-    QCOMPARE(found.packageName, channel.packageName);
-    QCOMPARE(found.versionName, channel.versionName);
-    QCOMPARE(found.signer, channel.signer);
-    QCOMPARE(found.size, channel.size);
-    QCOMPARE(found.replaced, channel.replaced);
-    QCOMPARE(found.added, channel.added);
-    QCOMPARE(found.takenOver, channel.takenOver);
-    QCOMPARE(found.inputs, channel.inputs);
-    QCOMPARE(found.digest, channel.digest);
-    QCOMPARE(found.steps.size(), channel.steps.size());
-    QCOMPARE(found.steps.at(4).name, QStringLiteral("sign"));
-    QCOMPARE(found.steps.at(4).start, ReportScene::at(1));
-    QCOMPARE(found.steps.at(4).end, ReportScene::at(2));
-    QCOMPARE(found.steps.at(4).outcome, BuildStep::Failed);
-    QCOMPARE(found.steps.at(4).message, QStringLiteral("why"));
-    QCOMPARE(found.steps.at(3).outcome, BuildStep::Skipped);
+    QCOMPARE(ReportScene::differenceOf(back.channels.at(1), channel), QString());
 }
 
 void tst_ReportJson::pathsOfTheOutputAreRelative()
