@@ -277,8 +277,9 @@ QString ZipDirectory::read(const ArchiveFile& archive)
     QString objection = readEnd(archive, end);
     if (objection.isEmpty())
         objection = readEntries(archive, end, entries);
-    if (objection.isEmpty())
-        objection = objectionToSize(entries, archive.size());
+    if (!objection.isEmpty())
+        return objection; // what the end says of its directory may be any number
+    objection = objectionToSize(entries, archive.size());
     const qint64 start = end.place - static_cast<qint64>(end.size);
     for (ZipEntry& entry : entries) {
         if (objection.isEmpty())
