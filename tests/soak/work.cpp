@@ -15,9 +15,9 @@ void Work::start()
     begin();
 }
 
-void Work::end(const QString& fault)
+void Work::end(const QString& fault, int pieces)
 {
-    ++m_pieces;
+    m_pieces += pieces;
     if (m_fault.isEmpty())
         m_fault = fault;
     m_isAtWork = !m_isPausing && m_fault.isEmpty();

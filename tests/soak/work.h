@@ -25,7 +25,7 @@ public:
 protected:
     /** Begins a piece, which end() is told of. */
     virtual void begin() = 0;
-    void end(const QString& fault = {});
+    void end(const QString& fault = {}, int pieces = 1);
 
 private:
     const QString m_name;
@@ -38,7 +38,7 @@ private:
 /** Packs, unpacks, imports an SDK package and calls a script, in turns on a thread of its own. */
 std::unique_ptr<Work> scriptWork();
 
-/** 2,500 queued commands a piece, and a million in ten minutes where the machine keeps up. */
+/** 2,500 queued commands a piece, and more than a million in ten minutes where the machine keeps up. */
 std::unique_ptr<Work> recordWork();
 
 /** Copies a tree, moves the copy and removes it. */
