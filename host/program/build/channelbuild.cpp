@@ -93,7 +93,7 @@ QString flushFolder(const QString& folder)
 {
     const int handle = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const bool done = handle >= 0 && syncfs(handle) == 0;
-    const QString reason = done ? QString() : qt_error_string(errno);
+    QString reason = done ? QString() : qt_error_string(errno);
     if (handle >= 0)
         close(handle);
     return reason;
@@ -419,7 +419,7 @@ QString ChannelBuild::moveToOutput()
 
 QString ChannelBuild::output()
 {
-    const QString fault = moveToOutput();
+    QString fault = moveToOutput();
     if (!fault.isEmpty()) {
         clearFinished(m_places, m_channel->folder); // the rest of it will not come
         return fault;
