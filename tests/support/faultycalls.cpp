@@ -23,6 +23,8 @@ std::atomic<int> errorNumber{none};
 std::atomic<bool> hit{false};
 std::atomic<bool> isLasting{false};
 std::atomic<bool> unnamedFiles{true};
+std::atomic<bool> renamingIfFree{true};
+std::atomic<bool> kinds{true};
 std::function<void()> pendingAction;
 std::array<std::atomic<int>, FaultyCalls::CallCount> counts{};
 std::atomic<int> linksAtFlush{0};
@@ -113,6 +115,16 @@ void FaultyCalls::allowUnnamedFiles(bool allow)
     unnamedFiles = allow;
 }
 
+void FaultyCalls::allowRenamingIfFree(bool allow)
+{
+    renamingIfFree = allow;
+}
+
+void FaultyCalls::tellKinds(bool tell)
+{
+    kinds = tell;
+}
+
 bool FaultyCalls::wasHit()
 {
     return hit;
@@ -122,6 +134,8 @@ void FaultyCalls::heal()
 {
     faultyCall = -1;
     unnamedFiles = true;
+    renamingIfFree = true;
+    kinds = true;
 }
 
 void FaultyCalls::startCounting()
@@ -205,7 +219,13 @@ __attribute__((visibility("default"))) ssize_t getdents64(int folder, void* buff
 {
     if (fails(FaultyCalls::Listing))
         return -1;
-    return real<ssize_t (*)(int, void*, size_t)>("getdents64")(folder, buffer, size);
+    const ssize_t length = real<ssize_t (*)(int, void*, size_t)>("getdents64")(folder, buffer, size);
+    for (ssize_t at = 0; !kinds && at < length;) {
+        auto* const record = reinterpret_cast<dirent64*>(static_cast<char*>(buffer) + at);
+        record->d_type = DT_UNKNOWN;
+        at += record->d_reclen;
+    }
+    return length;
 }
 
 __attribute__((visibility("default"))) int syncfs(int file) noexcept
@@ -257,6 +277,17 @@ __attribute__((visibility("default"))) int renameat(int oldFolder, const char* o
         return -1;
     return real<int (*)(int, const char*, int, const char*)>("renameat")(oldFolder, oldPath, newFolder,
                                                                          newPath);
+}
+
+__attribute__((visibility("default"))) int renameat2(int oldFolder, const char* oldPath, int newFolder,
+                                                     const char* newPath, unsigned flags) noexcept
+{
+    if (!renamingIfFree) {
+        errno = ENOSYS;
+        return -1;
+    }
+    return real<int (*)(int, const char*, int, const char*, unsigned)>("renameat2")(
+        oldFolder, oldPath, newFolder, newPath, flags);
 }
 
 __attribute__((visibility("default"))) int fchmod(int file, mode_t mode) noexcept

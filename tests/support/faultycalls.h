@@ -46,6 +46,12 @@ void actBeforeNth(Call call, int n, const std::function<void()>& action);
 /** Whether the file system knows files without a name, in addition to all of the above. */
 void allowUnnamedFiles(bool allow);
 
+/** Whether a file can be renamed only if nothing has its new name, in addition to all of the above. */
+void allowRenamingIfFree(bool allow);
+
+/** Whether the file system tells the kinds of a folder's entries, in addition to all of the above. */
+void tellKinds(bool tell);
+
 /** Whether what was last asked for has come about. */
 bool wasHit();
 

@@ -84,6 +84,10 @@ private Q_SLOTS:
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll();
     void fileSystemsWithoutUnnamedFilesServe_data();
     void fileSystemsWithoutUnnamedFilesServe();
+    void olderKernelsServe_data();
+    void olderKernelsServe();
+    void folderThatTellsNoKindsIsWalked();
+    void folderThatCannotBeListedKeepsItsRights();
     void fullDiskLeavesNoPartOfAFile_data() { addEveryWay(); }
     void fullDiskLeavesNoPartOfAFile();
     void sizeLimitLeavesNoPartOfAFile();
@@ -387,6 +391,66 @@ void tst_TreeFaults::fileSystemsWithoutUnnamedFilesServe()
     QVERIFY(move());
     QCOMPARE(content(m_target), before);
     QVERIFY(content(m_source).isEmpty());
+}
+
+void tst_TreeFaults::olderKernelsServe_data()
+{
+    QTest::addColumn<bool>("links");
+    QTest::newRow("links") << true;
+    QTest::newRow("a file system without links") << false;
+}
+
+// Without files that have no name, and without a way to rename only if the new name is free.
+void tst_TreeFaults::olderKernelsServe()
+{
+    QFETCH(bool, links);
+    FaultyCalls::allowUnnamedFiles(false);
+    FaultyCalls::allowRenamingIfFree(false);
+    if (!links)
+        FaultyCalls::failFromNth(FaultyCalls::Linking, 1, EPERM);
+    writeManySizes(m_source + "/folder/file", 30);
+    const Tree before = content(m_source);
+    QVERIFY(copy());
+    QCOMPARE(content(m_target), before);
+    write(m_source + "/folder/file7", "another");
+    QVERIFY(!copy(false));
+    QCOMPARE(content(m_target), before);
+    const Tree changed = content(m_source);
+    QVERIFY(move());
+    QCOMPARE(content(m_target), changed);
+    QVERIFY(content(m_source).isEmpty());
+}
+
+void tst_TreeFaults::folderThatTellsNoKindsIsWalked()
+{
+    writeManySizes(m_source + "/folder/inner/file", 5);
+    write(m_root + "/elsewhere/file", "behind a link");
+    makeLink("../elsewhere/file", m_source + "/link");
+    makeLink("../elsewhere", m_source + "/folderlink");
+    QVERIFY(copy());
+    const Tree expected = content(m_target);
+    QVERIFY(remove(m_target));
+    FaultyCalls::tellKinds(false);
+    QVERIFY(copy());
+    QCOMPARE(content(m_target), expected);
+    QVERIFY(remove(m_target));
+    QVERIFY(!exists(m_target));
+    QCOMPARE(expected.value("folderlink/file"), QByteArray("file behind a link"));
+}
+
+void tst_TreeFaults::folderThatCannotBeListedKeepsItsRights()
+{
+    const CategoryOn trees("quenzo.trees");
+    write(m_source + "/file", "kept");
+    TreeFiles::setMode(m_source + "/file", 0640);
+    FaultyCalls::failFromNth(FaultyCalls::Listing, 1, EIO);
+    QDir source = folder(m_source);
+    QuenzoTool::changePermessionRecursively(source);
+    QVERIFY(FaultyCalls::wasHit());
+    FaultyCalls::heal();
+    const QString told = m_messages->takeWarnings().join(QLatin1Char('\n'));
+    QVERIFY2(told.contains(QLatin1String("could not be read: Input/output error")), qPrintable(told));
+    QCOMPARE(TreeFiles::mode(m_source + "/file"), 0640);
 }
 
 void tst_TreeFaults::fullDiskLeavesNoPartOfAFile()

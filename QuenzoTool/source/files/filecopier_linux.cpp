@@ -9,11 +9,10 @@
 #include <QRandomGenerator>
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
-#include <linux/fs.h>
 #include <memory>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -126,7 +125,7 @@ int makeWay(const Job& job, const OpenedSource& source)
 // Renames only if there is nothing of the new name, by whatever the file system knows for it.
 int renameIfFree(int folder, const char* from, const char* to)
 {
-    if (syscall(SYS_renameat2, folder, from, folder, to, RENAME_NOREPLACE) == 0)
+    if (renameat2(folder, from, folder, to, RENAME_NOREPLACE) == 0)
         return 0;
     if (errno != EINVAL && errno != ENOSYS)
         return errno;
