@@ -75,6 +75,7 @@ private Q_SLOTS:
     void aLockedFileIsRefused();
     void aRunThatCannotBeginIsToldAtTheFlush();
     void aReaderInTheWayIsWaitedFor();
+    void rowsThatAreKeptOutGoToNoOtherFile();
     void rowsThatCouldNotBeWrittenAreTold();
     void aFullDiskIsTold();
 
@@ -224,6 +225,33 @@ void tst_BuildRecordsFailures::aReaderInTheWayIsWaitedFor()
     QVERIFY(holder == nullptr);
     QCOMPARE(m_scene->rows(QStringLiteral("SELECT count(*) FROM channel")),
              (QVector<QStringList>{{QStringLiteral("300")}}));
+}
+
+// Some of them still wait for the lock when nobody waits for them any longer.
+void tst_BuildRecordsFailures::rowsThatAreKeptOutGoToNoOtherFile()
+{
+    constexpr int steps = 20;
+    const QString locked = m_scene->path(QStringLiteral("locked.db"));
+    BuildRecords records;
+    QVERIFY2(records.open(locked), qPrintable(records.error()));
+    records.begin(RecordsScene::jobOf(1), RecordsScene::buildOf());
+    QVERIFY2(records.flush(), qPrintable(records.error()));
+    {
+        const Holder holder(locked, QStringLiteral("BEGIN EXCLUSIVE"));
+        QVERIFY(holder.holds());
+        for (int i = 0; i < steps; ++i)
+            records.add(RecordsScene::folder(0), RecordsScene::step(QStringLiteral("sign"), i));
+        QVERIFY(!records.flush());
+        QVERIFY2(records.error().contains(locked)
+                     && records.error().contains(QLatin1String("database is locked")),
+                 qPrintable(records.error()));
+    }
+    QVERIFY2(records.open(m_scene->path()), qPrintable(records.error()));
+    QVERIFY(RecordsScene::runAll(records, {RecordsScene::channelOutcome(0, ChannelOutcome::Built)}));
+    QCOMPARE(m_scene->rows(QStringLiteral("SELECT count(*) FROM step")),
+             (QVector<QStringList>{{QStringLiteral("0")}}));
+    QCOMPARE(m_scene->rows(QStringLiteral("SELECT channel FROM result")),
+             (QVector<QStringList>{{RecordsScene::folder(0)}}));
 }
 
 void tst_BuildRecordsFailures::rowsThatCouldNotBeWrittenAreTold()
