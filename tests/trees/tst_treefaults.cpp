@@ -86,6 +86,7 @@ private Q_SLOTS:
     void fileSystemsWithoutUnnamedFilesServe();
     void olderKernelsServe_data();
     void olderKernelsServe();
+    void temporaryFileThatCannotBeMadeFailsTheCopy();
     void folderThatTellsNoKindsIsWalked();
     void folderThatCannotBeListedKeepsItsRights();
     void fullDiskLeavesNoPartOfAFile_data() { addEveryWay(); }
@@ -419,6 +420,16 @@ void tst_TreeFaults::olderKernelsServe()
     QVERIFY(move());
     QCOMPARE(content(m_target), changed);
     QVERIFY(content(m_source).isEmpty());
+}
+
+void tst_TreeFaults::temporaryFileThatCannotBeMadeFailsTheCopy()
+{
+    write(m_source + "/file", "kept");
+    FaultyCalls::allowUnnamedFiles(false);
+    FaultyCalls::failFromNth(FaultyCalls::Opening, 2, EACCES); // the source is the first
+    QVERIFY(!copy());
+    QVERIFY(FaultyCalls::wasHit());
+    QCOMPARE(content(m_target), Tree());
 }
 
 void tst_TreeFaults::folderThatTellsNoKindsIsWalked()
