@@ -16,7 +16,7 @@ rm -rf build/pictures
 QT_QPA_PLATFORM=xcb QT_LOGGING_RULES='*.debug=false' \
     xvfb-run -a -s '-screen 0 1280x800x24' "build/$preset/bin/quenzo-window-pictures" build/pictures
 mkdir -p docs/pictures
-for picture in start-en start-zh_CN-dark; do
+for picture in start-en channels-en report-en channels-zh_CN-dark; do
     cp "build/pictures/$picture.png" docs/pictures
 done
 find docs/pictures -size +150k -exec printf 'screenshots: larger than a document should load: %s\n' {} \; -exec false {} +

@@ -13,7 +13,7 @@ scripts/dependencies.sh window
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" -j"$(nproc)" >/dev/null
 failed=0
-for name in mainwindow jobfiles logpage windowforall buildpage treespage devicesadb; do
+for name in mainwindow jobfiles logpage windowforall buildpage treespage devicesadb devicespage recordspage closing journey; do
     QT_QPA_PLATFORM=xcb xvfb-run -a -s '-screen 0 2400x1600x24' timeout 300 \
         "build/$preset/tests/window/$name/bin/tst_$name" -silent >build/test-window.log 2>&1 && continue
     cat build/test-window.log

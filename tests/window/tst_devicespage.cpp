@@ -102,7 +102,8 @@ void tst_DevicesPage::openPage(bool refreshes)
 {
     m_window = std::make_unique<MainWindow>();
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    m_window->activateWindow(); // which keys need; on a screen without a window manager nobody else does it
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     auto* const pages = part<QListWidget>("pages");
     const QList<QListWidgetItem*> found = pages->findItems(QStringLiteral("Devices"), Qt::MatchExactly);
     QCOMPARE(found.size(), 1);

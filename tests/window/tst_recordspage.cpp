@@ -105,6 +105,9 @@ void tst_RecordsPage::cleanup()
     QStringList warnings = m_messages->takeWarnings();
     // Of the platform without a screen, about each window with a smallest size.
     warnings.removeAll(QStringLiteral("This plugin does not support propagateSizeHints()"));
+    // Of one without a window manager, about each window that is to have the focus before it is there.
+    for (const QString& warning : warnings.filter(QStringLiteral("(SetInputFocus)")))
+        warnings.removeAll(warning);
     QCOMPARE(warnings, QStringList());
     m_messages.reset();
 }
