@@ -2,6 +2,7 @@
 #ifndef BACKGROUND_H
 #define BACKGROUND_H
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QThreadPool>
 
@@ -14,7 +15,8 @@
 template <typename Work, typename Done> void inBackground(QObject* receiver, Work work, Done done)
 {
     const QPointer<QObject> guarded(receiver);
-    auto* const handOver = new QObject; // outlives the work, which the receiver need not
+    // Outlives the work, which the receiver need not; the application waits for the work before it ends.
+    auto* const handOver = new QObject(QCoreApplication::instance());
     QThreadPool::globalInstance()->start([work, done, guarded, handOver] {
         const auto result = work();
         QMetaObject::invokeMethod(

@@ -32,17 +32,18 @@ void BuildModel::connectDocument()
     connect(&m_document, &JobDocument::channelsInserted, this, [this] {
         m_rows.clear();
         endInsertRows();
-        Q_EMIT chosenChanged();
     });
     connect(&m_document, &JobDocument::channelsRemoved, this, [this] {
         m_rows.clear();
         endRemoveRows();
-        Q_EMIT chosenChanged();
     });
+    connect(&m_document, &JobDocument::channelsPlaced, this, &BuildModel::chosenChanged); // after all of them
     connect(&m_document, &JobDocument::channelsChanged, this, [this](const QVector<int>& rows) {
         m_rows.clear();
-        for (const int row : rows)
-            Q_EMIT dataChanged(index(row, 0), index(row, ColumnCount - 1));
+        const auto ends =
+            std::minmax_element(rows.cbegin(), rows.cend()); // once for all: there may be thousands
+        if (!rows.isEmpty())
+            Q_EMIT dataChanged(index(*ends.first, 0), index(*ends.second, ColumnCount - 1));
     });
 }
 

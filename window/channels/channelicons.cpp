@@ -2,6 +2,7 @@
 #include "window/channels/channelicons.h"
 
 #include "icons/iconset.h"
+#include "window/background.h"
 
 #include <threadgenerateicon.h>
 
@@ -14,7 +15,8 @@
 #include <QImageReader>
 #include <QPixmap>
 #include <QTemporaryDir>
-#include <QThread>
+
+#include <utility>
 
 // One icon on its way.
 struct ChannelIcons::Entry {
@@ -33,7 +35,8 @@ struct ChannelIcons::Batch {
     QString marks;
     int state = 0;
     QVector<Entry> entries;
-    QStringList pictures; // the files that were read
+    bool isFirst = false; // of this start
+    QStringList pictures; // the files that were read, and their folders, as far as they are there
     std::unique_ptr<QTemporaryDir> made;
     int madeCount = 0;
 };
@@ -86,6 +89,15 @@ QImage loaded(const QString& file)
     return QFile::exists(file) ? QImage(file) : QImage();
 }
 
+// The folder as well: a picture that is replaced is another file, and a missing one may come.
+void addWatched(const QString& picture, QStringList& paths)
+{
+    for (const QString& path : {picture, QFileInfo(picture).path()}) {
+        if (!paths.contains(path) && QFileInfo::exists(path))
+            paths.append(path);
+    }
+}
+
 } // namespace
 
 ChannelIcons::ChannelIcons(const QString& folder, QObject* parent)
@@ -105,8 +117,6 @@ ChannelIcons::ChannelIcons(const QString& folder, QObject* parent)
 
 ChannelIcons::~ChannelIcons()
 {
-    if (m_thread)
-        m_thread->wait();
     if (m_generator)
         m_generator->wait();
 }
@@ -161,35 +171,37 @@ void ChannelIcons::takeWishes()
     m_batch->master = m_master;
     m_batch->marks = m_marks;
     m_batch->state = m_state;
+    m_batch->isFirst = !std::exchange(m_hasTidied, true);
     while (!m_wishes.isEmpty() && m_batch->entries.size() < batchSize)
         m_batch->entries.append(m_wishes.takeLast());
-    run([batch = m_batch] { look(*batch); }, &ChannelIcons::make);
+    run(&ChannelIcons::look, &ChannelIcons::make);
 }
 
-void ChannelIcons::run(const std::function<void()>& work, void (ChannelIcons::*then)())
+void ChannelIcons::run(void (*work)(Batch& batch), void (ChannelIcons::*then)())
 {
-    m_thread.reset(QThread::create(work));
-    connect(m_thread.get(), &QThread::finished, this, [this, then] {
-        m_thread->wait();
-        (this->*then)();
-    });
-    m_thread->start();
+    inBackground(
+        this,
+        [work, batch = m_batch] {
+            work(*batch);
+            return true;
+        },
+        [this, then](bool) { (this->*then)(); });
 }
 
 // Finds out what the library has to make, and what has been made before.
 void ChannelIcons::look(Batch& batch)
 {
-    if (QDir().mkpath(batch.folder))
+    if (QDir().mkpath(batch.folder) && batch.isFirst)
         removeOld(batch.folder);
     const Picture master = pictureAt(batch.master);
-    batch.pictures.append(batch.master);
+    addWatched(batch.master, batch.pictures);
     QHash<QString, Picture> marks;
     for (Entry& entry : batch.entries) {
         const QString path =
             QStringLiteral("%1/%2/%3").arg(batch.marks, entry.mark, IconSet::cornerFile(entry.place.corner));
         if (!entry.mark.isEmpty() && !marks.contains(path)) {
             marks.insert(path, pictureAt(path));
-            batch.pictures.append(path);
+            addWatched(path, batch.pictures);
         }
         const Picture mark = entry.mark.isEmpty() ? Picture() : marks.value(path);
         if (master.size.isEmpty() || (!entry.mark.isEmpty() && mark.size.isEmpty()))
@@ -234,7 +246,7 @@ void ChannelIcons::make()
 void ChannelIcons::gather()
 {
     m_generator->wait();
-    run([batch = m_batch] { collect(*batch); }, &ChannelIcons::finish);
+    run(&ChannelIcons::collect, &ChannelIcons::finish);
 }
 
 void ChannelIcons::collect(Batch& batch)
@@ -278,16 +290,13 @@ void ChannelIcons::finish()
     takeWishes();
 }
 
-// The folders as well: a picture that is replaced is another file, and a missing one may come.
 void ChannelIcons::watch(const QStringList& paths)
 {
     QStringList fresh;
     const QStringList known = m_watcher.files() + m_watcher.directories();
     for (const QString& path : paths) {
-        for (const QString& watched : {path, QFileInfo(path).path()}) {
-            if (!known.contains(watched) && !fresh.contains(watched) && QFileInfo::exists(watched))
-                fresh.append(watched);
-        }
+        if (!known.contains(path))
+            fresh.append(path);
     }
     if (!fresh.isEmpty())
         m_watcher.addPaths(fresh);

@@ -10,13 +10,9 @@
 #include <QSet>
 #include <QTimer>
 
-#include <functional>
 #include <memory>
 
 class ThreadGenerateIcon;
-QT_BEGIN_NAMESPACE
-class QThread;
-QT_END_NAMESPACE
 
 /**
  * The icons of channels as a run will make them: the library makes each once, into a folder where the next
@@ -55,7 +51,7 @@ private:
     static void look(Batch& batch);
     static void collect(Batch& batch);
     void takeWishes();
-    void run(const std::function<void()>& work, void (ChannelIcons::*then)());
+    void run(void (*work)(Batch& batch), void (ChannelIcons::*then)());
     void make();
     void gather();
     void finish();
@@ -74,7 +70,7 @@ private:
     QTimer m_news;
     QFileSystemWatcher m_watcher;
     std::shared_ptr<Batch> m_batch;
-    std::unique_ptr<QThread> m_thread;
+    bool m_hasTidied = false;
     std::unique_ptr<ThreadGenerateIcon> m_generator;
 };
 

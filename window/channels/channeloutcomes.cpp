@@ -2,12 +2,12 @@
 #include "window/channels/channeloutcomes.h"
 
 #include "build/buildreport.h"
+#include "window/background.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QThread>
 
 namespace {
 
@@ -35,12 +35,6 @@ ChannelOutcomes::ChannelOutcomes(QObject* parent)
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, &m_soon, begin);
 }
 
-ChannelOutcomes::~ChannelOutcomes()
-{
-    if (m_thread)
-        m_thread->wait();
-}
-
 void ChannelOutcomes::setOutput(const QString& output)
 {
     const QStringList watched = m_watcher.files() + m_watcher.directories();
@@ -61,23 +55,36 @@ const ChannelOutcomes::Last* ChannelOutcomes::of(const QString& folder) const
 
 void ChannelOutcomes::read()
 {
-    m_isStale = m_thread != nullptr;
+    m_isStale = m_isReading;
     if (m_isStale || m_output.isEmpty())
         return;
-    const auto found = std::make_shared<All>();
-    m_thread.reset(QThread::create([output = m_output, found] { *found = all(output); }));
-    connect(m_thread.get(), &QThread::finished, this, [this, output = m_output, found] {
-        m_thread->wait();
-        m_thread.release()->deleteLater();
-        take(output, *found);
-    });
-    m_thread->start();
+    m_isReading = true;
+    inBackground(
+        this, [output = m_output] { return find(output); },
+        [this, output = m_output](const Found& found) { take(output, found); });
 }
 
-ChannelOutcomes::All ChannelOutcomes::all(const QString& output)
+// A report gets its name when it is whole, which its folder tells; the folder itself may be yet to come.
+ChannelOutcomes::Found ChannelOutcomes::find(const QString& output)
+{
+    const QStringList reports = reportsIn(output);
+    Found found;
+    QStringList wanted{QFileInfo(output).path(), output, output + QStringLiteral("/slices")};
+    for (const QString& report : reports)
+        wanted.append(QFileInfo(report).path());
+    wanted.removeDuplicates();
+    for (const QString& folder : qAsConst(wanted)) {
+        if (QFileInfo(folder).isDir())
+            found.folders.append(folder);
+    }
+    found.outcomes = outcomesIn(reports);
+    return found;
+}
+
+ChannelOutcomes::All ChannelOutcomes::outcomesIn(const QStringList& reports)
 {
     All outcomes;
-    for (const QString& path : reportsIn(output)) {
+    for (const QString& path : reports) {
         QFile file(path);
         BuildOutcome build;
         if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)
@@ -92,26 +99,23 @@ ChannelOutcomes::All ChannelOutcomes::all(const QString& output)
     return outcomes;
 }
 
-void ChannelOutcomes::take(const QString& output, const All& read)
+void ChannelOutcomes::take(const QString& output, const Found& found)
 {
+    m_isReading = false;
     if (output == m_output) {
-        m_all = read;
+        m_all = found.outcomes;
         Q_EMIT changed();
-        watch();
+        watch(found.folders);
     }
     if (output != m_output || m_isStale)
-        this->read();
+        read();
 }
 
-// A report gets its name when it is whole, which its folder tells; the folder itself may be yet to come.
-void ChannelOutcomes::watch()
+void ChannelOutcomes::watch(const QStringList& folders)
 {
     const QStringList known = m_watcher.directories();
-    QStringList wanted{QFileInfo(m_output).path(), m_output, m_output + QStringLiteral("/slices")};
-    for (const QString& report : reportsIn(m_output))
-        wanted.append(QFileInfo(report).path());
-    for (const QString& folder : qAsConst(wanted)) {
-        if (!known.contains(folder) && QFileInfo(folder).isDir())
+    for (const QString& folder : folders) {
+        if (!known.contains(folder))
             m_watcher.addPath(folder);
     }
 }

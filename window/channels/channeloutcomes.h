@@ -8,12 +8,6 @@
 #include <QHash>
 #include <QTimer>
 
-#include <memory>
-
-QT_BEGIN_NAMESPACE
-class QThread;
-QT_END_NAMESPACE
-
 /** What became of each channel the last time, by the reports in the job's output folder: read on a thread,
  * and again when they change. */
 class ChannelOutcomes : public QObject {
@@ -27,8 +21,6 @@ public:
     };
 
     explicit ChannelOutcomes(QObject* parent = nullptr);
-    /** Waits for a report that is being read. */
-    ~ChannelOutcomes() override;
 
     /** @param output the folder; empty for none */
     void setOutput(const QString& output);
@@ -43,16 +35,22 @@ Q_SIGNALS:
 private:
     using All = QHash<QString, Last>;
 
-    static All all(const QString& output);
-    void take(const QString& output, const All& read);
-    void watch();
+    struct Found {
+        All outcomes;
+        QStringList folders; ///< where other reports would come
+    };
+
+    static Found find(const QString& output);
+    static All outcomesIn(const QStringList& reports);
+    void take(const QString& output, const Found& found);
+    void watch(const QStringList& folders);
 
     QString m_output;
     All m_all;
+    bool m_isReading = false;
     bool m_isStale = false; // while one is read
     QTimer m_soon;
     QFileSystemWatcher m_watcher;
-    std::unique_ptr<QThread> m_thread;
 };
 
 #endif

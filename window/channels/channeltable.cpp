@@ -7,8 +7,6 @@
 #include <QPixmap>
 
 #include <algorithm>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -67,13 +65,8 @@ const ChannelTable::Row& ChannelTable::row(int channel) const
 {
     Row& row = m_texts[channel];
     if (!row.isKnown)
-        row = {m_document.nameOf(channel),
-               m_document.folderOf(channel),
-               m_document.sdksOf(channel).join(QStringLiteral(", ")),
-               m_document.packageOf(channel),
-               m_document.markOf(channel),
-               m_document.placeOf(channel),
-               true};
+        row = {m_document.nameOf(channel), m_document.folderOf(channel),
+               m_document.sdksOf(channel).join(QStringLiteral(", ")), m_document.packageOf(channel), true};
     return row;
 }
 
@@ -122,7 +115,7 @@ QVariant ChannelTable::data(const QModelIndex& index, int role) const
     if (role == Qt::TextAlignmentRole && index.column() == Position)
         return int(Qt::AlignRight | Qt::AlignVCenter);
     if (role == Qt::DecorationRole && index.column() == Name) {
-        const QIcon icon = m_icons.iconOf(row(channel).mark, row(channel).place);
+        const QIcon icon = m_icons.iconOf(m_document.markOf(channel), m_document.placeOf(channel));
         return icon.isNull() ? blank : icon;
     }
     if (role == Qt::ToolTipRole && index.column() == Outcome) {
@@ -217,20 +210,21 @@ bool ChannelTable::matches(int channel) const
 // The keys are folded once, and not with each of the many comparisons.
 void ChannelTable::sortChannels()
 {
-    std::vector<std::pair<QString, int>> keys;
-    keys.reserve(size_t(m_channels.size()));
+    QVector<QString> keys(m_texts.size());
     for (const int channel : qAsConst(m_channels))
-        keys.emplace_back(text(channel, m_column).toCaseFolded(), channel);
-    std::sort(keys.begin(), keys.end()); // of equal ones the first in the job comes first
-    for (size_t i = 0; i < keys.size(); ++i)
-        m_channels[int(i)] = keys.at(i).second;
+        keys[channel] = text(channel, m_column).toCaseFolded();
+    const QString* const key = keys.constData();
+    std::sort(m_channels.begin(), m_channels.end(), [key](int a, int b) {
+        const int order = key[a].compare(key[b]);
+        return order != 0 ? order < 0 : a < b; // of equal ones the first in the job comes first
+    });
 }
 
 void ChannelTable::arrange()
 {
     beginResetModel();
     m_channels.clear();
-    m_rows.clear();
+    m_channels.reserve(m_texts.size());
     for (int channel = 0; channel < m_texts.size(); ++channel) {
         if (matches(channel))
             m_channels.append(channel);
@@ -239,9 +233,9 @@ void ChannelTable::arrange()
         sortChannels();
     if (m_order == Qt::DescendingOrder)
         std::reverse(m_channels.begin(), m_channels.end());
-    m_rows.reserve(m_channels.size());
+    m_rows.fill(-1, m_texts.size());
     for (int i = 0; i < m_channels.size(); ++i)
-        m_rows.insert(m_channels.at(i), i);
+        m_rows[m_channels.at(i)] = i;
     endResetModel();
 }
 

@@ -5,7 +5,6 @@
 #include "window/channels/jobdocument.h"
 
 #include <QAbstractTableModel>
-#include <QHash>
 
 class ChannelIcons;
 class ChannelOutcomes;
@@ -49,8 +48,7 @@ Q_SIGNALS:
 
 private:
     struct Row {
-        QString name, folder, sdks, package, mark;
-        MarkPlace place;
+        QString name, folder, sdks, package;
         bool isKnown = false;
     };
 
@@ -69,7 +67,7 @@ private:
     const ChannelOutcomes& m_outcomes;
     mutable QVector<Row> m_texts; // by channel, each as soon as it is wanted
     QVector<int> m_channels; // by row
-    QHash<int, int> m_rows; // by channel
+    QVector<int> m_rows; // by channel; -1 for those that the filter hides
     QString m_filter;
     int m_column = Position;
     Qt::SortOrder m_order = Qt::AscendingOrder;

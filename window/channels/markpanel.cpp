@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "window/channels/markpanel.h"
 
+#include "window/background.h"
 #include "window/channels/markpreview.h"
 
 #include <QCheckBox>
@@ -11,7 +12,6 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
-#include <QThread>
 #include <QVBoxLayout>
 
 namespace {
@@ -51,12 +51,6 @@ MarkPanel::MarkPanel(JobDocument& document, QWidget* parent)
     connectFields();
     setTexts();
     refresh();
-}
-
-MarkPanel::~MarkPanel()
-{
-    if (m_thread)
-        m_thread->wait();
 }
 
 void MarkPanel::layOut()
@@ -197,41 +191,49 @@ void MarkPanel::refresh()
 void MarkPanel::readPictures()
 {
     m_shown = QStringList{m_document.masterPath(), m_document.marksPath(), mark()};
-    m_isStale = m_thread != nullptr;
+    m_isStale = m_isReading;
     if (m_isStale || !m_document.isOpen())
         return;
-    const auto read = std::make_shared<MarkPictures>();
-    m_thread.reset(QThread::create(
-        [read, wanted = m_shown] { *read = MarkPictures::read(wanted.at(0), wanted.at(1), wanted.at(2)); }));
-    connect(m_thread.get(), &QThread::finished, this, [this, read] {
-        m_thread->wait();
-        m_thread.release()->deleteLater();
-        if (m_isStale) {
-            readPictures();
-            return;
-        }
-        m_pictures = *read;
-        m_preview->setPictures(m_pictures);
-        showPictures();
-    });
-    m_thread->start();
+    m_isReading = true;
+    inBackground(
+        this, [wanted = m_shown] { return MarkPictures::read(wanted.at(0), wanted.at(1), wanted.at(2)); },
+        [this](const MarkPictures& read) {
+            m_isReading = false;
+            if (m_isStale) {
+                readPictures();
+                return;
+            }
+            m_pictures = read;
+            m_preview->setPictures(m_pictures);
+            showPictures();
+        });
 }
 
 void MarkPanel::showPictures()
 {
     m_fault->setText(m_pictures.fault);
     m_fault->setVisible(m_document.isOpen() && !m_pictures.fault.isEmpty());
-    m_mark->clear();
-    m_mark->addItem(tr("No mark"), QString());
-    for (const QString& name : qAsConst(m_pictures.names))
-        m_mark->addItem(name, name);
-    const QString chosen = mark();
-    if (m_mark->findData(chosen) < 0)
-        m_mark->addItem(chosen, chosen); // the job names one that is not there
-    m_mark->setCurrentIndex(m_mark->findData(chosen));
+    showMarks();
     const MarkPlace place = m_rows.isEmpty() ? MarkPlace() : m_document.placeOf(m_rows.first());
     m_preview->setPlace(place);
     showPlace(place);
+}
+
+void MarkPanel::showMarks()
+{
+    QStringList names = m_pictures.names;
+    names.prepend({});
+    if (!names.contains(mark()))
+        names.append(mark()); // the job names one that is not there
+    m_mark->setItemText(0, tr("No mark"));
+    if (names != m_names) {
+        m_names = names;
+        m_mark->clear();
+        m_mark->addItem(tr("No mark"), QString());
+        for (const QString& name : names.mid(1))
+            m_mark->addItem(name, name);
+    }
+    m_mark->setCurrentIndex(names.indexOf(mark()));
 }
 
 void MarkPanel::showPlace(const MarkPlace& place)

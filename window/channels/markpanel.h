@@ -7,8 +7,6 @@
 
 #include <QWidget>
 
-#include <memory>
-
 class MarkPreview;
 QT_BEGIN_NAMESPACE
 class QCheckBox;
@@ -17,7 +15,6 @@ class QFormLayout;
 class QLabel;
 class QPushButton;
 class QSpinBox;
-class QThread;
 QT_END_NAMESPACE
 
 /** The mark of the chosen channels: which one, in which corner, and where; an edit holds for all of them. */
@@ -27,8 +24,6 @@ class MarkPanel : public QWidget {
 public:
     /** @param document outlives the panel */
     explicit MarkPanel(JobDocument& document, QWidget* parent = nullptr);
-    /** Waits for pictures that are being read. */
-    ~MarkPanel() override;
 
     /** The channels; what is shown is the first one's. */
     void setRows(const QVector<int>& rows);
@@ -45,15 +40,17 @@ private:
     void refresh();
     void showPlace(const MarkPlace& place);
     void showPictures();
+    void showMarks();
     void choose(const MarkPlace& place, JobDocument::Step step);
     QString mark() const;
 
     JobDocument& m_document;
     QVector<int> m_rows;
     MarkPictures m_pictures;
+    QStringList m_names; // of the marks that are offered
     QStringList m_shown; // master, marks and mark of the pictures
+    bool m_isReading = false;
     bool m_isStale = false; // while they are read
-    std::unique_ptr<QThread> m_thread;
     QLabel* m_title;
     MarkPreview* m_preview;
     QLabel* m_fault;

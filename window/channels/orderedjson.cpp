@@ -208,6 +208,17 @@ OrderedJson OrderedJson::texts(const QStringList& texts)
     return array;
 }
 
+bool OrderedJson::operator==(const OrderedJson& other) const
+{
+    return isCopyOf(other) || toUtf8() == other.toUtf8();
+}
+
+bool OrderedJson::isCopyOf(const OrderedJson& other) const
+{
+    return m_kind == other.m_kind && m_written == other.m_written
+        && m_content.constData() == other.m_content.constData();
+}
+
 OrderedJson OrderedJson::emptied() const
 {
     OrderedJson empty = *this;

@@ -46,6 +46,12 @@ public:
     static OrderedJson null();
     static OrderedJson texts(const QStringList& texts); ///< an array on one line
 
+    /** Whether it is written byte for byte as the other one. */
+    bool operator==(const OrderedJson& other) const;
+    bool operator!=(const OrderedJson& other) const { return !(*this == other); }
+    /** Whether neither has been set since one was copied from the other: equal at a glance. */
+    bool isCopyOf(const OrderedJson& other) const;
+
     /** An empty object or array that lays out its items as this one does. */
     OrderedJson emptied() const;
 
