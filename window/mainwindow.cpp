@@ -235,7 +235,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     const QStringList work = workAtHand();
     if (work.isEmpty())
         setClosing(false);
-    if (work.isEmpty() && m_files->mayLeave()) {
+    if (work.isEmpty() && m_files->mayLeave([this] { close(); })) {
         QSettings settings;
         settings.setValue(geometryKey, saveGeometry());
         settings.setValue(pageKey, m_pages->currentIndex());

@@ -2,6 +2,7 @@
 #include "window/channels/jobdocument.h"
 
 #include "build/jobtemplate.h"
+#include "saving.h"
 
 #include <QtTest>
 
@@ -28,6 +29,10 @@ private Q_SLOTS:
     void objections();
     void foreignChangeIsNotOverwritten();
     void savedJobIsUnmodified();
+    void editDuringTheSaveIsUnsaved();
+    void savesFollowEachOther();
+    void jobInAnotherFolderFindsItsFiles();
+    void undoneEditInAnotherFolderFindsItsFiles();
 
 private:
     QString write(const QByteArray& content) const;
@@ -189,11 +194,11 @@ void tst_JobDocument::editWritesWhatItChangesAlone()
     QString fault;
     QVERIFY2(document.open(write(jobOf({}, channels)), fault), qPrintable(fault));
     edit(document);
-    QVERIFY2(document.save(fault), qPrintable(fault));
+    QCOMPARE(saveAndWait(document), QString());
     QCOMPARE(contentOf(document.path()), jobOf({}, edited));
     QCOMPARE(document.undoStack()->count(), 1);
     document.undoStack()->undo();
-    QVERIFY2(document.save(fault), qPrintable(fault));
+    QCOMPARE(saveAndWait(document), QString());
     QCOMPARE(contentOf(document.path()), jobOf({}, channels));
 }
 
@@ -362,11 +367,11 @@ void tst_JobDocument::foreignChangeIsNotOverwritten()
     document.setFolder(0, QStringLiteral("b"));
     const QByteArray foreign = jobOf({}, R"({"folder": "foreign"})");
     const QString path = write(foreign);
-    QVERIFY2(!document.save(fault), "it was written over");
+    fault = saveAndWait(document);
     QVERIFY2(fault.contains(path), qPrintable(fault));
     QCOMPARE(contentOf(path), foreign);
     QVERIFY2(document.isModified(), "it counts as saved");
-    QVERIFY2(document.saveAs(path, fault), qPrintable(fault));
+    QCOMPARE(saveAndWait(document, path), QString());
     QCOMPARE(contentOf(path), document.content());
 }
 
@@ -380,13 +385,113 @@ void tst_JobDocument::savedJobIsUnmodified()
     document.setFolder(0, QStringLiteral("b"));
     QVERIFY2(document.isModified(), "it is not modified by an edit");
     const QString other = m_folder->filePath(QStringLiteral("other.json"));
-    QVERIFY2(document.saveAs(other, fault), qPrintable(fault));
+    QCOMPARE(saveAndWait(document, other), QString());
     QVERIFY2(!document.isModified(), "it is modified behind the save");
     QCOMPARE(saved.size(), 1);
     QCOMPARE(document.path(), other);
-    QVERIFY2(document.save(fault), qPrintable(fault));
+    QCOMPARE(saveAndWait(document), QString());
     document.close();
     QVERIFY2(!document.isOpen() && document.channelCount() == 0, "it is open");
+}
+
+void tst_JobDocument::editDuringTheSaveIsUnsaved()
+{
+    JobDocument document;
+    QString fault;
+    QVERIFY2(document.open(write(jobOf({}, R"({"folder": "a"})")), fault), qPrintable(fault));
+    document.setFolder(0, QStringLiteral("b"));
+    const QByteArray saved = document.content();
+    document.save(&document, [](const QString&) {});
+    QVERIFY2(document.isSaving(), "it is saved while everybody waits");
+    document.setFolder(0, QStringLiteral("c"));
+    QTRY_VERIFY(!document.isSaving());
+    QCOMPARE(contentOf(document.path()), saved);
+    QVERIFY2(document.isModified(), "the later edit counts as saved");
+    document.undoStack()->setIndex(0);
+    QVERIFY2(document.isModified(), "the file counts as the one that was opened");
+    QCOMPARE(saveAndWait(document), QString());
+    QVERIFY2(!document.isModified(), "it is not saved");
+}
+
+void tst_JobDocument::savesFollowEachOther()
+{
+    JobDocument document;
+    QString fault;
+    QVERIFY2(document.open(write(jobOf({}, R"({"folder": "a"})")), fault), qPrintable(fault));
+    QStringList told;
+    const auto end = [&told](const QString& text) { told.append(text); };
+    for (const char* const folder : {"b", "c", "d"}) {
+        document.setFolder(0, QLatin1String(folder));
+        document.save(&document, end);
+    }
+    QTRY_COMPARE(told.size(), 3);
+    QCOMPARE(told.join(QString()), QString());
+    QCOMPARE(contentOf(document.path()), jobOf({}, R"({"folder": "d"})"));
+    QVERIFY2(!document.isModified(), "it counts as modified");
+}
+
+void tst_JobDocument::jobInAnotherFolderFindsItsFiles()
+{
+    const QByteArray job = R"({
+  "//": "c",
+  "base": "apk/base.apk",
+  "icons": {"master": "../icon.png", "marks": "/marks", "platforms": ["ios"]},
+  "sdks": {"//": "c", "pay": {"package": "sdk.zip", "id": 7}},
+  "defaults": {"files": "."},
+  "channels": [{"folder": "a", "files": "over/a"}, {"folder": "b", "files": null}, {"folder": "new"}],
+  "encryption": {"key": "key"},
+  "signing": {"keystore": "store", "alias": "base", "password": {"file": "password"}},
+  "output": "finished"
+}
+)";
+    QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("old/over")));
+    QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("new/deep")));
+    QVERIFY(QFile::link(m_folder->filePath(QStringLiteral("new/deep")),
+                        m_folder->filePath(QStringLiteral("link"))));
+    QFile file(m_folder->filePath(QStringLiteral("old/job.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(job) > 0);
+    file.close();
+    JobDocument document;
+    QString fault;
+    QVERIFY2(document.open(file.fileName(), fault), qPrintable(fault));
+    const QString moved = m_folder->filePath(QStringLiteral("link/job.json")); // leads two folders down
+    QCOMPARE(saveAndWait(document, moved), QString());
+    QByteArray wanted = job;
+    wanted.replace("\"apk/base.apk", "\"../../old/apk/base.apk");
+    wanted.replace("../icon.png", "../../icon.png");
+    wanted.replace("\"sdk.zip", "\"../../old/sdk.zip");
+    wanted.replace("\".\"", "\"../../old\"");
+    wanted.replace("over/a", "../../old/over/a");
+    wanted.replace("\"key\"}", "\"../../old/key\"}");
+    wanted.replace("\"store", "\"../../old/store");
+    wanted.replace("\"password\"}", "\"../../old/password\"}");
+    QCOMPARE(contentOf(moved), wanted);
+    QCOMPARE(document.content(), wanted);
+    QCOMPARE(document.path(), moved);
+    QCOMPARE(contentOf(file.fileName()), job);
+    QVERIFY2(!document.isModified(), "it counts as modified");
+    // Beside the old one again, everything is as it was.
+    QCOMPARE(saveAndWait(document, m_folder->filePath(QStringLiteral("old/copy.json"))), QString());
+    QCOMPARE(document.content(), job);
+}
+
+void tst_JobDocument::undoneEditInAnotherFolderFindsItsFiles()
+{
+    const QByteArray content =
+        jobOf({}, R"({"folder": "a", "files": "over"}, {"folder": "b", "files": "over"})");
+    JobDocument document;
+    QString fault;
+    QVERIFY2(document.open(write(content), fault), qPrintable(fault));
+    document.setFolder(0, QStringLiteral("c"));
+    document.removeChannels({1});
+    QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("new")));
+    QCOMPARE(saveAndWait(document, m_folder->filePath(QStringLiteral("new/job.json"))), QString());
+    document.undoStack()->setIndex(0);
+    QByteArray wanted = content;
+    wanted.replace("\"over", "\"../over");
+    QCOMPARE(document.content(), wanted);
+    document.undoStack()->setIndex(2);
+    QCOMPARE(document.content(), jobOf({}, R"({"folder": "c", "files": "../over"})"));
 }
 
 QTEST_GUILESS_MAIN(tst_JobDocument)

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void whatIsNoJobIsToldInTheBanner();
     void unsavedEditsAreAskedAbout_data();
     void unsavedEditsAreAskedAbout();
+    void latestJobIsOpened();
     void editMenuNamesWhatIsUndone();
 
 private:
@@ -257,14 +258,39 @@ void tst_JobFiles::unsavedEditsAreAskedAbout()
     JobDocument document;
     JobFiles files(document, &window);
     files.open(job);
-    QVERIFY(files.mayLeave()); // nothing to ask
+    QVERIFY2(!document.isOpen(), "the window waits for the file");
+    QTRY_VERIFY(document.isOpen());
+    bool hasLeft = false;
+    const std::function<void()> leave = [&] { hasLeft = files.mayLeave(leave); };
+    leave();
+    QVERIFY2(hasLeft, "there was nothing to ask");
     document.setName(0, QStringLiteral("another name"));
     const Person person([answer](QWidget* dialog) { Person::press(dialog, answer); });
-    QTEST(files.mayLeave(), "mayLeave");
+    leave();
     QVERIFY(person.wasAsked());
+    QTRY_VERIFY(!document.isSaving());
+    QTEST(hasLeft, "mayLeave");
     QFile file(job);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QTEST(file.readAll().contains("another name"), "isSaved");
+}
+
+void tst_JobFiles::latestJobIsOpened()
+{
+    const QString job = makeSample();
+    const QString other = path("sample/other.json");
+    QVERIFY(QFile::copy(job, other));
+    QWidget window;
+    JobDocument document;
+    JobFiles files(document, &window);
+    const QSignalSpy opened(&document, &JobDocument::opened);
+    files.open(job);
+    files.open(other);
+    QTRY_COMPARE(document.path(), other);
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+    QCOMPARE(document.path(), other);
+    QCOMPARE(opened.size(), 1);
 }
 
 void tst_JobFiles::editMenuNamesWhatIsUndone()
@@ -276,6 +302,7 @@ void tst_JobFiles::editMenuNamesWhatIsUndone()
     JobMenus menus(document, files, &window);
     menus.setTexts();
     files.open(job);
+    QTRY_VERIFY(document.isOpen());
     auto* const undo = window.findChild<QAction*>(QStringLiteral("undo"));
     auto* const redo = window.findChild<QAction*>(QStringLiteral("redo"));
     auto* const save = window.findChild<QAction*>(QStringLiteral("save"));

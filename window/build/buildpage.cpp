@@ -345,13 +345,14 @@ void BuildPage::askToSave()
     connect(m_question, &QMessageBox::buttonClicked, this, [this, save](const QAbstractButton* button) {
         if (button != save)
             return;
-        QString fault;
-        if (m_document.save(fault)) {
-            run();
-            return;
-        }
-        m_banner->setText(fault);
-        m_banner->show();
+        m_document.save(this, [this](const QString& fault) {
+            if (fault.isEmpty()) {
+                run();
+                return;
+            }
+            m_banner->setText(fault);
+            m_banner->show();
+        });
     });
     m_question->open();
 }

@@ -4,22 +4,17 @@
 #include "build/jobchannels.h"
 #include "icons/channellist.h"
 #include "icons/iconset.h"
-#include "jsonplace.h"
-#include "wholesave.h"
+#include "window/background.h"
 #include "window/channels/jobedits.h"
 
-#include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
+#include <QPointer>
 #include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
-
-constexpr qint64 mostBytes = 1 << 26; // as a run takes them
 
 const QString folderKey = QStringLiteral("folder");
 const QString nameKey = QStringLiteral("name");
@@ -31,18 +26,14 @@ const QString xKey = QStringLiteral("x");
 const QString yKey = QStringLiteral("y");
 const QString sdksKey = QStringLiteral("sdks");
 const QString channelsKey = QStringLiteral("channels");
+const QString defaultsKey = QStringLiteral("defaults");
 
 // The keys of a channel in their usual order: a new one comes behind those that stand before it here.
 QStringList keysBefore(const QString& key)
 {
-    const QStringList order{
+    static const QStringList order{
         QStringLiteral("//"), folderKey, nameKey, numberKey, packageKey, markKey, cornerKey, xKey, yKey};
     return order.mid(0, qMax(order.indexOf(key), 0) + (order.contains(key) ? 0 : order.size()));
-}
-
-QByteArray digestOf(const QByteArray& content)
-{
-    return QCryptographicHash::hash(content, QCryptographicHash::Sha1);
 }
 
 QJsonValue plainValue(const OrderedJson& value)
@@ -127,44 +118,23 @@ JobDocument::~JobDocument() = default;
 
 bool JobDocument::open(const QString& path, QString& fault)
 {
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
-        fault = QFileInfo(path).isFile() ? tr("%1 cannot be read: %2").arg(path, file.errorString())
-                                         : tr("There is no file %1.").arg(path);
-        return false;
-    }
-    if (file.size() > mostBytes) {
-        fault = tr("%1 is larger than a job can be.").arg(path);
-        return false;
-    }
-    const QByteArray content = file.readAll();
-    const OrderedJson root = OrderedJson::parse(content, fault);
-    if (!fault.isEmpty()) {
-        fault = tr("%1 is no job, since it is not JSON: %2").arg(path, fault);
-        return false;
-    }
-    const OrderedJson list = root.member(channelsKey);
-    const auto isObject = [](const OrderedJson::Item& item) {
-        return item.value.kind() == OrderedJson::Object;
-    };
-    if (list.kind() != OrderedJson::Array
-        || !std::all_of(list.items().cbegin(), list.items().cend(), isObject)) {
-        fault = tr("%1 is no job: it has no list of \"channels\".").arg(path);
-        return false;
-    }
-    const QStringList repeated = JsonPlace::repeatedKeys(content);
-    if (!repeated.isEmpty()) {
-        fault = tr("%1 gives %2 twice. Remove one of them with a text editor.").arg(path, repeated.first());
-        return false;
-    }
+    const JobContent job = JobContent::read(path);
+    fault = job.fault;
+    if (fault.isEmpty())
+        open(job);
+    return fault.isEmpty();
+}
+
+void JobDocument::open(const JobContent& job)
+{
     close();
-    m_path = QFileInfo(path).absoluteFilePath();
-    m_digest = digestOf(content);
-    m_root = root;
-    m_defaults = root.member(QStringLiteral("defaults"));
-    m_list = root.indexOf(channelsKey);
+    m_path = job.path;
+    m_digest = job.digest;
+    m_root = job.root;
+    m_defaults = m_root.member(defaultsKey);
+    m_list = m_root.indexOf(channelsKey);
+    ++m_revision;
     Q_EMIT opened();
-    return true;
 }
 
 void JobDocument::close()
@@ -174,42 +144,73 @@ void JobDocument::close()
     m_path.clear();
     m_root = m_defaults = OrderedJson();
     m_list = -1;
+    ++m_revision;
     m_undoStack.clear();
     Q_EMIT closed();
 }
 
-bool JobDocument::save(QString& fault)
+void JobDocument::save(QObject* receiver, const Ended& ended)
 {
-    QFile file(m_path);
-    if (file.exists() && file.open(QIODevice::ReadOnly) && digestOf(file.readAll()) != m_digest) {
-        fault =
-            tr("%1 has been changed by another program. Open it again, or save this job under another name.")
-                .arg(m_path);
-        return false;
-    }
-    return write(m_path, fault);
+    const QPointer<QObject> guarded(receiver);
+    whenSaved([this, guarded, ended] { write({}, guarded, ended); });
 }
 
-bool JobDocument::saveAs(const QString& path, QString& fault)
+void JobDocument::saveAs(const QString& path, QObject* receiver, const Ended& ended)
 {
-    if (!write(path, fault))
-        return false;
-    m_path = QFileInfo(path).absoluteFilePath();
-    Q_EMIT savedAs(m_path);
-    return true;
+    const QPointer<QObject> guarded(receiver);
+    whenSaved([this, path, guarded, ended] { write(path, guarded, ended); });
 }
 
-bool JobDocument::write(const QString& path, QString& fault)
+void JobDocument::whenSaved(const std::function<void()>& then)
 {
-    const QByteArray whole = content();
-    const QString cause = saveWhole(path, whole);
-    if (!cause.isEmpty()) {
-        fault = tr("%1 cannot be written: %2").arg(path, cause);
-        return false;
-    }
-    m_digest = digestOf(whole);
-    m_undoStack.setClean();
-    return true;
+    if (m_isSaving)
+        m_waiting.append(then);
+    else
+        then();
+}
+
+// To its own path when none is given.
+void JobDocument::write(const QString& path, QObject* receiver, const Ended& ended)
+{
+    m_isSaving = true;
+    const JobContent job = contentNow();
+    inBackground(
+        this, [job, path] { return (path.isEmpty() ? job : job.movedTo(path)).written(); },
+        [this, revision = m_revision, guarded = QPointer<QObject>(receiver), ended](const JobContent& done) {
+            m_isSaving = false;
+            if (done.fault.isEmpty() && isOpen())
+                settle(done, revision);
+            if (guarded)
+                ended(done.fault);
+            for (const auto& then : std::exchange(m_waiting, {}))
+                whenSaved(then);
+        });
+}
+
+// There may have been edits meanwhile: then the file is none of the states that can be returned to.
+void JobDocument::settle(const JobContent& written, int revision)
+{
+    const bool isAsWritten = revision == m_revision;
+    const bool isMoved = written.path != m_path;
+    m_root = isAsWritten ? written.root : contentNow().movedTo(written.path).root;
+    m_defaults = m_root.member(defaultsKey);
+    m_path = written.path;
+    m_digest = written.digest;
+    if (isAsWritten)
+        m_undoStack.setClean();
+    else
+        m_undoStack.resetClean();
+    if (isMoved)
+        Q_EMIT savedAs(m_path);
+}
+
+JobContent JobDocument::contentNow() const
+{
+    JobContent job;
+    job.path = m_path;
+    job.root = m_root;
+    job.digest = m_digest;
+    return job;
 }
 
 QByteArray JobDocument::content() const
@@ -222,7 +223,12 @@ QString JobDocument::absolute(const QString& path) const
 {
     if (path.isEmpty() || path.startsWith(QLatin1Char('/')))
         return path;
-    return m_path.left(m_path.lastIndexOf(QLatin1Char('/')) + 1) + path;
+    return folder() + QLatin1Char('/') + path;
+}
+
+QString JobDocument::folder() const
+{
+    return m_path.left(m_path.lastIndexOf(QLatin1Char('/')));
 }
 
 QString JobDocument::game() const
@@ -401,29 +407,30 @@ void JobDocument::setSdks(const QVector<int>& rows, const QStringList& sdks)
 void JobDocument::setMark(const QVector<int>& rows, const QString& mark)
 {
     const bool isDefault = !m_defaults.member(markKey).toText().isEmpty();
-    change(tr("Mark of %1").arg(titleOf(rows)), rows, Whole,
-           [this, &mark, isDefault](int row, OrderedJson& channel) {
-               if (markOf(row) == mark)
-                   return;
-               if (mark.isEmpty() && isDefault)
-                   channel.set(markKey, OrderedJson::null(), keysBefore(markKey));
-               else
-                   setText(channel, markKey, mark);
-           });
+    const QStringList before = keysBefore(markKey);
+    const OrderedJson value = mark.isEmpty() && isDefault ? OrderedJson::null() : OrderedJson::text(mark);
+    change(tr("Mark of %1").arg(titleOf(rows)), rows, Whole, [&](int row, OrderedJson& channel) {
+        if (markOf(row) == mark)
+            return;
+        if (mark.isEmpty() && !isDefault)
+            channel.remove(markKey);
+        else
+            channel.set(markKey, value, before);
+    });
 }
 
 void JobDocument::setPlace(const QVector<int>& rows, const MarkPlace& place, Step step)
 {
-    change(tr("Place of the mark of %1").arg(titleOf(rows)), rows, step,
-           [this, &place](int row, OrderedJson& channel) {
-               if (placeOf(row) == place)
-                   return;
-               if (cornerOf(channel) != place.corner)
-                   channel.set(cornerKey, OrderedJson::text(IconSet::cornerNames().at(place.corner)),
-                               keysBefore(cornerKey));
-               setPixels(channel, xKey, place.x);
-               setPixels(channel, yKey, place.y);
-           });
+    const OrderedJson corner = OrderedJson::text(IconSet::cornerNames().at(place.corner));
+    const QStringList before = keysBefore(cornerKey);
+    change(tr("Place of the mark of %1").arg(titleOf(rows)), rows, step, [&](int row, OrderedJson& channel) {
+        if (placeOf(row) == place)
+            return;
+        if (cornerOf(channel) != place.corner)
+            channel.set(cornerKey, corner, before);
+        setPixels(channel, xKey, place.x);
+        setPixels(channel, yKey, place.y);
+    });
 }
 
 void JobDocument::removePlace(const QVector<int>& rows)
@@ -444,10 +451,11 @@ void JobDocument::change(const QString& text, const QVector<int>& rows, Step ste
                          const std::function<void(int row, OrderedJson& channel)>& edit)
 {
     QVector<Change::Entry> entries;
+    entries.reserve(rows.size());
     for (const int row : rows) {
         Change::Entry entry{row, channel(row), channel(row)};
         edit(row, entry.after);
-        if (entry.after.toUtf8() != entry.before.toUtf8())
+        if (!entry.after.isCopyOf(entry.before))
             entries.append(entry);
     }
     if (!entries.isEmpty())
@@ -520,11 +528,13 @@ void JobDocument::arrange(const QString& text, const QVector<int>& taken, const 
 
 void JobDocument::replace(int row, const OrderedJson& channel)
 {
+    ++m_revision;
     channels()[row].value = channel;
 }
 
 JobDocument::Items JobDocument::take(const QVector<int>& rows)
 {
+    ++m_revision;
     Items taken;
     for (const int row : rows)
         taken.append(channels().at(row));
@@ -540,6 +550,7 @@ JobDocument::Items JobDocument::take(const QVector<int>& rows)
 
 void JobDocument::put(const QVector<int>& rows, const Items& items)
 {
+    ++m_revision;
     int next = 0;
     for (const QPair<int, int>& run : runsOf(rows)) {
         const int last = run.first + run.second - 1;

@@ -2,7 +2,7 @@
 #ifndef JOBDOCUMENT_H
 #define JOBDOCUMENT_H
 
-#include "window/channels/orderedjson.h"
+#include "window/channels/jobcontent.h"
 
 #include <QObject>
 #include <QPoint>
@@ -32,10 +32,9 @@ struct MarkPlace {
  * The job file that is open: its channels are read and edited here, and each edit can be undone.
  *
  * @code
- * if (!document.open(path, fault))
- *     banner->setText(fault);
+ * document.open(JobContent::read(path)); // which another thread may have done
  * document.setMark({0, 1}, "harbor"); // one step of undoStack()
- * document.save(fault);
+ * document.save(this, [this](const QString& fault) { banner->setText(fault); });
  * @endcode
  *
  * Rows count the channels in the job's order. What it says of a channel has the job's defaults applied, as a
@@ -52,12 +51,22 @@ public:
     explicit JobDocument(QObject* parent = nullptr);
     ~JobDocument() override;
 
-    /** @param[out] fault a sentence; what was open before stays then. */
+    /** @param job without a fault */
+    void open(const JobContent& job);
+    /** Reads it here and now. @param[out] fault a sentence; what was open before stays then. */
     bool open(const QString& path, QString& fault);
-    bool save(QString& fault);
-    /** The job is this file from now on. */
-    bool saveAs(const QString& path, QString& fault);
     void close();
+
+    /** Told on the window's thread when it is over; @p fault is a sentence, and empty when all went well. */
+    using Ended = std::function<void(const QString& fault)>;
+
+    /** Writes the job as it is now on another thread. @param receiver nothing is told without it */
+    void save(QObject* receiver, const Ended& ended);
+    /** The job is this file from then on; what it reads stays where it is. */
+    void saveAs(const QString& path, QObject* receiver, const Ended& ended);
+    bool isSaving() const { return m_isSaving; }
+    /** Does it as soon as nothing is being saved: at once, most often. */
+    void whenSaved(const std::function<void()>& then);
 
     bool isOpen() const { return !m_path.isEmpty(); }
     QString path() const { return m_path; } ///< absolute; empty when no job is open
@@ -129,7 +138,10 @@ private:
     Items take(const QVector<int>& rows);
     void put(const QVector<int>& rows, const Items& items);
     OrderedJson newChannel(const OrderedJson& like, QString folder) const;
-    bool write(const QString& path, QString& fault);
+    QString folder() const;
+    JobContent contentNow() const;
+    void write(const QString& path, QObject* receiver, const Ended& ended);
+    void settle(const JobContent& written, int revision);
     QString absolute(const QString& path) const;
     QString titleOf(const QVector<int>& rows) const;
 
@@ -138,6 +150,9 @@ private:
     OrderedJson m_root;
     OrderedJson m_defaults;
     int m_list = -1; // the index of the channels in the root
+    int m_revision = 0; // another one with each edit
+    bool m_isSaving = false;
+    QVector<std::function<void()>> m_waiting; // for the end of that
     QUndoStack m_undoStack;
 };
 

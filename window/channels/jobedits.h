@@ -24,8 +24,10 @@ public:
 
 private:
     QVector<int> rows() const;
+    void follow();
 
     JobDocument& m_document;
+    QString m_folder; // which the channels' paths are relative to
     QVector<Entry> m_entries;
     Step m_step;
 };
@@ -41,7 +43,10 @@ public:
     void redo() override;
 
 private:
+    void follow();
+
     JobDocument& m_document;
+    QString m_folder;
     QVector<int> m_taken;
     QVector<int> m_placed;
     Items m_gone;

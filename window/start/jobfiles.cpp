@@ -41,8 +41,12 @@ JobFiles::JobFiles(JobDocument& document, QWidget* window)
 {
 }
 
-bool JobFiles::mayLeave()
+bool JobFiles::mayLeave(const std::function<void()>& again)
 {
+    if (m_document.isSaving()) {
+        m_document.whenSaved(again);
+        return false;
+    }
     if (!m_document.isModified())
         return true;
     QMessageBox question(QMessageBox::Question, tr("Edits are not saved"),
@@ -54,8 +58,12 @@ bool JobFiles::mayLeave()
     QPushButton* const stay = question.addButton(tr("&Go on editing"), QMessageBox::RejectRole);
     question.setEscapeButton(stay);
     question.exec();
-    if (question.clickedButton() == saved)
-        return save();
+    if (question.clickedButton() == saved) {
+        m_document.save(this, [this, again](const QString& fault) {
+            if (finish(fault))
+                again();
+        });
+    }
     return question.clickedButton() == dropped;
 }
 
@@ -69,23 +77,39 @@ void JobFiles::take(const QString& path)
         Q_EMIT told(tr("%1 is neither a job, which ends in .json, nor an APK.").arg(path));
 }
 
-bool JobFiles::finish(bool isDone, const QString& fault)
+bool JobFiles::finish(const QString& fault)
 {
-    Q_EMIT told(isDone ? QString() : fault);
-    if (isDone) {
-        RecentJobs::add(m_document.path());
-        Q_EMIT recentChanged();
-    }
-    return isDone;
+    Q_EMIT told(fault);
+    if (!fault.isEmpty())
+        return false;
+    RecentJobs::add(m_document.path());
+    Q_EMIT recentChanged();
+    return true;
 }
 
 void JobFiles::open(const QString& path)
 {
-    if (!mayLeave())
+    const int order = ++m_order;
+    m_window->setCursor(Qt::BusyCursor);
+    inBackground(
+        this, [path] { return JobContent::read(path); },
+        [this, order](const JobContent& job) {
+            if (order != m_order)
+                return; // another one has been asked for meanwhile
+            m_window->unsetCursor();
+            if (job.fault.isEmpty())
+                begin(job);
+            else
+                Q_EMIT told(job.fault);
+        });
+}
+
+void JobFiles::begin(const JobContent& job)
+{
+    if (!mayLeave([this, job] { begin(job); }))
         return;
-    QString fault;
-    const bool isDone = m_document.open(path, fault);
-    finish(isDone, fault);
+    m_document.open(job);
+    finish({});
 }
 
 void JobFiles::chooseJob()
@@ -138,29 +162,25 @@ void JobFiles::make(const GameApk& apk)
         });
 }
 
-bool JobFiles::save()
+void JobFiles::save()
 {
-    QString fault;
-    const bool isDone = m_document.save(fault);
-    return finish(isDone, fault);
+    m_document.save(this, [this](const QString& fault) { finish(fault); });
 }
 
-bool JobFiles::saveAs()
+void JobFiles::saveAs()
 {
     QString path =
         QFileDialog::getSaveFileName(m_window, tr("Save the job as"), m_document.path(), tr("Jobs (*.json)"));
     if (path.isEmpty())
-        return false;
+        return;
     if (QFileInfo(path).suffix().isEmpty())
         path += jobEnding;
-    QString fault;
-    const bool isDone = m_document.saveAs(path, fault);
-    return finish(isDone, fault);
+    m_document.saveAs(path, this, [this](const QString& fault) { finish(fault); });
 }
 
 void JobFiles::close()
 {
-    if (mayLeave())
+    if (mayLeave([this] { close(); }))
         m_document.close();
 }
 

@@ -51,6 +51,7 @@ StartPage::StartPage(JobDocument& document, JobFiles& files, QWidget* parent)
     connect(&files, &JobFiles::recentChanged, this, &StartPage::showRecent);
     connect(&document, &JobDocument::opened, this, &StartPage::checkJob);
     connect(&document, &JobDocument::closed, this, &StartPage::showJob);
+    connect(&document, &JobDocument::savedAs, this, &StartPage::checkJob);
     connect(document.undoStack(), &QUndoStack::cleanChanged, this, &StartPage::checkJob);
     StartPage::setTexts();
 }
