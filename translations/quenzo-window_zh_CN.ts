@@ -318,6 +318,26 @@
         <source>Last outcome</source>
         <translation>上次结果</translation>
     </message>
+    <message>
+        <source>Yes</source>
+        <translation>是</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>否</translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation>记录编号</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>文件</translation>
+    </message>
+    <message>
+        <source>Encrypted</source>
+        <translation>加密</translation>
+    </message>
 </context>
 <context>
     <name>ChannelsPage</name>
@@ -777,6 +797,22 @@
     <message>
         <source>Move %1</source>
         <translation>移动 %1</translation>
+    </message>
+    <message>
+        <source>%1 is no number of a developer record, which has up to nine digits.</source>
+        <translation>%1 不是开发者记录的编号，编号最多九位数字。</translation>
+    </message>
+    <message>
+        <source>Number of %1</source>
+        <translation>%1 的记录编号</translation>
+    </message>
+    <message>
+        <source>Files of %1</source>
+        <translation>%1 的文件</translation>
+    </message>
+    <message>
+        <source>Encryption of %1</source>
+        <translation>%1 的加密</translation>
     </message>
 </context>
 <context>
@@ -1333,6 +1369,13 @@ APK：%3</translation>
     <message>
         <source>nothing</source>
         <translation>无</translation>
+    </message>
+</context>
+<context>
+    <name>SdkDelegate</name>
+    <message>
+        <source>SDKs of the channel</source>
+        <translation>渠道的 SDK</translation>
     </message>
 </context>
 <context>

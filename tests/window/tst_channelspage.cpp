@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
 #include <QSettings>
@@ -29,6 +30,11 @@ private Q_SLOTS:
     void headerSorts();
     void editInTheTableIsOneStep();
     void refusedEditSaysWhy();
+    void sdksArePicked_data();
+    void sdksArePicked();
+    void noSdksAreNotAskedFor();
+    void numberFilesAndEncryptionAreEdited();
+    void numbersSortAsNumbers();
     void keysAddCopyMoveAndRemove();
     void severalChannelsAreRemovedTogether();
     void orderOfTheJobIsNeededToMove();
@@ -264,6 +270,103 @@ void tst_ChannelsPage::refusedEditSaysWhy()
     QCOMPARE(scene.document().content(), scene.job());
     scene.document().setName(0, QStringLiteral("Another"));
     QCOMPARE(bannerOf(scene), QString());
+}
+
+void tst_ChannelsPage::sdksArePicked_data()
+{
+    QTest::addColumn<bool>("byKeys");
+    QTest::newRow("keys") << true;
+    QTest::newRow("mouse") << false;
+}
+
+void tst_ChannelsPage::sdksArePicked()
+{
+    QFETCH(const bool, byKeys);
+    ChannelScene scene(R"({"sdks": {"pay": {}, "ads": {}, "push, and pull": {}},
+  "channels": [{"folder": "a", "sdks": ["push, and pull", "ads"]}, {"folder": "b"}]})");
+    QCOMPARE(scene.show(), QString());
+    scene.clickCell(0, ChannelTable::Sdks);
+    if (byKeys)
+        QTest::keyClick(scene.table(), Qt::Key_F2);
+    else
+        QTest::mouseDClick(scene.table()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                           scene.table()->visualRect(scene.table()->currentIndex()).center());
+    auto* const picker = scene.find<QListWidget>("sdkPicker");
+    QVERIFY2(picker, "nothing to pick from opens");
+    QStringList offered;
+    for (int i = 0; i < picker->count(); ++i)
+        offered.append(picker->item(i)->text() + QString::number(int(picker->item(i)->checkState())));
+    QCOMPARE(offered.join(QLatin1Char(' ')), QStringLiteral("pay0 ads2 push, and pull2"));
+    QVERIFY2(picker->parentWidget()->rect().contains(picker->geometry()), "it is cut off");
+    for (const int row : {0, 1}) {
+        if (byKeys) {
+            QTest::keyClick(picker, Qt::Key_Space);
+            QTest::keyClick(picker, Qt::Key_Down);
+            continue;
+        }
+        QStyleOptionViewItem option;
+        option.rect = picker->visualItemRect(picker->item(row));
+        option.features = QStyleOptionViewItem::HasCheckIndicator | QStyleOptionViewItem::HasDisplay;
+        const QRect box =
+            picker->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, picker);
+        QTest::mouseClick(picker->viewport(), Qt::LeftButton, Qt::NoModifier, box.center());
+    }
+    if (byKeys)
+        QTest::keyClick(picker, Qt::Key_Return);
+    else
+        scene.clickCell(1, ChannelTable::Name); // elsewhere
+    const QStringList wanted{QStringLiteral("push, and pull"), QStringLiteral("pay")};
+    QTRY_COMPARE_WITH_TIMEOUT(scene.document().sdksOf(0), wanted, patience);
+    QCOMPARE(scene.cell(0, ChannelTable::Sdks), QStringLiteral("push, and pull, pay"));
+    QCOMPARE(scene.document().undoStack()->count(), 1);
+    scene.document().undoStack()->undo();
+    QCOMPARE(scene.document().content(), scene.job());
+}
+
+void tst_ChannelsPage::noSdksAreNotAskedFor()
+{
+    ChannelScene scene(R"({"channels": [{"folder": "a"}]})");
+    QCOMPARE(scene.show(), QString());
+    scene.clickCell(0, ChannelTable::Sdks);
+    QTest::keyClick(scene.table(), Qt::Key_F2);
+    QVERIFY2(!scene.find<QListWidget>("sdkPicker"), "an empty list opens");
+}
+
+void tst_ChannelsPage::numberFilesAndEncryptionAreEdited()
+{
+    ChannelScene scene(R"({"channels": [{"folder": "a"}]})");
+    QCOMPARE(scene.show(), QString());
+    const auto type = [&scene](int column, const QString& text) {
+        scene.clickCell(0, column);
+        QTest::keyClick(scene.table(), Qt::Key_F2);
+        auto* const editor = scene.table()->findChild<QLineEdit*>();
+        QVERIFY2(editor, "no editor opens");
+        QTest::keyClicks(editor, text);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTRY_COMPARE_WITH_TIMEOUT(scene.cell(0, column), text, patience);
+        QTRY_VERIFY(!scene.table()->findChild<QLineEdit*>());
+    };
+    type(ChannelTable::Number, QStringLiteral("12"));
+    type(ChannelTable::Files, QStringLiteral("over"));
+    scene.clickCell(0, ChannelTable::Encrypted);
+    QTest::keyClick(scene.table(), Qt::Key_Space);
+    QTRY_VERIFY(scene.document().isEncrypted(0));
+    QVERIFY2(scene.document().content().contains(
+                 R"({"folder": "a", "number": 12, "files": "over", "encrypt": true})"),
+             scene.document().content().constData());
+    QCOMPARE(scene.document().undoStack()->count(), 3);
+    scene.document().undoStack()->setIndex(0);
+    QCOMPARE(scene.document().content(), scene.job());
+    QCOMPARE(scene.cell(0, ChannelTable::Number), QString());
+}
+
+void tst_ChannelsPage::numbersSortAsNumbers()
+{
+    ChannelScene scene(R"({"channels": [{"folder": "a", "number": 10}, {"folder": "b", "number": "9"},
+  {"folder": "c"}, {"folder": "d", "number": 2}]})");
+    QCOMPARE(scene.show(), QString());
+    scene.table()->sortByColumn(ChannelTable::Number, Qt::AscendingOrder);
+    QCOMPARE(scene.column(ChannelTable::Folder).join(QLatin1Char(' ')), QStringLiteral("c d b a"));
 }
 
 void tst_ChannelsPage::keysAddCopyMoveAndRemove()

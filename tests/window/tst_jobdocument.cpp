@@ -22,6 +22,7 @@ private Q_SLOTS:
     void placeHasTheDefaultsApplied_data();
     void placeHasTheDefaultsApplied();
     void continuedEditsAreOneStep();
+    void defaultsAreTakenAway();
     void editThatChangesNothingIsNoStep();
     void arrangementTellsItsRows();
     void copiesGetFoldersOfTheirOwn();
@@ -176,6 +177,32 @@ void tst_JobDocument::editWritesWhatItChangesAlone_data()
     })
                           << QByteArray(R"({"folder":"a", "//": "c", "new": 1.0}, )"
                                         R"({"folder":"b", "corner": 3, "sdks": ["pay", "ads"]})");
+    QTest::newRow("number") << two << Edit([](JobDocument& job) { job.setNumber(0, QStringLiteral("7")); })
+                            << QByteArray(R"({"folder":"a", "//": "c", "number": 7, "new": 1.0}, )"
+                                          R"({"folder":"b", "corner": 3})");
+    QTest::newRow("number that is a text") << QByteArray(R"({"number": "7"})") << Edit([](JobDocument& job) {
+        job.setNumber(0, QStringLiteral("8"));
+    }) << QByteArray(R"({"number": "8"})");
+    QTest::newRow("number with zeros") << QByteArray(R"({"number": 7})") << Edit([](JobDocument& job) {
+        job.setNumber(0, QStringLiteral("007"));
+    }) << QByteArray(R"({"number": "007"})");
+    QTest::newRow("no number") << QByteArray(R"({"folder": "a", "number": 7})")
+                               << Edit([](JobDocument& job) { job.setNumber(0, {}); })
+                               << QByteArray(R"({"folder": "a"})");
+    QTest::newRow("files") << QByteArray(R"({"folder": "a"})")
+                           << Edit([](JobDocument& job) { job.setFiles(0, QStringLiteral("over/a")); })
+                           << QByteArray(R"({"folder": "a", "files": "over/a"})");
+    QTest::newRow("no files") << QByteArray(R"({"folder": "a", "files": "over/a"})")
+                              << Edit([](JobDocument& job) { job.setFiles(0, {}); })
+                              << QByteArray(R"({"folder": "a"})");
+    QTest::newRow("encryption in both")
+        << QByteArray(R"({"folder": "a", "encrypt": true}, {"folder": "b"})") << Edit([](JobDocument& job) {
+               job.setEncrypted({0, 1}, true);
+           })
+        << QByteArray(R"({"folder": "a", "encrypt": true}, {"folder": "b", "encrypt": true})");
+    QTest::newRow("no encryption") << QByteArray(R"({"folder": "a", "encrypt": true})")
+                                   << Edit([](JobDocument& job) { job.setEncrypted({0}, false); })
+                                   << QByteArray(R"({"folder": "a"})");
     QTest::newRow("removal of the first") << two << Edit([](JobDocument& job) { job.removeChannels({0}); })
                                           << QByteArray(R"({"folder":"b", "corner": 3})");
     QTest::newRow("move") << two << Edit([](JobDocument& job) { job.moveChannels({1}, 0); })
@@ -281,6 +308,25 @@ void tst_JobDocument::continuedEditsAreOneStep()
     QCOMPARE(document.content(), content);
 }
 
+void tst_JobDocument::defaultsAreTakenAway()
+{
+    JobDocument document;
+    QString fault;
+    QVERIFY2(document.open(write(jobOf(R"("files": "over", "encrypt": true)", R"({"folder": "a"})")), fault),
+             qPrintable(fault));
+    QCOMPARE(document.filesOf(0), QStringLiteral("over"));
+    QVERIFY2(document.isEncrypted(0), "the defaults' encryption is lost");
+    document.setFiles(0, {});
+    document.setEncrypted({0}, false);
+    QCOMPARE(document.filesOf(0), QString());
+    QVERIFY2(!document.isEncrypted(0), "it is still encrypted");
+    QVERIFY2(document.content().contains(R"({"folder": "a", "files": null, "encrypt": false})"),
+             document.content().constData());
+    document.setEncrypted({0}, true);
+    QVERIFY2(document.content().contains(R"({"folder": "a", "files": null})"),
+             document.content().constData());
+}
+
 void tst_JobDocument::editThatChangesNothingIsNoStep()
 {
     JobDocument document;
@@ -293,6 +339,9 @@ void tst_JobDocument::editThatChangesNothingIsNoStep()
     document.setMark({0}, QStringLiteral("m"));
     document.setSdks({0}, {QStringLiteral("pay")});
     document.setPlace({0}, document.placeOf(0));
+    document.setNumber(0, {});
+    document.setFiles(0, {});
+    document.setEncrypted({0}, false);
     document.moveChannels({0}, 0);
     QCOMPARE(document.undoStack()->count(), 0);
     document.setMark({0}, {}); // which the defaults would otherwise give it
@@ -355,6 +404,9 @@ void tst_JobDocument::objections()
     QCOMPARE(document.objectionToSdks({QStringLiteral("ads")}), QString());
     QVERIFY2(document.objectionToSdks({QStringLiteral("//")}).contains(QLatin1String("pay, ads")),
              "the SDKs that there are are not named");
+    QCOMPARE(document.objectionToNumber(QStringLiteral("123456789")), QString());
+    QVERIFY2(!document.objectionToNumber(QStringLiteral("1234567890")).isEmpty(), "ten digits are a number");
+    QVERIFY2(!document.objectionToNumber(QStringLiteral("-1")).isEmpty(), "a sign belongs to a number");
     QCOMPARE(document.objectionToPackage(QStringLiteral("com.a")), QString());
     QVERIFY2(!document.objectionToPackage(QStringLiteral("com")).isEmpty(), "one word is a package name");
 }

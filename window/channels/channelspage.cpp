@@ -2,6 +2,7 @@
 #include "window/channels/channelspage.h"
 
 #include "window/channels/markpanel.h"
+#include "window/channels/sdkdelegate.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -22,7 +23,7 @@
 
 namespace {
 
-const QString headerKey = QStringLiteral("channels/header");
+const QString headerKey = QStringLiteral("channels/columns");
 const QString splitterKey = QStringLiteral("channels/splitter");
 
 } // namespace
@@ -126,6 +127,7 @@ void ChannelsPage::setUpTable()
     const int icon = fontMetrics().height() * 2;
     m_view->setObjectName(QStringLiteral("channels"));
     m_view->setModel(&m_table);
+    m_view->setItemDelegateForColumn(ChannelTable::Sdks, new SdkDelegate(m_document, m_view));
     m_view->setIconSize({icon, icon});
     m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_view->setShowGrid(false);
@@ -141,7 +143,7 @@ void ChannelsPage::setUpTable()
     header->setHighlightSections(false);
     header->setStretchLastSection(true);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    const std::array<int, 5> widths{6, 21, 11, 12, 14};
+    const std::array<int, 8> widths{6, 21, 11, 12, 14, 14, 9, 14};
     for (int column = 0; column < int(widths.size()); ++column)
         m_view->setColumnWidth(column, letter * widths.at(size_t(column)));
     m_view->sortByColumn(ChannelTable::Position, Qt::AscendingOrder);

@@ -18,17 +18,6 @@ QIcon blankIcon()
     return {blank.scaled(96, 96)};
 }
 
-QStringList partsOf(const QString& text)
-{
-    QStringList parts;
-    for (const QString& part : text.split(QLatin1Char(','))) {
-        const QString name = part.trimmed();
-        if (!name.isEmpty() && !parts.contains(name))
-            parts.append(name);
-    }
-    return parts;
-}
-
 } // namespace
 
 ChannelTable::ChannelTable(JobDocument& document, ChannelIcons& icons, const ChannelOutcomes& outcomes,
@@ -101,6 +90,12 @@ QString ChannelTable::text(int channel, int column) const
         return row(channel).sdks;
     case Package:
         return row(channel).package;
+    case Number:
+        return m_document.numberOf(channel);
+    case Files:
+        return m_document.filesOf(channel);
+    case Encrypted:
+        return m_document.isEncrypted(channel) ? tr("Yes") : tr("No");
     default:
         return outcomeText(channel);
     }
@@ -110,9 +105,13 @@ QVariant ChannelTable::data(const QModelIndex& index, int role) const
 {
     static const QIcon blank = blankIcon();
     const int channel = m_channels.at(index.row());
+    if (role == Qt::EditRole && index.column() == Sdks)
+        return m_document.sdksOf(channel);
     if (role == Qt::DisplayRole || role == Qt::EditRole)
         return text(channel, index.column());
-    if (role == Qt::TextAlignmentRole && index.column() == Position)
+    if (role == Qt::CheckStateRole && index.column() == Encrypted)
+        return m_document.isEncrypted(channel) ? Qt::Checked : Qt::Unchecked;
+    if (role == Qt::TextAlignmentRole && (index.column() == Position || index.column() == Number))
         return int(Qt::AlignRight | Qt::AlignVCenter);
     if (role == Qt::DecorationRole && index.column() == Name) {
         const QIcon icon = m_icons.iconOf(m_document.markOf(channel), m_document.placeOf(channel));
@@ -140,6 +139,12 @@ QVariant ChannelTable::headerData(int section, Qt::Orientation orientation, int 
         return tr("SDKs");
     case Package:
         return tr("Package name");
+    case Number:
+        return tr("Number");
+    case Files:
+        return tr("Files");
+    case Encrypted:
+        return tr("Encrypted");
     default:
         return tr("Last outcome");
     }
@@ -147,37 +152,65 @@ QVariant ChannelTable::headerData(int section, Qt::Orientation orientation, int 
 
 Qt::ItemFlags ChannelTable::flags(const QModelIndex& index) const
 {
-    const bool isText = index.column() != Position && index.column() != Outcome;
-    return QAbstractTableModel::flags(index) | (isText ? Qt::ItemIsEditable : Qt::NoItemFlags);
+    const int column = index.column();
+    const bool isEditable = column == Name || column == Folder || column == Package || column == Number
+        || column == Files
+        || (column == Sdks && !(m_document.sdkNames() + m_document.sdksOf(channelOf(index.row()))).isEmpty());
+    const Qt::ItemFlags own = column == Encrypted ? Qt::ItemIsUserCheckable
+        : isEditable                              ? Qt::ItemIsEditable
+                                                  : Qt::NoItemFlags;
+    return QAbstractTableModel::flags(index) | own;
 }
 
 QString ChannelTable::objectionTo(int channel, int column, const QString& text) const
 {
     if (column == Folder)
         return m_document.objectionToFolder(channel, text);
-    if (column == Sdks)
-        return m_document.objectionToSdks(partsOf(text));
+    if (column == Number)
+        return m_document.objectionToNumber(text);
     return column == Package ? m_document.objectionToPackage(text) : QString();
 }
 
 bool ChannelTable::setData(const QModelIndex& index, const QVariant& value, int role)
 {
+    const int channel = m_channels.at(index.row());
+    if (role == Qt::CheckStateRole && index.column() == Encrypted) {
+        m_document.setEncrypted({channel}, value.toInt() == Qt::Checked);
+        return true;
+    }
     if (role != Qt::EditRole)
         return false;
-    const int channel = m_channels.at(index.row());
-    const QString given = value.toString().trimmed();
-    if (given == text(channel, index.column()))
+    return index.column() == Sdks ? setSdks(channel, value.toStringList())
+                                  : setText(channel, index.column(), value.toString().trimmed());
+}
+
+bool ChannelTable::setSdks(int channel, const QStringList& sdks)
+{
+    if (sdks == m_document.sdksOf(channel))
         return true;
-    const QString objection = objectionTo(channel, index.column(), given);
+    const QString objection = m_document.objectionToSdks(sdks);
+    Q_EMIT refused(objection);
+    if (objection.isEmpty())
+        m_document.setSdks({channel}, sdks);
+    return objection.isEmpty();
+}
+
+bool ChannelTable::setText(int channel, int column, const QString& given)
+{
+    if (given == text(channel, column))
+        return true;
+    const QString objection = objectionTo(channel, column, given);
     Q_EMIT refused(objection);
     if (!objection.isEmpty())
         return false;
-    if (index.column() == Name)
+    if (column == Name)
         m_document.setName(channel, given);
-    else if (index.column() == Folder)
+    else if (column == Folder)
         m_document.setFolder(channel, given);
-    else if (index.column() == Sdks)
-        m_document.setSdks({channel}, partsOf(given));
+    else if (column == Number)
+        m_document.setNumber(channel, given);
+    else if (column == Files)
+        m_document.setFiles(channel, given);
     else
         m_document.setPackage(channel, given);
     return true;
@@ -200,11 +233,17 @@ bool ChannelTable::matches(int channel) const
 {
     if (m_filter.isEmpty())
         return true;
-    for (const int column : {Name, Folder, Sdks, Package, Outcome}) {
+    for (const int column : {Name, Folder, Sdks, Package, Outcome, Number}) {
         if (text(channel, column).contains(m_filter, Qt::CaseInsensitive))
             return true;
     }
     return false;
+}
+
+QString ChannelTable::sortKey(int channel) const
+{
+    const QString key = text(channel, m_column);
+    return m_column == Number ? key.rightJustified(9, QLatin1Char('0')) : key.toCaseFolded();
 }
 
 // The keys are folded once, and not with each of the many comparisons.
@@ -212,7 +251,7 @@ void ChannelTable::sortChannels()
 {
     QVector<QString> keys(m_texts.size());
     for (const int channel : qAsConst(m_channels))
-        keys[channel] = text(channel, m_column).toCaseFolded();
+        keys[channel] = sortKey(channel);
     const QString* const key = keys.constData();
     std::sort(m_channels.begin(), m_channels.end(), [key](int a, int b) {
         const int order = key[a].compare(key[b]);

@@ -17,7 +17,7 @@ class ChannelTable : public QAbstractTableModel {
     Q_OBJECT
 
 public:
-    enum Column { Position, Name, Folder, Sdks, Package, Outcome, ColumnCount };
+    enum Column { Position, Name, Folder, Sdks, Package, Outcome, Number, Files, Encrypted, ColumnCount };
 
     /** The arguments outlive the object. */
     ChannelTable(JobDocument& document, ChannelIcons& icons, const ChannelOutcomes& outcomes,
@@ -54,8 +54,11 @@ private:
 
     const Row& row(int channel) const;
     QString text(int channel, int column) const;
+    QString sortKey(int channel) const;
     QString outcomeText(int channel) const;
     QString objectionTo(int channel, int column, const QString& text) const;
+    bool setSdks(int channel, const QStringList& sdks);
+    bool setText(int channel, int column, const QString& given);
     bool matches(int channel) const;
     void sortChannels();
     void arrange();

@@ -25,14 +25,25 @@ const QString cornerKey = QStringLiteral("corner");
 const QString xKey = QStringLiteral("x");
 const QString yKey = QStringLiteral("y");
 const QString sdksKey = QStringLiteral("sdks");
+const QString filesKey = QStringLiteral("files");
+const QString encryptKey = QStringLiteral("encrypt");
 const QString channelsKey = QStringLiteral("channels");
 const QString defaultsKey = QStringLiteral("defaults");
 
 // The keys of a channel in their usual order: a new one comes behind those that stand before it here.
 QStringList keysBefore(const QString& key)
 {
-    static const QStringList order{
-        QStringLiteral("//"), folderKey, nameKey, numberKey, packageKey, markKey, cornerKey, xKey, yKey};
+    static const QStringList order{QStringLiteral("//"),
+                                   folderKey,
+                                   nameKey,
+                                   numberKey,
+                                   packageKey,
+                                   markKey,
+                                   cornerKey,
+                                   xKey,
+                                   yKey,
+                                   sdksKey,
+                                   filesKey};
     return order.mid(0, qMax(order.indexOf(key), 0) + (order.contains(key) ? 0 : order.size()));
 }
 
@@ -315,6 +326,16 @@ QStringList JobDocument::sdksOf(int row) const
     return valueOf(row, sdksKey).toTexts();
 }
 
+QString JobDocument::filesOf(int row) const
+{
+    return valueOf(row, filesKey).toText();
+}
+
+bool JobDocument::isEncrypted(int row) const
+{
+    return valueOf(row, encryptKey).isTrue();
+}
+
 QString JobDocument::markOf(int row) const
 {
     const QString mark = valueOf(row, markKey).toText();
@@ -356,6 +377,14 @@ QString JobDocument::objectionToFolder(int row, const QString& folder) const
     return {};
 }
 
+QString JobDocument::objectionToNumber(const QString& number) const
+{
+    static const QRegularExpression form(QStringLiteral("\\A[0-9]{0,9}\\z"));
+    return form.match(number).hasMatch()
+        ? QString()
+        : tr("%1 is no number of a developer record, which has up to nine digits.").arg(number);
+}
+
 QString JobDocument::objectionToPackage(const QString& package) const
 {
     static const QRegularExpression form(
@@ -388,6 +417,51 @@ void JobDocument::setName(int row, const QString& name)
     change(tr("Name %1").arg(name), {row}, Whole, [this, &name](int changed, OrderedJson& channel) {
         setText(channel, nameKey, name == folderOf(changed) ? QString() : name);
     });
+}
+
+// A number, unless the job has a text there, or its zeros would go.
+void JobDocument::setNumber(int row, const QString& number)
+{
+    change(tr("Number of %1").arg(nameOf(row)), {row}, Whole,
+           [this, &number](int changed, OrderedJson& channel) {
+               if (numberOf(changed) == number)
+                   return;
+               const OrderedJson plain = OrderedJson::number(number.toInt());
+               const bool isText = channel.member(numberKey).kind() == OrderedJson::Text
+                   || plain.written() != number.toLatin1();
+               if (number.isEmpty())
+                   channel.remove(numberKey);
+               else
+                   channel.set(numberKey, isText ? OrderedJson::text(number) : plain, keysBefore(numberKey));
+           });
+}
+
+void JobDocument::setFiles(int row, const QString& path)
+{
+    const bool isDefault = !m_defaults.member(filesKey).toText().isEmpty();
+    change(tr("Files of %1").arg(nameOf(row)), {row}, Whole,
+           [this, &path, isDefault](int changed, OrderedJson& channel) {
+               if (filesOf(changed) == path)
+                   return;
+               if (path.isEmpty() && isDefault)
+                   channel.set(filesKey, OrderedJson::null(), keysBefore(filesKey));
+               else
+                   setText(channel, filesKey, path);
+           });
+}
+
+void JobDocument::setEncrypted(const QVector<int>& rows, bool isEncrypted)
+{
+    const bool isDefault = m_defaults.member(encryptKey).isTrue() == isEncrypted;
+    change(tr("Encryption of %1").arg(titleOf(rows)), rows, Whole,
+           [this, isEncrypted, isDefault](int row, OrderedJson& channel) {
+               if (this->isEncrypted(row) == isEncrypted)
+                   return;
+               if (isDefault)
+                   channel.remove(encryptKey);
+               else
+                   channel.set(encryptKey, OrderedJson::flag(isEncrypted), keysBefore(encryptKey));
+           });
 }
 
 void JobDocument::setPackage(int row, const QString& package)

@@ -86,19 +86,24 @@ public:
     QString numberOf(int row) const;
     QString packageOf(int row) const; ///< empty for the base's own
     QStringList sdksOf(int row) const;
+    QString filesOf(int row) const; ///< as the job says it; empty for none
+    bool isEncrypted(int row) const;
     QString markOf(int row) const; ///< empty for none
     MarkPlace placeOf(int row) const;
     bool hasOwnPlace(int row) const; ///< otherwise it is that of the job's defaults
 
-    /** Why a channel cannot have this folder, this package name, these SDKs: a sentence; empty when it can.
-     */
+    /** Why a channel cannot have this: a sentence; empty when it can. */
     QString objectionToFolder(int row, const QString& folder) const;
+    QString objectionToNumber(const QString& number) const;
     QString objectionToPackage(const QString& package) const;
     QString objectionToSdks(const QStringList& sdks) const;
 
     void setFolder(int row, const QString& folder);
     void setName(int row, const QString& name);
+    void setNumber(int row, const QString& number);
     void setPackage(int row, const QString& package);
+    void setFiles(int row, const QString& path);
+    void setEncrypted(const QVector<int>& rows, bool isEncrypted);
     void setSdks(const QVector<int>& rows, const QStringList& sdks);
     void setMark(const QVector<int>& rows, const QString& mark);
     void setPlace(const QVector<int>& rows, const MarkPlace& place, Step step = Whole);

@@ -196,6 +196,11 @@ OrderedJson OrderedJson::null()
     return OrderedJson(Word, "null");
 }
 
+OrderedJson OrderedJson::flag(bool isTrue)
+{
+    return OrderedJson(Word, isTrue ? "true" : "false");
+}
+
 OrderedJson OrderedJson::texts(const QStringList& texts)
 {
     OrderedJson array(Array);

@@ -44,6 +44,7 @@ public:
     static OrderedJson text(const QString& text);
     static OrderedJson number(int number);
     static OrderedJson null();
+    static OrderedJson flag(bool isTrue);
     static OrderedJson texts(const QStringList& texts); ///< an array on one line
 
     /** Whether it is written byte for byte as the other one. */
@@ -57,6 +58,7 @@ public:
 
     Kind kind() const { return m_kind; }
     bool isNull() const { return m_kind == Word && m_written == "null"; }
+    bool isTrue() const { return m_kind == Word && m_written == "true"; }
     QString toText() const; ///< empty for what is no text
     QByteArray written() const { return m_written; } ///< a text, a number or a word as it stands
 
