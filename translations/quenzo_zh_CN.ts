@@ -2065,6 +2065,10 @@ JSON 中没有小数部分的实数显示为整数，字节串显示为 Base64�
         <source>stands beside &quot;file&quot;: one of them is wanted</source>
         <translation>与 &quot;file&quot; 同时给出：只能给出其中一个</translation>
     </message>
+    <message>
+        <source>is a channel&apos;s package, which belongs to the output</source>
+        <translation>是某个渠道的安装包，它属于输出</translation>
+    </message>
 </context>
 <context>
     <name>JobInputs</name>

@@ -99,6 +99,8 @@ void outermostRows()
         QStringList{QStringLiteral("/leave/1: holds a slash, a backslash or a control character"),
                     QStringLiteral("/leave/2: is \"parts\", which stands here already"),
                     QStringLiteral("/leave/3: is a number, not a text")});
+    row("leave of a package", ByReader, with(R"("leave": ["A.apk"])"),
+        "/leave/0: is a channel's package, which belongs to the output");
     row("leave that is a text", ByBoth, with(R"("leave": "parts")"), "/leave: is a text, not an array");
 }
 

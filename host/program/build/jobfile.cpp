@@ -174,6 +174,17 @@ void readSigning(const JobObject& signing, JobInputs& inputs, Job& job)
     job.signing = read;
 }
 
+// A run is there for its packages.
+QString faultOfLeaving(const QString& name, const Job& job)
+{
+    const auto isItsPackage = [&](const JobChannel& channel) {
+        return name.compare(channel.folder + QStringLiteral(".apk"), Qt::CaseInsensitive) == 0;
+    };
+    if (std::any_of(job.channels.cbegin(), job.channels.cend(), isItsPackage))
+        return Texts::tr("is a channel's package, which belongs to the output");
+    return ChannelList::faultOfName(name);
+}
+
 void readRoot(const JobObject& root, JobFaults& faults, Job& job)
 {
     root.allowKeys({QStringLiteral("$schema"), QStringLiteral("game"), QStringLiteral("base"),
@@ -189,7 +200,8 @@ void readRoot(const JobObject& root, JobFaults& faults, Job& job)
     JobChannels(inputs, faults, job).read(root);
     readEncryption(root.object(QStringLiteral("encryption")), inputs, job);
     readSigning(root.object(QStringLiteral("signing")), inputs, job);
-    job.leave = root.texts(QStringLiteral("leave"), ChannelList::faultOfName);
+    job.leave = root.texts(QStringLiteral("leave"),
+                           [&job](const QString& name) { return faultOfLeaving(name, job); });
     job.work = inputs.place(root, QStringLiteral("work"));
     job.output = inputs.place(root, QStringLiteral("output"));
     inputs.keepApart(root, job.work, job.output);
