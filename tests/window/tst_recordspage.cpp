@@ -39,6 +39,7 @@ private Q_SLOTS:
     void whatIsSeenIsExported();
     void nextFileTakesThePlaceOfTheFormer();
     void recordsOfAnOpenedJobAreShown();
+    void recordsOfItsFirstBuildAreShown();
     void emptyTableShowsItsColumns();
     void oddNamesAreRead();
     void windowTicksOverAHundredThousandRows();
@@ -257,6 +258,23 @@ void tst_RecordsPage::recordsOfAnOpenedJobAreShown()
     QString fault;
     QVERIFY2(m_document.open(job.fileName(), fault), qPrintable(fault));
     QTRY_COMPARE_WITH_TIMEOUT(column(0), QStringList(QStringLiteral("7")), 60000);
+}
+
+void tst_RecordsPage::recordsOfItsFirstBuildAreShown()
+{
+    QFile job(m_folder.filePath(QStringLiteral("new.json")));
+    QVERIFY(job.open(QIODevice::WriteOnly));
+    job.write(R"({"game": "G", "base": "g.apk", "channels": [{"folder": "a"}], "output": "first"})");
+    job.close();
+    QString fault;
+    QVERIFY2(m_document.open(job.fileName(), fault), qPrintable(fault));
+    m_page->hide();
+    QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral("first")));
+    perform(m_folder.filePath(QStringLiteral("first/records.db")),
+            {QStringLiteral("CREATE TABLE build (number INTEGER)"),
+             QStringLiteral("INSERT INTO build VALUES (8)")});
+    m_page->show();
+    QTRY_COMPARE_WITH_TIMEOUT(column(0), QStringList(QStringLiteral("8")), 60000);
 }
 
 void tst_RecordsPage::emptyTableShowsItsColumns()

@@ -23,6 +23,7 @@
 
 RecordsPage::RecordsPage(const JobDocument& document, QWidget* parent)
     : Page(parent)
+    , m_document(document)
     , m_base(new RecordsBase(this))
     , m_model(new RowModel(this))
     , m_fileLabel(new QLabel)
@@ -67,16 +68,24 @@ RecordsPage::RecordsPage(const JobDocument& document, QWidget* parent)
         offerColumns();
     });
     connect(m_model, &RowModel::settled, this, &RecordsPage::tell);
-    connect(&document, &JobDocument::opened, this, [this, &document] { showRecordsOfJob(document); });
+    connect(&document, &JobDocument::opened, this, &RecordsPage::showRecordsOfJob);
     RecordsPage::setTexts();
 }
 
 // A job that was never built has none, and whoever looks at another file goes on doing so.
-void RecordsPage::showRecordsOfJob(const JobDocument& document)
+void RecordsPage::showRecordsOfJob()
 {
-    const QString file = document.outputPath() + QStringLiteral("/records.db");
+    const QString file = m_document.outputPath() + QStringLiteral("/records.db");
     if (QFileInfo::exists(file))
         open(file);
+}
+
+// The first build of an open job has made them meanwhile.
+void RecordsPage::showEvent(QShowEvent* event)
+{
+    Page::showEvent(event);
+    if (m_document.isOpen() && m_base->file().isEmpty())
+        showRecordsOfJob();
 }
 
 QWidget* RecordsPage::makeChoice()

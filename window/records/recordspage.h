@@ -23,7 +23,8 @@ class RecordsPage : public Page {
     Q_OBJECT
 
 public:
-    /** @param document whose job's records are shown as soon as it is opened; outlives the page */
+    /** @param document whose job's records are shown as soon as it is opened, or built for the first time;
+     * outlives the page */
     explicit RecordsPage(const JobDocument& document, QWidget* parent = nullptr);
 
     QString title() const override;
@@ -34,11 +35,12 @@ public:
 
 protected:
     void setTexts() override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     QWidget* makeChoice();
     QWidget* makeFilter();
-    void showRecordsOfJob(const JobDocument& document);
+    void showRecordsOfJob();
     void choose();
     void reload();
     void offerTables(const QStringList& tables);
@@ -47,6 +49,7 @@ private:
     void complain(const QString& fault);
     void save();
 
+    const JobDocument& m_document;
     RecordsBase* m_base;
     RowModel* m_model;
     QLabel* m_fileLabel;
