@@ -141,6 +141,7 @@ void DevicesPage::connectParts()
     connect(m_install, &QPushButton::clicked, this, [this] { begin(true); });
     connect(m_uninstall, &QPushButton::clicked, this, [this] { begin(false); });
     connect(&m_work, &DeviceWork::packageRead, this, [this](const QString& package, const QString& fault) {
+        m_isReading = false;
         tell(fault);
         if (fault.isEmpty() && !m_isStopping)
             askBefore(package);
@@ -166,6 +167,8 @@ QString DevicesPage::workAtHand() const
 {
     if (!m_work.isAtWork())
         return {};
+    if (m_isReading)
+        return tr("The package's name is being read.");
     return m_task.install ? tr("An APK is being installed on %1.").arg(m_task.serial)
                           : tr("A package is being removed from %1.").arg(m_task.serial);
 }
@@ -362,8 +365,9 @@ void DevicesPage::readPackage(const QString& serial)
         return;
     }
     m_task.serial = serial;
+    m_isReading = true;
     m_work.readPackage(m_task.apk);
-    tell(tr("The package's name is being read."));
+    tell(workAtHand());
     showControls();
     Q_EMIT workChanged();
 }

@@ -65,6 +65,7 @@ private:
     QString m_fault; ///< why there is no list
     QPointer<QDialog> m_question;
     bool m_hasAsked = false; ///< for the list, which starts adb's server
+    bool m_isReading = false; ///< the name of an APK's package, before anything is asked
     bool m_isStopping = false; ///< nothing more begins, until the work at hand has ended
     QLabel* m_listLabel;
     QPushButton* m_refresh;
