@@ -27,6 +27,13 @@ QString notesOf(const ChannelOutcome& channel)
     return texts.join(QLatin1Char('\n'));
 }
 
+// Figures stand below each other, and their heads above them.
+QVariant alignmentOf(int column)
+{
+    const bool isFigure = column == ReportModel::SizeColumn || column == ReportModel::TimeColumn;
+    return int((isFigure ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+}
+
 } // namespace
 
 BuildOutcome ReportModel::read(const QString& file)
@@ -57,8 +64,8 @@ int ReportModel::columnCount(const QModelIndex& parent) const
 
 QVariant ReportModel::data(const QModelIndex& index, int role) const
 {
-    if (role == Qt::TextAlignmentRole && (index.column() == SizeColumn || index.column() == TimeColumn))
-        return int(Qt::AlignRight | Qt::AlignVCenter);
+    if (role == Qt::TextAlignmentRole)
+        return alignmentOf(index.column());
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return {};
     const ChannelOutcome& channel = m_build.channels.at(index.row());
@@ -80,6 +87,8 @@ QVariant ReportModel::data(const QModelIndex& index, int role) const
 
 QVariant ReportModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole)
+        return alignmentOf(section);
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return QAbstractTableModel::headerData(section, orientation, role);
     switch (section) {
