@@ -38,6 +38,7 @@ private Q_SLOTS:
     void scrambledColumnIsShownPlain();
     void whatIsSeenIsExported();
     void nextFileTakesThePlaceOfTheFormer();
+    void fileThatIsChosenDuringAReadIsShown();
     void recordsOfAnOpenedJobAreShown();
     void recordsOfItsFirstBuildAreShown();
     void emptyTableShowsItsColumns();
@@ -103,6 +104,7 @@ void tst_RecordsPage::init()
 void tst_RecordsPage::cleanup()
 {
     m_page.reset();
+    m_document.close();
     QStringList warnings = m_messages->takeWarnings();
     // Of the platform without a screen, about each window with a smallest size.
     warnings.removeAll(QStringLiteral("This plugin does not support propagateSizeHints()"));
@@ -245,6 +247,17 @@ void tst_RecordsPage::nextFileTakesThePlaceOfTheFormer()
     QCOMPARE(find<QComboBox>("table")->count(), 1);
 }
 
+void tst_RecordsPage::fileThatIsChosenDuringAReadIsShown()
+{
+    const QString other = m_folder.filePath(QStringLiteral("chosen.db"));
+    perform(other,
+            {QStringLiteral("CREATE TABLE build (number INTEGER)"),
+             QStringLiteral("INSERT INTO build VALUES (6)")});
+    m_page->open(m_file);
+    m_page->open(other);
+    QTRY_COMPARE_WITH_TIMEOUT(column(0), QStringList(QStringLiteral("6")), 60000);
+}
+
 void tst_RecordsPage::recordsOfAnOpenedJobAreShown()
 {
     QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral("built")));
@@ -267,8 +280,8 @@ void tst_RecordsPage::recordsOfItsFirstBuildAreShown()
     job.write(R"({"game": "G", "base": "g.apk", "channels": [{"folder": "a"}], "output": "first"})");
     job.close();
     QString fault;
-    QVERIFY2(m_document.open(job.fileName(), fault), qPrintable(fault));
     m_page->hide();
+    QVERIFY2(m_document.open(job.fileName(), fault), qPrintable(fault));
     QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral("first")));
     perform(m_folder.filePath(QStringLiteral("first/records.db")),
             {QStringLiteral("CREATE TABLE build (number INTEGER)"),

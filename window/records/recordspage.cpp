@@ -21,6 +21,8 @@
 #include <QTableView>
 #include <QToolButton>
 
+#include <utility>
+
 RecordsPage::RecordsPage(const JobDocument& document, QWidget* parent)
     : Page(parent)
     , m_document(document)
@@ -64,6 +66,8 @@ RecordsPage::RecordsPage(const JobDocument& document, QWidget* parent)
     m_view->sortByColumn(-1, Qt::AscendingOrder);
     connect(m_base, &RecordsBase::tablesRead, this, &RecordsPage::offerTables);
     connect(m_base, &RecordsBase::rowsRead, this, [this](const Rows& rows, const QStringList& columns) {
+        if (openNext())
+            return;
         m_model->setRows(rows, columns);
         offerColumns();
     });
@@ -181,9 +185,13 @@ void RecordsPage::reload()
 
 void RecordsPage::open(const QString& file)
 {
-    if (m_base->isBusy() || file.isEmpty())
+    if (file.isEmpty())
         return;
     m_file->setText(file);
+    if (m_base->isBusy()) {
+        m_next = file;
+        return;
+    }
     complain(m_base->open(file));
     if (m_base->file().isEmpty()) {
         m_table->clear();
@@ -192,8 +200,19 @@ void RecordsPage::open(const QString& file)
     tell();
 }
 
+// The file that was asked for while another was still read.
+bool RecordsPage::openNext()
+{
+    if (m_next.isEmpty() || m_base->isBusy())
+        return false;
+    open(std::exchange(m_next, {}));
+    return true;
+}
+
 void RecordsPage::offerTables(const QStringList& tables)
 {
+    if (openNext())
+        return;
     const QString former = m_table->currentText();
     m_table->clear();
     m_table->addItems(tables);

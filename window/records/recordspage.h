@@ -43,6 +43,7 @@ private:
     void showRecordsOfJob();
     void choose();
     void reload();
+    bool openNext();
     void offerTables(const QStringList& tables);
     void offerColumns();
     void tell();
@@ -68,6 +69,7 @@ private:
     QTableView* m_view;
     QStackedWidget* m_shown;
     QLabel* m_count;
+    QString m_next; ///< the file that is opened as soon as the one at hand is read
     QString m_saving; ///< the file that is being written
 };
 
