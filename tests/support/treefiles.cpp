@@ -82,6 +82,12 @@ void TreeFiles::writeAt(const QByteArray& path, qint64 offset, const QByteArray&
     close(handle);
 }
 
+void TreeFiles::writeSparse(const QByteArray& path)
+{
+    writeAt(path, 0, QByteArray(100000, 'b'));
+    writeAt(path, 400000, QByteArray(100000, 'e'));
+}
+
 void TreeFiles::makeFolder(const QByteArray& path)
 {
     if (exists(path))

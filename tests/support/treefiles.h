@@ -23,6 +23,8 @@ void writeMany(const QByteArray& beginning, int count, const QByteArray& content
 void writeManySizes(const QByteArray& beginning, int count);
 /** Writes into a file, which is made as long as that takes: with a hole before it. */
 void writeAt(const QByteArray& path, qint64 offset, const QByteArray& content);
+/** Writes a file of two parts with a hole between them. */
+void writeSparse(const QByteArray& path);
 void makeFolder(const QByteArray& path);
 void makeLink(const QByteArray& target, const QByteArray& path);
 void setMode(const QByteArray& path, int mode);

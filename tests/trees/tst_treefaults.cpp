@@ -25,16 +25,10 @@ using TreeFiles::makeLink;
 using TreeFiles::write;
 using TreeFiles::writeMany;
 using TreeFiles::writeManySizes;
+using TreeFiles::writeSparse;
 using namespace TreeRuns;
 
 namespace {
-
-// Two parts with a hole between them.
-void writeSparse(const QByteArray& path)
-{
-    TreeFiles::writeAt(path, 0, QByteArray(100000, 'b'));
-    TreeFiles::writeAt(path, 400000, QByteArray(100000, 'e'));
-}
 
 // Every file of the first tree that is not in the second one whole, by name and content.
 QList<QByteArray> lost(const Tree& before, const Tree& source, const Tree& target)
@@ -71,23 +65,11 @@ private Q_SLOTS:
     void folderThatIsExchangedEndsTheWalkOnItsWayBack();
     void copyGoesOnWithoutAFurtherThread();
     void helperThreadsTakeNoSignals();
-    void copyGoesOnWithoutModes_data();
-    void copyGoesOnWithoutModes();
-    void copyingNothingIsNoEnd();
-    void fileSystemsThatCopyNothingByThemselvesServe_data();
-    void fileSystemsThatCopyNothingByThemselvesServe();
-    void interruptedCallsAreMadeAgain_data();
-    void interruptedCallsAreMadeAgain();
     void contentThatCannotBeWrittenLeavesNoFile_data();
     void contentThatCannotBeWrittenLeavesNoFile();
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll_data();
     void sourceThatShrinksIsCopiedAsItIsOrNotAtAll();
-    void fileSystemsWithoutUnnamedFilesServe_data();
-    void fileSystemsWithoutUnnamedFilesServe();
-    void olderKernelsServe_data();
-    void olderKernelsServe();
     void temporaryFileThatCannotBeMadeFailsTheCopy();
-    void folderThatTellsNoKindsIsWalked();
     void folderThatCannotBeListedKeepsItsRights();
     void fullDiskLeavesNoPartOfAFile_data() { addEveryWay(); }
     void fullDiskLeavesNoPartOfAFile();
@@ -211,106 +193,6 @@ void tst_TreeFaults::helperThreadsTakeNoSignals()
     }
 }
 
-void tst_TreeFaults::copyGoesOnWithoutModes_data()
-{
-    QTest::addColumn<int>("error");
-    QTest::addColumn<bool>("unnamed");
-    for (const int error : {EOPNOTSUPP, EPERM}) {
-        QTest::addRow("error %d, unnamed files", error) << error << true;
-        QTest::addRow("error %d, temporary files", error) << error << false;
-    }
-}
-
-// Some file systems know no permission bits.
-void tst_TreeFaults::copyGoesOnWithoutModes()
-{
-    QFETCH(int, error);
-    QFETCH(bool, unnamed);
-    FaultyCalls::allowUnnamedFiles(unnamed);
-    writeManySizes(m_source + "/file", 60);
-    const Tree before = content(m_source);
-    for (const Manner manner : {Copy, Move}) {
-        FaultyCalls::failFromNth(FaultyCalls::ChangingMode, 1, error);
-        QVERIFY(transfer(manner));
-        QVERIFY(FaultyCalls::wasHit());
-        QCOMPARE(content(m_target), before);
-    }
-    QVERIFY(content(m_source).isEmpty());
-}
-
-// Files of some network and user-space file systems are copied by reading alone.
-void tst_TreeFaults::copyingNothingIsNoEnd()
-{
-    write(m_source + "/small", QByteArray(5000, 's'));
-    write(m_source + "/dense", QByteArray(300000, 'd'));
-    writeSparse(m_source + "/sparse");
-    const Tree before = content(m_source);
-    bool hit = true;
-    for (int n = 1; hit; ++n) {
-        for (const Manner manner : {Copy, Move}) {
-            FaultyCalls::failFromNth(FaultyCalls::Copying, n, FaultyCalls::nothingDone);
-            QVERIFY(transfer(manner));
-            hit = FaultyCalls::wasHit();
-            FaultyCalls::heal();
-            QCOMPARE(content(m_target), before);
-        }
-        QVERIFY(content(m_source).isEmpty());
-        QVERIFY(TreeRuns::transfer(m_target, m_source, Move));
-    }
-}
-
-void tst_TreeFaults::fileSystemsThatCopyNothingByThemselvesServe_data()
-{
-    QTest::addColumn<int>("error");
-    for (const int error : {EINVAL, EXDEV, ENOSYS, EOPNOTSUPP, EPERM, EBADF, ETXTBSY})
-        QTest::addRow("error %d", error) << error;
-}
-
-void tst_TreeFaults::fileSystemsThatCopyNothingByThemselvesServe()
-{
-    QFETCH(int, error);
-    write(m_source + "/small", QByteArray(5000, 's'));
-    write(m_source + "/dense", QByteArray(300000, 'd'));
-    writeSparse(m_source + "/sparse");
-    const Tree before = content(m_source);
-    for (const Manner manner : {Copy, Move}) {
-        FaultyCalls::failFromNth(FaultyCalls::Copying, 1, error);
-        QVERIFY(transfer(manner));
-        QVERIFY(FaultyCalls::wasHit());
-        QCOMPARE(content(m_target), before);
-    }
-    QVERIFY(content(m_source).isEmpty());
-}
-
-void tst_TreeFaults::interruptedCallsAreMadeAgain_data()
-{
-    QTest::addColumn<int>("call");
-    QTest::newRow("copying") << int(FaultyCalls::Copying);
-    QTest::newRow("writing") << int(FaultyCalls::Writing);
-}
-
-void tst_TreeFaults::interruptedCallsAreMadeAgain()
-{
-    QFETCH(int, call);
-    write(m_source + "/small", QByteArray(5000, 's'));
-    write(m_source + "/dense", QByteArray(300000, 'd'));
-    writeSparse(m_source + "/sparse");
-    // What the kernel makes up is copied by reading and writing.
-    makeLink("/proc/version", m_source + "/version");
-    Tree expected = content(m_source);
-    expected["version"] = "file " + TreeFiles::read("/proc/version");
-    bool hit = true;
-    int interrupted = 0;
-    for (int n = 1; hit; ++n) {
-        FaultyCalls::failNth(static_cast<FaultyCalls::Call>(call), n, EINTR);
-        QVERIFY(copy());
-        hit = FaultyCalls::wasHit();
-        interrupted += hit ? 1 : 0;
-        QCOMPARE(content(m_target), expected);
-    }
-    QVERIFY(interrupted > 0);
-}
-
 void tst_TreeFaults::contentThatCannotBeWrittenLeavesNoFile_data()
 {
     QTest::addColumn<int>("error");
@@ -367,61 +249,6 @@ void tst_TreeFaults::sourceThatShrinksIsCopiedAsItIsOrNotAtAll()
     }
 }
 
-void tst_TreeFaults::fileSystemsWithoutUnnamedFilesServe_data()
-{
-    QTest::addColumn<int>("call");
-    QTest::addColumn<int>("error");
-    using namespace FaultyCalls;
-    QTest::newRow("no unnamed files") << int(OpeningUnnamed) << EOPNOTSUPP;
-    QTest::newRow("old kernel") << int(OpeningUnnamed) << EISDIR;
-    QTest::newRow("no right to name them") << int(Linking) << ENOENT;
-}
-
-void tst_TreeFaults::fileSystemsWithoutUnnamedFilesServe()
-{
-    QFETCH(int, call);
-    QFETCH(int, error);
-    writeManySizes(m_source + "/folder/file", 60);
-    write(m_source + "/large", QByteArray(200000, 'y'));
-    const Tree before = content(m_source);
-    FaultyCalls::failFromNth(static_cast<FaultyCalls::Call>(call), 1, error);
-    QVERIFY(copy());
-    QCOMPARE(content(m_target), before);
-    // Where files of these names are already, and may not be replaced.
-    QVERIFY(!copy(false));
-    QVERIFY(move());
-    QCOMPARE(content(m_target), before);
-    QVERIFY(content(m_source).isEmpty());
-}
-
-void tst_TreeFaults::olderKernelsServe_data()
-{
-    QTest::addColumn<bool>("links");
-    QTest::newRow("links") << true;
-    QTest::newRow("a file system without links") << false;
-}
-
-// Without files that have no name, and without a way to rename only if the new name is free.
-void tst_TreeFaults::olderKernelsServe()
-{
-    QFETCH(bool, links);
-    FaultyCalls::allowUnnamedFiles(false);
-    FaultyCalls::allowRenamingIfFree(false);
-    if (!links)
-        FaultyCalls::failFromNth(FaultyCalls::Linking, 1, EPERM);
-    writeManySizes(m_source + "/folder/file", 30);
-    const Tree before = content(m_source);
-    QVERIFY(copy());
-    QCOMPARE(content(m_target), before);
-    write(m_source + "/folder/file7", "another");
-    QVERIFY(!copy(false));
-    QCOMPARE(content(m_target), before);
-    const Tree changed = content(m_source);
-    QVERIFY(move());
-    QCOMPARE(content(m_target), changed);
-    QVERIFY(content(m_source).isEmpty());
-}
-
 void tst_TreeFaults::temporaryFileThatCannotBeMadeFailsTheCopy()
 {
     write(m_source + "/file", "kept");
@@ -430,23 +257,6 @@ void tst_TreeFaults::temporaryFileThatCannotBeMadeFailsTheCopy()
     QVERIFY(!copy());
     QVERIFY(FaultyCalls::wasHit());
     QCOMPARE(content(m_target), Tree());
-}
-
-void tst_TreeFaults::folderThatTellsNoKindsIsWalked()
-{
-    writeManySizes(m_source + "/folder/inner/file", 5);
-    write(m_root + "/elsewhere/file", "behind a link");
-    makeLink("../elsewhere/file", m_source + "/link");
-    makeLink("../elsewhere", m_source + "/folderlink");
-    QVERIFY(copy());
-    const Tree expected = content(m_target);
-    QVERIFY(remove(m_target));
-    FaultyCalls::tellKinds(false);
-    QVERIFY(copy());
-    QCOMPARE(content(m_target), expected);
-    QVERIFY(remove(m_target));
-    QVERIFY(!exists(m_target));
-    QCOMPARE(expected.value("folderlink/file"), QByteArray("file behind a link"));
 }
 
 void tst_TreeFaults::folderThatCannotBeListedKeepsItsRights()
